@@ -1,0 +1,154 @@
+/*
+ * cammgr.h - the camera-manager library: one player per camera.
+ *
+ * A player keeps a session with one camera: it answers keep-alive probes, draws the camera's live
+ * stream on a native window, takes snapshots, records, talks back, and carries command requests.
+ * A camera maker may ship a library with this interface in the place of ours.
+ *
+ * Threads: every call may come from any one thread at a time (the client calls from its GUI
+ * thread). The callback runs on threads of the library, never inside a call of the same player,
+ * and must not call the library. Calls return within 2 ms, except RtspPlayer_Snapshot (as long as
+ * one JPEG takes), RtspPlayer_Stop (until nothing draws on the window any more) and
+ * RtspPlayer_DeleteSync (until the player is gone).
+ *
+ * Results: 0 or positive for success, negative for failure, where nothing else is said.
+ * Texts are NUL-terminated; the library copies what it keeps.
+ */
+#ifndef ZELVARO_CAMMGR_H
+#define ZELVARO_CAMMGR_H
+
+#include <stdint.h>
+
+#if defined(_WIN32)
+#define CAMMGR_API
+#else
+#define CAMMGR_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Opaque: one session with one camera. */
+typedef struct RtspPlayer RtspPlayer;
+
+/* First argument of the callback. */
+enum {
+    CAMMGR_MSG_PROBE_OK = 0,       /* a probe was answered; count is 0, strings NULL */
+    CAMMGR_MSG_PROBE_FAILED = 1,   /* a probe failed; the second argument is the error code:
+                                      CAMMGR_ERROR_REFUSED or CAMMGR_ERROR_UNREACHABLE */
+    CAMMGR_MSG_DELETED = 2,        /* RtspPlayer_Delete is complete; the handle is invalid */
+    CAMMGR_MSG_COMMAND_REPLIES = 3 /* replies of a command batch: count texts, in request order */
+};
+
+/* Second argument of CAMMGR_MSG_PROBE_FAILED. */
+enum {
+    CAMMGR_ERROR_UNREACHABLE = 0, /* no usable answer */
+    CAMMGR_ERROR_REFUSED = 1      /* the camera refused the user name or password */
+};
+
+/*
+ * message: a CAMMGR_MSG_ value. count_or_error: number of strings, or the error code. context: as
+ * given to RtspPlayer_Create. strings: count texts that are valid during the call only, or NULL.
+ */
+typedef void (*RtspPlayerCallback)(int message, int count_or_error, void *context, char **strings);
+
+/*
+ * Makes a player. hostname is an address ("192.168.1.20", "cam.lan:8554", "[fe80::1]"), a full
+ * rtsp:// or rtsps:// address, or a UID as discovery shows it, which is resolved on the local
+ * network. Nothing is sent yet. Returns NULL when no player can be made.
+ */
+CAMMGR_API RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username,
+                                         const char *password, RtspPlayerCallback callback,
+                                         void *context);
+
+/*
+ * Asks for one keep-alive probe, answered later by exactly one CAMMGR_MSG_PROBE_ message, also
+ * when the player is stopped in between. A probe that is outstanding is not doubled.
+ */
+CAMMGR_API int RtspPlayer_TickAlive(RtspPlayer *player);
+
+/* Ends an outstanding probe early; it is then answered with CAMMGR_MSG_PROBE_FAILED. */
+CAMMGR_API int RtspPlayer_Stop_Connecting(RtspPlayer *player);
+
+/* Which stream suits a large picture: 0 the main stream, 1 the sub stream. */
+CAMMGR_API int RtspPlayer_GetMode(RtspPlayer *player);
+
+/*
+ * Chooses the stream (path "/live/0/h264.sdp" main, "/live/1/h264.sdp" sub) and the native window
+ * that it is drawn on. The window must live until RtspPlayer_Stop has returned or another window
+ * was set up. A stream that plays is moved to the new path and window at the next play.
+ */
+CAMMGR_API int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path,
+                                             uintptr_t native_window);
+
+/* Starts the stream that was set up; nothing when it plays or is being started. Never waits. */
+CAMMGR_API int RtspPlayer_Play(RtspPlayer *player);
+
+/* Ends the stream, its recording and its talk-back; the session goes on. Nothing draws on the
+ * window any more when it returns. */
+CAMMGR_API int RtspPlayer_Stop(RtspPlayer *player);
+
+/* Non-zero while frames arrive: from the first decoded frame until the stream ends or no frame
+ * came for 5 s. */
+CAMMGR_API int RtspPlayer_IsPlaying(RtspPlayer *player);
+
+/* Asynchronous delete: CAMMGR_MSG_DELETED tells the end. Needs a stopped player. */
+CAMMGR_API int RtspPlayer_Delete(RtspPlayer *player);
+
+/* Deletes at once; no callback runs during or after the call. Needs a stopped player. */
+CAMMGR_API int RtspPlayer_DeleteSync(RtspPlayer *player);
+
+/* Non-zero when the stream that plays has video, audio. */
+CAMMGR_API int RtspPlayer_HasVideoStream(RtspPlayer *player);
+CAMMGR_API int RtspPlayer_HasAudioStream(RtspPlayer *player);
+
+/* volume 0 (silent) to 200; 100 is the level of the source. Kept for streams started later. */
+CAMMGR_API int RtspPlayer_SetVolume(RtspPlayer *player, int volume);
+
+/*
+ * Writes the frame on the screen, in full stream resolution, as JPEG. The file is complete (or
+ * absent) when the call returns: it is written beside and renamed. Negative when there is no
+ * frame or the file cannot be written.
+ */
+CAMMGR_API int RtspPlayer_Snapshot(RtspPlayer *player, const char *path);
+
+/*
+ * Starts recording to base_path + ".mp4", from the key frame before the call. At limit bytes the
+ * clip closes and the next one goes on without a lost frame as base_path + "_2.mp4", "_3.mp4" and
+ * so on, each with its own still (name + ".mp4.jpeg"). limit 0: no limit.
+ */
+CAMMGR_API int RtspPlayer_BeginWriting(RtspPlayer *player, const char *base_path, int limit);
+
+/* Ends the recording; the file is finished in the background. */
+CAMMGR_API int RtspPlayer_EndWriting(RtspPlayer *player);
+
+/* Non-zero while a recording runs. */
+CAMMGR_API int RtspPlayer_IsWriting(RtspPlayer *player);
+
+/* Over the last second: frames per second, bits per second. */
+CAMMGR_API int RtspPlayer_GetVideoFrameRate(RtspPlayer *player);
+CAMMGR_API int RtspPlayer_GetBitRate(RtspPlayer *player);
+
+/* Size of the stream in pixels; 0 while unknown. */
+CAMMGR_API int RtspPlayer_GetVideoWidth(RtspPlayer *player);
+CAMMGR_API int RtspPlayer_GetVideoHeight(RtspPlayer *player);
+
+/*
+ * Sends count request texts to the camera's HTTP port, in order, and answers later with one
+ * CAMMGR_MSG_COMMAND_REPLIES that holds count reply bodies, within 15 s. A request that could not
+ * be carried is answered with a failure text. One batch at a time; negative while one is out.
+ */
+CAMMGR_API int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requests,
+                                                int count);
+
+/* Talk-back: microphone to camera. Play never waits; IsPlaying is non-zero while it runs. */
+CAMMGR_API int AudioUpload_Play(RtspPlayer *player);
+CAMMGR_API int AudioUpload_Stop(RtspPlayer *player);
+CAMMGR_API int AudioUpload_IsPlaying(RtspPlayer *player);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

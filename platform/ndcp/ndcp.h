@@ -1,0 +1,96 @@
+/*
+ * ndcp.h - the discovery library: finds the cameras of the local network and reads and writes
+ * their network configuration.
+ *
+ * Threads: a client is used from one thread (the client program's GUI thread). The callback runs
+ * on a thread of the library and must not call it. No call waits for the network.
+ */
+#ifndef ZELVARO_NDCP_H
+#define ZELVARO_NDCP_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#if defined(_WIN32)
+#define NDCP_API
+#else
+#define NDCP_API __attribute__((visibility("default")))
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* First argument of the callback. */
+enum {
+    NDCP_EVENT_DISCOVERY = 1, /* a search has finished; the device table may be read */
+    NDCP_EVENT_GET_CONF = 2,  /* ndcpclient_get_conf has finished */
+    NDCP_EVENT_SET_CONF = 3   /* ndcpclient_set_conf has finished */
+};
+
+/* Second argument of the callback; 0 is success. */
+enum {
+    NDCP_ERROR_NETWORK = -1,      /* no answer */
+    NDCP_ERROR_AUTHORIZATION = -2, /* user name or password refused */
+    NDCP_ERROR_GET_CONF = -3,     /* the device could not tell its configuration */
+    NDCP_ERROR_SET_CONF = -4      /* the device did not take the configuration */
+};
+
+/*
+ * One device, 408 bytes. Texts are NUL-terminated and cut to their fields. Numbers are in host
+ * order; addresses are IPv4 as 32-bit numbers (127.0.0.1 is 0x7F000001), 0 when unknown.
+ */
+typedef struct ndcp_device {
+    uint8_t mac[6];
+    uint8_t reserved[10];
+    uint32_t ip;
+    int16_t http_port;
+    char model[32];
+    char name[32];
+    char location[128];
+    char uid[42];
+    uint32_t manual_ip; /* non-zero: the address was assigned by hand, not by DHCP */
+    uint32_t mask;
+    uint32_t gateway;
+    uint32_t manual_dns;
+    uint32_t dns1;
+    uint32_t dns2;
+    char username[64]; /* for configuration requests; set by the caller */
+    char password[64];
+} ndcp_device;
+
+/* Opaque: one client. */
+typedef struct ndcp_client ndcp_client;
+
+/* message: an NDCP_EVENT_ value; error: 0 or an NDCP_ERROR_ value; user as given to create. */
+typedef void (*ndcp_callback)(int message, int error, void *user);
+
+/* Makes a client; NULL when none can be made. */
+NDCP_API ndcp_client *ndcpclient_create(ndcp_callback callback, void *user);
+
+/* Starts a search and returns at once; NDCP_EVENT_DISCOVERY tells the end, after about 3 s. */
+NDCP_API int ndcpclient_discover(ndcp_client *client);
+
+/* Number of devices that the last finished search found. */
+NDCP_API int32_t ndcpclient_getcnt(ndcp_client *client);
+
+/* Device at index (from 0), NULL past the end. Owned by the client, valid until the next search. */
+NDCP_API const ndcp_device *ndcpclient_getdev(ndcp_client *client, int32_t index);
+
+/*
+ * Reads the network configuration of the device into the record, with the record's user name and
+ * password. The record must stay valid until NDCP_EVENT_GET_CONF.
+ */
+NDCP_API int ndcpclient_get_conf(ndcp_client *client, ndcp_device *device);
+
+/* Writes the record's network configuration to the device; ends with NDCP_EVENT_SET_CONF. */
+NDCP_API int ndcpclient_set_conf(ndcp_client *client, ndcp_device *device);
+
+/* Destroys the client. No callback runs during or after the call. */
+NDCP_API void ndcpclient_delete(ndcp_client *client);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
