@@ -1,8 +1,6 @@
 # Sourced by ./run, ./test and bench/run: installs packages, builds, brings a display.
 # Expects $root, the top of the tree.
 
-export LC_ALL=C.UTF-8
-
 say() { printf '%s\n' "$*" >&2; }
 fail() { say "error: $*"; exit 1; }
 
@@ -11,7 +9,7 @@ package_names() {
     local list
     for list in "$@"; do
         sed -e 's/#.*//' -e '/^[[:space:]]*$/d' "$root/packaging/packages-$list.txt"
-    done | sort -u
+    done | LC_ALL=C sort -u
 }
 
 as_root() {
@@ -27,8 +25,8 @@ ensure_packages() {
     local missing log
     command -v dpkg-query >/dev/null ||
         fail "this script installs Debian packages; on another system install the equivalents of $(package_names "$@" | tr '\n' ' ')"
-    missing=$(comm -23 <(package_names "$@") \
-        <(dpkg-query -W -f='${db:Status-Status} ${Package}\n' | sed -n 's/^installed //p' | sort -u))
+    missing=$(LC_ALL=C comm -23 <(package_names "$@") \
+        <(dpkg-query -W -f='${db:Status-Status} ${Package}\n' | sed -n 's/^installed //p' | LC_ALL=C sort -u))
     [ -n "$missing" ] || return 0
     if [ "$(id -u)" != 0 ] && ! command -v sudo >/dev/null; then
         fail "these packages are missing and there is no sudo; as root, run: apt-get install --no-install-recommends $(echo $missing)"

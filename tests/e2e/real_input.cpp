@@ -1,0 +1,133 @@
+#include "tests/e2e/real_input.h"
+
+#include <QWidget>
+
+#include <X11/XKBlib.h>
+#include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+struct RealInput::Private
+{
+    Display *display = nullptr;
+
+    void motion(QPoint global)
+    {
+        XTestFakeMotionEvent(display, -1, global.x(), global.y(), CurrentTime);
+        XSync(display, False);
+    }
+
+    void button(bool press)
+    {
+        XTestFakeButtonEvent(display, Button1, press ? True : False, CurrentTime);
+        XSync(display, False);
+    }
+
+    void click()
+    {
+        button(true);
+        button(false);
+    }
+
+    void keyCode(KeyCode code, bool press)
+    {
+        XTestFakeKeyEvent(display, code, press ? True : False, CurrentTime);
+        XSync(display, False);
+    }
+
+    void stroke(KeySym symbol, KeySym modifier = NoSymbol)
+    {
+        const KeyCode code = XKeysymToKeycode(display, symbol);
+        const KeyCode held = modifier == NoSymbol ? 0 : XKeysymToKeycode(display, modifier);
+        if (held != 0)
+            keyCode(held, true);
+        keyCode(code, true);
+        keyCode(code, false);
+        if (held != 0)
+            keyCode(held, false);
+    }
+};
+
+namespace {
+
+QPoint globalPoint(const QWidget *widget, QPoint point)
+{
+    return widget->mapToGlobal(point.x() < 0 ? widget->rect().center() : point);
+}
+
+} // namespace
+
+RealInput::RealInput()
+    : d(std::make_unique<Private>())
+{
+    d->display = XOpenDisplay(nullptr);
+    int unused = 0;
+    if (d->display != nullptr &&
+        !XTestQueryExtension(d->display, &unused, &unused, &unused, &unused)) {
+        XCloseDisplay(d->display);
+        d->display = nullptr;
+    }
+}
+
+RealInput::~RealInput()
+{
+    if (d->display != nullptr)
+        XCloseDisplay(d->display);
+}
+
+bool RealInput::isValid() const
+{
+    return d->display != nullptr;
+}
+
+void RealInput::moveTo(const QWidget *widget, QPoint point)
+{
+    d->motion(globalPoint(widget, point));
+}
+
+void RealInput::click(const QWidget *widget, QPoint point)
+{
+    moveTo(widget, point);
+    d->click();
+}
+
+void RealInput::doubleClick(const QWidget *widget, QPoint point)
+{
+    moveTo(widget, point);
+    d->click();
+    d->click();
+}
+
+void RealInput::drag(const QWidget *widget, QPoint from, QPoint to)
+{
+    constexpr int steps = 8;
+    // The widget may move with the pointer: the way is fixed before the button goes down.
+    const QPoint start = widget->mapToGlobal(from);
+    const QPoint end = widget->mapToGlobal(to);
+    d->motion(start);
+    d->button(true);
+    for (int step = 1; step <= steps; ++step)
+        d->motion(start + (end - start) * step / steps);
+    d->button(false);
+}
+
+void RealInput::type(const QString &text)
+{
+    for (const QChar character : text) {
+        // The Latin-1 part of the key symbols has the values of the characters.
+        const KeySym symbol = character.unicode();
+        const KeyCode code = XKeysymToKeycode(d->display, symbol);
+        const bool shifted = XkbKeycodeToKeysym(d->display, code, 0, 0) != symbol;
+        d->stroke(symbol, shifted ? XK_Shift_L : NoSymbol);
+    }
+}
+
+void RealInput::key(unsigned long keySymbol)
+{
+    d->stroke(keySymbol);
+}
+
+void RealInput::selectAll()
+{
+    d->stroke(XK_a, XK_Control_L);
+}
