@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace cammgr {
+
+/// Why a stream ended by itself.
+enum class StreamEnd {
+    Failed,   ///< no connection, a protocol error, a stream that cannot be decoded
+    Refused,  ///< the camera did not accept the user name or password (401, 403)
+    NotFound, ///< the camera does not know the path (404)
+    Closed,   ///< the camera ended a stream that was playing
+    Stalled,  ///< no video for 5 s
+    NoVideo   ///< the camera's description holds no H.264 video
+};
+
+/// What to play, and where.
+struct StreamRequest
+{
+    std::string url; ///< rtsp:// or rtsps://, without credentials
+    std::string username;
+    std::string password;
+    uintptr_t window = 0; ///< native window to draw on; 0 plays without drawing
+};
+
+/**
+ * One live stream of one camera: receives it, draws it, takes snapshots and records.
+ *
+ * Called by one thread at a time. No call waits for the camera; see each call for what it waits
+ * for. A stream that ended by itself is started again by start().
+ */
+class LiveStream
+{
+public:
+    /// Called on threads of the library, one call at a time, never during or after stop(), and not
+    /// allowed to call start(), stop() or the destructor. Each may be empty.
+    struct Listener
+    {
+        std::function<void()> firstFrame;      ///< the first picture arrived
+        std::function<void(StreamEnd)> ended;  ///< exactly once for a stream that ends by itself
+        std::function<void()> wantKeyFrame;    ///< a key frame now would show the picture sooner
+    };
+
+    explicit LiveStream(Listener listener);
+    /// Stops, and waits (at most some seconds) until clips that are being closed are on the disk.
+    ~LiveStream();
+    LiveStream(const LiveStream &) = delete;
+    LiveStream &operator=(const LiveStream &) = delete;
+
+    /// Starts a stream in the background; one that is active already is stopped first.
+    void start(const StreamRequest &request);
+    /// Ends the stream and its recording. Nothing draws on the window any more, and no callback
+    /// runs any more, when it returns; the rest of the clean-up goes on behind.
+    void stop();
+
+    /// Starting or playing: from start() until stop() or the end of the stream.
+    bool isActive() const;
+    /// Frames arrive: from the first one on, until none came for 5 s or the stream ends.
+    bool isPlaying() const;
+    /// Whether the stream that is active has video, audio; false while that is unknown.
+    bool hasVideo() const;
+    bool hasAudio() const;
+
+    /// 0 (silent) to 200; 100 is the level of the source. Kept for streams started later.
+    void setVolume(int percent);
+
+    /// Writes the newest picture in the stream's own size as JPEG, beside path first and then
+    /// renamed. Takes as long as one JPEG. 0, or negative when there is no picture or the file
+    /// cannot be written; the file at path is then as before.
+    int snapshot(const std::string &path);
+
+    /// Records to basePath + ".mp4" from the key frame before the call; at limitBytes (0: never)
+    /// goes on in basePath + "_2.mp4", "_3.mp4" ... without a lost frame, each of those with a
+    /// still beside it (name + ".jpeg"). 0, or negative when not playing or already writing.
+    int beginWriting(const std::string &basePath, int limitBytes);
+    /// Ends the recording; the file is finished in the background. Negative when none runs.
+    int endWriting();
+    /// False again after endWriting(), at the end of the stream and when the disk is full.
+    bool isWriting() const;
+
+    int frameRate() const; ///< frames that arrived in the last second
+    int bitRate() const;   ///< bits of video that arrived in the last second
+    int width() const;     ///< pixels; 0 while unknown
+    int height() const;
+
+private:
+    class Session;
+    class Private;
+    std::unique_ptr<Private> d;
+};
+
+} // namespace cammgr
