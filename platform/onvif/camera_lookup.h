@@ -1,0 +1,79 @@
+#pragma once
+
+#include "platform/onvif/request.h"
+#include "platform/onvif/soap_status.h"
+
+#include <glib.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace onvif {
+
+/// Where a camera is.
+struct CameraLocation
+{
+    std::string address; ///< host without port: dotted IPv4, or the host name that was asked for
+    std::string xaddr;   ///< its ONVIF device service, an http or https address
+};
+
+/// One H.264 stream of a camera.
+struct CameraStream
+{
+    std::string uri;          ///< rtsp:// or rtsps:// at the camera's own host, without credentials
+    std::string profileToken; ///< for requestKeyFrame
+    int width = 0;            ///< pixels
+    int height = 0;
+};
+
+/// The largest and the smallest H.264 stream; the same one twice when there is only one.
+struct CameraStreams
+{
+    CameraStream main;
+    CameraStream sub;
+};
+
+/// What the stream engine asks of ONVIF: where a camera is, which streams it has, a key frame now.
+///
+/// Everything is asynchronous on the main context given. The object, its requests and its
+/// callbacks belong to the thread that runs that context, and requests must be destroyed before
+/// the object. Callbacks never run inside the call that starts them. A request that is destroyed
+/// is cancelled. Connections and what was learned of a camera (media service, way of signing,
+/// clock) are kept between requests.
+class CameraLookup
+{
+public:
+    explicit CameraLookup(GMainContext *context);
+    ~CameraLookup();
+    CameraLookup(const CameraLookup &) = delete;
+    CameraLookup &operator=(const CameraLookup &) = delete;
+
+    /// Finds the camera with this UID (as discovery shows it) on the local network; nullopt when
+    /// none answered within 3 s.
+    [[nodiscard]] RequestPtr resolve(const std::string &uid,
+                                     std::function<void(std::optional<CameraLocation>)> done);
+
+    /// Finds the device service of the camera at a host (address or name without port): asks the
+    /// host itself for up to 1.5 s, else takes ONVIF's usual address on port 80.
+    [[nodiscard]] RequestPtr locate(const std::string &host,
+                                    std::function<void(CameraLocation)> done);
+
+    /// The streams of the camera whose device service is at xaddr. The streams are filled when
+    /// the status is Ok. A camera without an H.264 profile is a Fault.
+    [[nodiscard]] RequestPtr streamUris(const std::string &xaddr, const Credentials &credentials,
+                                        std::function<void(SoapStatus, CameraStreams)> done);
+
+    /// Asks for a key frame (SetSynchronizationPoint) on a profile.
+    [[nodiscard]] RequestPtr requestKeyFrame(const std::string &xaddr,
+                                             const std::string &profileToken,
+                                             const Credentials &credentials,
+                                             std::function<void(SoapStatus)> done);
+
+private:
+    class Private;
+    std::unique_ptr<Private> m_private;
+};
+
+} // namespace onvif
