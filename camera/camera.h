@@ -1,0 +1,22 @@
+#pragma once
+
+#include "camera/camera_core.h"
+
+/// The session of one registered camera, with its thumbnail in the album.
+class CCamera : public CCameraCore
+{
+    Q_OBJECT
+
+public:
+    using CCameraCore::CCameraCore;
+
+    /// "thumb.jpeg" in the camera's folder of the album.
+    QString thumb_path() const;
+    bool has_thumb() const;
+    /// Makes the camera's folder if need be, writes the picture on the screen into the thumbnail
+    /// and emits signalThumbChanged, also when there was no picture. @return 1
+    int take_thumb();
+
+signals:
+    void signalThumbChanged();
+};
