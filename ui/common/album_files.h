@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+#include <functional>
+
+/// Where the photos and recordings of a camera lie. The live views write these names and the album
+/// pages read them.
+
+namespace zelvaro {
+
+/// Tells the local date and time; tests put a standing clock in its place.
+using Clock = std::function<QDateTime()>;
+QDateTime localTime();
+
+/// Size in bytes at which a clip is closed and the next one begun.
+constexpr int RecordingLimit = 104857600;
+
+constexpr char PhotoFilter[] = "*.jpg";
+constexpr char ClipFilter[] = "*.mp4";
+
+/// The folder of one camera: photos and recordings lie in it side by side.
+QString cameraFolder(const QString &albumRoot, const QString &hostname);
+/// The same, made with all its parents when it is missing. A failure shows when a file is written.
+QString madeCameraFolder(const QString &albumRoot, const QString &hostname);
+
+/// "/20240305_070809", with the slash. Two stamps of the same second are equal.
+QString timeStamp(const QDateTime &time);
+
+/// The file of a photo taken at that time.
+QString photoFile(const QString &folder, const QDateTime &time);
+/// Name of a recording begun at that time, without extension: the stream library adds it.
+QString recordingBase(const QString &folder, const QDateTime &time);
+/// The first clip of a recording.
+QString clipFile(const QString &recordingBase);
+/// The still picture beside a clip: its name followed by a second extension.
+QString clipStill(const QString &clipFile);
+
+} // namespace zelvaro

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QList>
+#include <QPointer>
+#include <QWidget>
+
+class QGridLayout;
+
+namespace zelvaro {
+
+/// Places tiles in a grid from the left and the top, and packs them there: the column and the row
+/// behind them take the slack. Used by the pages whose tiles flow.
+class TileGrid
+{
+public:
+    /// layout: not owned, outlives this.
+    explicit TileGrid(QGridLayout *layout);
+
+    /// Takes out what stands in the grid and places the tiles again: tile i at row i / columns,
+    /// column i % columns. columns below 1 count as 1.
+    /// @param trailing number of widgets at the end of tiles that are no items of the page (its add
+    ///                 button); the row that takes the slack is counted without them
+    void place(const QWidgetList &tiles, int columns, int trailing = 0);
+    /// Takes out all tiles, without deleting them, and gives back the slack.
+    void takeOut();
+
+    /// The tiles that stand in the grid, in order; null for one that was deleted meanwhile.
+    const QList<QPointer<QWidget>> &placed() const { return m_placed; }
+
+private:
+    QGridLayout *m_layout;
+    QList<QPointer<QWidget>> m_placed;
+    int m_slackColumn = -1;
+    int m_slackRow = -1;
+};
+
+/// The tiles of a page as the widgets that a grid places.
+template <typename Tile>
+QWidgetList asWidgets(const QList<Tile *> &tiles)
+{
+    QWidgetList widgets;
+    widgets.reserve(tiles.size());
+    for (Tile *tile : tiles)
+        widgets.append(tile);
+    return widgets;
+}
+
+} // namespace zelvaro
