@@ -4,6 +4,7 @@
 #include "ui_message_box.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 #include <QRegularExpression>
 #include <QScreen>
 
@@ -13,11 +14,12 @@ constexpr int kWrapWidth = 360; // pixels; longer texts are wrapped
 
 QPixmap iconOf(int kind)
 {
+    constexpr QSize size(48, 48);
     switch (kind) {
     case CMessageBox::Question:
-        return QPixmap(QStringLiteral(":/images/icon/question.png"));
+        return QIcon(QStringLiteral(":/images/icon/question.png")).pixmap(size);
     case CMessageBox::Error:
-        return QPixmap(QStringLiteral(":/images/icon/error.png"));
+        return QIcon(QStringLiteral(":/images/icon/error.png")).pixmap(size);
     default:
         return {};
     }
