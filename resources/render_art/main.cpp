@@ -1,0 +1,110 @@
+// Renders the drawings of resources/art into the PNG files of the resource tree, fills the
+// palette into the style sheets, and writes the list of all files for the resource compiler:
+//
+//   render_art <art folder> <output folder> [alias=file ...]
+//
+// A file with the suffix .qss is filled in; every other one is listed as it is.
+
+#include "resources/render_art/art_book.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImage>
+#include <QPainter>
+#include <QSvgRenderer>
+#include <QTextStream>
+
+namespace {
+
+using zelvaro::ArtBook;
+
+QString render(const QByteArray &svg, const ArtBook::Image &image, int density, const QString &file)
+{
+    QSvgRenderer renderer(svg);
+    if (!renderer.isValid())
+        return QStringLiteral("%1: not a drawing").arg(image.name);
+    QImage picture(image.size * density, QImage::Format_ARGB32_Premultiplied);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    renderer.render(&painter, QRectF(QPointF(), picture.size()));
+    painter.end();
+    if (!QDir().mkpath(QFileInfo(file).path()) || !picture.save(file, "PNG"))
+        return QStringLiteral("%1: cannot write").arg(file);
+    return {};
+}
+
+/// Renders one image at both densities and lists the two files.
+QString renderImage(ArtBook &book, const ArtBook::Image &image, const QString &output,
+                    QTextStream &list)
+{
+    const QByteArray svg = book.svg(image).toUtf8();
+    for (int density = 1; density <= 2 && book.error().isEmpty(); ++density) {
+        const QString alias =
+            QStringLiteral("images/%1%2.png")
+                .arg(image.name, density == 2 ? QStringLiteral("@2x") : QString());
+        const QString error = render(svg, image, density, output + QLatin1Char('/') + alias);
+        if (!error.isEmpty())
+            return error;
+        list << "<file>" << alias << "</file>\n";
+    }
+    return book.error();
+}
+
+QString addFile(ArtBook &book, const QString &argument, const QString &output, QTextStream &list)
+{
+    const QString alias = argument.section(QLatin1Char('='), 0, 0);
+    const QString from = argument.section(QLatin1Char('='), 1);
+    if (!from.endsWith(QLatin1String(".qss"))) {
+        list << "<file alias=\"" << alias << "\">" << from << "</file>\n";
+        return {};
+    }
+    QFile source(from);
+    QFile target(output + QLatin1Char('/') + alias);
+    if (!QDir().mkpath(QFileInfo(target).path()) || !source.open(QIODevice::ReadOnly) ||
+        !target.open(QIODevice::WriteOnly))
+        return QStringLiteral("%1: cannot be filled in").arg(from);
+    target.write(book.filledIn(QString::fromUtf8(source.readAll()), from).toUtf8());
+    list << "<file>" << alias << "</file>\n";
+    return book.error();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = application.arguments().mid(1);
+    QTextStream errors(stderr);
+    if (arguments.size() < 2) {
+        errors << "usage: render_art <art folder> <output folder> [alias=file ...]\n";
+        return 2;
+    }
+
+    ArtBook book(arguments[0]);
+    const QString output = arguments[1];
+    QString text;
+    QTextStream list(&text);
+    list << "<RCC><qresource prefix=\"/\">\n";
+    QString error = book.error();
+    for (const ArtBook::Image &image : book.images()) {
+        if (error.isEmpty())
+            error = renderImage(book, image, output, list);
+    }
+    for (const QString &argument : arguments.mid(2)) {
+        if (error.isEmpty())
+            error = addFile(book, argument, output, list);
+    }
+    list << "</qresource></RCC>\n";
+
+    QFile file(output + QLatin1String("/zelvaro.qrc"));
+    if (error.isEmpty() && (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0))
+        error = QStringLiteral("%1: %2").arg(file.fileName(), file.errorString());
+    if (!error.isEmpty()) {
+        errors << "render_art: " << error << '\n';
+        return 1;
+    }
+    return 0;
+}
