@@ -128,8 +128,10 @@ private:
     RtspPlayer *player() const;
     void handleProbeResult(int message, int error);
     void handleDeleted();
-    void handleReplies(int count, const QStringList &replies);
+    void handleReplies(int nErrORcnt, const QStringList &result);
     void changeState(int status, int code);
+    /// Checks that the player may be deleted.
+    void checkStopped() const;
     void forgetPlayer();
 
     RtspPlayer *m_pRtspPlayer = nullptr;

@@ -47,7 +47,7 @@ typedef struct ini_index
 {
     ini_section **first;
     ini_section **last;
-    size_t slots;
+    size_t slot_count;
     size_t used;
 } ini_index;
 

@@ -1,0 +1,24 @@
+#include "camera/camera.h"
+
+#include "settings/camera_settings.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+QString CCamera::thumb_path() const
+{
+    return CameraSettings::instance().cameraFolder(hostname()) + QStringLiteral("/thumb.jpeg");
+}
+
+bool CCamera::has_thumb() const
+{
+    return QFileInfo::exists(thumb_path());
+}
+
+int CCamera::take_thumb()
+{
+    QDir().mkpath(CameraSettings::instance().cameraFolder(hostname()));
+    snapshot(thumb_path());
+    emit signalThumbChanged();
+    return 1;
+}
