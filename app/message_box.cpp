@@ -1,6 +1,5 @@
 #include "app/message_box.h"
 
-#include "app/dialog_style.h"
 #include "ui_message_box.h"
 
 #include <QGuiApplication>
@@ -33,7 +32,6 @@ CMessageBox::CMessageBox(int kind, const QString &title, const QString &text,
     , m_ui(std::make_unique<Ui::CMessageBox>())
 {
     m_ui->setupUi(this);
-    setStyleSheet(zelvaro::dialogStyleSheet() + styleSheet());
     m_ui->frameTitle->attach(this, true);
     setAttribute(Qt::WA_TranslucentBackground);
 
