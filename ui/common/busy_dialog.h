@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QProgressDialog>
+
+#include <functional>
+
+namespace zelvaro {
+
+/// The modal, frameless "please wait" dialog: a busy indicator without a cancel button, which only
+/// cancel() closes; Escape and the window's close button do not. GUI thread only.
+class BusyDialog : public QProgressDialog
+{
+    Q_OBJECT
+
+public:
+    BusyDialog(const QString &text, QWidget *parent);
+
+    void reject() override {}
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+};
+
+/// The one way to wait for a request whose end a signal tells: shows the dialog, runs start, and
+/// returns when the signal came. The signal must come through the event loop, so that it cannot
+/// come before the dialog runs. When start gives false nothing is waited for.
+/// @return what start gave.
+template <typename Sender, typename Signal>
+bool runBusy(QWidget *parent, const QString &text, Sender *sender, Signal finished,
+             const std::function<bool()> &start)
+{
+    BusyDialog dialog(text, parent);
+    QObject::connect(sender, finished, &dialog, &QProgressDialog::cancel);
+    const bool started = start();
+    if (started)
+        dialog.exec();
+    return started;
+}
+
+} // namespace zelvaro

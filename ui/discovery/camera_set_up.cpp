@@ -1,0 +1,172 @@
+#include "ui/discovery/camera_set_up.h"
+
+#include "app/message_box.h"
+#include "settings/developer_check.h"
+#include "ui/common/busy_dialog.h"
+#include "ui/discovery/address_edit.h"
+#include "ui/discovery/device_records.h"
+#include "ui/discovery/search_camera_list_form.h"
+#include "ui_camera_set_up.h"
+
+#include <QIntValidator>
+
+namespace {
+
+template <std::size_t N>
+QString asciiText(const char (&field)[N])
+{
+    return QString::fromLatin1(zelvaro::fieldBytes(field));
+}
+
+} // namespace
+
+CCameraSetUp::CCameraSetUp(CSearchCameraListForm *page, ndcp_device *record)
+    : QDialog(page, Qt::FramelessWindowHint)
+    , m_ui(std::make_unique<Ui::CameraSetUp>())
+    , m_page(page)
+    , m_pageRecord(record)
+    , m_record(*record)
+    , m_client([this](int message, int error) { emit signalNDCPEvent(message, error); })
+{
+    m_ui->setupUi(this);
+    m_ui->frameTitle->attach(this, true);
+    setAttribute(Qt::WA_TranslucentBackground);
+
+    connect(this, &CCameraSetUp::signalNDCPEvent, this, &CCameraSetUp::slotNDCPEvent,
+            Qt::QueuedConnection);
+    connect(m_ui->btnQuery, &QPushButton::clicked, this, &CCameraSetUp::slotQuery);
+    connect(m_ui->btnApply, &QPushButton::clicked, this, &CCameraSetUp::slotApply);
+    connect(m_ui->btnExit, &QPushButton::clicked, this, &CCameraSetUp::slotExit);
+    connect(m_ui->checkAssignIp, &QCheckBox::clicked, this, &CCameraSetUp::IPCheckBoxClicked);
+    connect(m_ui->checkAssignDns, &QCheckBox::clicked, this, &CCameraSetUp::DNSCheckBoxClicked);
+
+    m_ui->editHttpPort->setValidator(new QIntValidator(0, 65535, this));
+    m_ui->editHttpPort->setMaxLength(5);
+    const int longest = static_cast<int>(sizeof m_record.username) - 1;
+    m_ui->editUserName->setMaxLength(longest);
+    m_ui->editPassword->setMaxLength(longest);
+    fillControls();
+}
+
+CCameraSetUp::~CCameraSetUp() = default;
+
+void CCameraSetUp::fillControls()
+{
+    m_ui->editUserName->setText(asciiText(m_record.username));
+    m_ui->editPassword->setText(asciiText(m_record.password));
+    m_ui->editDeviceName->setText(asciiText(m_record.name));
+    m_ui->editLocation->setText(asciiText(m_record.location));
+    m_ui->editHttpPort->setText(QString::number(zelvaro::httpPort(m_record)));
+
+    m_ui->checkAssignIp->setChecked(m_record.manual_ip != 0);
+    IPCheckBoxClicked();
+    m_ui->checkAssignDns->setChecked(m_record.manual_dns != 0);
+    DNSCheckBoxClicked();
+
+    m_ui->addressIp->setAddress(m_record.ip);
+    m_ui->addressMask->setAddress(m_record.mask);
+    m_ui->addressGateway->setAddress(m_record.gateway);
+    m_ui->addressDns1->setAddress(m_record.dns1);
+    m_ui->addressDns2->setAddress(m_record.dns2);
+}
+
+void CCameraSetUp::IPCheckBoxClicked()
+{
+    const bool readOnly = !m_ui->checkAssignIp->isChecked();
+    for (CAddressEdit *edit : {m_ui->addressIp, m_ui->addressMask, m_ui->addressGateway})
+        edit->setReadOnly(readOnly);
+}
+
+void CCameraSetUp::DNSCheckBoxClicked()
+{
+    const bool readOnly = !m_ui->checkAssignDns->isChecked();
+    for (CAddressEdit *edit : {m_ui->addressDns1, m_ui->addressDns2})
+        edit->setReadOnly(readOnly);
+}
+
+void CCameraSetUp::slotQuery()
+{
+    zelvaro::storeField(m_record.username, m_ui->editUserName->text());
+    zelvaro::storeField(m_record.password, m_ui->editPassword->text());
+    zelvaro::runBusy(this, tr("Please wait for get configuration..."), this,
+                     &CCameraSetUp::signalGetConfFinished,
+                     [this] { return m_client.getConf(&m_record); });
+}
+
+zelvaro::NetworkConfiguration CCameraSetUp::entered() const
+{
+    return {m_ui->editDeviceName->text(),    m_ui->editLocation->text(),
+            m_ui->editHttpPort->text(),      m_ui->checkAssignIp->isChecked(),
+            m_ui->addressIp->address(),      m_ui->addressMask->address(),
+            m_ui->addressGateway->address(), m_ui->checkAssignDns->isChecked(),
+            m_ui->addressDns1->address(),    m_ui->addressDns2->address(),
+            m_ui->editUserName->text(),      m_ui->editPassword->text()};
+}
+
+void CCameraSetUp::slotApply()
+{
+    if (const auto message = zelvaro::NetworkConfigurationCheck::store(entered(), m_record)) {
+        showError(*message);
+        return;
+    }
+    fillControls(); // shows the mask and the texts as they were stored
+    zelvaro::runBusy(this, tr("Please wait for set configuration..."), this,
+                     &CCameraSetUp::signalSetConfFinished,
+                     [this] { return m_client.setConf(&m_record); });
+}
+
+void CCameraSetUp::slotExit()
+{
+    reject();
+}
+
+void CCameraSetUp::slotNDCPEvent(int nMsg, int nErrorCode)
+{
+    const bool known = nMsg == NDCP_EVENT_GET_CONF || nMsg == NDCP_EVENT_SET_CONF;
+    if (!zelvaro::developerCheck(
+            known, "nMsg == NDCP_EVENT_GET_CONF || nMsg == NDCP_EVENT_SET_CONF", "CameraSetUp"))
+        return;
+    if (nErrorCode != 0)
+        showLibraryError(nErrorCode);
+    else
+        takeOverResult();
+    if (nMsg == NDCP_EVENT_GET_CONF)
+        emit signalGetConfFinished();
+    else
+        emit signalSetConfFinished();
+}
+
+void CCameraSetUp::takeOverResult()
+{
+    // A device that takes its address from DHCP may not tell it: it is where it answered from.
+    if (m_record.manual_ip == 0)
+        m_record.ip = m_pageRecord->ip;
+    *m_pageRecord = m_record;
+    m_page->rebuildTable();
+    fillControls();
+}
+
+void CCameraSetUp::showError(const QString &text)
+{
+    CMessageBox(CMessageBox::Error, tr("Error"), text, QMessageBox::Ok, this).exec();
+}
+
+void CCameraSetUp::showLibraryError(int code)
+{
+    switch (code) {
+    case NDCP_ERROR_NETWORK:
+        showError(tr("Network error. Please wait a while and try again."));
+        break;
+    case NDCP_ERROR_AUTHORIZATION:
+        showError(tr("Authenticate failed. Please check your user name or password."));
+        break;
+    case NDCP_ERROR_GET_CONF:
+        showError(tr("Get configuration failed. Please wait a while and try again."));
+        break;
+    case NDCP_ERROR_SET_CONF:
+        showError(tr("Set configuration failed. Please check your configuration and try again."));
+        break;
+    default:
+        zelvaro::developerCheck(false, "nErrorCode == 0", "CameraSetUp");
+    }
+}
