@@ -1,0 +1,208 @@
+#include "platform/onvif/net_address.h"
+
+#include "platform/onvif/glib_ptr.h"
+#include "platform/onvif/text.h"
+
+#include <bit>
+#include <charconv>
+
+namespace onvif {
+
+namespace {
+
+constexpr std::size_t maxAddressLength = 1024;
+constexpr auto uriFlags = static_cast<GUriFlags>(G_URI_FLAGS_ENCODED | G_URI_FLAGS_PARSE_RELAXED |
+                                                 G_URI_FLAGS_HAS_PASSWORD);
+
+bool isLoopback(Ipv4 address)
+{
+    return (address >> 24) == 127;
+}
+
+// Text that may stand in a request line: no blanks, no control characters.
+bool isPlainAddress(std::string_view text)
+{
+    if (text.empty() || text.size() > maxAddressLength)
+        return false;
+    for (const char c : text) {
+        if (static_cast<unsigned char>(c) <= 0x20 || c == 0x7F || c == '"' || c == '<' ||
+            c == '>' || c == '\\')
+            return false;
+    }
+    return true;
+}
+
+std::string text(const char *maybeNull)
+{
+    return maybeNull ? maybeNull : "";
+}
+
+std::string bracketed(const std::string &host)
+{
+    return host.find(':') != std::string::npos ? '[' + host + ']' : host;
+}
+
+std::string pathAndQuery(GUri *uri)
+{
+    std::string path = text(g_uri_get_path(uri));
+    if (path.empty() || path.front() != '/')
+        path.insert(path.begin(), '/');
+    if (const char *query = g_uri_get_query(uri))
+        path += '?' + std::string(query);
+    return path;
+}
+
+GUriPtr parseUri(std::string_view address)
+{
+    address = trimmed(address);
+    if (!isPlainAddress(address))
+        return nullptr;
+    return GUriPtr(g_uri_parse(std::string(address).c_str(), uriFlags, nullptr));
+}
+
+// How well an advertised address suits: 0 not at all.
+int suitability(const HttpAddress &address, Ipv4 sender, Ipv4 subnetMask)
+{
+    const std::optional<Ipv4> host = parseIpv4(address.host);
+    if (!host)
+        return 0;
+    const int plain = address.secure ? 0 : 1;
+    if (*host == sender)
+        return 4 + plain;
+    if (isLoopback(*host) || isLoopback(sender))
+        return isLoopback(*host) && isLoopback(sender) ? 2 + plain : 0;
+    if (subnetMask != 0 && (*host & subnetMask) == (sender & subnetMask))
+        return 2 + plain;
+    return 0;
+}
+
+} // namespace
+
+std::optional<Ipv4> parseIpv4(std::string_view text)
+{
+    Ipv4 address = 0;
+    const char *position = text.data();
+    const char *end = text.data() + text.size();
+    for (int octet = 0; octet < 4; ++octet) {
+        if (octet > 0 && (position == end || *position++ != '.'))
+            return std::nullopt;
+        unsigned value = 0;
+        const auto [next, error] = std::from_chars(position, end, value);
+        // A leading zero would mean an octal number to some readers.
+        const bool hasLeadingZero = next - position > 1 && *position == '0';
+        if (error != std::errc() || value > 255 || hasLeadingZero)
+            return std::nullopt;
+        address = address << 8 | value;
+        position = next;
+    }
+    return position == end ? std::optional(address) : std::nullopt;
+}
+
+std::string ipv4Text(Ipv4 address)
+{
+    return std::to_string(address >> 24) + '.' + std::to_string(address >> 16 & 255) + '.' +
+           std::to_string(address >> 8 & 255) + '.' + std::to_string(address & 255);
+}
+
+Ipv4 maskFromPrefix(int prefixLength)
+{
+    if (prefixLength <= 0)
+        return 0;
+    return prefixLength >= 32 ? ~Ipv4(0) : ~Ipv4(0) << (32 - prefixLength);
+}
+
+int prefixFromMask(Ipv4 mask)
+{
+    return std::countl_one(mask);
+}
+
+std::string HttpAddress::text() const
+{
+    std::string address = secure ? "https://" : "http://";
+    address += bracketed(host);
+    if (port != (secure ? 443 : 80))
+        address += ':' + std::to_string(port);
+    return address + path;
+}
+
+std::optional<HttpAddress> parseHttpAddress(std::string_view addressText)
+{
+    const GUriPtr uri = parseUri(addressText);
+    if (!uri || text(g_uri_get_host(uri.get())).empty() || g_uri_get_userinfo(uri.get()))
+        return std::nullopt;
+    const std::string scheme = lowerAscii(text(g_uri_get_scheme(uri.get())));
+    if (scheme != "http" && scheme != "https")
+        return std::nullopt;
+    HttpAddress address;
+    address.secure = scheme == "https";
+    address.host = g_uri_get_host(uri.get());
+    address.port = g_uri_get_port(uri.get());
+    if (address.port <= 0)
+        address.port = address.secure ? 443 : 80;
+    address.path = pathAndQuery(uri.get());
+    return address;
+}
+
+std::string usualDeviceService(const std::string &host, int port)
+{
+    HttpAddress address;
+    address.host = host;
+    address.port = port;
+    address.path = "/onvif/device_service";
+    return address.text();
+}
+
+std::string chooseXAddr(const std::vector<std::string> &xaddrs, std::string_view sender,
+                        Ipv4 subnetMask)
+{
+    const std::optional<Ipv4> senderAddress = parseIpv4(sender);
+    std::string chosen;
+    int best = 0;
+    for (const std::string &candidate : xaddrs) {
+        const std::optional<HttpAddress> address = parseHttpAddress(candidate);
+        if (!address)
+            continue;
+        int suits = 0;
+        if (senderAddress)
+            suits = suitability(*address, *senderAddress, subnetMask);
+        else if (address->host == sender)
+            suits = 4 + (address->secure ? 0 : 1);
+        if (suits > best) {
+            best = suits;
+            chosen = address->text();
+        }
+    }
+    return chosen.empty() ? usualDeviceService(std::string(sender)) : chosen;
+}
+
+std::string serviceAtDevice(std::string_view serviceAddress, const std::string &deviceAddress)
+{
+    std::optional<HttpAddress> service = parseHttpAddress(serviceAddress);
+    const std::optional<HttpAddress> device = parseHttpAddress(deviceAddress);
+    if (!service || !device)
+        return {};
+    const bool isElsewhere = service->host != device->host;
+    service->host = device->host;
+    // Behind address translation the port that works is the one the device was reached by.
+    if (isElsewhere || service->secure != device->secure) {
+        service->secure = device->secure;
+        service->port = device->port;
+    }
+    return service->text();
+}
+
+std::string streamAtHost(std::string_view streamAddress, const std::string &host)
+{
+    const GUriPtr uri = parseUri(streamAddress);
+    if (!uri || text(g_uri_get_host(uri.get())).empty())
+        return {};
+    const std::string scheme = lowerAscii(text(g_uri_get_scheme(uri.get())));
+    if (scheme != "rtsp" && scheme != "rtsps")
+        return {};
+    std::string address = scheme + "://" + bracketed(host);
+    if (g_uri_get_port(uri.get()) > 0)
+        address += ':' + std::to_string(g_uri_get_port(uri.get()));
+    return address + pathAndQuery(uri.get());
+}
+
+} // namespace onvif
