@@ -1,0 +1,295 @@
+#include "platform/onvif/discovery_search.h"
+
+#include "platform/onvif/discovery_socket.h"
+#include "platform/onvif/network_interfaces.h"
+#include "platform/onvif/text.h"
+#include "platform/onvif/timer.h"
+
+#include <algorithm>
+#include <array>
+#include <set>
+
+namespace onvif {
+
+namespace {
+
+constexpr guint16 discoveryPort = 3702;
+constexpr const char *discoveryGroup = "239.255.255.250";
+// When the questions go out, in milliseconds after the start.
+constexpr std::array<unsigned, 3> rounds = {0, 500, 1200};
+// A flood of answers is read up to here, so that it cannot keep a core busy.
+constexpr int maxDatagrams = 20'000;
+constexpr std::size_t maxTargets = 1024;
+// For a sender outside every network of this computer nothing is known of its subnet.
+constexpr Ipv4 unknownSubnet = 0;
+
+std::string newMessageId()
+{
+    return GTextPtr(g_uuid_string_random()).get();
+}
+
+GObjectPtr<GSocketAddress> groupAddress()
+{
+    return GObjectPtr<GSocketAddress>(
+        g_inet_socket_address_new_from_string(discoveryGroup, discoveryPort));
+}
+
+std::vector<std::string> splitTargets(std::string_view text)
+{
+    constexpr std::string_view separators = ", \t\r\n;";
+    std::vector<std::string> targets;
+    std::size_t position = text.find_first_not_of(separators);
+    while (position != std::string_view::npos && targets.size() < maxTargets) {
+        const std::size_t end = text.find_first_of(separators, position);
+        targets.emplace_back(text.substr(position, end - position));
+        position = text.find_first_not_of(separators, end);
+    }
+    return targets;
+}
+
+void fillGaps(DiscoveredDevice &known, const DiscoveredDevice &more)
+{
+    if (known.name.empty())
+        known.name = more.name;
+    if (known.model.empty())
+        known.model = more.model;
+    if (known.location.empty())
+        known.location = more.location;
+    if (!known.mac)
+        known.mac = more.mac;
+}
+
+} // namespace
+
+SearchScope SearchScope::fromEnvironment()
+{
+    SearchScope scope;
+    const char *multicast = g_getenv("ZELVARO_DISCOVERY_MULTICAST");
+    scope.multicast = !multicast || std::string_view(multicast) != "0";
+    if (const char *targets = g_getenv("ZELVARO_DISCOVERY_TARGETS"))
+        scope.targets = splitTargets(targets);
+    return scope;
+}
+
+class DiscoverySearch::Private
+{
+public:
+    Private(GMainContext *context, SearchScope scope, Done done);
+    ~Private() { g_cancellable_cancel(m_cancellable.get()); }
+
+private:
+    struct Multicaster
+    {
+        std::unique_ptr<DiscoverySocket> socket;
+        GObjectPtr<GSocketAddress> group;
+    };
+
+    void openMulticastSockets();
+    void findTargets();
+    void findNextAddress(GSocketAddressEnumerator *enumerator);
+    static void foundAddress(GObject *enumerator, GAsyncResult *result, gpointer self);
+    void addTarget(GObjectPtr<GSocketAddress> address);
+    DiscoverySocket *unicastSocket(GSocketFamily family);
+    [[nodiscard]] std::vector<std::string> questions();
+    void sendRound();
+    void received(std::string_view datagram, const std::string &sender);
+    void add(DiscoveredDevice device);
+    [[nodiscard]] Ipv4 subnetMaskOf(std::string_view sender) const;
+    void finish();
+
+    GMainContextPtr m_context;
+    SearchScope m_scope;
+    Done m_done;
+    GObjectPtr<GCancellable> m_cancellable{g_cancellable_new()};
+    std::vector<LocalAddress> m_localAddresses = localAddresses();
+    std::vector<Multicaster> m_multicasters;
+    std::unique_ptr<DiscoverySocket> m_unicast4;
+    std::unique_ptr<DiscoverySocket> m_unicast6;
+    std::vector<GObjectPtr<GSocketAddress>> m_targets;
+    std::set<std::string> m_askedIds;
+    std::vector<std::string> m_lastQuestions;
+    std::vector<DiscoveredDevice> m_devices;
+    int m_datagrams = 0;
+    bool m_isEnough = false;
+    std::array<Timer, rounds.size()> m_roundTimers;
+    Timer m_endTimer;
+};
+
+DiscoverySearch::Private::Private(GMainContext *context, SearchScope scope, Done done)
+    : m_context(g_main_context_ref(context))
+    , m_scope(std::move(scope))
+    , m_done(std::move(done))
+{
+    if (m_scope.multicast)
+        openMulticastSockets();
+    for (std::size_t i = 0; i < rounds.size(); ++i)
+        m_roundTimers[i] = Timer(context, rounds[i], [this] { sendRound(); });
+    m_endTimer = Timer(context, m_scope.milliseconds, [this] { finish(); });
+    findTargets();
+}
+
+void DiscoverySearch::Private::openMulticastSockets()
+{
+    for (const LocalAddress &local : m_localAddresses) {
+        Multicaster multicaster;
+        multicaster.socket = DiscoverySocket::open(
+            m_context.get(), G_SOCKET_FAMILY_IPV4, local.address,
+            [this](std::string_view text, const std::string &sender) { received(text, sender); });
+        if (!multicaster.socket)
+            continue;
+        multicaster.group = groupAddress();
+        m_multicasters.push_back(std::move(multicaster));
+    }
+}
+
+void DiscoverySearch::Private::findTargets()
+{
+    for (const std::string &target : m_scope.targets) {
+        const GObjectPtr<GSocketConnectable> host(
+            g_network_address_parse(target.c_str(), discoveryPort, nullptr));
+        if (!host)
+            continue;
+        const GObjectPtr<GSocketAddressEnumerator> enumerator(
+            g_socket_connectable_enumerate(host.get()));
+        findNextAddress(enumerator.get());
+    }
+}
+
+// A name may have several addresses; all are asked.
+void DiscoverySearch::Private::findNextAddress(GSocketAddressEnumerator *enumerator)
+{
+    const ThreadDefaultContext threadDefault(m_context.get());
+    g_socket_address_enumerator_next_async(enumerator, m_cancellable.get(), foundAddress, this);
+}
+
+void DiscoverySearch::Private::foundAddress(GObject *enumerator, GAsyncResult *result,
+                                            gpointer self)
+{
+    GError *error = nullptr;
+    GObjectPtr<GSocketAddress> address(g_socket_address_enumerator_next_finish(
+        G_SOCKET_ADDRESS_ENUMERATOR(enumerator), result, &error));
+    const GErrorPtr failure(error);
+    // A search that is gone has cancelled: self is not to be touched.
+    if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) || !address)
+        return;
+    auto *search = static_cast<Private *>(self);
+    search->addTarget(std::move(address));
+    search->findNextAddress(G_SOCKET_ADDRESS_ENUMERATOR(enumerator));
+}
+
+void DiscoverySearch::Private::addTarget(GObjectPtr<GSocketAddress> address)
+{
+    if (m_targets.size() >= maxTargets)
+        return;
+    if (DiscoverySocket *socket = unicastSocket(g_socket_address_get_family(address.get()))) {
+        // Names are looked up while the first round is already out.
+        for (const std::string &question : m_lastQuestions)
+            socket->send(address.get(), question);
+        m_targets.push_back(std::move(address));
+    }
+}
+
+DiscoverySocket *DiscoverySearch::Private::unicastSocket(GSocketFamily family)
+{
+    std::unique_ptr<DiscoverySocket> &socket =
+        family == G_SOCKET_FAMILY_IPV6 ? m_unicast6 : m_unicast4;
+    if (!socket) {
+        socket = DiscoverySocket::open(
+            m_context.get(), family, std::nullopt,
+            [this](std::string_view text, const std::string &sender) { received(text, sender); });
+    }
+    return socket.get();
+}
+
+// Each round has identifiers of its own: devices answer a repeated identifier only once, and that
+// answer may be the one that was lost.
+std::vector<std::string> DiscoverySearch::Private::questions()
+{
+    std::vector<std::string> ids;
+    std::vector<std::string> texts;
+    const auto nextId = [&ids] { return ids.emplace_back(newMessageId()); };
+    if (!m_scope.uid.empty())
+        texts.push_back(buildResolve(m_scope.uid, nextId()));
+    texts.push_back(buildProbe(ProbeType::NetworkVideoTransmitter, nextId()));
+    texts.push_back(buildProbe(ProbeType::Device, nextId()));
+    m_askedIds.insert(ids.begin(), ids.end());
+    return texts;
+}
+
+void DiscoverySearch::Private::sendRound()
+{
+    m_lastQuestions = questions();
+    for (const std::string &question : m_lastQuestions) {
+        for (const Multicaster &multicaster : m_multicasters)
+            multicaster.socket->send(multicaster.group.get(), question);
+        for (const GObjectPtr<GSocketAddress> &target : m_targets)
+            unicastSocket(g_socket_address_get_family(target.get()))->send(target.get(), question);
+    }
+}
+
+void DiscoverySearch::Private::received(std::string_view datagram, const std::string &sender)
+{
+    if (m_isEnough || ++m_datagrams > maxDatagrams)
+        return;
+    std::optional<DiscoveryAnswer> answer = parseDiscoveryAnswer(datagram);
+    if (!answer || (!answer->relatesTo.empty() && !m_askedIds.contains(answer->relatesTo)))
+        return;
+    for (DiscoveredDevice &device : answer->devices) {
+        device.senderAddress = sender;
+        device.serviceAddress = chooseXAddr(device.xaddrs, sender, subnetMaskOf(sender));
+        add(std::move(device));
+    }
+}
+
+void DiscoverySearch::Private::add(DiscoveredDevice device)
+{
+    const auto known =
+        std::find_if(m_devices.begin(), m_devices.end(), [&device](const DiscoveredDevice &other) {
+            return sameUid(other.uid, device.uid);
+        });
+    if (known != m_devices.end()) {
+        if (known->senderAddress == device.senderAddress)
+            fillGaps(*known, device);
+        return;
+    }
+    if (m_devices.size() >= maxDevices)
+        return;
+    m_devices.push_back(std::move(device));
+    if (m_scope.isEnough && !m_isEnough && m_scope.isEnough(m_devices.back())) {
+        m_isEnough = true;
+        // Not from here: the socket that is being read would go.
+        m_endTimer = Timer(m_context.get(), 0, [this] { finish(); });
+    }
+}
+
+Ipv4 DiscoverySearch::Private::subnetMaskOf(std::string_view sender) const
+{
+    const std::optional<Ipv4> address = parseIpv4(sender);
+    for (const LocalAddress &local : m_localAddresses) {
+        if (address && (*address & local.mask) == (local.address & local.mask))
+            return local.mask;
+    }
+    return unknownSubnet;
+}
+
+void DiscoverySearch::Private::finish()
+{
+    g_cancellable_cancel(m_cancellable.get());
+    m_multicasters.clear();
+    m_unicast4.reset();
+    m_unicast6.reset();
+    for (Timer &timer : m_roundTimers)
+        timer = {};
+    // The receiver may destroy the search.
+    const Done done = std::exchange(m_done, nullptr);
+    done(std::move(m_devices));
+}
+
+DiscoverySearch::DiscoverySearch(GMainContext *context, SearchScope scope, Done done)
+    : m_private(std::make_unique<Private>(context, std::move(scope), std::move(done)))
+{
+}
+
+DiscoverySearch::~DiscoverySearch() = default;
+
+} // namespace onvif

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/onvif/request.h"
+#include "platform/onvif/ws_discovery_message.h"
+
+#include <glib.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace onvif {
+
+/// The most devices that one search tells of.
+inline constexpr std::size_t maxDevices = 1000;
+
+/// Where a search looks and when it ends.
+struct SearchScope
+{
+    bool multicast = true;            ///< ask on every interface that is up
+    std::vector<std::string> targets; ///< hosts to ask directly, each with an optional ":port"
+    unsigned milliseconds = 3000;     ///< how long answers are waited for
+    std::string uid;                  ///< when set, this device is asked for by Resolve too
+    /// When set, the search ends with the first device for which it is true.
+    std::function<bool(const DiscoveredDevice &)> isEnough;
+
+    /// Every interface, unless ZELVARO_DISCOVERY_MULTICAST is 0, and the targets that
+    /// ZELVARO_DISCOVERY_TARGETS names, separated by commas or blanks.
+    static SearchScope fromEnvironment();
+};
+
+/// One search for ONVIF devices (WS-Discovery). The questions go out three times within 1.5 s,
+/// the answers are merged by UID: the first device to claim one has it.
+class DiscoverySearch : public Request
+{
+public:
+    using Done = std::function<void(std::vector<DiscoveredDevice>)>;
+
+    /// Starts on the context given, which the calling thread runs; done is called there once.
+    DiscoverySearch(GMainContext *context, SearchScope scope, Done done);
+    ~DiscoverySearch() override;
+
+private:
+    class Private;
+    std::unique_ptr<Private> m_private;
+};
+
+} // namespace onvif

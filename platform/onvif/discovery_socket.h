@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/onvif/glib_ptr.h"
+#include "platform/onvif/net_address.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace onvif {
+
+/// A UDP socket on a main context: sends datagrams without waiting, hands over what comes in.
+class DiscoverySocket
+{
+public:
+    /// text: one datagram, valid during the call. sender: address without port.
+    using Received = std::function<void(std::string_view text, const std::string &sender)>;
+
+    /// Binds to a port that the system chooses, on this local address or (nullopt) on all of the
+    /// family. nullptr when the system refuses.
+    static std::unique_ptr<DiscoverySocket> open(GMainContext *context, GSocketFamily family,
+                                                 std::optional<Ipv4> local, Received received);
+
+    /// Datagrams that cannot be sent are lost, as on the network.
+    void send(GSocketAddress *to, const std::string &datagram);
+
+private:
+    DiscoverySocket() = default;
+
+    static gboolean readable(GSocket *socket, GIOCondition condition, gpointer self);
+    void receiveSome();
+
+    GObjectPtr<GSocket> m_socket;
+    GSourcePtr m_source;
+    Received m_received;
+};
+
+} // namespace onvif

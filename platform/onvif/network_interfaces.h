@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/onvif/net_address.h"
+#include "platform/onvif/scopes.h"
+
+#include <optional>
+#include <vector>
+
+// What each operating system tells of its networks in its own way.
+namespace onvif {
+
+/// An IPv4 address of this computer, on an interface that is up and carries multicast.
+struct LocalAddress
+{
+    Ipv4 address = 0;
+    Ipv4 mask = 0;
+};
+
+/// All such addresses, those of the loopback interface left out.
+std::vector<LocalAddress> localAddresses();
+
+/// Hardware address of a neighbour that this computer has exchanged packets with recently.
+std::optional<MacAddress> neighbourMac(Ipv4 address);
+
+} // namespace onvif
