@@ -1,0 +1,293 @@
+#include "platform/onvif/camera_lookup.h"
+
+#include "platform/onvif/device_client.h"
+#include "platform/onvif/discovery_search.h"
+#include "platform/onvif/glib_ptr.h"
+#include "platform/onvif/media_client.h"
+#include "platform/onvif/net_address.h"
+#include "platform/onvif/text.h"
+
+#include <deque>
+#include <utility>
+#include <vector>
+
+namespace onvif {
+
+namespace {
+
+constexpr unsigned locateMilliseconds = 1500;
+// One more than the cameras of a client that shows a hundred, each with two users.
+constexpr std::size_t maxKnownCameras = 256;
+
+// What is kept of a camera between requests.
+struct KnownCamera
+{
+    KnownCamera(GMainContext *context, const std::string &xaddr, const Credentials &user)
+        : credentials(user)
+        , soap(context, xaddr, user)
+    {
+    }
+
+    Credentials credentials;
+    SoapClient soap;
+    std::string mediaService; ///< empty until asked for
+};
+
+using KnownCameraPtr = std::shared_ptr<KnownCamera>;
+
+// Finds the media service, unless it is known, before the request proper.
+class MediaRequest : public Request
+{
+public:
+    explicit MediaRequest(KnownCameraPtr camera)
+        : m_camera(std::move(camera))
+        , m_device(m_camera->soap)
+    {
+    }
+
+    void start()
+    {
+        if (!m_camera->mediaService.empty()) {
+            withMedia();
+            return;
+        }
+        m_step = m_device.mediaService([this](SoapStatus status, const std::string &address) {
+            if (status != SoapStatus::Ok) {
+                failed(status);
+                return;
+            }
+            m_camera->mediaService = address;
+            withMedia();
+        });
+    }
+
+protected:
+    virtual void withMedia() = 0;
+    virtual void failed(SoapStatus status) = 0;
+
+    [[nodiscard]] MediaClient media() const { return {m_camera->soap, m_camera->mediaService}; }
+
+    // A camera whose media service moved is asked for it anew next time.
+    void forgetMedia() { m_camera->mediaService.clear(); }
+
+    void next(RequestPtr step) { m_step = std::move(step); }
+
+private:
+    KnownCameraPtr m_camera;
+    DeviceClient m_device;
+    RequestPtr m_step;
+};
+
+class StreamsRequest : public MediaRequest
+{
+public:
+    using Done = std::function<void(SoapStatus, CameraStreams)>;
+
+    StreamsRequest(KnownCameraPtr camera, Done done)
+        : MediaRequest(std::move(camera))
+        , m_done(std::move(done))
+    {
+    }
+
+private:
+    void withMedia() override
+    {
+        next(media().profiles([this](SoapStatus status, const std::vector<MediaProfile> &profiles) {
+            const std::optional<ProfileChoice> choice = chooseProfiles(profiles);
+            if (status != SoapStatus::Ok || !choice) {
+                failed(status == SoapStatus::Ok ? SoapStatus::Fault : status);
+                return;
+            }
+            m_streams.main = streamOf(choice->main);
+            m_streams.sub = streamOf(choice->sub);
+            askForMain();
+        }));
+    }
+
+    static CameraStream streamOf(const MediaProfile &profile)
+    {
+        return {{}, profile.token, profile.width, profile.height};
+    }
+
+    void askForMain()
+    {
+        next(media().streamUri(m_streams.main.profileToken,
+                               [this](SoapStatus status, const std::string &address) {
+                                   m_streams.main.uri = address;
+                                   if (status != SoapStatus::Ok)
+                                       failed(status);
+                                   else if (hasOneStream())
+                                       takeSub(SoapStatus::Ok, address);
+                                   else
+                                       askForSub();
+                               }));
+    }
+
+    [[nodiscard]] bool hasOneStream() const
+    {
+        return m_streams.main.profileToken == m_streams.sub.profileToken;
+    }
+
+    void askForSub()
+    {
+        next(media().streamUri(
+            m_streams.sub.profileToken,
+            [this](SoapStatus status, const std::string &address) { takeSub(status, address); }));
+    }
+
+    void takeSub(SoapStatus status, const std::string &address)
+    {
+        m_streams.sub.uri = address;
+        // One stream is better than none.
+        if (status == SoapStatus::Fault)
+            m_streams.sub = m_streams.main;
+        else if (status != SoapStatus::Ok) {
+            failed(status);
+            return;
+        }
+        const Done done = std::move(m_done);
+        done(SoapStatus::Ok, std::move(m_streams));
+    }
+
+    void failed(SoapStatus status) override
+    {
+        forgetMedia();
+        const Done done = std::move(m_done);
+        done(status, {});
+    }
+
+    Done m_done;
+    CameraStreams m_streams;
+};
+
+class KeyFrameRequest : public MediaRequest
+{
+public:
+    using Done = std::function<void(SoapStatus)>;
+
+    KeyFrameRequest(KnownCameraPtr camera, std::string profileToken, Done done)
+        : MediaRequest(std::move(camera))
+        , m_profileToken(std::move(profileToken))
+        , m_done(std::move(done))
+    {
+    }
+
+private:
+    void withMedia() override
+    {
+        next(media().setSynchronizationPoint(m_profileToken, [this](SoapStatus status) {
+            if (status == SoapStatus::NoAnswer)
+                forgetMedia();
+            finish(status);
+        }));
+    }
+
+    void failed(SoapStatus status) override { finish(status); }
+
+    void finish(SoapStatus status)
+    {
+        const Done done = std::move(m_done);
+        done(status);
+    }
+
+    std::string m_profileToken;
+    Done m_done;
+};
+
+CameraLocation locationOf(const DiscoveredDevice &device)
+{
+    const std::optional<HttpAddress> service = parseHttpAddress(device.serviceAddress);
+    return {service ? service->host : device.senderAddress, device.serviceAddress};
+}
+
+} // namespace
+
+class CameraLookup::Private
+{
+public:
+    explicit Private(GMainContext *mainContext) : context(g_main_context_ref(mainContext)) {}
+
+    KnownCameraPtr camera(const std::string &xaddr, const Credentials &credentials)
+    {
+        for (const KnownCameraPtr &known : m_known) {
+            if (known->soap.deviceService() == xaddr && known->credentials == credentials)
+                return known;
+        }
+        if (m_known.size() == maxKnownCameras)
+            m_known.pop_front();
+        return m_known.emplace_back(
+            std::make_shared<KnownCamera>(context.get(), xaddr, credentials));
+    }
+
+    GMainContextPtr context;
+
+private:
+    std::deque<KnownCameraPtr> m_known; ///< oldest first; running requests hold theirs
+};
+
+CameraLookup::CameraLookup(GMainContext *context) : m_private(std::make_unique<Private>(context)) {}
+
+CameraLookup::~CameraLookup() = default;
+
+RequestPtr CameraLookup::resolve(const std::string &uid,
+                                 std::function<void(std::optional<CameraLocation>)> done)
+{
+    SearchScope scope = SearchScope::fromEnvironment();
+    scope.uid = uidFromEndpoint(uid);
+    if (scope.uid.empty()) {
+        // No device can have it: nothing is sent.
+        scope.multicast = false;
+        scope.targets.clear();
+        scope.milliseconds = 0;
+    }
+    const auto isWanted = [uid = scope.uid](const DiscoveredDevice &device) {
+        return sameUid(device.uid, uid);
+    };
+    scope.isEnough = isWanted;
+    return std::make_unique<DiscoverySearch>(
+        m_private->context.get(), std::move(scope),
+        [isWanted, done = std::move(done)](const std::vector<DiscoveredDevice> &devices) {
+            std::optional<CameraLocation> location;
+            if (!devices.empty() && isWanted(devices.back()))
+                location = locationOf(devices.back());
+            done(location);
+        });
+}
+
+RequestPtr CameraLookup::locate(const std::string &host, std::function<void(CameraLocation)> done)
+{
+    SearchScope scope;
+    scope.multicast = false;
+    scope.targets = {host};
+    scope.milliseconds = locateMilliseconds;
+    scope.isEnough = [](const DiscoveredDevice &) { return true; };
+    return std::make_unique<DiscoverySearch>(
+        m_private->context.get(), std::move(scope),
+        [host, done = std::move(done)](const std::vector<DiscoveredDevice> &devices) {
+            if (devices.empty())
+                done({host, usualDeviceService(host)});
+            else
+                done(locationOf(devices.front()));
+        });
+}
+
+RequestPtr CameraLookup::streamUris(const std::string &xaddr, const Credentials &credentials,
+                                    std::function<void(SoapStatus, CameraStreams)> done)
+{
+    auto request =
+        std::make_unique<StreamsRequest>(m_private->camera(xaddr, credentials), std::move(done));
+    request->start();
+    return request;
+}
+
+RequestPtr CameraLookup::requestKeyFrame(const std::string &xaddr, const std::string &profileToken,
+                                         const Credentials &credentials,
+                                         std::function<void(SoapStatus)> done)
+{
+    auto request = std::make_unique<KeyFrameRequest>(m_private->camera(xaddr, credentials),
+                                                     profileToken, std::move(done));
+    request->start();
+    return request;
+}
+
+} // namespace onvif

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "platform/onvif/net_address.h"
+#include "platform/onvif/scopes.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+// What is asked of the device service (ONVIF Core 8) and how its answers read. Every builder makes
+// the text of a SOAP body; every parser gives nullopt when the answer is not the one meant.
+namespace onvif {
+
+class XmlMessage;
+
+struct DeviceInformation
+{
+    std::string manufacturer;
+    std::string model;
+    std::string firmwareVersion;
+    std::string serialNumber;
+    std::string hardwareId;
+};
+
+struct NetworkInterface
+{
+    std::string token;
+    bool isEnabled = true;
+    std::optional<MacAddress> mac;
+    bool hasIpv4 = false;
+    bool dhcp = false;
+    Ipv4 address = 0; ///< the one in use: from DHCP, else the manual, else the link-local one
+    int prefixLength = 0;
+};
+
+struct DnsInformation
+{
+    bool dhcp = false;
+    std::vector<Ipv4> servers; ///< in use, in order
+};
+
+struct NetworkProtocol
+{
+    std::string name; ///< HTTP, HTTPS or RTSP
+    bool isEnabled = false;
+    std::vector<int> ports;
+};
+
+struct DeviceScope
+{
+    std::string uri;
+    bool isFixed = false; ///< cannot be changed or taken away
+};
+
+/// How one interface is to be set up. address and prefixLength count without DHCP only.
+struct InterfaceSetup
+{
+    std::string token;
+    bool dhcp = false;
+    Ipv4 address = 0;
+    int prefixLength = 0;
+};
+
+std::string buildGetDeviceInformation();
+std::string buildGetCapabilities();
+std::string buildGetServices();
+std::string buildGetNetworkInterfaces();
+std::string buildSetNetworkInterfaces(const InterfaceSetup &setup);
+std::string buildGetNetworkDefaultGateway();
+std::string buildSetNetworkDefaultGateway(Ipv4 gateway);
+std::string buildGetDns();
+std::string buildSetDns(const DnsInformation &dns);
+std::string buildGetNetworkProtocols();
+std::string buildSetNetworkProtocols(const std::vector<NetworkProtocol> &protocols);
+std::string buildGetScopes();
+std::string buildSetScopes(const std::vector<std::string> &scopes);
+std::string buildGetHostname();
+std::string buildSetHostname(const std::string &name);
+std::string buildSystemReboot();
+
+std::optional<DeviceInformation> parseDeviceInformation(const XmlMessage &message);
+/// Address of the media service, from GetCapabilities or GetServices.
+std::optional<std::string> parseMediaService(const XmlMessage &message);
+std::optional<std::vector<NetworkInterface>> parseNetworkInterfaces(const XmlMessage &message);
+/// Whether the device must be restarted before the new setup counts.
+std::optional<bool> parseRebootNeeded(const XmlMessage &message);
+/// The first gateway; 0 when there is none.
+std::optional<Ipv4> parseNetworkDefaultGateway(const XmlMessage &message);
+std::optional<DnsInformation> parseDns(const XmlMessage &message);
+std::optional<std::vector<NetworkProtocol>> parseNetworkProtocols(const XmlMessage &message);
+std::optional<std::vector<DeviceScope>> parseScopes(const XmlMessage &message);
+std::optional<std::string> parseHostname(const XmlMessage &message);
+
+} // namespace onvif

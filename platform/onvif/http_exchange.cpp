@@ -1,0 +1,201 @@
+#include "platform/onvif/http_exchange.h"
+
+#include "platform/onvif/timer.h"
+#include "platform/onvif/xml_message.h"
+
+#include <utility>
+
+namespace onvif {
+
+namespace {
+
+constexpr gsize readSize = 16 * 1024;
+constexpr int connectionsPerDevice = 2;
+
+// Lives as long as an operation of GIO may come back to it: each holds a reference.
+class Exchange : public std::enable_shared_from_this<Exchange>
+{
+public:
+    Exchange(GMainContext *context, SoupSession *session, HttpPost post,
+             std::function<void(HttpAnswer)> done)
+        : m_context(g_main_context_ref(context))
+        , m_session(shareObject(session))
+        , m_credentials(std::move(post.credentials))
+        , m_done(std::move(done))
+    {
+        makeMessage(post);
+    }
+
+    ~Exchange()
+    {
+        if (m_message)
+            g_signal_handlers_disconnect_by_data(m_message.get(), this);
+    }
+
+    void start(unsigned milliseconds)
+    {
+        m_timeout = Timer(m_context.get(), m_message ? milliseconds : 0, [this] { fail(); });
+        if (!m_message)
+            return;
+        const ThreadDefaultContext threadDefault(m_context.get());
+        soup_session_send_async(m_session.get(), m_message.get(), G_PRIORITY_DEFAULT,
+                                m_cancellable.get(), sent, reference());
+    }
+
+    void cancel()
+    {
+        m_done = nullptr;
+        m_timeout = {};
+        g_cancellable_cancel(m_cancellable.get());
+    }
+
+private:
+    using Self = std::shared_ptr<Exchange>;
+
+    gpointer reference() { return new Self(shared_from_this()); }
+
+    static Self takeReference(gpointer data)
+    {
+        const std::unique_ptr<Self> reference(static_cast<Self *>(data));
+        return *reference;
+    }
+
+    void makeMessage(const HttpPost &post)
+    {
+        m_message.reset(soup_message_new(SOUP_METHOD_POST, post.address.c_str()));
+        if (!m_message)
+            return;
+        GBytes *body = g_bytes_new(post.body.data(), post.body.size());
+        soup_message_set_request_body_from_bytes(m_message.get(), post.contentType.c_str(), body);
+        g_bytes_unref(body);
+        // A wrong password must not pass because a right one was used on the connection before.
+        soup_message_add_flags(m_message.get(),
+                               static_cast<SoupMessageFlags>(SOUP_MESSAGE_NO_REDIRECT |
+                                                             SOUP_MESSAGE_DO_NOT_USE_AUTH_CACHE));
+        g_signal_connect(m_message.get(), "authenticate", G_CALLBACK(authenticate), this);
+        g_signal_connect(m_message.get(), "accept-certificate", G_CALLBACK(acceptCertificate),
+                         nullptr);
+    }
+
+    static gboolean authenticate(SoupMessage *, SoupAuth *auth, gboolean isRetry, gpointer data)
+    {
+        auto *self = static_cast<Exchange *>(data);
+        if (isRetry || self->m_credentials.user.empty() || soup_auth_is_for_proxy(auth))
+            return FALSE;
+        self->m_answer.wasChallenged = true;
+        soup_auth_authenticate(auth, self->m_credentials.user.c_str(),
+                               self->m_credentials.password.c_str());
+        return TRUE;
+    }
+
+    static gboolean acceptCertificate(SoupMessage *, GTlsCertificate *, GTlsCertificateFlags,
+                                      gpointer)
+    {
+        return TRUE;
+    }
+
+    static void sent(GObject *session, GAsyncResult *result, gpointer data)
+    {
+        const Self self = takeReference(data);
+        GError *error = nullptr;
+        self->m_stream.reset(soup_session_send_finish(SOUP_SESSION(session), result, &error));
+        const GErrorPtr failure(error);
+        if (self->m_stream)
+            self->read();
+        else
+            self->fail();
+    }
+
+    void read()
+    {
+        const ThreadDefaultContext threadDefault(m_context.get());
+        g_input_stream_read_bytes_async(m_stream.get(), readSize, G_PRIORITY_DEFAULT,
+                                        m_cancellable.get(), received, reference());
+    }
+
+    static void received(GObject *stream, GAsyncResult *result, gpointer data)
+    {
+        const Self self = takeReference(data);
+        GError *error = nullptr;
+        GBytes *bytes = g_input_stream_read_bytes_finish(G_INPUT_STREAM(stream), result, &error);
+        const GErrorPtr failure(error);
+        if (!bytes) {
+            self->fail();
+            return;
+        }
+        gsize length = 0;
+        const auto *text = static_cast<const char *>(g_bytes_get_data(bytes, &length));
+        self->m_answer.body.append(text ? text : "", length);
+        g_bytes_unref(bytes);
+        self->continueAfter(length);
+    }
+
+    void continueAfter(gsize length)
+    {
+        m_answer.isTooLarge = m_answer.body.size() > XmlMessage::maxBytes;
+        if (length > 0 && !m_answer.isTooLarge) {
+            read();
+            return;
+        }
+        m_answer.status = soup_message_get_status(m_message.get());
+        finish();
+    }
+
+    void fail()
+    {
+        m_answer = {};
+        finish();
+    }
+
+    void finish()
+    {
+        const std::function<void(HttpAnswer)> done = std::exchange(m_done, nullptr);
+        cancel();
+        if (done)
+            done(std::move(m_answer));
+    }
+
+    GMainContextPtr m_context;
+    GObjectPtr<SoupSession> m_session;
+    Credentials m_credentials;
+    std::function<void(HttpAnswer)> m_done;
+    GObjectPtr<GCancellable> m_cancellable{g_cancellable_new()};
+    GObjectPtr<SoupMessage> m_message;
+    GObjectPtr<GInputStream> m_stream;
+    HttpAnswer m_answer;
+    Timer m_timeout;
+};
+
+class ExchangeRequest : public Request
+{
+public:
+    explicit ExchangeRequest(std::shared_ptr<Exchange> exchange) : m_exchange(std::move(exchange))
+    {
+    }
+    ~ExchangeRequest() override { m_exchange->cancel(); }
+
+private:
+    std::shared_ptr<Exchange> m_exchange;
+};
+
+} // namespace
+
+GObjectPtr<SoupSession> newHttpSession()
+{
+    GObjectPtr<SoupSession> session(soup_session_new_with_options(
+        "max-conns-per-host", connectionsPerDevice, "timeout", 0, "idle-timeout", 15, nullptr));
+    soup_session_set_proxy_resolver(session.get(), nullptr);
+    soup_session_remove_feature_by_type(session.get(), SOUP_TYPE_CONTENT_DECODER);
+    return session;
+}
+
+RequestPtr postHttp(GMainContext *context, SoupSession *session, HttpPost post,
+                    std::function<void(HttpAnswer)> done)
+{
+    const unsigned milliseconds = post.milliseconds;
+    auto exchange = std::make_shared<Exchange>(context, session, std::move(post), std::move(done));
+    exchange->start(milliseconds);
+    return std::make_unique<ExchangeRequest>(std::move(exchange));
+}
+
+} // namespace onvif

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "platform/onvif/media_message.h"
+#include "platform/onvif/request.h"
+#include "platform/onvif/soap_client.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace onvif {
+
+/// The media service of one device (ONVIF Media 1). Thread and cancelling as for SoapClient, which
+/// must outlive it.
+class MediaClient
+{
+public:
+    /// mediaService: as DeviceClient::mediaService tells it.
+    MediaClient(SoapClient &soap, std::string mediaService);
+
+    /// The profiles with H.264 video.
+    [[nodiscard]] RequestPtr
+    profiles(std::function<void(SoapStatus, std::vector<MediaProfile>)> done);
+
+    /// Address of a profile's stream, held to the device's host (see streamAtHost).
+    [[nodiscard]] RequestPtr streamUri(const std::string &profileToken,
+                                       std::function<void(SoapStatus, std::string)> done);
+
+    /// Asks for a key frame now.
+    [[nodiscard]] RequestPtr setSynchronizationPoint(const std::string &profileToken,
+                                                     std::function<void(SoapStatus)> done);
+
+private:
+    SoapClient &m_soap;
+    std::string m_service;
+};
+
+} // namespace onvif

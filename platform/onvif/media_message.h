@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace onvif {
+
+class XmlMessage;
+
+/// The most profiles of a device that are looked at.
+inline constexpr std::size_t maxProfiles = 64;
+
+/// A media profile that carries H.264 video.
+struct MediaProfile
+{
+    std::string token;
+    std::string name;
+    int width = 0; ///< pixels; 0 when the device does not tell
+    int height = 0;
+};
+
+/// Which two profiles serve as main and sub stream.
+struct ProfileChoice
+{
+    MediaProfile main; ///< the largest picture
+    MediaProfile sub;  ///< the smallest; the same when there is only one
+};
+
+std::string buildGetProfiles();
+std::string buildGetStreamUri(const std::string &profileToken);
+std::string buildSetSynchronizationPoint(const std::string &profileToken);
+
+/// The H.264 profiles of a GetProfilesResponse (ONVIF Media 1), in the device's order.
+std::vector<MediaProfile> parseProfiles(const XmlMessage &message);
+
+/// The address in a GetStreamUriResponse, as the device tells it; empty when there is none.
+std::string parseStreamUri(const XmlMessage &message);
+
+/// nullopt without profiles. Of equal sizes the first one is taken.
+std::optional<ProfileChoice> chooseProfiles(const std::vector<MediaProfile> &profiles);
+
+} // namespace onvif

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/onvif/soap_status.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace onvif {
+
+class XmlMessage;
+
+/// What makes a UsernameToken differ from the next one (WS-Security UsernameToken Profile 1.0).
+struct TokenStamp
+{
+    std::string nonce;   ///< 16 random bytes
+    std::string created; ///< UTC by the device's clock, "2024-03-01T12:00:00Z"
+
+    /// For this moment; clockOffset is how far the device's clock is ahead, in seconds.
+    static TokenStamp now(std::int64_t clockOffset);
+};
+
+/// A SOAP 1.2 envelope around the text of a body. The body may use the prefixes tds (device
+/// service), trt (media service) and tt (ONVIF types).
+std::string buildEnvelope(std::string_view body);
+
+/// The same with a WS-Security header that proves the password by its digest.
+std::string buildSignedEnvelope(std::string_view body, const Credentials &credentials,
+                                const TokenStamp &stamp);
+
+/// What a fault says, for the log; nullopt when the message is none.
+struct SoapFault
+{
+    bool isRefusal = false; ///< ter:NotAuthorized, wsse:FailedAuthentication and the like
+    std::string text;
+};
+std::optional<SoapFault> faultIn(const XmlMessage &message);
+
+/// The moment GetSystemDateAndTimeResponse tells, in seconds since 1970; nullopt when it has no
+/// UTC time.
+std::optional<std::int64_t> parseSystemTime(const XmlMessage &message);
+
+} // namespace onvif
