@@ -52,6 +52,7 @@ public:
     const QString &name() const { return m_name; }
     const QString &stream_path() const { return m_streamPath; }
     bool has_player() const { return m_pRtspPlayer != nullptr; }
+    bool is_stopped() const { return cam_to_stop != 0; }
 
     /// Makes the player and sends the first probe. -1 when the library gives none.
     int create();

@@ -63,9 +63,15 @@ void CCameraList::destroyAll()
     while (!m_cameras.empty()) {
         const std::unique_ptr<CCamera> camera = std::move(m_cameras.front());
         m_cameras.erase(m_cameras.begin());
-        if (camera->has_player()) {
-            camera->delete_sync();
+        if (!camera->has_player()) {
+            continue;
         }
+        // At the end of the program closing() has done this already.
+        if (!camera->is_stopped()) {
+            camera->stop();
+            camera->wait_stopped();
+        }
+        camera->delete_sync();
     }
 }
 

@@ -36,7 +36,8 @@ public:
     /// its record stays. Sessions of before are destroyed first.
     void startSessions(const CameraSettings &settings);
 
-    /// Destroys all sessions from the front, each with its player, without waiting for events.
+    /// Destroys all sessions from the front, each with its player. Waits in event loops only for
+    /// sessions that have not been through closing().
     void destroyAll();
 
 public slots:
