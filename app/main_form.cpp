@@ -1,0 +1,391 @@
+#include "app/main_form.h"
+
+#include "settings/camera_settings.h"
+#include "ui/common/desktop.h"
+#include "ui_main_form.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QToolButton>
+
+namespace {
+
+struct ToolButtonIcons
+{
+    const char *button;
+    const char *normal;
+    const char *pressed;
+};
+
+constexpr ToolButtonIcons kToolButtons[] = {
+    {"btnCameraMgr", ":/images/toolbarbtn/cameramgrbtn.png",
+     ":/images/toolbarbtn/cameramgrbtn_pressed.png"},
+    {"btnMultiLive", ":/images/toolbarbtn/multilivebtn.png",
+     ":/images/toolbarbtn/multilivebtn_pressed.png"},
+    {"btnVideoMgr", ":/images/toolbarbtn/videobtn.png", ":/images/toolbarbtn/videobtn_pressed.png"},
+    {"btnPhotoMgr", ":/images/toolbarbtn/albumbtn.png", ":/images/toolbarbtn/albumbtn_pressed.png"},
+    {"btnSetUp", ":/images/toolbarbtn/SetUp.png", ":/images/toolbarbtn/Setupbtn_pressed.png"},
+};
+
+// One pixel more than a zone is wide, because the zones include both of their bounds.
+constexpr int kEdgeThickness = 7;
+constexpr int kSideThickness = 3;
+
+void setSystemButtonImages(QToolButton *button, const QString &family)
+{
+    button->setStyleSheet(
+        QStringLiteral("QToolButton{border-image:url(:/images/sysbtn/%1_default.png);}"
+                       "QToolButton:hover,QToolButton:focus{border-image:url(:/images/sysbtn/"
+                       "%1_hover.png);}"
+                       "QToolButton:pressed{border-image:url(:/images/sysbtn/%1_down.png);}")
+            .arg(family));
+}
+
+} // namespace
+
+CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<Ui::CMainForm>())
+{
+    setWindowFlags(windowFlags() | Qt::FramelessWindowHint);
+    setMouseTracking(true);
+    recordCorners();
+    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+    m_largest = available.size();
+
+    m_ui->setupUi(this);
+    m_ui->frameTitle->attach(this, true);
+
+    buildSystemButtons();
+    buildToolBar();
+    trackEdges();
+    resize(size().boundedTo(m_largest));
+    centreOnDesktop();
+
+    leavePages();
+    showPage(PageCameraMgr);
+}
+
+CMainForm::~CMainForm()
+{
+    if (pageHost() == this)
+        setPageHost(nullptr);
+}
+
+void CMainForm::buildSystemButtons()
+{
+    connect(m_ui->btnMin, &QToolButton::clicked, this, &CMainForm::slotMinimized);
+    connect(m_ui->btnMax, &QToolButton::clicked, this, &CMainForm::slotMaximized);
+    connect(m_ui->btnClose, &QToolButton::clicked, this, &CMainForm::slotClose);
+
+    setSystemButtonImages(m_ui->btnMenu, QStringLiteral("menubtn"));
+    setSystemButtonImages(m_ui->btnMin, QStringLiteral("minbtn"));
+    setSystemButtonImages(m_ui->btnMax, QStringLiteral("maxbtn"));
+    setSystemButtonImages(m_ui->btnClose, QStringLiteral("closebtn"));
+
+    auto *menu = new QMenu(this);
+    menu->addAction(tr("Save Path..."), this, &CMainForm::slotSavePath);
+    m_ui->btnMenu->setMenu(menu);
+    m_ui->btnMenu->setStyleSheet(
+        m_ui->btnMenu->styleSheet() +
+        QStringLiteral("QToolButton:menu-indicator{image:url(none.jpg);}"));
+}
+
+void CMainForm::buildToolBar()
+{
+    connect(m_ui->btnCameraMgr, &QToolButton::clicked, this, &CMainForm::slotCameraMgr);
+    connect(m_ui->btnMultiLive, &QToolButton::clicked, this, &CMainForm::slotMultiLive);
+    connect(m_ui->btnVideoMgr, &QToolButton::clicked, this, &CMainForm::slotVideoMgr);
+    connect(m_ui->btnPhotoMgr, &QToolButton::clicked, this, &CMainForm::slotPhotoMgr);
+    connect(m_ui->btnSetUp, &QToolButton::clicked, this, &CMainForm::slotSetUp);
+    markToolButton(m_ui->btnCameraMgr);
+}
+
+// Without a button held, moves reach the window only through widgets that track the mouse. What
+// does not track has a cursor of its own, so that it never inherits a resize cursor.
+void CMainForm::trackEdges()
+{
+    for (QWidget *widget :
+         {static_cast<QWidget *>(m_ui->frameMain), static_cast<QWidget *>(m_ui->frameStatus),
+          static_cast<QWidget *>(m_ui->labelStatus), static_cast<QWidget *>(m_ui->labelVersion),
+          static_cast<QWidget *>(m_ui->frameTop), static_cast<QWidget *>(m_ui->frameBottom),
+          static_cast<QWidget *>(m_ui->frameLeft), static_cast<QWidget *>(m_ui->frameRight)})
+        widget->setMouseTracking(true);
+    m_ui->frameTitle->setCursor(Qt::ArrowCursor);
+    m_ui->frameButtons->setCursor(Qt::ArrowCursor);
+    m_ui->stackedWidget->setCursor(Qt::ArrowCursor);
+    restoreEdgeCursors();
+    placeEdgeFrames();
+}
+
+void CMainForm::centreOnDesktop()
+{
+    const QSize desktopSize = QGuiApplication::primaryScreen()->size();
+    move((desktopSize.width() - width()) / 2, (desktopSize.height() - height()) / 2);
+}
+
+// --- pages ---------------------------------------------------------------------------------------
+
+void CMainForm::showPage(Page page)
+{
+    m_ui->stackedWidget->setCurrentIndex(page);
+}
+
+void CMainForm::leavePages() {}
+
+void CMainForm::showCameraMgr()
+{
+    leavePages();
+    showPage(PageCameraMgr);
+}
+
+void CMainForm::showSearchCameraList()
+{
+    leavePages();
+    showPage(PageSearchCameraList);
+}
+
+void CMainForm::playCamera(CCamera *camera)
+{
+    leavePages();
+    Q_UNUSED(camera)
+    showPage(PagePlayCamera);
+}
+
+void CMainForm::showMultiLive()
+{
+    leavePages();
+    showPage(PageMultiLive);
+}
+
+void CMainForm::showPhotoMgr()
+{
+    leavePages();
+    showPage(PagePhotoMgr);
+}
+
+void CMainForm::backToPhotoMgr()
+{
+    showPage(PagePhotoMgr);
+}
+
+void CMainForm::showPhoto(TileList *list, CPhotoMgrItemForm *current)
+{
+    Q_UNUSED(list)
+    Q_UNUSED(current)
+    showPage(PagePlayPhoto);
+}
+
+void CMainForm::showVideoMgr()
+{
+    leavePages();
+    showPage(PageVideoMgr);
+}
+
+void CMainForm::backToVideoMgr()
+{
+    showPage(PageVideoMgr);
+}
+
+void CMainForm::playVideo(TileList *list, CPhotoMgrItemForm *current)
+{
+    Q_UNUSED(list)
+    Q_UNUSED(current)
+    showPage(PagePlayVideo);
+}
+
+bool CMainForm::mayLeaveMultiLive()
+{
+    return true;
+}
+
+// --- tool bar ------------------------------------------------------------------------------------
+
+void CMainForm::markToolButton(const QToolButton *clicked)
+{
+    for (const ToolButtonIcons &icons : kToolButtons) {
+        auto *button = m_ui->frameButtons->findChild<QToolButton *>(QLatin1String(icons.button));
+        button->setIcon(QIcon(QLatin1String(button == clicked ? icons.pressed : icons.normal)));
+    }
+}
+
+void CMainForm::slotCameraMgr()
+{
+    if (!mayLeaveMultiLive())
+        return;
+    markToolButton(m_ui->btnCameraMgr);
+    showCameraMgr();
+}
+
+void CMainForm::slotMultiLive()
+{
+    if (!mayLeaveMultiLive())
+        return;
+    markToolButton(m_ui->btnMultiLive);
+    showMultiLive();
+}
+
+void CMainForm::slotVideoMgr()
+{
+    if (!mayLeaveMultiLive())
+        return;
+    markToolButton(m_ui->btnVideoMgr);
+    showVideoMgr();
+}
+
+void CMainForm::slotPhotoMgr()
+{
+    if (!mayLeaveMultiLive())
+        return;
+    markToolButton(m_ui->btnPhotoMgr);
+    showPhotoMgr();
+}
+
+void CMainForm::slotSetUp()
+{
+    if (!mayLeaveMultiLive())
+        return;
+    markToolButton(m_ui->btnSetUp);
+    showSearchCameraList();
+}
+
+void CMainForm::slotSavePath()
+{
+    CameraSettings &settings = CameraSettings::instance();
+    QString folder = desktop().chooseFolder(this, tr("Selecte Path"), settings.albumPath());
+    if (folder.isEmpty())
+        return;
+    settings.setAlbumPath(folder.replace(QLatin1Char('\\'), QLatin1Char('/')));
+    settings.save();
+}
+
+// --- the window itself ---------------------------------------------------------------------------
+
+void CMainForm::slotMinimized()
+{
+    showMinimized();
+}
+
+void CMainForm::slotMaximized()
+{
+    m_maximized = !m_maximized;
+    setSystemButtonImages(m_ui->btnMax,
+                          m_maximized ? QStringLiteral("restorebtn") : QStringLiteral("maxbtn"));
+    if (m_maximized) {
+        m_normalGeometry = geometry();
+        setGeometry(screen()->availableGeometry());
+    } else {
+        setGeometry(m_normalGeometry);
+    }
+    m_ui->frameTitle->setMovable(!m_maximized);
+    m_dragged = m_pressed = zelvaro::Edge::None;
+    setCursor(Qt::ArrowCursor);
+    restoreEdgeCursors();
+}
+
+void CMainForm::slotClose()
+{
+    QCoreApplication::exit(0);
+}
+
+void CMainForm::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    slotClose();
+}
+
+void CMainForm::moveEvent(QMoveEvent *event)
+{
+    QWidget::moveEvent(event);
+    recordCorners();
+}
+
+void CMainForm::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeEdgeFrames();
+    recordCorners();
+}
+
+// The corners stand still during a drag, so that the edge opposite to it does.
+void CMainForm::recordCorners()
+{
+    if (m_dragged == zelvaro::Edge::None)
+        m_corners = QRect(mapToGlobal(QPoint(0, 0)), size());
+}
+
+void CMainForm::placeEdgeFrames()
+{
+    m_ui->frameLeft->setGeometry(0, 0, kSideThickness, height());
+    m_ui->frameRight->setGeometry(width() - kSideThickness, 0, kSideThickness, height());
+    m_ui->frameTop->setGeometry(0, 0, width(), kEdgeThickness);
+    m_ui->frameBottom->setGeometry(0, height() - kEdgeThickness, width(), kEdgeThickness);
+    for (QWidget *edge : {m_ui->frameLeft, m_ui->frameRight, m_ui->frameTop, m_ui->frameBottom})
+        edge->raise();
+}
+
+void CMainForm::mousePressEvent(QMouseEvent *event)
+{
+    if (m_maximized || event->button() != Qt::LeftButton) {
+        QWidget::mousePressEvent(event);
+        return;
+    }
+    recordCorners();
+    m_pressed = zelvaro::edgeAt(m_corners, event->globalPos());
+    event->accept();
+}
+
+void CMainForm::mouseMoveEvent(QMouseEvent *event)
+{
+    if (m_maximized) {
+        QWidget::mouseMoveEvent(event);
+        return;
+    }
+    const QPoint pointer = event->globalPos();
+    if (!(event->buttons() & Qt::LeftButton)) {
+        showEdgeCursor(zelvaro::edgeAt(m_corners, pointer));
+        return;
+    }
+    // The zones are thinner than one step of a quick hand: where the button went down counts first.
+    if (m_dragged == zelvaro::Edge::None) {
+        m_dragged =
+            m_pressed != zelvaro::Edge::None ? m_pressed : zelvaro::edgeAt(m_corners, pointer);
+        showEdgeCursor(m_dragged);
+    }
+    if (m_dragged != zelvaro::Edge::None)
+        setGeometry(zelvaro::draggedTo(m_dragged, m_corners, geometry(), pointer,
+                                       {m_largest, minimumSize()}));
+}
+
+void CMainForm::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    m_dragged = m_pressed = zelvaro::Edge::None;
+    recordCorners();
+    setCursor(Qt::ArrowCursor);
+    restoreEdgeCursors();
+    event->accept();
+}
+
+// The edge frames have cursors of their own and the corner's zone lies over two of them.
+void CMainForm::showEdgeCursor(zelvaro::Edge edge)
+{
+    setCursor(zelvaro::cursorOf(edge));
+    restoreEdgeCursors();
+    if (edge == zelvaro::Edge::Corner) {
+        m_ui->frameRight->setCursor(Qt::SizeFDiagCursor);
+        m_ui->frameBottom->setCursor(Qt::SizeFDiagCursor);
+    }
+}
+
+void CMainForm::restoreEdgeCursors()
+{
+    m_ui->frameLeft->setCursor(m_maximized ? Qt::ArrowCursor : Qt::SizeHorCursor);
+    m_ui->frameRight->setCursor(m_maximized ? Qt::ArrowCursor : Qt::SizeHorCursor);
+    m_ui->frameTop->setCursor(m_maximized ? Qt::ArrowCursor : Qt::SizeVerCursor);
+    m_ui->frameBottom->setCursor(m_maximized ? Qt::ArrowCursor : Qt::SizeVerCursor);
+}

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "app/edge_drag.h"
+#include "ui/common/page_host.h"
+
+#include <QWidget>
+
+#include <memory>
+
+class QToolButton;
+
+namespace Ui {
+class CMainForm;
+}
+
+/// The program's one top-level window: frameless, with a title bar, a tool bar and the stack of
+/// pages. Every page switch of the program goes through it. Built after the camera sessions and
+/// destroyed before them. GUI thread only.
+class CMainForm : public QWidget, public PageHost
+{
+    Q_OBJECT
+
+public:
+    /// The order of the pages in the stack.
+    enum Page
+    {
+        PageCameraMgr,
+        PagePlayCamera,
+        PageMultiLive,
+        PagePhotoMgr,
+        PagePlayPhoto,
+        PageVideoMgr,
+        PagePlayVideo,
+        PageSearchCameraList
+    };
+
+    explicit CMainForm(QWidget *parent = nullptr);
+    ~CMainForm() override;
+
+    QWidget *dialogParent() override { return this; }
+    void leavePages() override;
+    void showCameraMgr() override;
+    void showSearchCameraList() override;
+    void playCamera(CCamera *camera) override;
+    void showMultiLive() override;
+    void showPhotoMgr() override;
+    void backToPhotoMgr() override;
+    void showPhoto(TileList *list, CPhotoMgrItemForm *current) override;
+    void showVideoMgr() override;
+    void backToVideoMgr() override;
+    void playVideo(TileList *list, CPhotoMgrItemForm *current) override;
+
+public slots:
+    void slotMinimized();
+    void slotMaximized();
+    void slotClose();
+    void slotCameraMgr();
+    void slotMultiLive();
+    void slotVideoMgr();
+    void slotPhotoMgr();
+    void slotSetUp();
+    void slotSavePath();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void buildSystemButtons();
+    void buildToolBar();
+    void trackEdges();
+    void centreOnDesktop();
+
+    void showPage(Page page);
+    bool mayLeaveMultiLive();
+    void markToolButton(const QToolButton *clicked);
+
+    void recordCorners();
+    void placeEdgeFrames();
+    void showEdgeCursor(zelvaro::Edge edge);
+    void restoreEdgeCursors();
+
+    std::unique_ptr<Ui::CMainForm> m_ui;
+    bool m_maximized = false;
+    QRect m_normalGeometry;
+    QSize m_largest;                               // the desktop's available area at construction
+    QRect m_corners;                               // global, as last recorded
+    zelvaro::Edge m_pressed = zelvaro::Edge::None; // where the left button went down
+    zelvaro::Edge m_dragged = zelvaro::Edge::None; // what the drag resizes
+};
