@@ -23,7 +23,8 @@ protected:
 
 /// The one way to wait for a request whose end a signal tells: shows the dialog, runs start, and
 /// returns when the signal came. The signal must come through the event loop, so that it cannot
-/// come before the dialog runs. When start gives false nothing is waited for.
+/// come before the dialog runs. When start gives false nothing is waited for. A sender that is
+/// destroyed ends the wait as well.
 /// @return what start gave.
 template <typename Sender, typename Signal>
 bool runBusy(QWidget *parent, const QString &text, Sender *sender, Signal finished,
@@ -31,9 +32,11 @@ bool runBusy(QWidget *parent, const QString &text, Sender *sender, Signal finish
 {
     BusyDialog dialog(text, parent);
     QObject::connect(sender, finished, &dialog, &QProgressDialog::cancel);
+    QObject::connect(sender, &QObject::destroyed, &dialog, &QProgressDialog::cancel);
     const bool started = start();
-    if (started)
+    if (started) {
         dialog.exec();
+    }
     return started;
 }
 
