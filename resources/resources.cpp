@@ -1,5 +1,7 @@
 #include "resources/resources.h"
 
+#include "resources/palette.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QFont>
@@ -13,6 +15,42 @@ static void initTree()
 }
 
 namespace zelvaro {
+
+namespace {
+
+/// For what the base style draws itself, in the dialogs of Qt: the colours of our own drawings.
+QPalette basePalette()
+{
+    QString error;
+    const Palette named = Palette::read(QStringLiteral(":/style/palette.txt"), &error);
+    if (!error.isEmpty())
+        return QApplication::palette();
+
+    QPalette palette(named.colours[QStringLiteral("chrome-top")]);
+    const auto set = [&](QPalette::ColorRole role, const char *name) {
+        palette.setColor(role, named.colours[QLatin1String(name)]);
+    };
+    const auto setDisabled = [&](QPalette::ColorRole role, const char *name) {
+        palette.setColor(QPalette::Disabled, role, named.colours[QLatin1String(name)]);
+    };
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
+        set(role, "ink");
+        setDisabled(role, "ink-disabled");
+    }
+    set(QPalette::Window, "chrome-top");
+    set(QPalette::Button, "chrome-bottom");
+    set(QPalette::Base, "white");
+    setDisabled(QPalette::Base, "flat");
+    set(QPalette::AlternateBase, "paper");
+    set(QPalette::ToolTipBase, "white");
+    set(QPalette::Highlight, "accent");
+    set(QPalette::HighlightedText, "white");
+    set(QPalette::Link, "accent");
+    return palette;
+}
+
+} // namespace
 
 void initResources()
 {
@@ -43,6 +81,7 @@ void applyLook()
     QFont::insertSubstitutions(QStringLiteral("Arial"), {QStringLiteral("Liberation Sans")});
     QApplication::setFont(QFont(QStringLiteral("Calibri"), 10));
 
+    QApplication::setPalette(basePalette());
     QApplication::setWindowIcon(applicationIcon());
     qApp->setStyleSheet(applicationStyleSheet());
 }

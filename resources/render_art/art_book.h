@@ -1,6 +1,6 @@
 #pragma once
 
-#include "resources/render_art/palette.h"
+#include "resources/palette.h"
 
 #include <QMap>
 #include <QSize>

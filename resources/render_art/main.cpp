@@ -36,15 +36,18 @@ QString render(const QByteArray &svg, const ArtBook::Image &image, int density, 
     return {};
 }
 
-/// Renders one image at both densities and lists the two files.
+/// The files of one image as its density asks: both, or name.png alone.
 QString renderImage(ArtBook &book, const ArtBook::Image &image, const QString &output,
                     QTextStream &list)
 {
     const QByteArray svg = book.svg(image).toUtf8();
-    for (int density = 1; density <= 2 && book.error().isEmpty(); ++density) {
-        const QString alias =
-            QStringLiteral("images/%1%2.png")
-                .arg(image.name, density == 2 ? QStringLiteral("@2x") : QString());
+    const int only = image.values.value(QStringLiteral("density")).toInt();
+    for (const int density : {1, 2}) {
+        if (!book.error().isEmpty() || (only != 0 && only != density))
+            continue;
+        const bool dense = density == 2 && only == 0;
+        const QString alias = QStringLiteral("images/%1%2.png")
+                                  .arg(image.name, dense ? QStringLiteral("@2x") : QString());
         const QString error = render(svg, image, density, output + QLatin1Char('/') + alias);
         if (!error.isEmpty())
             return error;

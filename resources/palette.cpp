@@ -1,4 +1,4 @@
-#include "resources/render_art/palette.h"
+#include "resources/palette.h"
 
 #include <QFile>
 #include <QStringList>
