@@ -1,0 +1,1 @@
+// The precompiled header of the client's targets hangs on this file.
