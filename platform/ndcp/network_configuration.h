@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/onvif/device_message.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+struct ndcp_device;
+
+namespace ndcp {
+
+/// What a device told of its network configuration. What it could not tell is absent.
+struct NetworkConfiguration
+{
+    onvif::NetworkInterface interface;
+    std::optional<onvif::Ipv4> gateway;
+    std::optional<onvif::DnsInformation> dns;
+    std::optional<std::vector<onvif::NetworkProtocol>> protocols;
+    std::optional<std::vector<onvif::DeviceScope>> scopes;
+    std::string model; ///< asked for only when discovery did not tell
+};
+
+/// The interface that carries an address, else the first enabled one with IPv4; nullopt when the
+/// device has none.
+std::optional<onvif::NetworkInterface>
+chooseInterface(const std::vector<onvif::NetworkInterface> &interfaces, onvif::Ipv4 address);
+
+/// Overwrites the fields of the record that the device told of; the others stay.
+void fillRecord(ndcp_device &record, const NetworkConfiguration &configuration);
+
+/// What must be told to a device so that it gets the configuration of a record; absent parts are
+/// right already or not to be set.
+struct ConfigurationChange
+{
+    std::optional<std::vector<std::string>> scopes;
+    std::optional<onvif::DnsInformation> dns;
+    std::optional<onvif::Ipv4> gateway;
+    std::optional<std::vector<onvif::NetworkProtocol>> protocols;
+    std::optional<onvif::InterfaceSetup> interface;
+};
+
+ConfigurationChange changeTo(const ndcp_device &record, const NetworkConfiguration &current);
+
+} // namespace ndcp
