@@ -9,16 +9,9 @@ QDateTime localTime()
     return QDateTime::currentDateTime();
 }
 
-QString cameraFolder(const QString &albumRoot, const QString &hostname)
+void makeFolder(const QString &folder)
 {
-    return albumRoot + QLatin1Char('/') + hostname;
-}
-
-QString madeCameraFolder(const QString &albumRoot, const QString &hostname)
-{
-    const QString folder = cameraFolder(albumRoot, hostname);
     QDir().mkpath(folder);
-    return folder;
 }
 
 QString timeStamp(const QDateTime &time)

@@ -20,10 +20,9 @@ constexpr int RecordingLimit = 104857600;
 constexpr char PhotoFilter[] = "*.jpg";
 constexpr char ClipFilter[] = "*.mp4";
 
-/// The folder of one camera: photos and recordings lie in it side by side.
-QString cameraFolder(const QString &albumRoot, const QString &hostname);
-/// The same, made with all its parents when it is missing. A failure shows when a file is written.
-QString madeCameraFolder(const QString &albumRoot, const QString &hostname);
+/// Makes a camera's folder, with all its parents, when it is missing. A failure shows when a file
+/// is written into it.
+void makeFolder(const QString &folder);
 
 /// "/20240305_070809", with the slash. Two stamps of the same second are equal.
 QString timeStamp(const QDateTime &time);

@@ -1,0 +1,270 @@
+#include "ui/live/live_view.h"
+
+#include "camera/camera.h"
+#include "settings/camera_settings.h"
+#include "ui/common/status_text.h"
+#include "ui/live/video_frame.h"
+
+#include <QLabel>
+#include <QLoggingCategory>
+
+namespace zelvaro {
+
+namespace {
+
+Q_LOGGING_CATEGORY(liveLog, "zelvaro.live")
+
+// Reports between two thumbnails, and from the start of a stream to its first one.
+constexpr int ThumbnailPeriod = 60;
+constexpr int FirstThumbnail = 3;
+
+void paintBlack(QWidget *widget)
+{
+    QPalette palette = widget->palette();
+    palette.setColor(QPalette::Window, Qt::black);
+    widget->setPalette(palette);
+    widget->setAutoFillBackground(true);
+}
+
+} // namespace
+
+QString recordImage(bool recording)
+{
+    return recording ? QStringLiteral(":/images/panelbtn/recordbtn_down.png")
+                     : QStringLiteral(":/images/panelbtn/recordbtn_default.png");
+}
+
+LiveView::LiveView(const LiveWidgets &widgets, StatusSize statusSize, std::function<int()> volume,
+                   Clock clock)
+    : m_widgets(widgets)
+    , m_statusSize(statusSize)
+    , m_volume(std::move(volume))
+    , m_clock(std::move(clock))
+    , m_box(widgets.area, widgets.box, widgets.surface)
+{
+    paintBlack(m_widgets.surface);
+}
+
+CCamera *LiveView::camera() const
+{
+    return m_camera;
+}
+
+void LiveView::setCamera(CCamera *camera)
+{
+    m_camera = camera;
+    if (m_camera)
+        showConnecting();
+}
+
+bool LiveView::isPlaying() const
+{
+    return m_camera && m_camera->is_playing();
+}
+
+void LiveView::open(int stream)
+{
+    m_needLayout = true;
+    m_stream = stream;
+    QWidget *surface = m_widgets.surface->CreateRenderSurface();
+    m_camera->setup_live_stream(m_stream, surface);
+    m_window = surface->internalWinId();
+}
+
+void LiveView::close()
+{
+    m_box.leaveFullScreen();
+    if (m_camera)
+        m_camera->stop_play();
+    m_camera = nullptr;
+    m_window = 0;
+}
+
+void LiveView::report()
+{
+    if (!m_camera)
+        return;
+    followWindow();
+    if (!isPlaying()) {
+        showConnecting();
+        m_needLayout = true;
+        m_camera->play();
+    } else if (m_needLayout) {
+        m_needLayout = false;
+        streamChanged();
+    } else {
+        if (m_thumbnailCountdown < 1) {
+            m_camera->take_thumb();
+            m_thumbnailCountdown = ThumbnailPeriod;
+        } else {
+            --m_thumbnailCountdown;
+        }
+        applyVolume();
+        showStatus();
+    }
+}
+
+void LiveView::streamChanged()
+{
+    if (isPlaying()) {
+        applyVolume();
+        applyRecording();
+        m_thumbnailCountdown = FirstThumbnail;
+        const QSize size = streamSize();
+        m_widgets.surface->SetVideoSize(size.width(), size.height());
+        m_box.resetZoom();
+        calculateVideoSize();
+        if (!m_box.isFullScreen())
+            resizeVideoWindow();
+    } else {
+        m_box.resetZoom();
+        layOut();
+    }
+    showStatus();
+}
+
+void LiveView::areaResized()
+{
+    m_box.resetZoom();
+    layOut();
+}
+
+void LiveView::zoomIn()
+{
+    m_box.zoomIn();
+    layOut();
+}
+
+void LiveView::zoomOut()
+{
+    m_box.zoomOut();
+    layOut();
+}
+
+void LiveView::enterFullScreen()
+{
+    m_box.enterFullScreen();
+    followWindow();
+}
+
+void LiveView::toggleFullScreen()
+{
+    m_box.toggleFullScreen();
+    followWindow();
+}
+
+void LiveView::layOut()
+{
+    calculateVideoSize();
+    resizeVideoWindow();
+}
+
+void LiveView::calculateVideoSize()
+{
+    m_box.calculate(isPlaying() ? streamSize() : QSize());
+    const PictureLayout &layout = m_box.layout();
+    if (layout.fitted) {
+        qCDebug(liveLog, "CalculateVideoSize() fSrc:%f fDest:%f\r\n", layout.sourceRatio,
+                layout.areaRatio);
+    }
+    if (layout.hasPicture) {
+        qCDebug(liveLog, "CalculateVideoSize() %d (%d %d)\r\n", layout.zoom,
+                layout.videoRect.width(), layout.videoRect.height());
+    }
+}
+
+void LiveView::resizeVideoWindow()
+{
+    m_box.position();
+    if (!m_box.isFullScreen()) {
+        qCDebug(liveLog, "resizeVideoWindow() (%d %d)\r\n", m_widgets.surface->width(),
+                m_widgets.surface->height());
+    }
+}
+
+/// A native window may be made anew when its parent becomes a window of its own or a child again.
+void LiveView::followWindow()
+{
+    QWidget *surface = m_widgets.surface->renderSurface();
+    if (!m_camera || !surface || surface->internalWinId() == m_window)
+        return;
+    m_camera->setup_live_stream(m_stream, surface);
+    m_window = surface->internalWinId();
+    m_camera->play();
+}
+
+void LiveView::applyVolume()
+{
+    if (isPlaying())
+        m_camera->set_volume(m_volume());
+}
+
+void LiveView::setRecording(bool recording)
+{
+    m_recording = recording;
+    m_widgets.recording->setStyleSheet(
+        recording ? QStringLiteral("border-image:url(%1);").arg(recordImage(true)) : QString());
+    applyRecording();
+}
+
+void LiveView::applyRecording()
+{
+    if (!isPlaying())
+        return;
+    const bool writing = m_camera->is_writing();
+    if (m_recording && !writing) {
+        const QString base = recordingBase(madeFolder(), m_clock());
+        m_camera->snapshot(clipStill(clipFile(base)));
+        m_camera->begin_writing(base, RecordingLimit);
+    } else if (!m_recording && writing) {
+        m_camera->end_writing();
+    }
+}
+
+void LiveView::takePhoto()
+{
+    if (isPlaying())
+        m_camera->snapshot(photoFile(madeFolder(), m_clock()));
+}
+
+void LiveView::showStatus()
+{
+    if (!m_camera)
+        return;
+    if (!isPlaying()) {
+        showConnecting();
+        return;
+    }
+    const QSize size = streamSize();
+    const QString first = m_statusSize == StatusSize::Scaled
+                              ? scaledSizeText(size, m_box.layout().videoRect.width())
+                              : sizeText(size);
+    showStatusText(first + QLatin1String(StatusGap) +
+                   rateText(m_camera->get_frame_rate(), m_camera->get_bit_rate()));
+}
+
+void LiveView::showConnecting()
+{
+    showStatusText(m_camera->name() + tr(" is connecting..."));
+}
+
+void LiveView::showStatusText(const QString &text)
+{
+    m_widgets.status->setText(text);
+    // A picture may be smaller than its status.
+    m_widgets.status->setToolTip(text);
+}
+
+QSize LiveView::streamSize() const
+{
+    return {m_camera->get_video_width(), m_camera->get_video_height()};
+}
+
+QString LiveView::madeFolder() const
+{
+    const QString folder = CameraSettings::instance().cameraFolder(m_camera->hostname());
+    makeFolder(folder);
+    return folder;
+}
+
+} // namespace zelvaro

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "ui/common/album_files.h"
+#include "ui/common/picture_box.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+
+#include <functional>
+
+class CCamera;
+class CVideoFrame;
+class QLabel;
+
+namespace zelvaro {
+
+/// The widgets in which a live view shows its picture and status. Not owned.
+struct LiveWidgets
+{
+    QWidget *area;        ///< what the picture is fitted into
+    QWidget *box;         ///< the framed picture, child of area
+    CVideoFrame *surface; ///< child of box
+    QLabel *status;
+    QLabel *recording; ///< shows a mark while a recording is wanted
+};
+
+/// What is drawn on the record mark and the record button.
+QString recordImage(bool recording);
+
+/// One camera's session shown live: the single view and each tile of the grid have one. It owns
+/// neither the session nor a timer: the reports of the session, which its view passes on to
+/// report(), are its only clock. GUI thread only.
+class LiveView
+{
+    Q_DECLARE_TR_FUNCTIONS(LiveView)
+
+public:
+    /// First piece of the status line.
+    enum class StatusSize
+    {
+        Plain,  ///< "640x360"
+        Scaled, ///< "640x360(100%)"
+    };
+
+    /// volume: what the session's volume is to be, 0 to 200. clock: names photos and recordings.
+    LiveView(const LiveWidgets &widgets, StatusSize statusSize, std::function<int()> volume,
+             Clock clock);
+
+    CCamera *camera() const;
+    /// Null: none.
+    void setCamera(CCamera *camera);
+    bool isPlaying() const;
+    PictureBox &box() { return m_box; }
+
+    /// Gives the session a fresh surface to draw stream 0 (main) or 1 (sub) on. The view then
+    /// connects the session's reports and asks for one.
+    void open(int stream);
+    /// Leaves full screen, stops the stream and forgets the camera. The session goes on.
+    void close();
+
+    /// The session has answered a probe: follows the stream, asks for it when it does not play.
+    void report();
+    /// The stream has begun or ended: lays the view out anew.
+    void streamChanged();
+
+    /// Back to the natural zoom, fitted into the area as it is now.
+    void areaResized();
+    void zoomIn();
+    void zoomOut();
+    void enterFullScreen();
+    void toggleFullScreen();
+
+    void applyVolume();
+    /// What the user asks for; writing begins as soon as the stream plays and goes on in a new
+    /// file after each interruption.
+    void setRecording(bool recording);
+    bool isRecording() const { return m_recording; }
+    /// Writes the picture into the album; nothing unless it plays.
+    void takePhoto();
+
+private:
+    void calculateVideoSize();
+    void resizeVideoWindow();
+    void layOut();
+    void followWindow();
+    void applyRecording();
+    void showStatus();
+    void showConnecting();
+    void showStatusText(const QString &text);
+    QSize streamSize() const;
+    QString madeFolder() const;
+
+    LiveWidgets m_widgets;
+    StatusSize m_statusSize;
+    std::function<int()> m_volume;
+    Clock m_clock;
+    PictureBox m_box;
+    bool m_recording = false;
+    QPointer<CCamera> m_camera;
+    qint32 m_thumbnailCountdown = 0; // reports until the next thumbnail
+    bool m_needLayout = false;       // the stream has not been seen playing since it was asked for
+    int m_stream = 1;
+    WId m_window = 0; // that the session draws on
+};
+
+} // namespace zelvaro

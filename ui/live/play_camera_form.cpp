@@ -1,0 +1,175 @@
+#include "ui/live/play_camera_form.h"
+
+#include "camera/camera.h"
+#include "ui/common/page_host.h"
+#include "ui/live/snapshot_sound.h"
+#include "ui_play_camera_form.h"
+
+CPlayCameraForm::CPlayCameraForm(QWidget *parent, zelvaro::Clock clock)
+    : QWidget(parent)
+    , m_ui(std::make_unique<Ui::CPlayCameraForm>())
+{
+    m_ui->setupUi(this);
+    m_live = std::make_unique<zelvaro::LiveView>(
+        zelvaro::LiveWidgets{m_ui->frameVideoArea, m_ui->frameVideoClient, m_ui->frameVideoFrame,
+                             m_ui->labelStatus, m_ui->labelRecording},
+        zelvaro::LiveView::StatusSize::Scaled, [this] { return volume(); }, std::move(clock));
+    m_ui->sliderVolume->setRange(0, zelvaro::MaxVolume);
+    m_ui->sliderVolume->setValue(zelvaro::NaturalVolume);
+
+    connect(m_ui->frameVideoArea, &CVideoAreaFrame::signalResize, this,
+            &CPlayCameraForm::slotVideoAreaResize);
+    connect(m_ui->btnSnapshot, &QToolButton::clicked, this, &CPlayCameraForm::slotSnapshot);
+    connect(m_ui->btnRecord, &QToolButton::clicked, this, &CPlayCameraForm::slotRecord);
+    connect(m_ui->btnZoomIn, &QToolButton::clicked, this, &CPlayCameraForm::slotZoomIn);
+    connect(m_ui->btnZoomOut, &QToolButton::clicked, this, &CPlayCameraForm::slotZoomOut);
+    connect(m_ui->btnFullScreen, &QToolButton::clicked, this, &CPlayCameraForm::slotFullScreen);
+    connect(m_ui->btnBack, &QToolButton::clicked, this, &CPlayCameraForm::slotBack);
+    connect(m_ui->btnOutVolume, &QToolButton::clicked, this, &CPlayCameraForm::slotOvolumeClicked);
+    connect(m_ui->frameVideoFrame, &CVideoFrame::doubleClicked, this,
+            &CPlayCameraForm::slotVideoDoubleClicked);
+    connect(m_ui->sliderVolume, &CVolumeSliderForm::valueChanged, this,
+            &CPlayCameraForm::slotVolumeChanged);
+    connect(m_ui->sliderVolume, &CVolumeSliderForm::muteChanged, this,
+            &CPlayCameraForm::slotMuteChanged);
+}
+
+CPlayCameraForm::~CPlayCameraForm()
+{
+    // Nothing may draw on a surface that is gone.
+    StopPlay();
+}
+
+void CPlayCameraForm::SetCamera(CCamera *camera)
+{
+    m_live->setCamera(camera);
+}
+
+void CPlayCameraForm::StartPlay()
+{
+    CCamera *camera = m_live->camera();
+    if (!camera)
+        return;
+    m_live->open(camera->get_mode());
+    connect(camera, &CCamera::signalStateReport, this, &CPlayCameraForm::slotTimer,
+            Qt::ConnectionType(Qt::QueuedConnection | Qt::UniqueConnection));
+    camera->tick_alive();
+}
+
+bool CPlayCameraForm::IsPlaying() const
+{
+    return m_live->isPlaying();
+}
+
+void CPlayCameraForm::StopPlay()
+{
+    CCamera *camera = m_live->camera();
+    if (!camera)
+        return;
+    disconnect(camera, &CCamera::signalStateReport, this, &CPlayCameraForm::slotTimer);
+    if (m_live->isRecording())
+        setRecording(false);
+    if (m_talking)
+        setTalking(false);
+    m_live->close();
+}
+
+void CPlayCameraForm::slotVideoAreaResize()
+{
+    m_live->areaResized();
+}
+
+void CPlayCameraForm::slotCameraStatusChanged()
+{
+    m_live->streamChanged();
+}
+
+void CPlayCameraForm::slotTimer()
+{
+    CCamera *camera = m_live->camera();
+    if (!camera)
+        return;
+    if (camera->get_state() == CAMERA_STATE_CONNECTED && m_talking &&
+        !camera->audio_upload_is_playing()) {
+        camera->audio_upload_play();
+    }
+    m_live->report();
+}
+
+void CPlayCameraForm::slotSnapshot()
+{
+    zelvaro::playSnapshotSound();
+    m_live->takePhoto();
+}
+
+void CPlayCameraForm::slotRecord()
+{
+    setRecording(!m_live->isRecording());
+}
+
+void CPlayCameraForm::slotZoomIn()
+{
+    m_live->zoomIn();
+}
+
+void CPlayCameraForm::slotZoomOut()
+{
+    m_live->zoomOut();
+}
+
+void CPlayCameraForm::slotFullScreen()
+{
+    m_live->enterFullScreen();
+}
+
+void CPlayCameraForm::slotVideoDoubleClicked()
+{
+    m_live->toggleFullScreen();
+}
+
+void CPlayCameraForm::slotMuteChanged(bool)
+{
+    m_live->applyVolume();
+}
+
+void CPlayCameraForm::slotVolumeChanged(int)
+{
+    m_live->applyVolume();
+}
+
+void CPlayCameraForm::slotBack()
+{
+    if (PageHost *host = pageHost())
+        host->showCameraMgr();
+}
+
+void CPlayCameraForm::slotOvolumeClicked()
+{
+    setTalking(!m_talking);
+}
+
+int CPlayCameraForm::volume() const
+{
+    return m_ui->sliderVolume->isMuted() ? 0 : m_ui->sliderVolume->value();
+}
+
+void CPlayCameraForm::setRecording(bool recording)
+{
+    m_ui->btnRecord->setIcon(QIcon(zelvaro::recordImage(recording)));
+    m_live->setRecording(recording);
+}
+
+void CPlayCameraForm::setTalking(bool talking)
+{
+    m_talking = talking;
+    m_ui->btnOutVolume->setIcon(
+        QIcon(m_talking ? QStringLiteral(":/images/panelbtn/outvolumebtn_down.png")
+                        : QStringLiteral(":/images/panelbtn/outvolumebtn_default.png")));
+    CCamera *camera = m_live->camera();
+    if (!camera)
+        return;
+    if (m_talking)
+        camera->audio_upload_play();
+    else
+        camera->audio_upload_stop();
+}

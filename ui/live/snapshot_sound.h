@@ -1,0 +1,8 @@
+#pragma once
+
+namespace zelvaro {
+
+/// The shutter sound, from the "sounds" folder beside the executable. Does not wait.
+void playSnapshotSound();
+
+} // namespace zelvaro

@@ -1,0 +1,7 @@
+#include "ui/live/video_area_frame.h"
+
+void CVideoAreaFrame::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    emit signalResize();
+}

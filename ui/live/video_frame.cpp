@@ -1,0 +1,104 @@
+#include "ui/live/video_frame.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QRegion>
+
+namespace {
+
+const QString BlackBackground = QStringLiteral("background-color:rgb(0,0,0);");
+
+void dismiss(QWidget *surface)
+{
+    if (!surface)
+        return;
+    surface->hide();
+    surface->deleteLater();
+}
+
+} // namespace
+
+CVideoFrame::CVideoFrame(QWidget *parent) : QWidget(parent)
+{
+    setStyleSheet(BlackBackground);
+    setAttribute(Qt::WA_StyledBackground);
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+QWidget *CVideoFrame::CreateRenderSurface()
+{
+    dismiss(m_overlaySurface);
+    dismiss(m_renderSurface);
+
+    m_renderSurface = new QWidget(this);
+    m_renderSurface->setStyleSheet(BlackBackground);
+    m_renderSurface->setAutoFillBackground(true);
+
+    m_overlaySurface = new QWidget(m_renderSurface);
+    m_overlaySurface->setAttribute(Qt::WA_TranslucentBackground);
+    // A native child window is opaque whatever its attributes say, and would hide the picture. With
+    // nothing to draw it has no shape.
+    m_overlaySurface->setMask(QRegion(-1, -1, 1, 1));
+
+    m_videoWidth = -1;
+    m_videoHeight = -1;
+    layoutSurfaces();
+    m_renderSurface->show();
+    return m_renderSurface;
+}
+
+void CVideoFrame::SetVideoSize(int width, int height)
+{
+    m_videoWidth = width;
+    m_videoHeight = height;
+    layoutSurfaces();
+}
+
+void CVideoFrame::layoutSurfaces()
+{
+    if (!m_renderSurface)
+        return;
+    const QRect whole = rect();
+    if (m_videoWidth < 0 || m_videoHeight < 0) {
+        m_renderSurface->setGeometry(whole);
+        m_overlaySurface->setGeometry(whole);
+        return;
+    }
+    if (m_lastGeometry == whole)
+        return;
+    m_lastGeometry = whole;
+    for (QWidget *surface : {m_renderSurface, m_overlaySurface}) {
+        surface->hide();
+        surface->setGeometry(whole);
+        surface->show();
+    }
+}
+
+void CVideoFrame::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    layoutSurfaces();
+}
+
+void CVideoFrame::mousePressEvent(QMouseEvent *event)
+{
+    QWidget::mousePressEvent(event);
+    emit clicked();
+}
+
+void CVideoFrame::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        emit doubleClicked();
+    else
+        QWidget::mouseDoubleClickEvent(event);
+}
+
+void CVideoFrame::keyReleaseEvent(QKeyEvent *event)
+{
+    // A key that is held down repeats, which would throw the picture to and fro.
+    if (event->key() == Qt::Key_Escape && !event->isAutoRepeat())
+        emit doubleClicked();
+    else
+        QWidget::keyReleaseEvent(event);
+}

@@ -1,0 +1,57 @@
+#include "ui/live/volume_slider_form.h"
+
+#include "ui_volume_slider_form.h"
+
+CVolumeSliderForm::CVolumeSliderForm(QWidget *parent)
+    : QWidget(parent)
+    , m_ui(std::make_unique<Ui::CVolumeSliderForm>())
+{
+    m_ui->setupUi(this);
+    setFocusProxy(m_ui->slider);
+    connect(m_ui->slider, &QSlider::valueChanged, this, &CVolumeSliderForm::slotValueChanged);
+    connect(m_ui->btnMute, &QToolButton::clicked, this, &CVolumeSliderForm::slotMuteClicked);
+    updateMuteStyle();
+}
+
+CVolumeSliderForm::~CVolumeSliderForm() = default;
+
+void CVolumeSliderForm::setRange(int min, int max)
+{
+    m_ui->slider->setRange(min, max);
+}
+
+void CVolumeSliderForm::setValue(int value)
+{
+    m_ui->slider->setValue(value);
+}
+
+int CVolumeSliderForm::value() const
+{
+    return m_ui->slider->value();
+}
+
+void CVolumeSliderForm::slotValueChanged(int value)
+{
+    emit valueChanged(value);
+}
+
+void CVolumeSliderForm::slotMuteClicked()
+{
+    m_muted = !m_muted;
+    updateMuteStyle();
+    emit muteChanged(m_muted);
+}
+
+void CVolumeSliderForm::updateMuteStyle()
+{
+    const QString image =
+        m_muted ? QStringLiteral("volumebtn_unchecked") : QStringLiteral("volumebtn_checked");
+    m_ui->btnMute->setStyleSheet(
+        QStringLiteral(
+            "QToolButton{border-image: url(:/images/panelbtn/%1.png);border:none;}\n"
+            "QToolButton:hover{border-image: url(:/images/panelbtn/%1hover.png);border:none;}\n"
+            "QToolButton:pressed{border-image: url(:/images/panelbtn/%1.png);border:none;}\n")
+            .arg(image));
+    m_ui->btnMute->setToolTip(m_muted ? tr("Sound on") : tr("Mute"));
+    m_ui->btnMute->setAccessibleName(m_ui->btnMute->toolTip());
+}

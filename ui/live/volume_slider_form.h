@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+
+namespace Ui {
+class CVolumeSliderForm;
+}
+
+namespace zelvaro {
+/// Volumes of a session: the loudest, and the level of the source.
+constexpr int MaxVolume = 200;
+constexpr int NaturalVolume = 100;
+} // namespace zelvaro
+
+/// A volume slider with a mute button. Muting does not move the slider. GUI thread only.
+class CVolumeSliderForm : public QWidget
+{
+    Q_OBJECT
+    Q_PROPERTY(int value READ value WRITE setValue NOTIFY valueChanged)
+
+public:
+    explicit CVolumeSliderForm(QWidget *parent = nullptr);
+    ~CVolumeSliderForm() override;
+
+    void setRange(int min, int max);
+    void setValue(int value);
+    int value() const;
+    bool isMuted() const { return m_muted; }
+
+signals:
+    void valueChanged(int value);
+    void muteChanged(bool muted);
+
+private slots:
+    void slotValueChanged(int value);
+    void slotMuteClicked();
+
+private:
+    void updateMuteStyle();
+
+    std::unique_ptr<Ui::CVolumeSliderForm> m_ui;
+    bool m_muted = false;
+};
