@@ -1,0 +1,240 @@
+#include "platform/cammgr/camera_session.h"
+
+#include "platform/cammgr/io_services.h"
+
+#include <utility>
+
+namespace cammgr {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// The caller is promised 15 s.
+constexpr std::chrono::milliseconds commandLimit = 14s;
+constexpr std::chrono::milliseconds leastCommandTime = 1s;
+
+} // namespace
+
+CameraSession::CameraSession(SessionInfo info, StreamControl &control)
+    : m_info(std::move(info))
+    , m_control(control)
+    , m_paths(m_info.address.path)
+{
+}
+
+CameraSession::~CameraSession() = default;
+
+void CameraSession::open()
+{
+    IoServices &services = IoServices::instance();
+    m_resolver = std::make_unique<Resolver>(services.lookup(), m_info.address,
+                                            onvif::Credentials{m_info.username, m_info.password});
+    m_resolver->onMoved = [this] { moved(); };
+    m_watch = services.watchNetwork([this] { m_schedule.networkChanged(); });
+}
+
+void CameraSession::close(bool reportProbe)
+{
+    IoServices::instance().unwatchNetwork(m_watch);
+    if (reportProbe)
+        stopConnecting();
+    m_commands.cancel();
+    m_probe.cancel();
+    m_probe.disconnect();
+    m_resolver.reset();
+}
+
+void CameraSession::report(int message, int value, char **strings)
+{
+    if (m_info.callback)
+        m_info.callback(message, value, m_info.context, strings);
+}
+
+void CameraSession::tick()
+{
+    if (m_probing != Probing::Idle)
+        return;
+    m_probing = Probing::Finding;
+    const unsigned number = ++m_probeNumber;
+    if (m_control.isStreamPlaying()) {
+        m_probe.disconnect();
+        probed(ProbeOutcome::Answered);
+    } else if (!m_schedule.isDue(Clock::now())) {
+        finishProbe(m_schedule.remembered());
+    } else {
+        m_resolver->find([this, number](bool found) {
+            if (number != m_probeNumber || m_probing != Probing::Finding)
+                return;
+            if (found)
+                describe();
+            else
+                probed(ProbeOutcome::Silent);
+        });
+    }
+}
+
+void CameraSession::stopConnecting()
+{
+    if (m_probing == Probing::Idle)
+        return;
+    m_probe.cancel();
+    finishProbe(ProbeOutcome::Silent);
+}
+
+void CameraSession::describe()
+{
+    m_probing = Probing::Asking;
+    const std::string path = StreamPaths::path(StreamPlace::Main);
+    const std::string url = m_paths.url(m_resolver->endpoint(), path);
+    const CameraAddress service = parseUrl(url);
+    m_probe.start({service.endpoint, url, m_info.username, m_info.password},
+                  [this](ProbeOutcome outcome) { probed(outcome); });
+}
+
+void CameraSession::probed(ProbeOutcome outcome)
+{
+    const std::string main = StreamPaths::path(StreamPlace::Main);
+    if (outcome == ProbeOutcome::NotFound) {
+        const unsigned number = m_probeNumber;
+        fallBack(main, [this, number](bool again) {
+            if (number != m_probeNumber || m_probing != Probing::Asking)
+                return;
+            if (again)
+                describe();
+            else
+                probed(ProbeOutcome::Unusable);
+        });
+        return;
+    }
+    m_schedule.record(outcome, Clock::now());
+    if (outcome == ProbeOutcome::Silent || outcome == ProbeOutcome::Rejected)
+        m_resolver->lost();
+    if (outcome == ProbeOutcome::Answered) {
+        m_mode = m_paths.hasMain() ? 0 : 1;
+        learnProfiles();
+    }
+    finishProbe(outcome);
+}
+
+void CameraSession::finishProbe(ProbeOutcome outcome)
+{
+    m_probing = Probing::Idle;
+    if (outcome == ProbeOutcome::Answered)
+        report(CAMMGR_MSG_PROBE_OK, 0);
+    else if (outcome == ProbeOutcome::LoginRefused)
+        report(CAMMGR_MSG_PROBE_FAILED, CAMMGR_ERROR_REFUSED);
+    else
+        report(CAMMGR_MSG_PROBE_FAILED, CAMMGR_ERROR_UNREACHABLE);
+}
+
+/// After a 404 for path: answers whether there is another address to try.
+void CameraSession::fallBack(const std::string &path, std::function<void(bool)> then)
+{
+    if (m_paths.usesProfiles()) {
+        // The camera was set up anew: start over with its own paths and fresh profiles next time.
+        m_paths.reset();
+        m_resolver->forgetStreams();
+        then(false);
+        return;
+    }
+    m_resolver->findStreams([this, path, then](const onvif::CameraStreams *streams) {
+        if (!streams) {
+            then(m_paths.markMissing(path));
+            return;
+        }
+        m_paths.setProfiles(*streams);
+        m_paths.useProfiles();
+        then(true);
+    });
+}
+
+/// The profiles are asked for once, ahead of need: a key frame can then be wanted at once.
+void CameraSession::learnProfiles()
+{
+    if (std::exchange(m_hasLearned, true))
+        return;
+    m_resolver->findStreams([this](const onvif::CameraStreams *streams) {
+        if (streams)
+            m_paths.setProfiles(*streams);
+    });
+}
+
+void CameraSession::moved()
+{
+    m_schedule.reset();
+    m_paths.reset();
+    m_hasLearned = false;
+}
+
+StreamRequest CameraSession::request(const std::string &path, uintptr_t window) const
+{
+    return {.url = m_paths.url(m_resolver->endpoint(), path),
+            .username = m_info.username,
+            .password = m_info.password,
+            .window = window};
+}
+
+void CameraSession::play(const StreamOrder &order)
+{
+    m_order = order;
+    // Playing is a login too.
+    if (m_schedule.remembered() == ProbeOutcome::LoginRefused && !m_schedule.isDue(Clock::now()))
+        return;
+    m_resolver->find([this, ticket = order.ticket](bool found) {
+        if (found && ticket == m_order.ticket)
+            startStream();
+    });
+}
+
+void CameraSession::startStream()
+{
+    m_control.startStream(m_order.ticket, request(m_order.path, m_order.window));
+}
+
+void CameraSession::streamEnded(StreamEnd reason)
+{
+    if (reason == StreamEnd::Refused) {
+        m_schedule.record(ProbeOutcome::LoginRefused, Clock::now());
+    } else if (reason == StreamEnd::NotFound) {
+        fallBack(m_order.path, [this, ticket = m_order.ticket](bool again) {
+            if (again && ticket == m_order.ticket)
+                startStream();
+        });
+    }
+}
+
+void CameraSession::keyFrameWanted()
+{
+    m_resolver->requestKeyFrame(m_paths.profileToken(m_order.path));
+}
+
+void CameraSession::talk(uint64_t ticket)
+{
+    m_resolver->find([this, ticket](bool found) {
+        const StreamRequest stream = request(StreamPaths::path(StreamPlace::Main), 0);
+        m_control.startTalk(ticket, found ? &stream : nullptr);
+    });
+}
+
+void CameraSession::issueCommands(std::vector<std::string> requests)
+{
+    const Clock::time_point begin = Clock::now();
+    m_resolver->findWebServer([this, begin, requests = std::move(requests)](Endpoint server) {
+        const auto spent =
+            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
+        m_commands.start(server, requests, std::max(commandLimit - spent, leastCommandTime),
+                         [this](std::vector<std::string> replies) { reportReplies(replies); });
+    });
+}
+
+void CameraSession::reportReplies(const std::vector<std::string> &replies)
+{
+    std::vector<std::string> copies = replies;
+    std::vector<char *> texts;
+    for (std::string &text : copies)
+        texts.push_back(text.data());
+    m_commandsOut = false;
+    report(CAMMGR_MSG_COMMAND_REPLIES, static_cast<int>(texts.size()), texts.data());
+}
+
+} // namespace cammgr

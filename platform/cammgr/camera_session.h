@@ -1,0 +1,120 @@
+#pragma once
+
+#include "platform/cammgr/cammgr.h"
+#include "platform/cammgr/command_batch.h"
+#include "platform/cammgr/live_stream.h"
+#include "platform/cammgr/probe_schedule.h"
+#include "platform/cammgr/resolver.h"
+#include "platform/cammgr/rtsp_probe.h"
+#include "platform/cammgr/stream_paths.h"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace cammgr {
+
+/// A wish to play or to talk. A later one, or stop, has a greater ticket and makes it void.
+struct StreamOrder
+{
+    uint64_t ticket = 0;
+    std::string path;
+    uintptr_t window = 0;
+};
+
+/// What a session asks of its player, from the I/O thread.
+class StreamControl
+{
+public:
+    virtual bool isStreamPlaying() const = 0;
+    /// Starts the stream when ticket is still the last one.
+    virtual void startStream(uint64_t ticket, const StreamRequest &request) = 0;
+    /// Starts talking when ticket is still the last one; gives up without a request.
+    virtual void startTalk(uint64_t ticket, const StreamRequest *request) = 0;
+
+protected:
+    ~StreamControl() = default;
+};
+
+/// Who a camera is for its session.
+struct SessionInfo
+{
+    CameraAddress address;
+    std::string username; ///< UTF-8
+    std::string password;
+    RtspPlayerCallback callback = nullptr; ///< called on the I/O thread; may be null
+    void *context = nullptr;
+};
+
+/**
+ * The network side of one player: finds the camera, probes it, chooses the stream's address,
+ * carries commands. Everything runs on the I/O thread, from open() to close(); there it must also
+ * be destroyed.
+ */
+class CameraSession
+{
+public:
+    CameraSession(SessionInfo info, StreamControl &control);
+    ~CameraSession();
+    CameraSession(const CameraSession &) = delete;
+    CameraSession &operator=(const CameraSession &) = delete;
+
+    void open();
+    bool isOpen() const { return m_resolver != nullptr; }
+    /// Drops everything that is under way. reportProbe: an outstanding probe is answered first.
+    void close(bool reportProbe);
+
+    void tick();
+    void stopConnecting();
+    void play(const StreamOrder &order);
+    void talk(uint64_t ticket);
+    void streamEnded(StreamEnd reason);
+    void keyFrameWanted();
+    void issueCommands(std::vector<std::string> requests);
+
+    /// Any thread: 0 for the main stream, 1 for the sub stream.
+    int mode() const { return m_mode; }
+    /// Any thread: claims the one place for a command batch; false while one is out.
+    bool claimCommands() { return !m_commandsOut.exchange(true); }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void report(int message, int value, char **strings = nullptr);
+    void describe();
+    void probed(ProbeOutcome outcome);
+    void finishProbe(ProbeOutcome outcome);
+    void fallBack(const std::string &path, std::function<void(bool)> then);
+    void learnProfiles();
+    void startStream();
+    void moved();
+    void reportReplies(const std::vector<std::string> &replies);
+    StreamRequest request(const std::string &path, uintptr_t window) const;
+
+    const SessionInfo m_info;
+    StreamControl &m_control;
+    std::atomic<int> m_mode{1};
+    std::atomic<bool> m_commandsOut{false};
+
+    enum class Probing
+    {
+        Idle,
+        Finding,
+        Asking
+    };
+    Probing m_probing = Probing::Idle;
+    unsigned m_probeNumber = 0; ///< tells a late answer from the one that is waited for
+    ProbeSchedule m_schedule;
+    StreamPaths m_paths;
+    StreamOrder m_order;
+    bool m_hasLearned = false;
+    int m_watch = 0;
+    // Last, so that they go first: their callbacks use what stands above.
+    std::unique_ptr<Resolver> m_resolver;
+    RtspProbe m_probe;
+    CommandBatch m_commands;
+};
+
+} // namespace cammgr

@@ -1,0 +1,289 @@
+#include "platform/cammgr/cammgr.h"
+
+#include "platform/cammgr/client_text.h"
+#include "platform/cammgr/io_thread.h"
+#include "platform/cammgr/player.h"
+
+#include <glib.h>
+#include <pthread.h>
+
+#include <algorithm>
+#include <exception>
+#include <map>
+#include <thread>
+
+using cammgr::IoThread;
+using cammgr::isOneWord;
+using cammgr::LiveStream;
+using cammgr::utf8Text;
+
+namespace {
+
+using PlayerPtr = std::shared_ptr<RtspPlayer>;
+
+constexpr int failure = -1;
+constexpr int maxCommands = 1000;
+constexpr size_t maxPath = 1024;
+
+/// The handles that are valid: a call with any other does nothing.
+class PlayerRegistry
+{
+public:
+    RtspPlayer *add(PlayerPtr player)
+    {
+        const std::lock_guard lock(m_mutex);
+        RtspPlayer *handle = player.get();
+        m_players.emplace(handle, std::move(player));
+        return handle;
+    }
+    PlayerPtr find(RtspPlayer *handle) const
+    {
+        const std::lock_guard lock(m_mutex);
+        const auto found = m_players.find(handle);
+        return found == m_players.end() ? nullptr : found->second;
+    }
+    PlayerPtr take(RtspPlayer *handle)
+    {
+        const std::lock_guard lock(m_mutex);
+        auto node = m_players.extract(handle);
+        return node ? std::move(node.mapped()) : nullptr;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::map<RtspPlayer *, PlayerPtr> m_players;
+};
+
+PlayerRegistry &players()
+{
+    static PlayerRegistry *const registry = new PlayerRegistry;
+    return *registry;
+}
+
+/// Nothing is thrown across the C interface.
+template <class Result, class Call>
+Result guarded(Result otherwise, Call call)
+{
+    try {
+        return call();
+    } catch (const std::exception &error) {
+        g_warning("camera manager: %s", error.what());
+        return otherwise;
+    }
+}
+
+/// call(player), or otherwise for a handle that is none.
+template <class Call>
+int with(RtspPlayer *handle, int otherwise, Call call)
+{
+    return guarded(otherwise, [&] {
+        const PlayerPtr player = players().find(handle);
+        return player ? call(*player) : otherwise;
+    });
+}
+
+} // namespace
+
+RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username, const char *password,
+                              RtspPlayerCallback callback, void *context)
+{
+    if (!hostname)
+        return nullptr;
+    return guarded<RtspPlayer *>(nullptr, [&] {
+        cammgr::SessionInfo info{.address = cammgr::parseCameraAddress(utf8Text(hostname)),
+                                 .username = utf8Text(username),
+                                 .password = utf8Text(password),
+                                 .callback = callback,
+                                 .context = context};
+        if (info.username.empty() && info.password.empty()) {
+            info.username = info.address.username;
+            info.password = info.address.password;
+        }
+        return players().add(std::make_shared<RtspPlayer>(info));
+    });
+}
+
+int RtspPlayer_TickAlive(RtspPlayer *player)
+{
+    return with(player, failure, [](RtspPlayer &p) {
+        p.tickAlive();
+        return 0;
+    });
+}
+
+int RtspPlayer_Stop_Connecting(RtspPlayer *player)
+{
+    return with(player, failure, [](RtspPlayer &p) {
+        p.stopConnecting();
+        return 0;
+    });
+}
+
+int RtspPlayer_GetMode(RtspPlayer *player)
+{
+    return with(player, 1, [](RtspPlayer &p) { return p.mode(); });
+}
+
+int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_t native_window)
+{
+    return with(player, failure, [&](RtspPlayer &p) {
+        const std::string text = utf8Text(path);
+        if (text.empty() || text.front() != '/' || text.size() > maxPath || !isOneWord(text))
+            return failure;
+        return p.setup(text, native_window);
+    });
+}
+
+int RtspPlayer_Play(RtspPlayer *player)
+{
+    return with(player, failure, [](RtspPlayer &p) { return p.play(); });
+}
+
+int RtspPlayer_Stop(RtspPlayer *player)
+{
+    return with(player, failure, [](RtspPlayer &p) {
+        p.stop();
+        return 0;
+    });
+}
+
+int RtspPlayer_IsPlaying(RtspPlayer *player)
+{
+    return with(player, 0, [](RtspPlayer &p) { return p.stream().isPlaying() ? 1 : 0; });
+}
+
+int RtspPlayer_Delete(RtspPlayer *player)
+{
+    return guarded(failure, [&] {
+        PlayerPtr last = players().take(player);
+        if (!last)
+            return failure;
+        last->end(RtspPlayer::Farewell::Answered);
+        // Clips that are being closed may take their time on the disk.
+        std::thread([last = std::move(last)]() mutable {
+            pthread_setname_np(pthread_self(), "cammgr-delete");
+            RtspPlayer::release(std::move(last));
+        }).detach();
+        return 0;
+    });
+}
+
+int RtspPlayer_DeleteSync(RtspPlayer *player)
+{
+    // A callback that deletes its own player would take the ground from under its feet.
+    if (IoThread::instance().isCurrent())
+        return failure;
+    return guarded(failure, [&] {
+        const PlayerPtr last = players().take(player);
+        if (!last)
+            return failure;
+        last->end(RtspPlayer::Farewell::Silent);
+        return 0;
+    });
+}
+
+int RtspPlayer_HasVideoStream(RtspPlayer *player)
+{
+    return with(player, 0, [](RtspPlayer &p) { return p.stream().hasVideo() ? 1 : 0; });
+}
+
+int RtspPlayer_HasAudioStream(RtspPlayer *player)
+{
+    return with(player, 0, [](RtspPlayer &p) { return p.stream().hasAudio() ? 1 : 0; });
+}
+
+int RtspPlayer_SetVolume(RtspPlayer *player, int volume)
+{
+    return with(player, failure, [&](RtspPlayer &p) {
+        p.withStream([&](LiveStream &stream) { stream.setVolume(std::clamp(volume, 0, 200)); });
+        return 0;
+    });
+}
+
+int RtspPlayer_Snapshot(RtspPlayer *player, const char *path)
+{
+    return with(player, failure, [&](RtspPlayer &p) {
+        const std::string file = utf8Text(path);
+        if (file.empty())
+            return failure;
+        return p.withStream([&](LiveStream &stream) { return stream.snapshot(file); });
+    });
+}
+
+int RtspPlayer_BeginWriting(RtspPlayer *player, const char *base_path, int limit)
+{
+    return with(player, failure, [&](RtspPlayer &p) {
+        const std::string base = utf8Text(base_path);
+        if (base.empty() || limit < 0)
+            return failure;
+        return p.withStream([&](LiveStream &stream) { return stream.beginWriting(base, limit); });
+    });
+}
+
+int RtspPlayer_EndWriting(RtspPlayer *player)
+{
+    return with(player, failure, [](RtspPlayer &p) {
+        return p.withStream([](LiveStream &stream) { return stream.endWriting(); });
+    });
+}
+
+int RtspPlayer_IsWriting(RtspPlayer *player)
+{
+    return with(player, 0, [](RtspPlayer &p) { return p.stream().isWriting() ? 1 : 0; });
+}
+
+int RtspPlayer_GetVideoFrameRate(RtspPlayer *player)
+{
+    return with(player, 0, [](RtspPlayer &p) { return p.stream().frameRate(); });
+}
+
+int RtspPlayer_GetBitRate(RtspPlayer *player)
+{
+    return with(player, 0, [](RtspPlayer &p) { return p.stream().bitRate(); });
+}
+
+int RtspPlayer_GetVideoWidth(RtspPlayer *player)
+{
+    return with(player, 0, [](RtspPlayer &p) { return p.stream().width(); });
+}
+
+int RtspPlayer_GetVideoHeight(RtspPlayer *player)
+{
+    return with(player, 0, [](RtspPlayer &p) { return p.stream().height(); });
+}
+
+int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requests, int count)
+{
+    return with(player, failure, [&](RtspPlayer &p) {
+        if (!requests || count < 1 || count > maxCommands)
+            return failure;
+        std::vector<std::string> texts;
+        for (int i = 0; i < count; ++i) {
+            if (!requests[i])
+                return failure;
+            texts.emplace_back(requests[i]);
+        }
+        return p.issueCommands(std::move(texts));
+    });
+}
+
+int AudioUpload_Play(RtspPlayer *player)
+{
+    return with(player, failure, [](RtspPlayer &p) {
+        p.talk();
+        return 0;
+    });
+}
+
+int AudioUpload_Stop(RtspPlayer *player)
+{
+    return with(player, failure, [](RtspPlayer &p) {
+        p.stopTalk();
+        return 0;
+    });
+}
+
+int AudioUpload_IsPlaying(RtspPlayer *player)
+{
+    return with(player, 0, [](RtspPlayer &p) { return p.isTalking() ? 1 : 0; });
+}

@@ -1,0 +1,139 @@
+#include "platform/cammgr/command_batch.h"
+
+#include <utility>
+
+namespace cammgr {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto connectLimit = 4s;
+constexpr auto replyLimit = 6s;
+/// A camera that answers without a head and keeps the connection open has said all it will.
+constexpr auto bareTextPause = 700ms;
+constexpr ReplyReader::Limits limits{.headerBytes = 16 * 1024, .bodyBytes = 1024 * 1024};
+
+} // namespace
+
+const std::string &CommandBatch::failureText()
+{
+    static const std::string text = "999 No answer from the camera";
+    return text;
+}
+
+void CommandBatch::start(const Endpoint &endpoint, std::vector<std::string> requests,
+                         std::chrono::milliseconds timeLimit, Done done)
+{
+    cancel();
+    m_endpoint = endpoint;
+    m_requests = std::move(requests);
+    m_replies.clear();
+    m_done = std::move(done);
+    m_batchLimit.start(timeLimit, [this] { failRest(); });
+    if (m_endpoint.port != 0)
+        connect();
+    else
+        m_replyLimit.start(0ms, [this] { failRest(); });
+}
+
+void CommandBatch::cancel()
+{
+    m_done = nullptr;
+    m_batchLimit.stop();
+    m_replyLimit.stop();
+    m_channel.close();
+}
+
+void CommandBatch::connect()
+{
+    m_connectionUsed = false;
+    m_channel.open(m_endpoint, connectLimit,
+                   {.opened = [this] { sendNext(); },
+                    .received = [this](std::string_view data) { received(data); },
+                    .ended = [this](ChannelEnd reason) { ended(reason); }});
+}
+
+void CommandBatch::sendNext()
+{
+    m_reader = ReplyReader(ReplyReader::Protocol::Http, limits);
+    m_bareText.clear();
+    m_channel.send(m_requests[m_replies.size()]);
+    m_replyLimit.start(replyLimit, [this] { next(failureText()); });
+}
+
+void CommandBatch::received(std::string_view data)
+{
+    if (!m_bareText.empty() || (m_reader.feed(data), m_reader.isBareText())) {
+        m_bareText += m_bareText.empty() ? m_reader.takeBareText() : std::string(data);
+        if (m_bareText.size() > limits.bodyBytes)
+            next(failureText());
+        else
+            m_replyLimit.start(bareTextPause, [this] { next(std::move(m_bareText)); });
+        return;
+    }
+    switch (m_reader.feed({})) {
+    case ReplyReader::State::Incomplete:
+        return;
+    case ReplyReader::State::Complete:
+        answered(m_reader.take());
+        return;
+    case ReplyReader::State::Broken:
+        next(failureText());
+        return;
+    }
+}
+
+void CommandBatch::ended(ChannelEnd reason)
+{
+    if (reason != ChannelEnd::Closed) {
+        failRest(); // the next one would not get there either
+    } else if (!m_bareText.empty()) {
+        next(std::move(m_bareText));
+    } else if (m_connectionUsed && !m_reader.hasBegun()) {
+        connect(); // dropped between two requests
+    } else if (m_reader.end() == ReplyReader::State::Complete) {
+        answered(m_reader.take());
+    } else {
+        next(failureText());
+    }
+}
+
+void CommandBatch::answered(const Reply &reply)
+{
+    m_connectionUsed = true;
+    if (!reply.keepsConnection)
+        m_channel.close();
+    m_replyLimit.stop();
+    const bool refused = reply.status >= 300 && reply.body.empty();
+    m_replies.push_back(refused ? std::to_string(reply.status) + " refused by the camera"
+                                : reply.body);
+    if (m_replies.size() == m_requests.size())
+        failRest(); // of which there is none
+    else if (m_channel.isOpen())
+        sendNext();
+    else
+        connect();
+}
+
+/// Takes text for the reply and goes on with a fresh connection: on the old one, late words of
+/// this reply would be taken for the next.
+void CommandBatch::next(std::string text)
+{
+    m_channel.close();
+    m_replyLimit.stop();
+    m_replies.push_back(std::move(text));
+    if (m_replies.size() == m_requests.size())
+        failRest();
+    else
+        connect();
+}
+
+void CommandBatch::failRest()
+{
+    m_replies.resize(m_requests.size(), failureText());
+    Done done = std::exchange(m_done, nullptr);
+    cancel();
+    done(std::exchange(m_replies, {}));
+}
+
+} // namespace cammgr

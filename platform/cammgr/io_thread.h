@@ -1,0 +1,59 @@
+#pragma once
+
+#include <glib.h>
+
+#include <chrono>
+#include <functional>
+#include <thread>
+
+namespace cammgr {
+
+/**
+ * The one thread on which all players wait for the network: probes, look-ups, command requests.
+ * It runs a main context of its own and never blocks; whatever may wait has a thread elsewhere.
+ * Started at first use; it lives as long as the process, so that nobody has to stop it.
+ */
+class IoThread
+{
+public:
+    static IoThread &instance();
+
+    GMainContext *context() const { return m_context; }
+    bool isCurrent() const;
+
+    /// Runs work on the thread, in the order of the calls. Any thread.
+    void post(std::function<void()> work);
+
+    /// Runs work on the thread and returns when it is done; at once on the thread itself.
+    void postAndWait(const std::function<void()> &work);
+
+private:
+    IoThread();
+    void run();
+
+    GMainContext *m_context;
+    std::thread m_thread;
+};
+
+/// Calls a function once, some time later, on the I/O thread, where it also must be used and
+/// destroyed. Destroying or starting it anew cancels what was started before.
+class Timer
+{
+public:
+    Timer() = default;
+    ~Timer() { stop(); }
+    Timer(const Timer &) = delete;
+    Timer &operator=(const Timer &) = delete;
+
+    void start(std::chrono::milliseconds delay, std::function<void()> work);
+    void stop();
+    bool isActive() const { return m_source != nullptr; }
+
+private:
+    static gboolean fire(gpointer self);
+
+    GSource *m_source = nullptr;
+    std::function<void()> m_work;
+};
+
+} // namespace cammgr

@@ -1,0 +1,174 @@
+#include "platform/cammgr/player.h"
+
+#include "platform/cammgr/io_thread.h"
+
+#include <utility>
+
+using cammgr::CameraSession;
+using cammgr::IoThread;
+using cammgr::LiveStream;
+using cammgr::StreamEnd;
+using cammgr::StreamRequest;
+
+namespace {
+
+/// Runs work with the session on the I/O thread, unless the session is closed by then.
+void postTo(const std::weak_ptr<CameraSession> &target, std::function<void(CameraSession &)> work)
+{
+    IoThread::instance().post([target, work = std::move(work)] {
+        const std::shared_ptr<CameraSession> session = target.lock();
+        if (session && session->isOpen())
+            work(*session);
+    });
+}
+
+LiveStream::Listener listenerFor(const std::weak_ptr<CameraSession> &session)
+{
+    return {.firstFrame = {},
+            .ended =
+                [session](StreamEnd reason) {
+                    postTo(session, [reason](CameraSession &s) { s.streamEnded(reason); });
+                },
+            .wantKeyFrame =
+                [session] { postTo(session, [](CameraSession &s) { s.keyFrameWanted(); }); }};
+}
+
+} // namespace
+
+RtspPlayer::RtspPlayer(const cammgr::SessionInfo &info)
+    : m_callback(info.callback)
+    , m_context(info.context)
+    , m_session(std::make_shared<CameraSession>(info, static_cast<StreamControl &>(*this)))
+    , m_stream(listenerFor(m_session))
+{
+    IoThread::instance().post([session = m_session] { session->open(); });
+}
+
+RtspPlayer::~RtspPlayer()
+{
+    // Its timers and connections belong to the I/O thread.
+    IoThread::instance().post([session = std::move(m_session)]() mutable { session.reset(); });
+}
+
+void RtspPlayer::tickAlive()
+{
+    postTo(m_session, [](CameraSession &session) { session.tick(); });
+}
+
+void RtspPlayer::stopConnecting()
+{
+    postTo(m_session, [](CameraSession &session) { session.stopConnecting(); });
+}
+
+int RtspPlayer::setup(const std::string &path, uintptr_t window)
+{
+    if (path == m_path && window == m_window)
+        return 0;
+    // The old window may go as soon as another one is set up.
+    voidOrder();
+    m_path = path;
+    m_window = window;
+    return 0;
+}
+
+int RtspPlayer::play()
+{
+    if (m_path.empty())
+        return -1;
+    if (m_stream.isActive())
+        return 0;
+    const cammgr::StreamOrder order{.ticket = ++m_playTicket, .path = m_path, .window = m_window};
+    postTo(m_session, [order](CameraSession &session) { session.play(order); });
+    return 0;
+}
+
+void RtspPlayer::stop()
+{
+    stopTalk();
+    voidOrder();
+}
+
+/// Ends the stream, and what is under way to start it.
+void RtspPlayer::voidOrder()
+{
+    ++m_playTicket;
+    const std::lock_guard lock(m_mutex);
+    m_stream.stop();
+}
+
+void RtspPlayer::startStream(uint64_t ticket, const StreamRequest &request)
+{
+    // Looked at first without the lock: stop() holds it while the stream ends.
+    if (ticket != m_playTicket)
+        return;
+    const std::lock_guard lock(m_mutex);
+    if (ticket == m_playTicket && !m_stream.isActive())
+        m_stream.start(request);
+}
+
+void RtspPlayer::end(Farewell farewell)
+{
+    stop();
+    if (farewell == Farewell::Silent)
+        IoThread::instance().postAndWait([this] { m_session->close(false); });
+    else
+        IoThread::instance().post([session = m_session] { session->close(true); });
+}
+
+void RtspPlayer::release(std::shared_ptr<RtspPlayer> player)
+{
+    const RtspPlayerCallback callback = player->m_callback;
+    void *context = player->m_context;
+    player.reset();
+    IoThread::instance().post([callback, context] {
+        if (callback)
+            callback(CAMMGR_MSG_DELETED, 0, context, nullptr);
+    });
+}
+
+int RtspPlayer::issueCommands(std::vector<std::string> requests)
+{
+    if (!m_session->claimCommands())
+        return -1;
+    postTo(m_session, [requests = std::move(requests)](CameraSession &session) {
+        session.issueCommands(requests);
+    });
+    return 0;
+}
+
+void RtspPlayer::talk()
+{
+    if (isTalking())
+        return;
+    const uint64_t ticket = ++m_talkTicket;
+    m_talkPending = true;
+    postTo(m_session, [ticket](CameraSession &session) { session.talk(ticket); });
+}
+
+void RtspPlayer::stopTalk()
+{
+    ++m_talkTicket;
+    m_talkPending = false;
+    const std::lock_guard lock(m_mutex);
+    m_talkBack.stop();
+}
+
+void RtspPlayer::startTalk(uint64_t ticket, const StreamRequest *request)
+{
+    if (ticket != m_talkTicket)
+        return;
+    const std::lock_guard lock(m_mutex);
+    if (ticket != m_talkTicket)
+        return;
+    if (request)
+        m_talkBack.start(request->url, request->username, request->password);
+    m_talkPending = false;
+}
+
+bool RtspPlayer::isTalking() const
+{
+    if (m_talkPending)
+        return true;
+    const std::lock_guard lock(m_mutex);
+    return m_talkBack.isRunning();
+}

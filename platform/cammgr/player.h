@@ -1,0 +1,82 @@
+#pragma once
+
+#include "platform/cammgr/camera_session.h"
+#include "platform/cammgr/live_stream.h"
+#include "platform/cammgr/talk_back.h"
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+/**
+ * One player, as the C interface hands it out: brings together the session with the camera (on the
+ * I/O thread), the live stream and the talk-back. The public functions may be called from any one
+ * thread at a time and mean what cammgr.h says.
+ */
+struct RtspPlayer final : private cammgr::StreamControl
+{
+public:
+    /// How the session with the camera ends.
+    enum class Farewell
+    {
+        Silent,  ///< no message is under way or comes any more when end() returns
+        Answered ///< end() does not wait; an outstanding probe is still answered
+    };
+
+    explicit RtspPlayer(const cammgr::SessionInfo &info);
+    /// After end().
+    ~RtspPlayer();
+    RtspPlayer(const RtspPlayer &) = delete;
+    RtspPlayer &operator=(const RtspPlayer &) = delete;
+
+    void tickAlive();
+    void stopConnecting();
+    int mode() const { return m_session->mode(); }
+
+    int setup(const std::string &path, uintptr_t window);
+    int play();
+    void stop();
+    void end(Farewell farewell);
+
+    /// Destroys a player that was ended with Farewell::Answered, which may wait for clips that are
+    /// being closed, and then sends CAMMGR_MSG_DELETED, the last message.
+    static void release(std::shared_ptr<RtspPlayer> player);
+
+    int issueCommands(std::vector<std::string> requests);
+
+    void talk();
+    void stopTalk();
+    bool isTalking() const;
+
+    const cammgr::LiveStream &stream() const { return m_stream; }
+    /// Runs call with the stream, while the I/O thread keeps its hands off it.
+    template <class Call>
+    auto withStream(Call call)
+    {
+        const std::lock_guard lock(m_mutex);
+        return call(m_stream);
+    }
+
+private:
+    bool isStreamPlaying() const override { return m_stream.isPlaying(); }
+    void startStream(uint64_t ticket, const cammgr::StreamRequest &request) override;
+    void startTalk(uint64_t ticket, const cammgr::StreamRequest *request) override;
+    void voidOrder();
+
+    const RtspPlayerCallback m_callback;
+    void *const m_context;
+    std::shared_ptr<cammgr::CameraSession> m_session; ///< used on the I/O thread
+    std::string m_path;                               ///< caller's thread
+    uintptr_t m_window = 0;                           ///< caller's thread
+
+    std::atomic<uint64_t> m_playTicket{0};
+    std::atomic<uint64_t> m_talkTicket{0};
+    std::atomic<bool> m_talkPending{false}; ///< from talk() to startTalk()
+
+    mutable std::mutex m_mutex;  ///< for the two below; not for the stream's const functions
+    cammgr::LiveStream m_stream; ///< its listener only posts, so stop() may wait for it
+    cammgr::TalkBack m_talkBack;
+};

@@ -1,0 +1,45 @@
+#include "platform/cammgr/probe_schedule.h"
+
+#include <algorithm>
+
+namespace cammgr {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto firstPause = 3s;
+constexpr auto longestRefusedPause = 60s;
+/// Somebody may be standing beside a camera that was just plugged in.
+constexpr auto longestSilentPause = 15s;
+/// The client asks every 3 s or a little later: a pause of 3 s must not become one of 6.
+constexpr auto slack = 500ms;
+
+} // namespace
+
+void ProbeSchedule::record(ProbeOutcome outcome, Time now)
+{
+    constexpr int enough = 8;
+    m_inRow = outcome == m_remembered ? std::min(m_inRow + 1, enough) : 1;
+    m_remembered = outcome;
+    std::chrono::milliseconds pause = firstPause * (1 << (m_inRow - 1));
+    if (outcome == ProbeOutcome::LoginRefused)
+        pause = std::min<std::chrono::milliseconds>(pause, longestRefusedPause);
+    else if (outcome == ProbeOutcome::Silent)
+        pause = std::min<std::chrono::milliseconds>(pause, longestSilentPause);
+    else
+        pause = slack;
+    m_due = now + pause - slack;
+}
+
+void ProbeSchedule::networkChanged()
+{
+    if (m_remembered == ProbeOutcome::Silent)
+        reset();
+}
+
+void ProbeSchedule::reset()
+{
+    *this = {};
+}
+
+} // namespace cammgr

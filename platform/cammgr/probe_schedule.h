@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+
+namespace cammgr {
+
+/// What a probe of a camera found.
+enum class ProbeOutcome
+{
+    Answered,
+    LoginRefused, ///< the user name or password is wrong
+    NotFound,     ///< the camera does not know the stream's path
+    Unusable,     ///< an answer, but none that a stream could come from
+    Rejected,     ///< the host is there, nobody listens on the port
+    Silent        ///< no answer in time, or no way to the camera
+};
+
+/**
+ * When to ask a camera again and when to answer from memory. A refused login is tried less and
+ * less often, so that no camera locks the account; a host that does not answer costs less and
+ * less. A camera that answers in any other way is asked each time.
+ */
+class ProbeSchedule
+{
+public:
+    using Time = std::chrono::steady_clock::time_point;
+
+    bool isDue(Time now) const { return now >= m_due; }
+    /// What the last real probe found; Silent before the first.
+    ProbeOutcome remembered() const { return m_remembered; }
+    void record(ProbeOutcome outcome, Time now);
+
+    /// The network changed: a host that was silent may answer now. A refused login stays refused.
+    void networkChanged();
+    /// Forgets everything: the camera is at another address now.
+    void reset();
+
+private:
+    Time m_due{};
+    ProbeOutcome m_remembered = ProbeOutcome::Silent;
+    int m_inRow = 0; ///< how often the remembered outcome came in a row
+};
+
+} // namespace cammgr

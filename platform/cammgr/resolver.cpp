@@ -1,0 +1,160 @@
+#include "platform/cammgr/resolver.h"
+
+#include <utility>
+
+namespace cammgr {
+namespace {
+
+constexpr uint16_t rtspPort = 554;
+constexpr uint16_t httpPort = 80;
+
+/// Waiters may ask again while they are answered.
+template <class Waiters, class... Answer>
+void answerAll(Waiters &waiters, Answer... answer)
+{
+    for (auto &waiter : std::exchange(waiters, {}))
+        waiter(answer...);
+}
+
+} // namespace
+
+Resolver::Resolver(onvif::CameraLookup &lookup, CameraAddress address,
+                   onvif::Credentials credentials)
+    : m_lookup(lookup)
+    , m_address(std::move(address))
+    , m_credentials(std::move(credentials))
+{
+    if (m_address.kind == CameraAddress::Kind::Host) {
+        m_endpoint = m_address.endpoint;
+        m_isFresh = true;
+    }
+}
+
+void Resolver::find(std::function<void(bool)> done)
+{
+    if (m_isFresh || m_address.kind == CameraAddress::Kind::Invalid) {
+        done(m_isFresh);
+        return;
+    }
+    m_findWaiters.push_back(std::move(done));
+    if (m_findWaiters.size() == 1)
+        lookUp();
+}
+
+void Resolver::lost()
+{
+    if (!m_address.uid.empty())
+        m_isFresh = false;
+}
+
+void Resolver::lookUp()
+{
+    m_findRequest =
+        m_lookup.resolve(m_address.uid, [this](std::optional<onvif::CameraLocation> location) {
+            if (location)
+                located(*location);
+            else
+                finishFind(m_endpoint.port != 0);
+        });
+}
+
+void Resolver::located(const onvif::CameraLocation &location)
+{
+    const bool moved = !m_xaddr.empty() && m_xaddr != location.xaddr;
+    m_xaddr = location.xaddr;
+    m_streams.reset();
+    if (m_endpoint.host != location.address)
+        m_endpoint = {.host = location.address, .port = rtspPort, .tls = false};
+    // Only the stream addresses tell the RTSP port.
+    findStreams([this, moved](const onvif::CameraStreams *streams) {
+        if (streams) {
+            const CameraAddress main = parseUrl(streams->main.uri);
+            if (main.kind == CameraAddress::Kind::Host)
+                m_endpoint = main.endpoint;
+        }
+        m_isFresh = true;
+        if (moved && onMoved)
+            onMoved();
+        finishFind(true);
+    });
+}
+
+void Resolver::finishFind(bool found)
+{
+    answerAll(m_findWaiters, found);
+}
+
+void Resolver::locate(std::function<void()> then)
+{
+    if (!m_xaddr.empty() || m_endpoint.host.empty()) {
+        then();
+        return;
+    }
+    m_locateWaiters.push_back(std::move(then));
+    if (m_locateWaiters.size() > 1)
+        return;
+    m_locateRequest = m_lookup.locate(m_endpoint.host, [this](onvif::CameraLocation location) {
+        m_xaddr = location.xaddr;
+        answerAll(m_locateWaiters);
+    });
+}
+
+void Resolver::findStreams(std::function<void(const onvif::CameraStreams *)> done)
+{
+    if (m_streams) {
+        done(&*m_streams);
+        return;
+    }
+    m_streamWaiters.push_back(std::move(done));
+    if (m_streamWaiters.size() == 1)
+        locate([this] { askStreams(); });
+}
+
+void Resolver::askStreams()
+{
+    if (m_xaddr.empty()) {
+        answerAll(m_streamWaiters, nullptr);
+        return;
+    }
+    m_streamRequest = m_lookup.streamUris(
+        m_xaddr, m_credentials, [this](onvif::SoapStatus status, onvif::CameraStreams streams) {
+            if (status == onvif::SoapStatus::Ok && isThisCamera(streams))
+                m_streams = std::move(streams);
+            answerAll(m_streamWaiters, m_streams ? &*m_streams : nullptr);
+        });
+}
+
+bool Resolver::isThisCamera(const onvif::CameraStreams &streams) const
+{
+    // Behind one address there may be several cameras, told apart by the port that the user gave.
+    if (m_address.kind != CameraAddress::Kind::Host || !m_address.hasPort)
+        return true;
+    return parseUrl(streams.main.uri).endpoint.port == m_address.endpoint.port;
+}
+
+void Resolver::findWebServer(std::function<void(Endpoint)> done)
+{
+    find([this, done = std::move(done)](bool found) {
+        if (!found) {
+            done({});
+            return;
+        }
+        locate([this, done] {
+            const CameraAddress service = parseUrl(m_xaddr);
+            if (service.kind == CameraAddress::Kind::Host)
+                done(service.endpoint);
+            else
+                done({.host = m_endpoint.host, .port = httpPort, .tls = false});
+        });
+    });
+}
+
+void Resolver::requestKeyFrame(const std::string &profileToken)
+{
+    if (m_xaddr.empty() || profileToken.empty())
+        return;
+    m_keyFrameRequest =
+        m_lookup.requestKeyFrame(m_xaddr, profileToken, m_credentials, [](onvif::SoapStatus) {});
+}
+
+} // namespace cammgr

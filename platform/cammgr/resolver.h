@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/cammgr/camera_address.h"
+#include "platform/onvif/camera_lookup.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace cammgr {
+
+/**
+ * Knows where one camera is and what ONVIF says about it. A UID is looked up on the local network,
+ * and again after lost(). Answers are kept. Lives on the I/O thread; every answer may come inside
+ * the call that asks, or later; destroying the resolver drops what is outstanding.
+ */
+class Resolver
+{
+public:
+    Resolver(onvif::CameraLookup &lookup, CameraAddress address, onvif::Credentials credentials);
+
+    /// Answers whether endpoint() is worth a try.
+    void find(std::function<void(bool)> done);
+    /// The RTSP service; port 0 before it was found.
+    const Endpoint &endpoint() const { return m_endpoint; }
+    /// The camera does not answer there any more.
+    void lost();
+
+    /// Answers the camera's H.264 streams, or null when it does not tell them.
+    void findStreams(std::function<void(const onvif::CameraStreams *)> done);
+    /// The next findStreams() asks the camera again.
+    void forgetStreams() { m_streams.reset(); }
+
+    /// Answers the camera's HTTP service: the one of its ONVIF address, else port 80. Port 0 when
+    /// the camera is not found.
+    void findWebServer(std::function<void(Endpoint)> done);
+
+    /// Asks for a key frame now; does nothing while the camera's ONVIF address is not known.
+    void requestKeyFrame(const std::string &profileToken);
+
+    /// Called when a camera was found at another address than before. May be empty.
+    std::function<void()> onMoved;
+
+private:
+    void lookUp();
+    void located(const onvif::CameraLocation &location);
+    void finishFind(bool found);
+    void locate(std::function<void()> then);
+    void askStreams();
+    bool isThisCamera(const onvif::CameraStreams &streams) const;
+
+    onvif::CameraLookup &m_lookup;
+    const CameraAddress m_address;
+    const onvif::Credentials m_credentials;
+
+    Endpoint m_endpoint;
+    bool m_isFresh = false; ///< endpoint() holds as far as we know
+    std::string m_xaddr;    ///< ONVIF device service; empty while unknown
+    std::optional<onvif::CameraStreams> m_streams;
+
+    std::vector<std::function<void(bool)>> m_findWaiters;
+    std::vector<std::function<void(const onvif::CameraStreams *)>> m_streamWaiters;
+    std::vector<std::function<void()>> m_locateWaiters;
+    onvif::RequestPtr m_findRequest;
+    onvif::RequestPtr m_locateRequest;
+    onvif::RequestPtr m_streamRequest;
+    onvif::RequestPtr m_keyFrameRequest;
+};
+
+} // namespace cammgr

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/cammgr/camera_address.h"
+#include "platform/cammgr/io_thread.h"
+#include "platform/cammgr/probe_schedule.h"
+#include "platform/cammgr/reply_reader.h"
+#include "platform/cammgr/rtsp_login.h"
+#include "platform/cammgr/tcp_channel.h"
+
+#include <functional>
+#include <string>
+
+namespace cammgr {
+
+/// What a probe asks.
+struct ProbeTarget
+{
+    Endpoint endpoint;
+    std::string url; ///< of the stream, without credentials
+    std::string username;
+    std::string password;
+};
+
+/**
+ * Asks a camera whether it is there and accepts the login: one RTSP DESCRIBE (many cameras answer
+ * OPTIONS without looking at the login). The connection and the login's challenge are kept for the
+ * next probe. Lives on the I/O thread. A probe ends within 9 s, whatever the camera does.
+ */
+class RtspProbe
+{
+public:
+    using Done = std::function<void(ProbeOutcome)>;
+
+    /// Starts a probe; one that is under way is cancelled. done runs later, once.
+    void start(const ProbeTarget &target, Done done);
+    /// The probe's done never runs. The connection, whose answer is still out, is closed.
+    void cancel();
+    /// Gives up the idle connection, for cameras that allow few.
+    void disconnect();
+
+private:
+    void connect();
+    void describe();
+    void received(std::string_view data);
+    void answered(const Reply &reply);
+    void ended(ChannelEnd reason);
+    void finish(ProbeOutcome outcome);
+
+    ProbeTarget m_target;
+    RtspLogin m_login;
+    TcpChannel m_channel;
+    ReplyReader m_reader{ReplyReader::Protocol::Rtsp};
+    Timer m_limit;
+    Done m_done;
+    unsigned m_sequence = 0;
+    bool m_challenged = false;     ///< the first 401 is the challenge, the second the refusal
+    bool m_connectionUsed = false; ///< has carried a reply: may have been dropped since
+};
+
+} // namespace cammgr

@@ -1,0 +1,320 @@
+#include "platform/cammgr/talk_back.h"
+
+#include "platform/cammgr/glib_ptr.h"
+#include "platform/cammgr/gst_ref.h"
+
+#include <gst/app/gstappsink.h>
+#include <gst/gst.h>
+
+#include <pthread.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+namespace cammgr {
+namespace {
+
+/// How long the thread may take to notice that it should end.
+constexpr GstClockTime turn = 50 * GST_MSECOND;
+constexpr guint64 tcpTimeout = 5 * 1000 * 1000; // microseconds
+constexpr guint64 teardownTimeout = 100 * GST_MSECOND;
+
+struct Channel
+{
+    guint stream = 0;
+    CapsRef caps; ///< of the RTP packets that the camera wants
+};
+
+/// A pipeline or element that is shut down before it is let go.
+class RunningElement
+{
+public:
+    /// Takes a floating reference, or null.
+    explicit RunningElement(GstElement *element)
+        : m_element(element ? GST_ELEMENT(gst_object_ref_sink(element)) : nullptr)
+    {
+    }
+    ~RunningElement()
+    {
+        if (m_element)
+            gst_element_set_state(m_element.get(), GST_STATE_NULL);
+    }
+    RunningElement(RunningElement &&) = default;
+    RunningElement &operator=(RunningElement &&) = delete;
+
+    GstElement *get() const { return m_element.get(); }
+    explicit operator bool() const { return m_element != nullptr; }
+    bool play() const
+    {
+        return gst_element_set_state(get(), GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE;
+    }
+    /// Whether an error or the end came since the last look.
+    bool hasEnded() const
+    {
+        const ObjectPtr<GstBus> bus(gst_element_get_bus(get()));
+        GstMessage *message = gst_bus_pop_filtered(
+            bus.get(), static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS));
+        if (!message)
+            return false;
+        gst_message_unref(message);
+        return true;
+    }
+
+private:
+    ObjectPtr<GstElement> m_element;
+};
+
+/// The packets that the camera wants, when it is one of the two that ONVIF asks of all.
+std::optional<CapsRef> packetCaps(const GstCaps *offered)
+{
+    const GstStructure *media = gst_caps_get_structure(offered, 0);
+    const char *encoding = gst_structure_get_string(media, "encoding-name");
+    if (!encoding || (g_strcmp0(encoding, "PCMU") != 0 && g_strcmp0(encoding, "PCMA") != 0))
+        return std::nullopt;
+    int payload = g_strcmp0(encoding, "PCMU") == 0 ? 0 : 8;
+    gst_structure_get_int(media, "payload", &payload);
+    return CapsRef::adopt(gst_caps_new_simple(
+        "application/x-rtp", "media", G_TYPE_STRING, "audio", "clock-rate", G_TYPE_INT, 8000,
+        "encoding-name", G_TYPE_STRING, encoding, "payload", G_TYPE_INT, payload, nullptr));
+}
+
+/// "autoaudiosrc" sends silence where it finds no device; that is no microphone.
+bool isSilentSource(GstElement *source)
+{
+    if (!GST_IS_BIN(source))
+        return false;
+    bool silent = false;
+    GstIterator *elements = gst_bin_iterate_elements(GST_BIN(source));
+    GValue item = G_VALUE_INIT;
+    while (gst_iterator_next(elements, &item) == GST_ITERATOR_OK) {
+        GstElementFactory *factory =
+            gst_element_get_factory(GST_ELEMENT(g_value_get_object(&item)));
+        silent = silent || (factory && g_strcmp0(GST_OBJECT_NAME(factory), "audiotestsrc") == 0);
+        g_value_reset(&item);
+    }
+    g_value_unset(&item);
+    gst_iterator_free(elements);
+    return silent;
+}
+
+/// The microphone, ready to run; null without one.
+GstElement *makeSource()
+{
+    if (const char *line = g_getenv("ZELVARO_TALKBACK_SOURCE"); line && *line) {
+        GError *error = nullptr;
+        GstElement *source = gst_parse_bin_from_description(line, TRUE, &error);
+        const ErrorPtr guard(error);
+        return source;
+    }
+    GstElement *source = gst_element_factory_make("autoaudiosrc", nullptr);
+    if (!source)
+        return nullptr;
+    gst_object_ref_sink(source);
+    if (gst_element_set_state(source, GST_STATE_READY) == GST_STATE_CHANGE_FAILURE ||
+        isSilentSource(source)) {
+        gst_element_set_state(source, GST_STATE_NULL);
+        gst_object_unref(source);
+        return nullptr;
+    }
+    gst_element_set_state(source, GST_STATE_NULL);
+    g_object_force_floating(G_OBJECT(source));
+    return source;
+}
+
+/// source ! G.711 ! RTP ! appsink "out", which paces by the clock and keeps at most 0.2 s.
+RunningElement makeMicrophone(const GstCaps *packets)
+{
+    const GstStructure *media = gst_caps_get_structure(packets, 0);
+    const bool muLaw = g_strcmp0(gst_structure_get_string(media, "encoding-name"), "PCMU") == 0;
+    int payload = 0;
+    gst_structure_get_int(media, "payload", &payload);
+    GstElement *source = makeSource();
+    if (!source)
+        return RunningElement(nullptr);
+
+    const std::string line =
+        std::string("audioconvert name=in ! audioresample ! "
+                    "audio/x-raw,rate=8000,channels=1 ! ") +
+        (muLaw ? "mulawenc ! rtppcmupay" : "alawenc ! rtppcmapay") +
+        " min-ptime=20000000 max-ptime=20000000 pt=" + std::to_string(payload) +
+        " ! appsink name=out sync=true max-buffers=10 drop=true";
+    GError *error = nullptr;
+    RunningElement pipeline(gst_parse_launch(line.c_str(), &error));
+    const ErrorPtr guard(error);
+    if (error || !pipeline) {
+        gst_object_unref(gst_object_ref_sink(source));
+        return RunningElement(nullptr);
+    }
+    gst_bin_add(GST_BIN(pipeline.get()), source);
+    const ObjectPtr<GstElement> input(gst_bin_get_by_name(GST_BIN(pipeline.get()), "in"));
+    return gst_element_link(source, input.get()) ? std::move(pipeline) : RunningElement(nullptr);
+}
+
+} // namespace
+
+/// One talk: everything between start() and the end of its thread, which alone touches the
+/// pipelines. What other threads touch is behind the mutex.
+class TalkBack::Run
+{
+public:
+    Run(std::string url, std::string username, std::string password, std::shared_ptr<Run> before)
+        : m_url(std::move(url))
+        , m_username(std::move(username))
+        , m_password(std::move(password))
+        , m_before(std::move(before))
+    {
+    }
+
+    void work();
+    void requestStop()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stopWanted = true;
+        m_changed.notify_all();
+    }
+    bool isRunning() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return !m_stopWanted && !m_isDone;
+    }
+    void finish()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isDone = true;
+        m_changed.notify_all();
+    }
+
+private:
+    static gboolean selectStream(GstElement *source, guint stream, GstCaps *caps, gpointer self);
+    void talk();
+    void waitForPredecessor();
+    std::optional<Channel> waitForChannel(const RunningElement &session);
+    bool stopWanted() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_stopWanted;
+    }
+
+    const std::string m_url;
+    const std::string m_username;
+    const std::string m_password;
+    std::shared_ptr<Run> m_before; ///< the talk before this one; cameras take one at a time
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_stopWanted = false;
+    bool m_isDone = false;
+    std::optional<Channel> m_channel;
+};
+
+void TalkBack::Run::waitForPredecessor()
+{
+    if (!m_before)
+        return;
+    {
+        std::unique_lock lock(m_before->m_mutex);
+        m_before->m_changed.wait(lock, [this] { return m_before->m_isDone; });
+    }
+    m_before.reset();
+}
+
+gboolean TalkBack::Run::selectStream(GstElement *, guint stream, GstCaps *caps, gpointer self)
+{
+    auto *run = static_cast<Run *>(self);
+    const GstStructure *media = gst_caps_get_structure(caps, 0);
+    // The direction is seen from the camera's description: "sendonly" is what we send.
+    if (!gst_structure_has_field(media, "a-sendonly"))
+        return FALSE;
+    std::optional<CapsRef> packets = packetCaps(caps);
+    const std::lock_guard lock(run->m_mutex);
+    if (!packets || run->m_channel)
+        return FALSE;
+    run->m_channel = Channel{stream, std::move(*packets)};
+    run->m_changed.notify_all();
+    return TRUE;
+}
+
+std::optional<Channel> TalkBack::Run::waitForChannel(const RunningElement &session)
+{
+    for (;;) {
+        {
+            std::unique_lock lock(m_mutex);
+            m_changed.wait_for(lock, std::chrono::nanoseconds(turn),
+                               [this] { return m_stopWanted || m_channel; });
+            if (m_stopWanted || m_channel)
+                return m_stopWanted ? std::nullopt : m_channel;
+        }
+        if (session.hasEnded())
+            return std::nullopt;
+    }
+}
+
+void TalkBack::Run::work()
+{
+    waitForPredecessor();
+    if (!stopWanted() && gst_init_check(nullptr, nullptr, nullptr))
+        talk();
+    finish();
+}
+
+void TalkBack::Run::talk()
+{
+    const RunningElement session(gst_pipeline_new("talk-session"));
+    GstElement *source = gst_element_factory_make("rtspsrc", nullptr);
+    if (!source)
+        return;
+    gst_bin_add(GST_BIN(session.get()), source);
+    gst_util_set_object_arg(G_OBJECT(source), "protocols", "tcp");
+    gst_util_set_object_arg(G_OBJECT(source), "backchannel", "onvif");
+    gst_util_set_object_arg(G_OBJECT(source), "tls-validation-flags", "0");
+    g_object_set(source, "location", m_url.c_str(), "user-id", m_username.c_str(), "user-pw",
+                 m_password.c_str(), "tcp-timeout", tcpTimeout, "teardown-timeout", teardownTimeout,
+                 nullptr);
+    g_signal_connect(source, "select-stream", G_CALLBACK(&Run::selectStream), this);
+    if (!session.play())
+        return;
+    const std::optional<Channel> channel = waitForChannel(session);
+    if (!channel)
+        return;
+
+    const RunningElement microphone = makeMicrophone(channel->caps.get());
+    if (!microphone || !microphone.play())
+        return;
+    const ObjectPtr<GstElement> sink(gst_bin_get_by_name(GST_BIN(microphone.get()), "out"));
+    while (!stopWanted() && !session.hasEnded() && !microphone.hasEnded()) {
+        GstSample *sample = gst_app_sink_try_pull_sample(GST_APP_SINK(sink.get()), turn);
+        if (!sample)
+            continue;
+        // Before the camera answered PLAY the packet is dropped there.
+        GstFlowReturn flow = GST_FLOW_OK;
+        g_signal_emit_by_name(source, "push-backchannel-buffer", channel->stream, sample, &flow);
+        gst_sample_unref(sample);
+    }
+}
+
+void TalkBack::start(const std::string &url, const std::string &username,
+                     const std::string &password)
+{
+    if (isRunning())
+        return;
+    m_run = std::make_shared<Run>(url, username, password, std::move(m_run));
+    std::thread([run = m_run] {
+        pthread_setname_np(pthread_self(), "cammgr-talk");
+        run->work();
+    }).detach();
+}
+
+void TalkBack::stop()
+{
+    if (m_run)
+        m_run->requestStop();
+}
+
+bool TalkBack::isRunning() const
+{
+    return m_run && m_run->isRunning();
+}
+
+} // namespace cammgr

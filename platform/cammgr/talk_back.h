@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace cammgr {
+
+/**
+ * Sends the microphone to a camera over the ONVIF back channel (ONVIF Streaming 5.3): G.711 in
+ * packets of 20 ms, over an RTSP session of its own, so that a camera without a loudspeaker or a
+ * machine without a microphone never disturbs the picture. No call waits: each session has a
+ * thread, which also cleans up after itself. Called by one thread at a time.
+ *
+ * The environment variable ZELVARO_TALKBACK_SOURCE names another source than the microphone, as a
+ * GStreamer launch line ("audiotestsrc is-live=true").
+ */
+class TalkBack
+{
+public:
+    TalkBack() = default;
+    ~TalkBack() { stop(); }
+    TalkBack(const TalkBack &) = delete;
+    TalkBack &operator=(const TalkBack &) = delete;
+
+    /// Talks to the camera; does nothing while that runs.
+    /// @param url of any of its streams, without credentials
+    void start(const std::string &url, const std::string &username, const std::string &password);
+    void stop();
+    /// From start() until stop() or until the camera or the microphone failed.
+    bool isRunning() const;
+
+private:
+    class Run;
+    std::shared_ptr<Run> m_run;
+};
+
+} // namespace cammgr
