@@ -8,7 +8,8 @@
 namespace cammgr {
 
 /// Why a stream ended by itself.
-enum class StreamEnd {
+enum class StreamEnd
+{
     Failed,   ///< no connection, a protocol error, a stream that cannot be decoded
     Refused,  ///< the camera did not accept the user name or password (401, 403)
     NotFound, ///< the camera does not know the path (404)
@@ -39,9 +40,9 @@ public:
     /// allowed to call start(), stop() or the destructor. Each may be empty.
     struct Listener
     {
-        std::function<void()> firstFrame;      ///< the first picture arrived
-        std::function<void(StreamEnd)> ended;  ///< exactly once for a stream that ends by itself
-        std::function<void()> wantKeyFrame;    ///< a key frame now would show the picture sooner
+        std::function<void()> firstFrame;     ///< the first picture arrived
+        std::function<void(StreamEnd)> ended; ///< exactly once for a stream that ends by itself
+        std::function<void()> wantKeyFrame;   ///< a key frame now would show the picture sooner
     };
 
     explicit LiveStream(Listener listener);

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/cammgr/frame_taker.h"
+
+#include <memory>
+#include <mutex>
+
+namespace cammgr {
+
+/**
+ * Plays a camera's audio. A silent stream costs nothing: decoder and sound device are there only
+ * while the volume is above 0. They are a pipeline of their own, so that a device that is missing
+ * or fails never touches the video; it is tried again some seconds later.
+ */
+class AudioOutput : public FrameTaker, public std::enable_shared_from_this<AudioOutput>
+{
+public:
+    ~AudioOutput() override;
+
+    void takeFrame(const AccessUnit &) override {}
+    void takeAudio(const AudioUnit &unit) override;
+    /// 0 to 200, 100 is the level of the source. Any thread.
+    void setVolume(int percent);
+    /// Nothing is played from now on; the device is released behind.
+    void close();
+
+private:
+    struct Pipeline;
+
+    void open(const CapsRef &caps);
+    void release();
+    static GstBusSyncReply readMessage(GstBus *, GstMessage *message, gpointer self);
+
+    std::mutex m_lock; ///< protects everything below
+    std::shared_ptr<Pipeline> m_pipeline;
+    int m_volume = 0;
+    bool m_opening = false;
+    bool m_closed = false;
+    SteadyClock::time_point m_nextTry;
+};
+
+} // namespace cammgr

@@ -1,0 +1,268 @@
+#include "platform/cammgr/clip_writer.h"
+
+#include "platform/cammgr/audio_codec.h"
+#include "platform/cammgr/worker_pool.h"
+
+#include <gst/app/gstappsrc.h>
+
+namespace cammgr {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// The muxer takes video only as far as it knows the audio; a camera that falls silent would hold
+// the video back.
+constexpr GstClockTime longestAudioGap = 2 * GST_SECOND;
+// What a disk may owe before it counts as dead.
+constexpr guint64 longestQueueBytes = 64 * 1024 * 1024;
+constexpr auto finishTimeout = 10s;
+constexpr GstClockTime indexPeriod = GST_SECOND;
+
+GstBuffer *copyAt(GstBuffer *original, GstClockTime time)
+{
+    GstBuffer *buffer = gst_buffer_copy(original);
+    GST_BUFFER_PTS(buffer) = time;
+    GST_BUFFER_DTS(buffer) = GST_CLOCK_TIME_NONE;
+    GST_BUFFER_DURATION(buffer) = GST_CLOCK_TIME_NONE;
+    return buffer;
+}
+
+} // namespace
+
+void ClosingClips::begin()
+{
+    std::lock_guard lock(m_lock);
+    ++m_count;
+}
+
+void ClosingClips::end()
+{
+    std::lock_guard lock(m_lock);
+    --m_count;
+    m_none.notify_all();
+}
+
+bool ClosingClips::wait(std::chrono::milliseconds longest)
+{
+    std::unique_lock lock(m_lock);
+    return m_none.wait_for(lock, longest, [this] { return m_count == 0; });
+}
+
+struct ClipWriter::Pipeline
+{
+    ~Pipeline()
+    {
+        if (!pipeline)
+            return;
+        const ObjectPtr<GstBus> bus(gst_element_get_bus(pipeline.get()));
+        gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
+        gst_bus_set_flushing(bus.get(), TRUE);
+        gst_element_set_state(pipeline.get(), GST_STATE_NULL);
+    }
+
+    ObjectPtr<GstElement> pipeline;
+    ObjectPtr<GstElement> video;
+    ObjectPtr<GstElement> audio; ///< null without an audio track
+};
+
+ClipWriter::ClipWriter(std::string path, ClipFormat format, GstClockTime start,
+                       std::shared_ptr<ClosingClips> closing, std::function<void()> failed)
+    : m_path(std::move(path))
+    , m_format(std::move(format))
+    , m_start(start)
+    , m_closing(std::move(closing))
+    , m_failed(std::move(failed))
+{
+    m_closing->begin();
+    const int tracks = m_format.audio ? 2 : 1;
+    // The muxer keeps two copies of the index, so that one is whole at any moment.
+    m_bytes = uint64_t{2} * tracks * m_format.reserveSeconds * m_format.indexBytesPerSecond;
+}
+
+ClipWriter::~ClipWriter()
+{
+    m_pipeline.reset();
+    m_closing->end();
+}
+
+void ClipWriter::open()
+{
+    mediaWorkers().run([self = shared_from_this()] {
+        std::lock_guard state(self->m_stateLock);
+        if (!self->m_pipeline && !self->build())
+            self->fail();
+    });
+}
+
+void ClipWriter::close()
+{
+    {
+        std::lock_guard lock(m_lock);
+        if (m_closeAsked)
+            return;
+        m_closeAsked = true;
+    }
+    mediaWorkers().run([self = shared_from_this()] {
+        std::lock_guard state(self->m_stateLock);
+        // A clip that ends before its file was made still becomes a file.
+        if (!self->m_pipeline && !self->m_hasFailed)
+            self->build();
+        self->finish();
+    });
+}
+
+void ClipWriter::push(const AccessUnit &unit)
+{
+    m_bytes += unit.size();
+    std::lock_guard lock(m_lock);
+    if (m_closeAsked || m_hasFailed)
+        return;
+    if (m_pipeline)
+        sendVideo(unit);
+    else
+        m_waitingVideo.push_back(unit);
+}
+
+void ClipWriter::push(const AudioUnit &unit)
+{
+    if (!m_format.audio || unit.time < m_start)
+        return;
+    m_bytes += gst_buffer_get_size(unit.buffer.get());
+    std::lock_guard lock(m_lock);
+    if (m_closeAsked || m_hasFailed)
+        return;
+    if (m_pipeline)
+        sendAudio(unit);
+    else
+        m_waitingAudio.push_back(unit);
+}
+
+/// On a media worker, with the state lock.
+bool ClipWriter::build()
+{
+    std::string chain = "appsrc name=video format=time max-bytes=0 ! h264parse ! ";
+    if (m_format.reordered)
+        chain += "h264timestamper ! ";
+    chain += "mp4mux name=mux ! filesink name=file async=false";
+    const std::string audio = m_format.audio ? audioForMp4(m_format.audio.get()) : std::string();
+    if (!audio.empty())
+        chain += " appsrc name=audio format=time max-bytes=0 ! " + audio + " ! mux.";
+
+    auto fresh = std::make_unique<Pipeline>();
+    GError *error = nullptr;
+    GstElement *pipeline = gst_parse_launch(chain.c_str(), &error);
+    if (!pipeline || error) {
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "no clip: %s", error ? error->message : "unknown");
+        g_clear_error(&error);
+        if (pipeline)
+            gst_object_unref(gst_object_ref_sink(pipeline));
+        return false;
+    }
+    fresh->pipeline.reset(GST_ELEMENT(gst_object_ref_sink(pipeline)));
+    GstBin *bin = GST_BIN(pipeline);
+    fresh->video.reset(gst_bin_get_by_name(bin, "video"));
+    fresh->audio.reset(audio.empty() ? nullptr : gst_bin_get_by_name(bin, "audio"));
+    g_object_set(fresh->video.get(), "caps", m_format.video.get(), nullptr);
+    if (fresh->audio)
+        g_object_set(fresh->audio.get(), "caps", m_format.audio.get(), nullptr);
+    const ObjectPtr<GstElement> file(gst_bin_get_by_name(bin, "file"));
+    g_object_set(file.get(), "location", m_path.c_str(), nullptr);
+    const ObjectPtr<GstElement> mux(gst_bin_get_by_name(bin, "mux"));
+    g_object_set(mux.get(), "reserved-max-duration", m_format.reserveSeconds * GST_SECOND,
+                 "reserved-moov-update-period", indexPeriod, "reserved-bytes-per-sec",
+                 static_cast<guint>(m_format.indexBytesPerSecond), nullptr);
+    const ObjectPtr<GstBus> bus(gst_element_get_bus(pipeline));
+    gst_bus_set_sync_handler(bus.get(), &ClipWriter::readMessage, this, nullptr);
+    if (gst_element_set_state(pipeline, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
+        return false;
+
+    std::lock_guard lock(m_lock);
+    m_pipeline = std::move(fresh);
+    m_audioEnded = !m_pipeline->audio;
+    while (!m_waitingAudio.empty()) {
+        sendAudio(m_waitingAudio.front());
+        m_waitingAudio.pop_front();
+    }
+    while (!m_waitingVideo.empty()) {
+        sendVideo(m_waitingVideo.front());
+        m_waitingVideo.pop_front();
+    }
+    return true;
+}
+
+/// Called with the lock.
+void ClipWriter::sendVideo(const AccessUnit &unit)
+{
+    // B pictures may be shown before the key frame that they follow: time never goes below 0.
+    const GstClockTime time = unit.time > m_start ? unit.time - m_start : 0;
+    auto *source = GST_APP_SRC(m_pipeline->video.get());
+    endAudioThatStopped(time);
+    gst_app_src_push_buffer(source, copyAt(unit.buffer.get(), time));
+    if (gst_app_src_get_current_level_bytes(source) > longestQueueBytes)
+        fail();
+}
+
+/// Called with the lock.
+void ClipWriter::sendAudio(const AudioUnit &unit)
+{
+    if (m_audioEnded)
+        return;
+    m_lastAudio = unit.time - m_start;
+    gst_app_src_push_buffer(GST_APP_SRC(m_pipeline->audio.get()),
+                            copyAt(unit.buffer.get(), m_lastAudio));
+}
+
+/// Called with the lock.
+void ClipWriter::endAudioThatStopped(GstClockTime now)
+{
+    if (m_audioEnded || now < m_lastAudio + longestAudioGap)
+        return;
+    gst_app_src_end_of_stream(GST_APP_SRC(m_pipeline->audio.get()));
+    m_audioEnded = true;
+}
+
+/// On a media worker, with the state lock.
+void ClipWriter::finish()
+{
+    std::unique_lock lock(m_lock);
+    if (!m_pipeline)
+        return;
+    gst_app_src_end_of_stream(GST_APP_SRC(m_pipeline->video.get()));
+    if (!m_audioEnded)
+        gst_app_src_end_of_stream(GST_APP_SRC(m_pipeline->audio.get()));
+    m_audioEnded = true;
+    if (!m_written.wait_for(lock, finishTimeout, [this] { return m_ended; }))
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "%s: not finished in time", m_path.c_str());
+    const auto old = std::move(m_pipeline);
+    lock.unlock();
+}
+
+/// Any thread; the lock may be held.
+void ClipWriter::fail()
+{
+    if (!m_hasFailed.exchange(true))
+        mediaWorkers().run([failed = m_failed] { failed(); });
+}
+
+GstBusSyncReply ClipWriter::readMessage(GstBus *, GstMessage *message, gpointer self)
+{
+    auto *writer = static_cast<ClipWriter *>(self);
+    const GstMessageType type = GST_MESSAGE_TYPE(message);
+    if (type == GST_MESSAGE_ERROR) {
+        GError *error = nullptr;
+        gst_message_parse_error(message, &error, nullptr);
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "%s: %s", writer->m_path.c_str(), error->message);
+        g_error_free(error);
+        writer->fail();
+    }
+    if (type == GST_MESSAGE_ERROR || type == GST_MESSAGE_EOS) {
+        std::lock_guard lock(writer->m_lock);
+        writer->m_ended = true;
+        writer->m_written.notify_all();
+    }
+    gst_message_unref(message);
+    return GST_BUS_DROP;
+}
+
+} // namespace cammgr

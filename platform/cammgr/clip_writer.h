@@ -1,0 +1,101 @@
+#pragma once
+
+#include "platform/cammgr/frame_taker.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace cammgr {
+
+/// Counts clips that are being closed, so that a process can wait for them before it ends.
+class ClosingClips
+{
+public:
+    void begin();
+    void end();
+    /// False when clips are still open after the time.
+    bool wait(std::chrono::milliseconds longest);
+
+private:
+    std::mutex m_lock; ///< protects m_count
+    std::condition_variable m_none;
+    int m_count = 0;
+};
+
+/// What one clip holds.
+struct ClipFormat
+{
+    CapsRef video;
+    CapsRef audio;          ///< empty: no audio track
+    bool reordered = false; ///< presentation order may differ from decoding order
+    int reserveSeconds = 0; ///< longest clip that the index at the head of the file has room for
+    int indexBytesPerSecond = 550; ///< room for one second of one track
+};
+
+/**
+ * One MP4 file: the camera's H.264 untouched, its audio as AAC. The index at the head of the file
+ * is brought up to date each second, so that what is on the disk plays at any moment. A pipeline
+ * of its own: its errors touch nothing else.
+ */
+class ClipWriter : public std::enable_shared_from_this<ClipWriter>
+{
+public:
+    /// failed: called at most once, on a media worker, when the file cannot go on (disk full).
+    ClipWriter(std::string path, ClipFormat format, GstClockTime start,
+               std::shared_ptr<ClosingClips> closing, std::function<void()> failed);
+    ~ClipWriter();
+    ClipWriter(const ClipWriter &) = delete;
+    ClipWriter &operator=(const ClipWriter &) = delete;
+
+    /// Makes the file in the background.
+    void open();
+    /// Takes and keeps; never waits. Any thread.
+    void push(const AccessUnit &unit);
+    void push(const AudioUnit &unit);
+    /// Finishes the file in the background.
+    void close();
+
+    const ClipFormat &format() const { return m_format; }
+    const std::string &path() const { return m_path; }
+    GstClockTime start() const { return m_start; }
+    /// Bytes of the file so far, with the room for the index; approximate.
+    uint64_t bytes() const { return m_bytes; }
+
+private:
+    struct Pipeline;
+
+    bool build();
+    void finish();
+    void fail();
+    void sendVideo(const AccessUnit &unit);
+    void sendAudio(const AudioUnit &unit);
+    void endAudioThatStopped(GstClockTime now);
+    static GstBusSyncReply readMessage(GstBus *, GstMessage *message, gpointer self);
+
+    const std::string m_path;
+    const ClipFormat m_format;
+    const GstClockTime m_start;
+    const std::shared_ptr<ClosingClips> m_closing;
+    const std::function<void()> m_failed;
+    std::atomic<uint64_t> m_bytes = 0;
+    std::atomic<bool> m_hasFailed = false;
+
+    std::mutex m_stateLock; ///< held while a media worker opens or finishes the file
+
+    std::mutex m_lock; ///< protects everything below
+    std::condition_variable m_written;
+    std::unique_ptr<Pipeline> m_pipeline;
+    std::deque<AccessUnit> m_waitingVideo; ///< came before the file was open
+    std::deque<AudioUnit> m_waitingAudio;
+    GstClockTime m_lastAudio = 0;
+    bool m_audioEnded = false;
+    bool m_closeAsked = false;
+    bool m_ended = false; ///< the muxer wrote its last byte, or cannot
+};
+
+} // namespace cammgr

@@ -1,0 +1,251 @@
+#include "platform/cammgr/live_view.h"
+
+#include "platform/cammgr/worker_pool.h"
+
+#include <algorithm>
+
+namespace cammgr {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// How long the oldest picture may wait before pictures are left out: first those that no other
+// picture needs, then all up to a key frame.
+constexpr auto lateLimit = 150ms;
+constexpr auto hopelessLimit = 400ms;
+// However much waits, something is drawn this often.
+constexpr auto longestUndrawn = 100ms;
+constexpr auto reopenPause = 1s;
+
+} // namespace
+
+LiveView::LiveView(uintptr_t window, const GopBuffer &memory, std::function<void()> wantKeyFrame)
+    : m_windowHandle(window)
+    , m_memory(memory)
+    , m_wantKeyFrame(std::move(wantKeyFrame))
+    , m_chain(window)
+{
+}
+
+LiveView::~LiveView()
+{
+    close();
+}
+
+void LiveView::open()
+{
+    {
+        std::lock_guard lock(m_lock);
+        if (m_stage != Stage::Waiting || m_watch != 0)
+            return;
+        m_busy = true;
+    }
+    const bool opened = m_chain.open();
+    const std::weak_ptr<LiveView> self = weak_from_this();
+    std::lock_guard lock(m_lock);
+    m_busy = false;
+    m_idle.notify_all();
+    if (m_stage == Stage::Closed)
+        return;
+    if (!opened) {
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "nothing can be drawn on this display");
+        return;
+    }
+    m_stage = Stage::Ready;
+    m_watch =
+        WindowWatch::instance().add(m_windowHandle, [self](const WindowState &state, bool damaged) {
+            if (const auto view = self.lock())
+                view->setWindow(state, damaged);
+        });
+}
+
+void LiveView::close()
+{
+    int watch = 0;
+    {
+        std::unique_lock lock(m_lock);
+        if (m_stage == Stage::Closed)
+            return;
+        m_stage = Stage::Closed;
+        m_queue.clear();
+        m_idle.wait(lock, [this] { return !m_busy; });
+        watch = std::exchange(m_watch, 0);
+    }
+    // Outside the lock: a handler that is running takes it.
+    if (watch != 0)
+        WindowWatch::instance().remove(watch);
+    m_chain.close();
+}
+
+void LiveView::takeFrame(const AccessUnit &unit)
+{
+    std::lock_guard lock(m_lock);
+    if (m_stage == Stage::Closed || !m_window.visible || unit.number <= m_lastQueued)
+        return;
+    if (m_waitForKey && !unit.key)
+        return;
+    m_waitForKey = false;
+    m_queue.push_back(unit);
+    m_lastQueued = unit.number;
+    shedLoad(unit.arrived);
+    schedule();
+}
+
+void LiveView::setWindow(const WindowState &state, bool damaged)
+{
+    bool needKey = false;
+    {
+        std::lock_guard lock(m_lock);
+        if (m_stage == Stage::Closed)
+            return;
+        const WindowState before = std::exchange(m_window, state);
+        if (before.visible && !state.visible)
+            m_queue.clear();
+        if (!before.visible && state.visible)
+            needKey = !replayMemory();
+        m_redraw |= state.visible && (damaged || !(before == state));
+        schedule();
+    }
+    if (needKey)
+        m_wantKeyFrame();
+}
+
+bool LiveView::isDecoding() const
+{
+    std::lock_guard lock(m_lock);
+    return m_stage == Stage::Ready && m_window.visible;
+}
+
+uint64_t LiveView::decoded() const
+{
+    std::lock_guard lock(m_lock);
+    return m_decoded;
+}
+
+/// Called with the lock. Queues what came since the last key frame; false when that is not known.
+bool LiveView::replayMemory()
+{
+    const std::vector<AccessUnit> frames = m_memory.frames();
+    m_queue.assign(frames.begin(), frames.end());
+    m_waitForKey = frames.empty();
+    if (frames.empty())
+        return false;
+    m_lastQueued = m_replayEnd = frames.back().number;
+    return true;
+}
+
+/// Called with the lock.
+void LiveView::schedule()
+{
+    if (m_scheduled || m_stage != Stage::Ready || (m_queue.empty() && !m_redraw))
+        return;
+    m_scheduled = true;
+    queueStep(shared_from_this());
+}
+
+/// One step at a time, so that all views take turns.
+void LiveView::queueStep(std::shared_ptr<LiveView> self)
+{
+    decodeWorkers().run([self = std::move(self)] {
+        if (self->step())
+            queueStep(self);
+    });
+}
+
+/// Called with the lock, after a frame was queued.
+void LiveView::shedLoad(SteadyClock::time_point now)
+{
+    const auto live = std::find_if(m_queue.begin(), m_queue.end(), [this](const AccessUnit &unit) {
+        return unit.number > m_replayEnd;
+    });
+    if (live == m_queue.end() || now - live->arrived < lateLimit)
+        return;
+    m_queue.erase(
+        std::remove_if(live, m_queue.end(), [](const AccessUnit &unit) { return !unit.reference; }),
+        m_queue.end());
+    if (m_queue.empty() || now - m_queue.front().arrived < hopelessLimit)
+        return;
+    const auto key = std::find_if(m_queue.rbegin(), m_queue.rend(),
+                                  [](const AccessUnit &unit) { return unit.key; });
+    if (key == m_queue.rend()) {
+        m_queue.clear();
+        m_waitForKey = true;
+    } else {
+        m_queue.erase(m_queue.begin(), std::prev(key.base()));
+    }
+}
+
+LiveView::Step LiveView::nextStep()
+{
+    std::lock_guard lock(m_lock);
+    Step next;
+    next.window = m_window;
+    const auto now = SteadyClock::now();
+    if (m_stage != Stage::Ready) {
+        m_scheduled = false;
+        return next;
+    }
+    if (m_broken) {
+        // What was queued depends on pictures that are lost with the decoder.
+        m_queue.clear();
+        m_waitForKey = true;
+        if (now - m_lastReopen < reopenPause) {
+            m_scheduled = false;
+            m_broken = true;
+            m_redraw = false;
+            return next;
+        }
+        m_lastReopen = now;
+        next.kind = Step::Kind::Reopen;
+    } else if (m_redraw) {
+        m_redraw = false;
+        next.kind = Step::Kind::Redraw;
+    } else if (!m_queue.empty()) {
+        next.kind = Step::Kind::Decode;
+        next.unit = std::move(m_queue.front());
+        m_queue.pop_front();
+        next.show = next.unit.number >= m_replayEnd &&
+                    (m_queue.empty() || now - m_lastShown >= longestUndrawn);
+        if (next.show)
+            m_lastShown = now;
+    } else {
+        m_scheduled = false;
+        return next;
+    }
+    m_busy = true;
+    return next;
+}
+
+/// One piece of work on a decoding thread; true when there is more and it may go on here.
+bool LiveView::step()
+{
+    const Step now = nextStep();
+    bool good = true;
+    switch (now.kind) {
+    case Step::Kind::Nothing:
+        return false;
+    case Step::Kind::Redraw:
+        m_chain.setWindowSize(now.window.width, now.window.height);
+        m_chain.redraw();
+        break;
+    case Step::Kind::Decode:
+        good = m_chain.decode(now.unit, now.show);
+        break;
+    case Step::Kind::Reopen:
+        good = m_chain.open();
+        break;
+    }
+
+    std::lock_guard lock(m_lock);
+    m_busy = false;
+    m_idle.notify_all();
+    m_broken = !good;
+    if (now.kind == Step::Kind::Decode)
+        ++m_decoded;
+    if (now.kind == Step::Kind::Reopen && good && m_stage == Stage::Ready)
+        replayMemory();
+    return true;
+}
+
+} // namespace cammgr

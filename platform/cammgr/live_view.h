@@ -1,0 +1,97 @@
+#pragma once
+
+#include "platform/cammgr/frame_taker.h"
+#include "platform/cammgr/gop_buffer.h"
+#include "platform/cammgr/picture_chain.h"
+#include "platform/cammgr/window_watch.h"
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+namespace cammgr {
+
+/**
+ * Shows a stream on a window: decodes each picture as it comes and draws the newest. A window that
+ * cannot be seen costs nothing; when it is seen again its picture is back at once from memory. A
+ * machine that cannot keep up first draws less, then leaves out pictures that no other needs, then
+ * goes on at the next key frame: the delay never grows.
+ */
+class LiveView : public FrameTaker, public std::enable_shared_from_this<LiveView>
+{
+public:
+    /// memory: gets each frame before this does; must outlive it. wantKeyFrame: called on a library
+    /// thread, must not wait.
+    LiveView(uintptr_t window, const GopBuffer &memory, std::function<void()> wantKeyFrame);
+    ~LiveView() override;
+
+    /// Opens the sink. On a media worker.
+    void open();
+    /// Nothing draws on the window any more when it returns. Any thread but a callback's.
+    void close();
+
+    void takeFrame(const AccessUnit &unit) override;
+    /// The window changed, as WindowWatch tells.
+    void setWindow(const WindowState &state, bool damaged);
+
+    /// Whether pictures are decoded as they come.
+    bool isDecoding() const;
+    /// See PictureChain::latest().
+    SampleRef latest() const { return m_chain.latest(); }
+    /// How many access units were decoded so far.
+    uint64_t decoded() const;
+
+private:
+    enum class Stage
+    {
+        Waiting,
+        Ready,
+        Closed
+    };
+    struct Step
+    {
+        enum class Kind
+        {
+            Nothing,
+            Redraw,
+            Decode,
+            Reopen
+        } kind = Kind::Nothing;
+        AccessUnit unit;
+        bool show = false;
+        WindowState window;
+    };
+
+    bool step();
+    Step nextStep();
+    void schedule();
+    static void queueStep(std::shared_ptr<LiveView> self);
+    void shedLoad(SteadyClock::time_point now);
+    bool replayMemory();
+
+    const uintptr_t m_windowHandle;
+    const GopBuffer &m_memory;
+    const std::function<void()> m_wantKeyFrame;
+    PictureChain m_chain; ///< the thread that set m_busy
+
+    mutable std::mutex m_lock; ///< protects everything below
+    std::condition_variable m_idle;
+    std::deque<AccessUnit> m_queue;
+    WindowState m_window;
+    Stage m_stage = Stage::Waiting;
+    int m_watch = 0;
+    bool m_scheduled = false; ///< on its way to a decoding thread
+    bool m_busy = false;      ///< a thread uses the chain
+    bool m_broken = false;    ///< the chain has to be opened again
+    bool m_redraw = false;
+    bool m_waitForKey = true;
+    uint64_t m_lastQueued = 0;
+    uint64_t m_replayEnd = 0; ///< up to here pictures come from memory and are not shown
+    uint64_t m_decoded = 0;
+    SteadyClock::time_point m_lastShown;
+    SteadyClock::time_point m_lastReopen;
+};
+
+} // namespace cammgr

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "platform/cammgr/frame_taker.h"
+#include "platform/cammgr/pad_feed.h"
+
+#include <atomic>
+#include <mutex>
+
+namespace cammgr {
+
+/**
+ * Decoder, scaler and window sink, without a thread of its own: all calls come from one thread at
+ * a time and do their work there, except latest(), which any thread may call.
+ */
+class PictureChain
+{
+public:
+    explicit PictureChain(uintptr_t window) : m_window(window) {}
+    ~PictureChain();
+    PictureChain(const PictureChain &) = delete;
+    PictureChain &operator=(const PictureChain &) = delete;
+
+    /// Opens the sink; false when nothing can be drawn here.
+    bool open();
+    /// Nothing draws on the window any more when it returns.
+    void close();
+
+    /// Decodes, and draws the result when asked to. False when the chain is broken and has to be
+    /// opened again.
+    bool decode(const AccessUnit &unit, bool show);
+    void setWindowSize(int width, int height);
+    /// Draws the latest picture again, at the size that the window has now.
+    void redraw();
+    /// The picture that was decoded last, in the stream's own size; empty when there is none.
+    SampleRef latest() const;
+
+private:
+    static GstBusSyncReply readMessage(GstBus *, GstMessage *message, gpointer self);
+    static GstPadProbeReturn takePicture(GstPad *pad, GstPadProbeInfo *info, gpointer self);
+    bool addDecoder(GstCaps *caps);
+    void fit();
+
+    const uintptr_t m_window;
+    ObjectPtr<GstElement> m_pipeline;
+    // Owned by the pipeline.
+    GstElement *m_decoder = nullptr;
+    GstElement *m_scale = nullptr;
+    GstElement *m_sink = nullptr;
+    PadFeed m_feed;
+    bool m_hardware = false;
+    bool m_hardwareFailed = false;
+    bool m_show = true;
+    int m_windowWidth = 0;
+    int m_windowHeight = 0;
+    std::atomic<bool> m_failed = false;
+
+    mutable std::mutex m_pictureLock; ///< protects the two below
+    BufferRef m_picture;
+    CapsRef m_pictureCaps;
+};
+
+} // namespace cammgr

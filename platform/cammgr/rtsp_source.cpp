@@ -1,0 +1,352 @@
+#include "platform/cammgr/rtsp_source.h"
+
+#include "platform/cammgr/access_unit.h"
+#include "platform/cammgr/rtp_audio.h"
+
+#include <gst/app/gstappsink.h>
+#include <gst/sdp/gstsdpmessage.h>
+
+#include <cstring>
+#include <initializer_list>
+#include <iterator>
+#include <strings.h>
+
+namespace cammgr {
+
+namespace {
+
+constexpr guint64 connectTimeoutUs = 5'000'000;
+constexpr guint64 teardownTimeoutNs = 100'000'000;
+// UDP packets may overtake each other; a missing one is waited for this long. Packets that come in
+// order are passed on at once all the same.
+constexpr guint udpReorderMs = 60;
+
+constexpr int statusUnauthorized = 401;
+constexpr int statusForbidden = 403;
+constexpr int statusNotFound = 404;
+constexpr int statusUnsupportedTransport = 461;
+
+GstElement *addElement(GstElement *bin, const char *factory)
+{
+    GstElement *element = gst_element_factory_make(factory, nullptr);
+    if (!element) {
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "media element \"%s\" is missing", factory);
+        return nullptr;
+    }
+    gst_bin_add(GST_BIN(bin), element);
+    return element;
+}
+
+GstElement *addCapsFilter(GstElement *bin, const char *caps)
+{
+    GstElement *filter = addElement(bin, "capsfilter");
+    if (filter)
+        gst_util_set_object_arg(G_OBJECT(filter), "caps", caps);
+    return filter;
+}
+
+/// Starts a chain of linked elements from its end and connects its head.
+bool startBranch(GstPad *pad, std::initializer_list<GstElement *> chain)
+{
+    for (auto element = std::rbegin(chain); element != std::rend(chain); ++element)
+        gst_element_sync_state_with_parent(*element);
+    const ObjectPtr<GstPad> target(gst_element_get_static_pad(*chain.begin(), "sink"));
+    return gst_pad_link(pad, target.get()) == GST_PAD_LINK_OK;
+}
+
+bool isH264(const char *encoding)
+{
+    return encoding && strcasecmp(encoding, "H264") == 0;
+}
+
+int statusOf(const GstStructure *details)
+{
+    int status = 0;
+    guint unsignedStatus = 0;
+    if (details && !gst_structure_get_int(details, "rtsp-status-code", &status) &&
+        gst_structure_get_uint(details, "rtsp-status-code", &unsignedStatus))
+        status = static_cast<int>(unsignedStatus);
+    return status;
+}
+
+} // namespace
+
+struct RtspSource::Callbacks
+{
+    static GstBusSyncReply message(GstBus *, GstMessage *message, gpointer self)
+    {
+        static_cast<RtspSource *>(self)->readMessage(message);
+        gst_message_unref(message);
+        return GST_BUS_DROP;
+    }
+
+    static void description(GstElement *, GstSDPMessage *sdp, gpointer self)
+    {
+        static_cast<RtspSource *>(self)->readDescription(sdp);
+    }
+
+    static gboolean select(GstElement *, guint, GstCaps *caps, gpointer self)
+    {
+        return static_cast<RtspSource *>(self)->selectStream(caps);
+    }
+
+    static void padAdded(GstElement *, GstPad *pad, gpointer self)
+    {
+        static_cast<RtspSource *>(self)->addBranch(pad);
+    }
+
+    static GstFlowReturn video(GstAppSink *sink, gpointer self)
+    {
+        return pull(sink, static_cast<RtspSource *>(self), true);
+    }
+
+    static GstFlowReturn audio(GstAppSink *sink, gpointer self)
+    {
+        return pull(sink, static_cast<RtspSource *>(self), false);
+    }
+
+    static GstFlowReturn pull(GstAppSink *sink, RtspSource *self, bool video)
+    {
+        const auto sample = SampleRef::adopt(gst_app_sink_pull_sample(sink));
+        if (!sample)
+            return GST_FLOW_EOS;
+        self->takeSample(sample.get(), video);
+        return GST_FLOW_OK;
+    }
+
+    static GstElement *addSink(GstElement *bin, RtspSource *self, bool video)
+    {
+        GstElement *sink = addElement(bin, "appsink");
+        if (!sink)
+            return nullptr;
+        g_object_set(sink, "sync", FALSE, "async", FALSE, "enable-last-sample", FALSE, nullptr);
+        GstAppSinkCallbacks callbacks = {};
+        callbacks.new_sample = video ? &Callbacks::video : &Callbacks::audio;
+        gst_app_sink_set_callbacks(GST_APP_SINK(sink), &callbacks, self, nullptr);
+        return sink;
+    }
+};
+
+RtspSource::RtspSource(Client &client, const StreamRequest &request, Transport transport)
+    : m_client(client)
+    , m_request(request)
+    , m_transport(transport)
+{
+}
+
+RtspSource::~RtspSource()
+{
+    close();
+}
+
+bool RtspSource::open()
+{
+    if (!build())
+        return false;
+    // The result says nothing: errors come on the bus.
+    gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING);
+    return true;
+}
+
+bool RtspSource::build()
+{
+    m_pipeline.reset(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
+    m_rtspsrc = addElement(m_pipeline.get(), "rtspsrc");
+    if (!m_rtspsrc)
+        return false;
+    const bool udp = m_transport == Transport::Udp;
+    g_object_set(m_rtspsrc, "location", m_request.url.c_str(), "latency", udp ? udpReorderMs : 0,
+                 "tcp-timeout", connectTimeoutUs, "teardown-timeout", teardownTimeoutNs,
+                 "user-agent", "Zelvaro", "tls-validation-flags", 0, nullptr);
+    gst_util_set_object_arg(G_OBJECT(m_rtspsrc), "protocols", udp ? "udp" : "tcp");
+    if (!m_request.username.empty())
+        g_object_set(m_rtspsrc, "user-id", m_request.username.c_str(), "user-pw",
+                     m_request.password.c_str(), nullptr);
+    g_signal_connect(m_rtspsrc, "on-sdp", G_CALLBACK(&Callbacks::description), this);
+    g_signal_connect(m_rtspsrc, "select-stream", G_CALLBACK(&Callbacks::select), this);
+    g_signal_connect(m_rtspsrc, "pad-added", G_CALLBACK(&Callbacks::padAdded), this);
+
+    const ObjectPtr<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
+    gst_bus_set_sync_handler(bus.get(), &Callbacks::message, this, nullptr);
+    return true;
+}
+
+void RtspSource::close()
+{
+    if (!m_pipeline)
+        return;
+    // Elements post errors while they are torn down: nobody listens from here on.
+    const ObjectPtr<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
+    gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
+    gst_bus_set_flushing(bus.get(), TRUE);
+    gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
+    m_pipeline.reset();
+    m_rtspsrc = nullptr;
+}
+
+void RtspSource::keepAlive()
+{
+    if (!m_rtspsrc || !m_playing)
+        return;
+    // Over one connection the framework sends no keep-alive while media flow, and a server may
+    // end a session whose client is silent (RFC 2326 12.37).
+    gboolean sent = FALSE;
+    GstPromise *promise = gst_promise_new();
+    g_signal_emit_by_name(m_rtspsrc, "get-parameter", "ping", "text/parameters", promise, &sent);
+    gst_promise_unref(promise);
+}
+
+void RtspSource::readDescription(const void *sdp)
+{
+    const auto *message = static_cast<const GstSDPMessage *>(sdp);
+    bool hasVideo = false;
+    bool hasAudio = false;
+    for (guint i = 0; i < gst_sdp_message_medias_len(message); ++i) {
+        const GstSDPMedia *media = gst_sdp_message_get_media(message, i);
+        const char *kind = gst_sdp_media_get_media(media);
+        // On a back channel the camera listens (RFC 4566: the direction is the offerer's view).
+        if (!kind || gst_sdp_media_get_attribute_val(media, "sendonly"))
+            continue;
+        for (guint j = 0; j < gst_sdp_media_formats_len(media); ++j) {
+            const int payload = atoi(gst_sdp_media_get_format(media, j));
+            GstCaps *caps = gst_sdp_media_get_caps_from_media(media, payload);
+            if (!caps)
+                continue;
+            const GstStructure *format = gst_caps_get_structure(caps, 0);
+            const char *encoding = gst_structure_get_string(format, "encoding-name");
+            hasVideo |= strcmp(kind, "video") == 0 && isH264(encoding);
+            hasAudio |= strcmp(kind, "audio") == 0 && findRtpAudio(encoding) != nullptr;
+            gst_caps_unref(caps);
+        }
+    }
+    m_client.sourceDescribed(hasVideo, hasAudio);
+    if (!hasVideo)
+        m_client.sourceEnded(StreamEnd::NoVideo);
+}
+
+bool RtspSource::selectStream(GstCaps *caps)
+{
+    const GstStructure *format = gst_caps_get_structure(caps, 0);
+    const char *media = gst_structure_get_string(format, "media");
+    const char *encoding = gst_structure_get_string(format, "encoding-name");
+    if (!media || gst_structure_has_field(format, "a-sendonly"))
+        return false;
+    if (strcmp(media, "video") == 0 && isH264(encoding) && !m_videoSelected)
+        return m_videoSelected = true;
+    if (strcmp(media, "audio") == 0 && findRtpAudio(encoding) && !m_audioSelected)
+        return m_audioSelected = true;
+    return false;
+}
+
+void RtspSource::addBranch(GstPad *pad)
+{
+    const auto caps = CapsRef::adopt(gst_pad_get_current_caps(pad));
+    if (!caps)
+        return;
+    const GstStructure *format = gst_caps_get_structure(caps.get(), 0);
+    const char *encoding = gst_structure_get_string(format, "encoding-name");
+    const bool linked = isH264(encoding) ? addVideoBranch(pad) : addAudioBranch(pad, encoding);
+    if (!linked)
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "no use for a stream of %s",
+              encoding ? encoding : "an unknown kind");
+}
+
+bool RtspSource::addVideoBranch(GstPad *pad)
+{
+    GstElement *bin = m_pipeline.get();
+    // Whole access units all the way: the parser then need not wait for the next picture to know
+    // that one is complete.
+    GstElement *depay = addElement(bin, "rtph264depay");
+    GstElement *whole = addCapsFilter(bin, "video/x-h264,stream-format=byte-stream,alignment=au");
+    GstElement *parse = addElement(bin, "h264parse");
+    GstElement *avc = addCapsFilter(bin, "video/x-h264,stream-format=avc,alignment=au");
+    GstElement *sink = Callbacks::addSink(bin, this, true);
+    if (!depay || !whole || !parse || !avc || !sink ||
+        !gst_element_link_many(depay, whole, parse, avc, sink, nullptr))
+        return false;
+    return startBranch(pad, {depay, whole, parse, avc, sink});
+}
+
+bool RtspSource::addAudioBranch(GstPad *pad, const char *encoding)
+{
+    const RtpAudio *kind = findRtpAudio(encoding);
+    if (!kind)
+        return false;
+    GstElement *bin = m_pipeline.get();
+    GstElement *depay = addElement(bin, kind->depayloader);
+    GstElement *sink = Callbacks::addSink(bin, this, false);
+    if (!depay || !sink || !gst_element_link(depay, sink))
+        return false;
+    return startBranch(pad, {depay, sink});
+}
+
+void RtspSource::takeSample(GstSample *sample, bool video)
+{
+    GstBuffer *buffer = gst_sample_get_buffer(sample);
+    GstCaps *caps = gst_sample_get_caps(sample);
+    if (!buffer || !caps || !GST_BUFFER_PTS_IS_VALID(buffer))
+        return;
+    const GstClockTime time = gst_segment_to_running_time(gst_sample_get_segment(sample),
+                                                          GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
+    if (!GST_CLOCK_TIME_IS_VALID(time))
+        return;
+    if (video)
+        m_client.sourceVideo(makeAccessUnit(buffer, caps, time, ++m_frames));
+    else
+        m_client.sourceAudio({BufferRef::share(buffer), CapsRef::share(caps), time});
+}
+
+void RtspSource::readMessage(GstMessage *message)
+{
+    switch (GST_MESSAGE_TYPE(message)) {
+    case GST_MESSAGE_ERROR:
+        readError(message);
+        break;
+    case GST_MESSAGE_EOS:
+        m_client.sourceEnded(m_playing ? StreamEnd::Closed : StreamEnd::Failed);
+        break;
+    case GST_MESSAGE_PROGRESS: {
+        GstProgressType type;
+        gchar *code = nullptr;
+        gst_message_parse_progress(message, &type, &code, nullptr);
+        const bool playAnswered =
+            type == GST_PROGRESS_TYPE_COMPLETE && code && strcmp(code, "request") == 0;
+        g_free(code);
+        if (playAnswered && !m_playing.exchange(true))
+            m_client.sourcePlays();
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+void RtspSource::readError(GstMessage *message)
+{
+    GError *error = nullptr;
+    gchar *debug = nullptr;
+    gst_message_parse_error(message, &error, &debug);
+    const GstStructure *details = nullptr;
+    gst_message_parse_error_details(message, &details);
+    const int status = statusOf(details);
+    g_log("cammgr", G_LOG_LEVEL_INFO, "%s: %s (%d) %s", m_request.url.c_str(), error->message,
+          status, debug ? debug : "");
+
+    const bool resource = error->domain == GST_RESOURCE_ERROR;
+    if (status == statusUnauthorized || status == statusForbidden ||
+        (resource && error->code == GST_RESOURCE_ERROR_NOT_AUTHORIZED))
+        m_client.sourceEnded(StreamEnd::Refused);
+    else if (status == statusNotFound)
+        m_client.sourceEnded(StreamEnd::NotFound);
+    else if (status == statusUnsupportedTransport ||
+             (m_transport == Transport::Interleaved && m_videoSelected && !m_playing && resource &&
+              (error->code == GST_RESOURCE_ERROR_SETTINGS ||
+               error->code == GST_RESOURCE_ERROR_NOT_FOUND)))
+        m_client.sourceTransportRefused();
+    else
+        m_client.sourceEnded(m_playing ? StreamEnd::Closed : StreamEnd::Failed);
+    g_free(debug);
+    g_error_free(error);
+}
+
+} // namespace cammgr

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/cammgr/frame_taker.h"
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace cammgr {
+
+/// Decodes access units that begin with a key frame, on the calling thread, for at most the given
+/// time, and returns the last picture that came out; empty when none did.
+SampleRef decodeLast(const std::vector<AccessUnit> &units, std::chrono::milliseconds budget);
+
+/// Writes a decoded picture as JPEG in its own size, beside path first and then renamed. 0, or
+/// negative when it cannot be written; the file at path is then as before.
+int writeJpeg(const SampleRef &picture, const std::string &path);
+
+} // namespace cammgr

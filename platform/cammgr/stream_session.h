@@ -1,0 +1,103 @@
+#pragma once
+
+#include "platform/cammgr/audio_output.h"
+#include "platform/cammgr/gop_buffer.h"
+#include "platform/cammgr/housekeeper.h"
+#include "platform/cammgr/live_stream.h"
+#include "platform/cammgr/live_view.h"
+#include "platform/cammgr/recorder.h"
+#include "platform/cammgr/rtsp_source.h"
+#include "platform/cammgr/stream_stats.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+
+namespace cammgr {
+
+/**
+ * One stream from start to stop: the source, and the takers of its frames. It lives on behind
+ * stop() until its pipelines are gone.
+ */
+class LiveStream::Session : public RtspSource::Client,
+                            public Housekeeper::Charge,
+                            public std::enable_shared_from_this<LiveStream::Session>
+{
+public:
+    Session(const StreamRequest &request, const Listener &listener,
+            std::shared_ptr<ClosingClips> closing);
+    ~Session() override;
+
+    void start(int volume);
+    /// See LiveStream::stop().
+    void stop();
+
+    bool isActive() const { return m_state != State::Ended; }
+    bool isPlaying() const;
+    bool hasVideo() const { return isActive() && m_hasVideo; }
+    bool hasAudio() const { return isActive() && m_hasAudio; }
+    void setVolume(int percent) { m_audio->setVolume(percent); }
+    int snapshot(const std::string &path);
+    int beginWriting(const std::string &basePath, int limitBytes);
+    int endWriting() { return m_recorder->end(); }
+    bool isWriting() const { return m_recorder->isWriting(); }
+    int frameRate() const { return m_stats.frames(); }
+    int bitRate() const { return m_stats.bits(); }
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+
+private:
+    enum class State
+    {
+        Starting,
+        Playing,
+        Ended
+    };
+
+    void sourceDescribed(bool hasVideo, bool hasAudio) override;
+    void sourcePlays() override;
+    void sourceVideo(const AccessUnit &unit) override;
+    void sourceAudio(const AudioUnit &unit) override;
+    void sourceEnded(StreamEnd reason) override;
+    void sourceTransportRefused() override;
+    void tick() override;
+
+    void openSource(Transport transport);
+    void closeSource();
+    void keepAlive();
+    void release();
+    void readSize(GstCaps *caps);
+    void wantKeyFrame();
+    void tell(const std::function<void()> &callback);
+
+    const StreamRequest m_request;
+    const Listener m_listener;
+
+    std::mutex m_tellLock; ///< held while a callback runs; protects m_muted
+    bool m_muted = false;
+
+    std::mutex m_sourceLock; ///< taken by media workers only; protects the three below
+    std::unique_ptr<RtspSource> m_source;
+    Transport m_transport = Transport::Interleaved;
+    bool m_stopped = false;
+
+    std::atomic<State> m_state = State::Starting;
+    std::atomic<bool> m_hasVideo = false;
+    std::atomic<bool> m_hasAudio = false;
+    std::atomic<bool> m_playAnswered = false;
+    std::atomic<int> m_width = 0;
+    std::atomic<int> m_height = 0;
+    std::atomic<SteadyClock::time_point> m_started;
+    std::atomic<SteadyClock::time_point> m_lastSign; ///< PLAY was answered, or a frame came
+    std::atomic<SteadyClock::time_point> m_lastKeyAsked;
+    SteadyClock::time_point m_lastKeepAlive; ///< housekeeper's thread
+    CapsRef m_caps;                          ///< the thread that receives video
+
+    StreamStats m_stats;
+    GopBuffer m_memory;
+    const std::shared_ptr<AudioOutput> m_audio;
+    const std::shared_ptr<Recorder> m_recorder;
+    const std::shared_ptr<LiveView> m_view; ///< null when nothing is drawn
+};
+
+} // namespace cammgr

@@ -1,0 +1,56 @@
+#include "platform/cammgr/video_output.h"
+
+#include "platform/cammgr/x_errors.h"
+
+#include <gst/video/videooverlay.h>
+
+#include <glob.h>
+
+namespace cammgr {
+
+namespace {
+
+bool hasRenderNode()
+{
+    glob_t nodes = {};
+    const bool found = glob("/dev/dri/renderD*", GLOB_NOSORT, nullptr, &nodes) == 0;
+    globfree(&nodes);
+    return found;
+}
+
+} // namespace
+
+GstElement *makeWindowSink(uintptr_t window)
+{
+    surviveXErrors();
+    // Of the sinks for X only this one exists on every display, draws into the very window it is
+    // given and has no limit on how many there are.
+    GstElement *sink = gst_element_factory_make("ximagesink", nullptr);
+    if (!sink)
+        return nullptr;
+    // The client has the window's events; a thread for each sink is saved on top.
+    g_object_set(sink, "sync", FALSE, "async", FALSE, "qos", FALSE, "enable-last-sample", FALSE,
+                 "handle-events", FALSE, "handle-expose", FALSE, nullptr);
+    gst_video_overlay_set_window_handle(GST_VIDEO_OVERLAY(sink), window);
+    return sink;
+}
+
+GstElement *makeHardwareDecoder()
+{
+    static const bool renderNode = hasRenderNode();
+    if (!renderNode)
+        return nullptr;
+    // It has no rank in this version of the framework: nobody but us would choose it.
+    GstElement *decoder = gst_element_factory_make("vah264dec", nullptr);
+    if (!decoder)
+        return nullptr;
+    const bool ready = gst_element_set_state(decoder, GST_STATE_READY) != GST_STATE_CHANGE_FAILURE;
+    if (!ready) {
+        gst_element_set_state(decoder, GST_STATE_NULL);
+        gst_object_unref(gst_object_ref_sink(decoder));
+        return nullptr;
+    }
+    return decoder;
+}
+
+} // namespace cammgr

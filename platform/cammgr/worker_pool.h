@@ -1,0 +1,45 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+
+namespace cammgr {
+
+/// A few named threads that take jobs in order. Threads are made when all others are busy, up to a
+/// limit, and end when they had nothing to do for some seconds.
+class WorkerPool
+{
+public:
+    /// name: of its threads, a literal.
+    WorkerPool(const char *name, int limit) : m_name(name), m_limit(limit) {}
+    /// Any thread; never waits.
+    void run(std::function<void()> job);
+
+private:
+    static void *threadMain(void *self);
+    void work();
+
+    const char *const m_name;
+    const int m_limit;
+    std::mutex m_lock; ///< protects everything below
+    std::condition_variable m_wake;
+    std::deque<std::function<void()>> m_jobs;
+    int m_threads = 0;
+    int m_idle = 0;
+};
+
+/// Where pipelines of all streams are made, started and torn down: streaming threads and callers
+/// never change a pipeline's state themselves. Never destroyed: a job may run while the process
+/// ends.
+WorkerPool &mediaWorkers();
+
+/// The decoding threads of all streams, one for each processor. Decoders take turns picture by
+/// picture, so that a large stream cannot starve the small ones. Never destroyed.
+WorkerPool &decodeWorkers();
+
+/// Loads the media framework once, on the calling thread. Every pool thread has done so.
+void loadMediaFramework();
+
+} // namespace cammgr
