@@ -132,7 +132,10 @@ void CMainForm::showPage(Page page)
     m_ui->stackedWidget->setCurrentIndex(page);
 }
 
-void CMainForm::leavePages() {}
+void CMainForm::leavePages()
+{
+    m_ui->pagePlayCamera->StopPlay();
+}
 
 void CMainForm::showCameraMgr()
 {
@@ -149,7 +152,8 @@ void CMainForm::showSearchCameraList()
 void CMainForm::playCamera(CCamera *camera)
 {
     leavePages();
-    Q_UNUSED(camera)
+    m_ui->pagePlayCamera->SetCamera(camera);
+    m_ui->pagePlayCamera->StartPlay();
     showPage(PagePlayCamera);
 }
 

@@ -1,0 +1,86 @@
+#include "ui/manager/add_camera_form.h"
+
+#include "app/message_box.h"
+#include "ui_add_camera_form.h"
+
+#include <utility>
+
+namespace {
+
+CAddCameraForm::UidPicker &uidPicker()
+{
+    static CAddCameraForm::UidPicker picker;
+    return picker;
+}
+
+} // namespace
+
+CAddCameraForm::CAddCameraForm(QWidget *parent, const CameraRecord *record)
+    : QDialog(parent, Qt::FramelessWindowHint)
+    , m_ui(std::make_unique<Ui::CAddCameraForm>())
+{
+    m_ui->setupUi(this);
+    m_ui->frameTitle->attach(this, true);
+    setAttribute(Qt::WA_TranslucentBackground);
+    connect(m_ui->btnDiscovery, &QPushButton::clicked, this, &CAddCameraForm::slotDiscovery);
+    connect(m_ui->btnOk, &QPushButton::clicked, this, &CAddCameraForm::slotOK);
+    connect(m_ui->btnCancel, &QPushButton::clicked, this, &CAddCameraForm::slotClose);
+    m_ui->btnDiscovery->setEnabled(bool(uidPicker()));
+    if (record)
+        fillFrom(*record);
+    setWindowTitle(m_ui->labelTitle->text());
+}
+
+CAddCameraForm::~CAddCameraForm() = default;
+
+void CAddCameraForm::setUidPicker(UidPicker picker)
+{
+    uidPicker() = std::move(picker);
+}
+
+void CAddCameraForm::fillFrom(const CameraRecord &record)
+{
+    m_ui->labelTitle->setText(tr("Modify Camera"));
+    m_ui->editUid->setText(record.hostname);
+    m_ui->editUserName->setText(record.username);
+    m_ui->editPassword->setText(record.password);
+    m_ui->editCameraName->setText(record.name);
+}
+
+bool CAddCameraForm::holds(const CameraRecord &record) const
+{
+    return m_entered.hostname == record.hostname && m_entered.username == record.username &&
+           m_entered.password == record.password && m_entered.name == record.name;
+}
+
+void CAddCameraForm::slotDiscovery()
+{
+    const std::optional<QString> uid = uidPicker()(this);
+    if (uid && !uid->isEmpty())
+        m_ui->editUid->setText(*uid);
+}
+
+void CAddCameraForm::slotOK()
+{
+    m_entered.hostname = m_ui->editUid->text();
+    m_entered.username = m_ui->editUserName->text();
+    m_entered.password = m_ui->editPassword->text();
+    m_entered.name = m_ui->editCameraName->text();
+    if (m_entered.hostname.isEmpty())
+        refuse(tr("Please input UID."), m_ui->editUid);
+    else if (m_entered.username.isEmpty())
+        refuse(tr("Please input user name."), m_ui->editUserName);
+    else
+        accept();
+}
+
+void CAddCameraForm::refuse(const QString &text, QWidget *editToMend)
+{
+    CMessageBox(CMessageBox::Error, tr("Error"), text, QMessageBox::Ok, this).exec();
+    editToMend->setFocus();
+}
+
+void CAddCameraForm::slotClose()
+{
+    reject();
+}

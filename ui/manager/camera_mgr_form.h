@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+
+namespace Ui {
+class CCameraMgrForm;
+}
+
+/// The first page: the registered cameras as tiles that flow with the width of the page.
+class CCameraMgrForm : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit CCameraMgrForm(QWidget *parent = nullptr);
+    ~CCameraMgrForm() override;
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void tellVisibleRows();
+
+    std::unique_ptr<Ui::CCameraMgrForm> m_ui;
+};

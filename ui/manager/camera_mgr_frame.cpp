@@ -1,0 +1,207 @@
+#include "ui/manager/camera_mgr_frame.h"
+
+#include "app/message_box.h"
+#include "camera/camera.h"
+#include "camera/command_channel.h"
+#include "settings/camera_list.h"
+#include "settings/camera_settings.h"
+#include "settings/developer_check.h"
+#include "ui/common/command_wait.h"
+#include "ui/common/page_host.h"
+#include "ui/manager/add_button_form.h"
+#include "ui/manager/add_camera_form.h"
+#include "ui/manager/camera_mgr_item_form.h"
+
+#include <QGridLayout>
+
+namespace {
+
+constexpr int kMostCameras = 100;
+constexpr int kSpacing = 20; // pixels between tiles
+
+// A hidden row on either side keeps its pictures, so that a short scroll shows them at once.
+constexpr int kRowsAhead = 1;
+
+QGridLayout *makeGrid(QWidget *parent)
+{
+    auto *grid = new QGridLayout(parent);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(kSpacing);
+    return grid;
+}
+
+} // namespace
+
+CCameraMgrFrame::CCameraMgrFrame(QWidget *parent)
+    : QWidget(parent)
+    , m_grid(makeGrid(this))
+    , m_addButton(new CAddButtonForm(this))
+{
+    connect(m_addButton, &CAddButtonForm::clicked, this, &CCameraMgrFrame::slotAddButtonClicked);
+    const CCameraList &cameras = CCameraList::instance();
+    for (int i = 0; i < cameras.count(); ++i)
+        addTile(cameras.at(i));
+    m_visibleWidth = m_addButton->minimumWidth();
+    layoutAgain();
+}
+
+void CCameraMgrFrame::layoutTiles(int visibleWidth)
+{
+    m_visibleWidth = visibleWidth;
+    const int tileWidth = m_addButton->minimumWidth();
+    if (tileWidth <= visibleWidth)
+        m_columns = qMax(1, (visibleWidth + 1) / (tileWidth + kSpacing + 1));
+    QWidgetList widgets = zelvaro::asWidgets(m_tiles);
+    widgets.append(m_addButton);
+    m_grid.place(widgets, m_columns, 1);
+    holdVisibleThumbs();
+}
+
+void CCameraMgrFrame::setVisibleRows(int top, int bottom)
+{
+    m_visibleTop = top;
+    m_visibleBottom = bottom;
+    holdVisibleThumbs();
+}
+
+void CCameraMgrFrame::layoutAgain()
+{
+    layoutTiles(m_visibleWidth);
+}
+
+// The place of a row follows from its number: the layout itself moves the tiles later.
+void CCameraMgrFrame::holdVisibleThumbs()
+{
+    if (m_visibleBottom < m_visibleTop)
+        return;
+    const int rowHeight = m_addButton->minimumHeight() + kSpacing;
+    const int firstRow = m_visibleTop / rowHeight - kRowsAhead;
+    const int lastRow = m_visibleBottom / rowHeight + kRowsAhead;
+    for (int i = 0; i < m_tiles.size(); ++i) {
+        const int row = i / m_columns;
+        m_tiles.at(i)->setThumbWanted(firstRow <= row && row <= lastRow);
+    }
+}
+
+QWidget *CCameraMgrFrame::dialogParent()
+{
+    return pageHost() ? pageHost()->dialogParent() : window();
+}
+
+void CCameraMgrFrame::addTile(CCamera *camera)
+{
+    auto *tile = new CCameraMgrItemForm(this);
+    tile->setCamera(camera);
+    connect(tile, &CCameraMgrItemForm::deleteCamera, this, &CCameraMgrFrame::slotDeleteCamera);
+    connect(tile, &CCameraMgrItemForm::playCamera, this, &CCameraMgrFrame::slotPlayCamera);
+    connect(tile, &CCameraMgrItemForm::modifyCamera, this, &CCameraMgrFrame::slotModifyCamera);
+    connect(tile, &CCameraMgrItemForm::motionCamera, this, &CCameraMgrFrame::slotMotionCamera);
+    connect(tile, &CCameraMgrItemForm::rebootCamera, this, &CCameraMgrFrame::slotRebootCamera);
+    m_tiles.append(tile);
+    setTabOrder(tile, m_addButton);
+    tile->show();
+}
+
+// The tile may be the sender of the signal that asks for its end, so it dies a little later.
+void CCameraMgrFrame::removeTile(CCameraMgrItemForm *item)
+{
+    m_tiles.removeOne(item);
+    item->setCamera(nullptr);
+    item->hide();
+    item->deleteLater();
+}
+
+void CCameraMgrFrame::registerCamera(const CAddCameraForm &dialog)
+{
+    CameraSettings &settings = CameraSettings::instance();
+    CameraRecord *record = settings.addRecord(CAMERA_TYPE_P2P, dialog.uid(), dialog.username(),
+                                              dialog.password(), dialog.cameraName(), false);
+    if (!record)
+        return;
+    settings.save();
+
+    CCameraList &cameras = CCameraList::instance();
+    CCamera *camera = cameras.create();
+    camera->set_info(record);
+    if (camera->create() < 0)
+        cameras.remove(camera);
+    else
+        addTile(camera);
+    layoutAgain();
+}
+
+void CCameraMgrFrame::takeDown(CCameraMgrItemForm *item)
+{
+    CCamera *camera = item->camera();
+    CameraRecord *record = camera->get_info();
+    camera->stop();
+    camera->wait_stopped();
+    removeTile(item);
+    CCameraList::instance().remove(camera);
+    CameraSettings::instance().removeRecord(record);
+}
+
+void CCameraMgrFrame::slotAddButtonClicked()
+{
+    if (CameraSettings::instance().count() >= kMostCameras) {
+        CMessageBox(CMessageBox::Error, tr("Error"), tr("Cannot add camera, 100 is maxnum."),
+                    QMessageBox::Ok, dialogParent())
+            .exec();
+        return;
+    }
+    CAddCameraForm dialog(dialogParent(), nullptr);
+    if (dialog.exec() == QDialog::Accepted)
+        registerCamera(dialog);
+}
+
+void CCameraMgrFrame::slotDeleteCamera(CCameraMgrItemForm *item)
+{
+    CMessageBox question(CMessageBox::Warning, tr("Warning"), tr("Delete camera?"),
+                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent());
+    if (question.exec() != QDialog::Accepted)
+        return;
+    takeDown(item);
+    CameraSettings::instance().save();
+    layoutAgain();
+}
+
+void CCameraMgrFrame::slotPlayCamera(CCameraMgrItemForm *item)
+{
+    if (zelvaro::developerCheck(pageHost() != nullptr, "pageHost()", "CameraMgrFrame"))
+        pageHost()->playCamera(item->camera());
+}
+
+void CCameraMgrFrame::slotModifyCamera(CCameraMgrItemForm *item)
+{
+    CAddCameraForm dialog(dialogParent(), item->camera()->get_info());
+    if (dialog.exec() != QDialog::Accepted || dialog.holds(*item->camera()->get_info()))
+        return;
+    takeDown(item);
+    registerCamera(dialog);
+    layoutAgain();
+}
+
+void CCameraMgrFrame::slotMotionCamera(CCameraMgrItemForm *item)
+{
+    Q_UNUSED(item)
+}
+
+void CCameraMgrFrame::slotRebootCamera(CCameraMgrItemForm *item)
+{
+    CMessageBox question(CMessageBox::Warning, tr("Warning"), tr("Reboot camera?"),
+                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent());
+    if (question.exec() != QDialog::Accepted)
+        return;
+
+    CCamera *camera = item->camera();
+    const CameraRecord *record = camera->get_info();
+    const QString request = zelvaro::sys_reboot_request(record->username, record->password);
+    if (!zelvaro::runCommands(dialogParent(), camera, tr("Please wait for reboot..."), {request}))
+        return;
+    const bool rebooted = camera->command_codes().value(0, -1) == 0;
+    CMessageBox(CMessageBox::Information, tr("info"),
+                rebooted ? tr("Reboot success. Please wait a few minutes and re-connect.")
+                         : tr("Reboot failed. Please wait a few minutes and re-try."),
+                QMessageBox::Ok, dialogParent())
+        .exec();
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "ui/common/tile_grid.h"
+
+#include <QList>
+#include <QWidget>
+
+class CAddButtonForm;
+class CAddCameraForm;
+class CCamera;
+class CCameraMgrItemForm;
+
+/// The grid of the camera page: one tile for each session, in the order of the camera list, and
+/// the tile that adds one. Registers, changes and removes cameras and saves after each of them.
+/// GUI thread only.
+class CCameraMgrFrame : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Makes a tile for each session that there is.
+    explicit CCameraMgrFrame(QWidget *parent = nullptr);
+
+    /// Flows the tiles into as many columns as fit into that width (pixels). A width under one
+    /// tile leaves the arrangement as it is.
+    void layoutTiles(int visibleWidth);
+    /// Tells which rows can be seen (pixels from the top of this frame), so that only their tiles
+    /// hold pictures.
+    void setVisibleRows(int top, int bottom);
+
+    const QList<CCameraMgrItemForm *> &tiles() const { return m_tiles; }
+
+public slots:
+    void slotAddButtonClicked();
+    void slotDeleteCamera(CCameraMgrItemForm *item);
+    void slotPlayCamera(CCameraMgrItemForm *item);
+    void slotModifyCamera(CCameraMgrItemForm *item);
+    void slotMotionCamera(CCameraMgrItemForm *item);
+    void slotRebootCamera(CCameraMgrItemForm *item);
+
+private:
+    void addTile(CCamera *camera);
+    void removeTile(CCameraMgrItemForm *item);
+    /// Registers what the dialog holds and starts its session. Nothing when the UID is taken.
+    void registerCamera(const CAddCameraForm &dialog);
+    /// Ends the session and forgets tile, session and record. The file is not saved.
+    void takeDown(CCameraMgrItemForm *item);
+    void layoutAgain();
+    void holdVisibleThumbs();
+    QWidget *dialogParent();
+
+    zelvaro::TileGrid m_grid;
+    QList<CCameraMgrItemForm *> m_tiles;
+    CAddButtonForm *m_addButton;
+    int m_visibleWidth = 0;
+    int m_columns = 1;
+    int m_visibleTop = 0;
+    int m_visibleBottom = -1; // nothing has been shown yet
+};

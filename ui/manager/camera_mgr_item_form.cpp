@@ -1,0 +1,216 @@
+#include "ui/manager/camera_mgr_item_form.h"
+
+#include "camera/camera.h"
+#include "settings/developer_check.h"
+#include "ui/common/style_url.h"
+#include "ui_camera_mgr_item_form.h"
+
+#include <QContextMenuEvent>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPixmapCache>
+
+namespace {
+
+QString tileFrameStyle(const char *state)
+{
+    return QStringLiteral(
+               "QFrame#frameCameraItemBk{border-image:url(:/images/cameraitem/"
+               "cameraitemframe_%1.png) 8 12 14 10;border-top-width:4px;border-right-width:"
+               "6px;border-bottom-width:7px;border-left-width:5px;}"
+               "QFrame#frameCameraItemBk:hover{border-image:url(:/images/cameraitem/"
+               "cameraitemframe_hover.png) 8 12 14 10;}")
+        .arg(QLatin1String(state));
+}
+
+} // namespace
+
+CCameraMgrItemForm::CCameraMgrItemForm(QWidget *parent)
+    : QWidget(parent)
+    , m_ui(std::make_unique<Ui::CCameraMgrItemForm>())
+{
+    m_ui->setupUi(this);
+    m_defaultPicture = m_ui->frameCameraItem->styleSheet();
+    m_ui->labelStatusText->hide();
+    showFocus(false);
+    buildMenu();
+}
+
+CCameraMgrItemForm::~CCameraMgrItemForm() = default;
+
+void CCameraMgrItemForm::buildMenu()
+{
+    auto *menu = new QMenu(m_ui->btnMenu);
+    menu->addAction(tr("Play"), this, &CCameraMgrItemForm::slotPlay);
+    menu->addAction(tr("Delete"), this, &CCameraMgrItemForm::slotDelete);
+    menu->addAction(tr("Modify"), this, &CCameraMgrItemForm::slotModify);
+    m_ui->btnMenu->setMenu(menu);
+    m_ui->btnMenu->setStyleSheet(
+        m_ui->btnMenu->styleSheet() +
+        QStringLiteral("QToolButton:menu-indicator{image:url(none.jpg);}"));
+    connect(m_ui->btnMenu, &QToolButton::clicked, this, &CCameraMgrItemForm::slotMenu);
+}
+
+void CCameraMgrItemForm::setCamera(CCamera *camera)
+{
+    if (m_camera)
+        m_camera->disconnect(this);
+    m_camera = camera;
+    slotCameraThumbChanged();
+    slotCameraStatusChanged();
+    if (!m_camera)
+        return;
+    connect(m_camera, &CCamera::signalStateChanged, this,
+            &CCameraMgrItemForm::slotCameraStatusChanged);
+    connect(m_camera, &CCamera::signalThumbChanged, this,
+            &CCameraMgrItemForm::slotCameraThumbChanged);
+}
+
+void CCameraMgrItemForm::setThumbWanted(bool wanted)
+{
+    if (m_thumbWanted == wanted)
+        return;
+    m_thumbWanted = wanted;
+    showThumb();
+}
+
+void CCameraMgrItemForm::slotDelete()
+{
+    emit deleteCamera(this);
+}
+
+void CCameraMgrItemForm::slotPlay()
+{
+    emit playCamera(this);
+}
+
+// popup() returns at once: the tile may be gone before a menu that waits has returned.
+void CCameraMgrItemForm::slotMenu()
+{
+    const QPoint below = m_ui->btnMenu->mapToGlobal(QPoint(0, m_ui->btnMenu->height()));
+    m_ui->btnMenu->menu()->popup(below);
+}
+
+void CCameraMgrItemForm::slotModify()
+{
+    emit modifyCamera(this);
+}
+
+void CCameraMgrItemForm::slotMotion()
+{
+    emit motionCamera(this);
+}
+
+void CCameraMgrItemForm::slotReboot()
+{
+    emit rebootCamera(this);
+}
+
+void CCameraMgrItemForm::slotCameraStatusChanged()
+{
+    if (!m_camera)
+        return;
+    showTexts();
+    const bool refused = m_camera->get_state_code() == CAMERA_CODE_REFUSED;
+    m_ui->labelStatusText->setText(refused ? tr("Invalid Password!") : QString());
+    m_ui->labelStatusText->setVisible(refused);
+
+    switch (m_camera->get_state()) {
+    case CAMERA_STATE_CONNECTED:
+        m_ui->labelStatusImage->setStyleSheet(
+            QStringLiteral("border-image:url(:/images/cameraitem/connected.png);"));
+        m_ui->labelStatusImage->setToolTip(tr("Connected"));
+        break;
+    case CAMERA_STATE_DISCONNECTED:
+        m_ui->labelStatusImage->setStyleSheet(
+            QStringLiteral("border-image:url(:/images/cameraitem/disconnected.png);"));
+        m_ui->labelStatusImage->setToolTip(tr("Not connected"));
+        break;
+    default:
+        break;
+    }
+    m_ui->labelStatusImage->setAccessibleName(m_ui->labelStatusImage->toolTip());
+}
+
+// Pictures are cached by path, time in seconds and size: a new picture that is none of the old in
+// all three would not be read.
+void CCameraMgrItemForm::slotCameraThumbChanged()
+{
+    if (m_camera) {
+        const QFileInfo file(m_camera->thumb_path());
+        const ThumbStamp stamp{file.lastModified().toSecsSinceEpoch(), file.size()};
+        if (stamp == m_thumbStamp)
+            QPixmapCache::clear();
+        m_thumbStamp = stamp;
+    }
+    showThumb();
+}
+
+void CCameraMgrItemForm::showTexts()
+{
+    m_ui->labelUid->setText(m_camera->hostname());
+    m_ui->labelCameraName->setText(m_camera->name());
+    setAccessibleName(m_camera->name().isEmpty() ? m_camera->hostname() : m_camera->name());
+}
+
+void CCameraMgrItemForm::showThumb()
+{
+    if (!m_camera || !m_thumbWanted || !m_camera->has_thumb()) {
+        m_ui->frameCameraItem->setStyleSheet(m_defaultPicture);
+        return;
+    }
+    const QString path = m_camera->thumb_path();
+    m_ui->frameCameraItem->setStyleSheet(
+        QStringLiteral("QFrame#frameCameraItem{border-image:url(%1);}")
+            .arg(zelvaro::styleUrl(path)));
+}
+
+void CCameraMgrItemForm::showFocus(bool focused)
+{
+    m_ui->frameCameraItemBk->setStyleSheet(tileFrameStyle(focused ? "hover" : "default"));
+}
+
+void CCameraMgrItemForm::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton) {
+        QWidget::mouseDoubleClickEvent(event);
+        return;
+    }
+    event->accept();
+    emit playCamera(this);
+}
+
+void CCameraMgrItemForm::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        slotPlay();
+        break;
+    case Qt::Key_Delete:
+        slotDelete();
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void CCameraMgrItemForm::contextMenuEvent(QContextMenuEvent *event)
+{
+    event->accept();
+    slotMenu();
+}
+
+void CCameraMgrItemForm::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    showFocus(true);
+}
+
+void CCameraMgrItemForm::focusOutEvent(QFocusEvent *event)
+{
+    QWidget::focusOutEvent(event);
+    showFocus(false);
+}

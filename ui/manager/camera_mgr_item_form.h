@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+#include <utility>
+
+class CCamera;
+
+namespace Ui {
+class CCameraMgrItemForm;
+}
+
+/// One camera on the camera page: its latest picture, name, UID and state, and a menu. A tile is
+/// taken away before its session is destroyed. GUI thread only.
+class CCameraMgrItemForm : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit CCameraMgrItemForm(QWidget *parent = nullptr);
+    ~CCameraMgrItemForm() override;
+
+    /// Shows the session (not owned) and follows its state and its picture.
+    void setCamera(CCamera *camera);
+    CCamera *camera() const { return m_camera; }
+
+    /// Whether the picture is to be held. A tile that cannot be seen lets go of it: a picture in a
+    /// style sheet takes its full size in memory, 8 MB from a 1080p camera.
+    void setThumbWanted(bool wanted);
+
+signals:
+    void deleteCamera(CCameraMgrItemForm *item);
+    void playCamera(CCameraMgrItemForm *item);
+    void modifyCamera(CCameraMgrItemForm *item);
+    void motionCamera(CCameraMgrItemForm *item);
+    void rebootCamera(CCameraMgrItemForm *item);
+
+public slots:
+    void slotDelete();
+    void slotPlay();
+    void slotMenu();
+    void slotModify();
+    void slotMotion();
+    void slotReboot();
+    void slotCameraStatusChanged();
+    void slotCameraThumbChanged();
+
+protected:
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    using ThumbStamp = std::pair<qint64, qint64>; // the file's time in seconds, and its size
+
+    void buildMenu();
+    void showTexts();
+    void showThumb();
+    void showFocus(bool focused);
+
+    std::unique_ptr<Ui::CCameraMgrItemForm> m_ui;
+    CCamera *m_camera = nullptr;
+    QString m_defaultPicture; // style sheet of the picture frame without a thumbnail
+    bool m_thumbWanted = true;
+    ThumbStamp m_thumbStamp{0, -1};
+};
