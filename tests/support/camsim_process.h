@@ -1,0 +1,79 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace zelvaro::test {
+
+/// One simulated camera, as it described itself.
+struct SimulatedCamera
+{
+    std::string name;
+    std::string uid;
+    std::string address;
+    int rtspPort = 0;
+    int httpPort = 0;
+    std::string discovery; ///< "host:port", as ZELVARO_DISCOVERY_TARGETS wants it
+    std::string mainUrl;
+    std::string subUrl;
+    std::string user;
+    std::string password;
+    std::string mac;
+
+    /// "address:rtsp-port": what a user types as the camera's host name.
+    std::string host() const { return address + ":" + std::to_string(rtspPort); }
+    /// The URL with user name and password in it, for other players.
+    std::string urlWithLogin(const std::string &url) const;
+};
+
+/// Runs the simulated cameras as a process of its own and ends it with this object, or when this
+/// process ends for whatever reason. Use from one thread. Throws std::runtime_error when the
+/// cameras do not come up, so that a test fails where it starts.
+class CamsimProcess
+{
+public:
+    /// arguments as camsim --help lists them; the number of cameras is taken from "--count".
+    explicit CamsimProcess(const std::vector<std::string> &arguments = {},
+                           std::chrono::milliseconds deadline = std::chrono::seconds(60));
+    ~CamsimProcess();
+    CamsimProcess(const CamsimProcess &) = delete;
+    CamsimProcess &operator=(const CamsimProcess &) = delete;
+
+    const std::vector<SimulatedCamera> &cameras() const { return m_cameras; }
+    const SimulatedCamera &camera(std::size_t index = 0) const { return m_cameras.at(index); }
+
+    /// Sends one line to the control connection ("0 drop") and gives the answer ("OK").
+    std::string control(const std::string &line);
+    /// The same, for a camera; true when the answer is OK.
+    bool tell(int camera, const std::string &command);
+    /// The camera's status: each key of its JSON with the value as text.
+    std::map<std::string, std::string> status(int camera = 0);
+    long statusNumber(const std::string &key, int camera = 0);
+
+    pid_t pid() const { return m_pid; }
+    /// Ends the process at once, as a power failure would.
+    void kill();
+
+private:
+    void start(const std::vector<std::string> &arguments);
+    std::string readLine(int handle, std::string &pending, std::chrono::milliseconds deadline);
+    void connectControl();
+    void end(int signal);
+
+    std::vector<SimulatedCamera> m_cameras;
+    pid_t m_pid = -1;
+    int m_input = -1;  ///< its standard input: it ends when this closes
+    int m_output = -1; ///< its standard output
+    int m_control = -1;
+    int m_controlPort = 0;
+    std::string m_pendingOutput;
+    std::string m_pendingControl;
+};
+
+/// The keys and values of one line with a flat JSON object; values without quotation marks.
+std::map<std::string, std::string> parseFlatJson(const std::string &line);
+
+} // namespace zelvaro::test

@@ -1,0 +1,326 @@
+#include "app/message_box.h"
+#include "tests/fakes/fake_ndcp.h"
+#include "tests/support/modal_action.h"
+#include "ui/common/busy_dialog.h"
+#include "ui/discovery/address_edit.h"
+#include "ui/discovery/camera_set_up.h"
+#include "ui/discovery/search_camera_list_form.h"
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QTest>
+
+#include <cstring>
+
+using zelvaro::BusyDialog;
+
+class TestCameraSetUp : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void showsTheRecord();
+    void checkBoxesGovernTheirEditsIndependently();
+    void octetAndPortEditsHaveLimits();
+    void queryAsksWithTypedCredentials();
+    void applyWritesAndUpdatesThePage();
+    void maskIsWidenedAndShown();
+    void longNameIsShownAsStored();
+    void portOutOfRangeIsRefused();
+    void validationKeepsInput();
+    void automaticAddressIsTheOneThatAnswered();
+    void errorsByCode_data();
+    void errorsByCode();
+    void unknownErrorIsADeveloperCheck();
+    void unknownEventIsADeveloperCheck();
+    void exitCloses();
+
+private:
+    template <typename T>
+    T *child(const char *name) const
+    {
+        return m_dialog->findChild<T *>(QLatin1String(name));
+    }
+    void click(const char *name) { QTest::mouseClick(child<QPushButton>(name), Qt::LeftButton); }
+    void open(const ndcp_device &record)
+    {
+        m_record = record;
+        m_dialog = std::make_unique<CCameraSetUp>(m_page.get(), &m_record);
+        m_dialog->open();
+    }
+    QString messageOf(const std::function<void()> &act)
+    {
+        QString text;
+        ModalAction<CMessageBox> box([&](CMessageBox *shown) {
+            text = shown->findChild<QLabel *>("labelTitle")->text() + ": " +
+                   shown->findChild<QLabel *>("labelMessage")->text();
+            shown->accept();
+        });
+        act();
+        return text;
+    }
+    static ndcp_device manualDevice();
+
+    std::unique_ptr<CSearchCameraListForm> m_page;
+    std::unique_ptr<CCameraSetUp> m_dialog;
+    ndcp_device m_record{};
+};
+
+ndcp_device TestCameraSetUp::manualDevice()
+{
+    ndcp_device device = fake_ndcp::device("uid-1", "Door", 0xC0A80114, 8080);
+    std::strcpy(device.location, "House");
+    device.manual_ip = 1;
+    device.mask = 0xFFFFFF00;
+    device.gateway = 0xC0A80101;
+    device.manual_dns = 0;
+    device.dns1 = 0x08080808;
+    device.dns2 = 0x08080404;
+    std::strcpy(device.username, "admin");
+    std::strcpy(device.password, "secret");
+    return device;
+}
+
+void TestCameraSetUp::init()
+{
+    fake_ndcp::reset();
+    m_page = std::make_unique<CSearchCameraListForm>();
+    m_page->show();
+}
+
+void TestCameraSetUp::cleanup()
+{
+    m_dialog.reset();
+    m_page.reset();
+    QCOMPARE(fake_ndcp::clients(), 0);
+    QVERIFY(fake_ndcp::breaches().empty());
+}
+
+void TestCameraSetUp::showsTheRecord()
+{
+    open(manualDevice());
+    QCOMPARE(m_dialog->windowTitle(), QStringLiteral("Camera Setup"));
+    QCOMPARE(child<QGroupBox>("groupSettings")->title(), QStringLiteral("Camera Settings"));
+    QCOMPARE(child<QLabel>("labelAddressGateway")->text(), QStringLiteral("Default Getway"));
+    QCOMPARE(child<QLabel>("labelAddressDns2")->text(), QStringLiteral("Sencondary DNS"));
+    QCOMPARE(child<QLineEdit>("editDeviceName")->text(), QStringLiteral("Door"));
+    QCOMPARE(child<QLineEdit>("editLocation")->text(), QStringLiteral("House"));
+    QCOMPARE(child<QLineEdit>("editHttpPort")->text(), QStringLiteral("8080"));
+    QCOMPARE(child<QLineEdit>("editUserName")->text(), QStringLiteral("admin"));
+    QCOMPARE(child<QLineEdit>("editPassword")->text(), QStringLiteral("secret"));
+    QCOMPARE(child<QLineEdit>("editPassword")->echoMode(), QLineEdit::Password);
+    QCOMPARE(child<CAddressEdit>("addressIp")->address(), 0xC0A80114U);
+    QCOMPARE(child<CAddressEdit>("addressMask")->address(), 0xFFFFFF00U);
+    QCOMPARE(child<CAddressEdit>("addressGateway")->address(), 0xC0A80101U);
+    QCOMPARE(child<CAddressEdit>("addressDns1")->address(), 0x08080808U);
+    QCOMPARE(child<CAddressEdit>("addressDns2")->address(), 0x08080404U);
+    QVERIFY(child<QCheckBox>("checkAssignIp")->isChecked());
+    QVERIFY(!child<QCheckBox>("checkAssignDns")->isChecked());
+    QVERIFY(!child<CAddressEdit>("addressIp")->isReadOnly());
+    QVERIFY(child<CAddressEdit>("addressDns1")->isReadOnly());
+}
+
+void TestCameraSetUp::checkBoxesGovernTheirEditsIndependently()
+{
+    open(manualDevice());
+    QTest::mouseClick(child<QCheckBox>("checkAssignIp"), Qt::LeftButton, {}, QPoint(10, 10));
+    for (const char *name : {"addressIp", "addressMask", "addressGateway"})
+        QVERIFY(child<CAddressEdit>(name)->isReadOnly());
+    QVERIFY(child<CAddressEdit>("addressDns1")->isReadOnly());
+    QTest::mouseClick(child<QCheckBox>("checkAssignDns"), Qt::LeftButton, {}, QPoint(10, 10));
+    for (const char *name : {"addressDns1", "addressDns2"})
+        QVERIFY(!child<CAddressEdit>(name)->isReadOnly());
+    QVERIFY(child<CAddressEdit>("addressIp")->isReadOnly());
+}
+
+void TestCameraSetUp::octetAndPortEditsHaveLimits()
+{
+    open(manualDevice());
+    auto *port = child<QLineEdit>("editHttpPort");
+    port->clear();
+    QTest::keyClicks(port, QStringLiteral("65x5-351"));
+    QCOMPARE(port->text(), QStringLiteral("65535"));
+    auto *octet = child<CAddressEdit>("addressIp")->findChild<QLineEdit *>("octet1");
+    octet->clear();
+    QTest::keyClicks(octet, QStringLiteral("2-551"));
+    QCOMPARE(octet->text(), QStringLiteral("255"));
+    QCOMPARE(octet->maxLength(), 3);
+}
+
+void TestCameraSetUp::queryAsksWithTypedCredentials()
+{
+    open(manualDevice());
+    child<QLineEdit>("editUserName")->clear();
+    QTest::keyClicks(child<QLineEdit>("editUserName"), QStringLiteral("root"));
+    child<QLineEdit>("editPassword")->clear();
+    QTest::keyClicks(child<QLineEdit>("editPassword"), QString(70, QLatin1Char('p')));
+    ndcp_device conf = manualDevice();
+    std::strcpy(conf.name, "Renamed");
+    fake_ndcp::setConf(conf);
+    QString waitText;
+    ModalAction<BusyDialog> wait([&](BusyDialog *dialog) {
+        waitText = dialog->labelText();
+        fake_ndcp::finish(NDCP_EVENT_GET_CONF);
+    });
+    click("btnQuery");
+    QVERIFY(wait.done());
+    QCOMPARE(waitText, QStringLiteral("Please wait for get configuration..."));
+    QCOMPARE(fake_ndcp::asked().back().username, "root");
+    QCOMPARE(std::strlen(fake_ndcp::asked().back().password), std::size_t(63));
+    QCOMPARE(child<QLineEdit>("editDeviceName")->text(), QStringLiteral("Renamed"));
+    QCOMPARE(m_record.name, "Renamed");
+    QCOMPARE(m_record.username, "root");
+}
+
+void TestCameraSetUp::applyWritesAndUpdatesThePage()
+{
+    fake_ndcp::setDevices({manualDevice()});
+    fake_ndcp::answerDiscover(0);
+    QTest::mouseClick(m_page->findChild<QPushButton *>("btnSearch"), Qt::LeftButton);
+    auto *table = m_page->findChild<QTableView *>("tableView");
+    auto *record = table->model()->index(0, 0).data(Qt::UserRole + 1).value<ndcp_device *>();
+    QVERIFY(record);
+    m_dialog = std::make_unique<CCameraSetUp>(m_page.get(), record);
+    m_dialog->open();
+    child<QLineEdit>("editDeviceName")->setText(QStringLiteral("Gate"));
+    child<CAddressEdit>("addressIp")->setAddress(0xC0A80163);
+    QString waitText;
+    ModalAction<BusyDialog> wait([&](BusyDialog *dialog) {
+        waitText = dialog->labelText();
+        QCOMPARE(table->model()->index(0, 1).data().toString(), QStringLiteral("Door"));
+        fake_ndcp::finish(NDCP_EVENT_SET_CONF);
+    });
+    click("btnApply");
+    QVERIFY(wait.done());
+    QCOMPARE(waitText, QStringLiteral("Please wait for set configuration..."));
+    QCOMPARE(fake_ndcp::written().back().name, "Gate");
+    QCOMPARE(fake_ndcp::written().back().ip, 0xC0A80163U);
+    QCOMPARE(table->model()->index(0, 1).data().toString(), QStringLiteral("Gate"));
+    QCOMPARE(table->model()->index(0, 3).data().toString(), QStringLiteral("192.168.1.99"));
+}
+
+void TestCameraSetUp::maskIsWidenedAndShown()
+{
+    open(manualDevice());
+    child<CAddressEdit>("addressMask")->setAddress(0xFF00FF00);
+    fake_ndcp::answerSetConf(0);
+    click("btnApply");
+    QCOMPARE(fake_ndcp::written().back().mask, 0xFFFFFF00U);
+    QCOMPARE(child<CAddressEdit>("addressMask")->address(), 0xFFFFFF00U);
+}
+
+void TestCameraSetUp::longNameIsShownAsStored()
+{
+    open(manualDevice());
+    child<QLineEdit>("editDeviceName")->setText(QString(50, QLatin1Char('n')));
+    fake_ndcp::answerSetConf(0);
+    click("btnApply");
+    QCOMPARE(child<QLineEdit>("editDeviceName")->text(), QString(31, QLatin1Char('n')));
+    QCOMPARE(child<QLineEdit>("editLocation")->text(), QStringLiteral("House"));
+    QCOMPARE(fake_ndcp::written().back().location, "House");
+}
+
+void TestCameraSetUp::portOutOfRangeIsRefused()
+{
+    open(manualDevice());
+    child<QLineEdit>("editHttpPort")->setText(QStringLiteral("0"));
+    QCOMPARE(messageOf([this] { click("btnApply"); }),
+             QStringLiteral("Error: Http Port out of range!"));
+    child<QLineEdit>("editHttpPort")->setText(QStringLiteral("65536"));
+    QCOMPARE(messageOf([this] { click("btnApply"); }),
+             QStringLiteral("Error: Http Port out of range!"));
+    child<QLineEdit>("editHttpPort")->setText(QStringLiteral(" 80"));
+    QCOMPARE(messageOf([this] { click("btnApply"); }),
+             QStringLiteral("Error: Http Port input invalid!"));
+    QCOMPARE(fake_ndcp::count("set_conf"), 0);
+}
+
+void TestCameraSetUp::validationKeepsInput()
+{
+    open(manualDevice());
+    child<QLineEdit>("editLocation")->setText(QStringLiteral("Elsewhere"));
+    child<CAddressEdit>("addressMask")->setAddress(0);
+    QCOMPARE(messageOf([this] { click("btnApply"); }),
+             QStringLiteral("Error: invalid IP or Mask!"));
+    QVERIFY(m_dialog->isVisible());
+    QCOMPARE(child<QLineEdit>("editLocation")->text(), QStringLiteral("Elsewhere"));
+    QCOMPARE(child<CAddressEdit>("addressMask")->address(), 0U);
+    QCOMPARE(m_record.location, "House");
+}
+
+void TestCameraSetUp::automaticAddressIsTheOneThatAnswered()
+{
+    ndcp_device device = manualDevice();
+    device.manual_ip = 0;
+    open(device);
+    child<CAddressEdit>("addressIp")->setAddress(0);
+    child<CAddressEdit>("addressMask")->setAddress(0);
+    fake_ndcp::answerSetConf(0);
+    click("btnApply");
+    QCOMPARE(fake_ndcp::written().size(), std::size_t(1));
+    QCOMPARE(child<CAddressEdit>("addressIp")->address(), 0xC0A80114U);
+    QCOMPARE(m_record.ip, 0xC0A80114U);
+}
+
+void TestCameraSetUp::errorsByCode_data()
+{
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("network") << -1 << "Network error. Please wait a while and try again.";
+    QTest::newRow("login") << -2 << "Authenticate failed. Please check your user name or password.";
+    QTest::newRow("get") << -3 << "Get configuration failed. Please wait a while and try again.";
+    QTest::newRow("set") << -4
+                         << "Set configuration failed. Please check your configuration and try "
+                            "again.";
+}
+
+void TestCameraSetUp::errorsByCode()
+{
+    QFETCH(int, code);
+    QFETCH(QString, message);
+    open(manualDevice());
+    const ndcp_device before = m_record;
+    child<QLineEdit>("editDeviceName")->setText(QStringLiteral("Gate"));
+    fake_ndcp::answerSetConf(code);
+    fake_ndcp::answerGetConf(code);
+    QCOMPARE(messageOf([this] { click("btnApply"); }), "Error: " + message);
+    QCOMPARE(messageOf([this] { click("btnQuery"); }), "Error: " + message);
+    QVERIFY(m_dialog->isVisible());
+    QCOMPARE(std::memcmp(&before, &m_record, sizeof before), 0);
+}
+
+void TestCameraSetUp::unknownErrorIsADeveloperCheck()
+{
+    open(manualDevice());
+    fake_ndcp::answerGetConf(-7);
+    QTest::ignoreMessage(QtWarningMsg, "\"nErrorCode == 0\" in CameraSetUp");
+    click("btnQuery");
+    QVERIFY(!qobject_cast<CMessageBox *>(QApplication::activeModalWidget()));
+}
+
+void TestCameraSetUp::unknownEventIsADeveloperCheck()
+{
+    open(manualDevice());
+    QTest::ignoreMessage(QtWarningMsg, "\"nMsg == NDCP_EVENT_GET_CONF || nMsg == "
+                                       "NDCP_EVENT_SET_CONF\" in CameraSetUp");
+    QMetaObject::invokeMethod(m_dialog.get(), "slotNDCPEvent", Qt::DirectConnection, Q_ARG(int, 1),
+                              Q_ARG(int, 0));
+    QVERIFY(m_dialog->isVisible());
+}
+
+void TestCameraSetUp::exitCloses()
+{
+    open(manualDevice());
+    click("btnExit");
+    QVERIFY(!m_dialog->isVisible());
+    QCOMPARE(fake_ndcp::count("get_conf") + fake_ndcp::count("set_conf"), 0);
+}
+
+QTEST_MAIN(TestCameraSetUp)
+#include "tst_camera_set_up.moc"

@@ -1,0 +1,207 @@
+#include "ui/discovery/device_records.h"
+#include "ui/discovery/network_configuration.h"
+
+#include <QTest>
+
+#include <cstring>
+
+using zelvaro::NetworkConfiguration;
+using zelvaro::NetworkConfigurationCheck;
+
+class TestNetworkConfiguration : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void checksInOrder_data();
+    void checksInOrder();
+    void failedCheckLeavesRecord();
+    void nameOf50CharactersPassesAnd51Fails();
+    void longNameDoesNotSpillIntoLocation();
+    void maskIsMadeContiguous_data();
+    void maskIsMadeContiguous();
+    void portOf16BitsIsStored();
+    void overlongTextsAreCutToTheirFields();
+
+private:
+    static NetworkConfiguration good();
+};
+
+NetworkConfiguration TestNetworkConfiguration::good()
+{
+    NetworkConfiguration input;
+    input.deviceName = QStringLiteral("Door");
+    input.location = QStringLiteral("House");
+    input.httpPort = QStringLiteral("80");
+    input.manualIp = true;
+    input.ip = 0xC0A80114;
+    input.mask = 0xFFFFFF00;
+    input.gateway = 0xC0A80101;
+    input.manualDns = true;
+    input.dns1 = 0x08080808;
+    input.dns2 = 0x08080404;
+    input.userName = QStringLiteral("admin");
+    input.password = QStringLiteral("secret");
+    return input;
+}
+
+void TestNetworkConfiguration::checksInOrder_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("location");
+    QTest::addColumn<QString>("port");
+    QTest::addColumn<quint32>("ip");
+    QTest::addColumn<quint32>("mask");
+    QTest::addColumn<bool>("manual");
+    QTest::addColumn<QString>("message");
+
+    const QString tooLong(51, QLatin1Char('a'));
+    const QString bad = QStringLiteral("a\tb");
+    QTest::newRow("all good") << "n"
+                              << "l"
+                              << "80" << 1U << 0xFF000000U << true << QString();
+    QTest::newRow("name before all")
+        << bad << bad << "x" << 0U << 0U << true << "Device Name input invalid!";
+    QTest::newRow("long name") << tooLong << bad << "x" << 0U << 0U << true
+                               << "Device Name is too long!";
+    QTest::newRow("location") << "n" << bad << "x" << 0U << 0U << true << "Location input invalid!";
+    QTest::newRow("long location")
+        << "n" << tooLong << "x" << 0U << 0U << true << "Location is too long!";
+    QTest::newRow("Latin-1 letter") << QStringLiteral("Tür") << "l"
+                                    << "80" << 1U << 1U << true << "Device Name input invalid!";
+    QTest::newRow("port text") << "n"
+                               << "l"
+                               << "x" << 0U << 0U << true << "Http Port input invalid!";
+    QTest::newRow("port sign") << "n"
+                               << "l"
+                               << "-1" << 0U << 0U << true << "Http Port input invalid!";
+    QTest::newRow("port plus") << "n"
+                               << "l"
+                               << "+1" << 0U << 0U << true << "Http Port input invalid!";
+    QTest::newRow("port blank") << "n"
+                                << "l"
+                                << "80 " << 0U << 0U << true << "Http Port input invalid!";
+    QTest::newRow("port 0") << "n"
+                            << "l"
+                            << "0" << 0U << 0U << true << "Http Port out of range!";
+    QTest::newRow("port empty") << "n"
+                                << "l"
+                                << "" << 0U << 0U << true << "Http Port out of range!";
+    QTest::newRow("port 65536") << "n"
+                                << "l"
+                                << "65536" << 0U << 0U << true << "Http Port out of range!";
+    QTest::newRow("port of 40 digits")
+        << "n"
+        << "l" << QString(40, QLatin1Char('9')) << 0U << 0U << true << "Http Port out of range!";
+    QTest::newRow("manual without IP") << "n"
+                                       << "l"
+                                       << "80" << 0U << 1U << true << "invalid IP or Mask!";
+    QTest::newRow("manual without mask") << "n"
+                                         << "l"
+                                         << "80" << 1U << 0U << true << "invalid IP or Mask!";
+    QTest::newRow("automatic takes any") << "n"
+                                         << "l"
+                                         << "80" << 0U << 0U << false << QString();
+}
+
+void TestNetworkConfiguration::checksInOrder()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, location);
+    QFETCH(QString, port);
+    QFETCH(quint32, ip);
+    QFETCH(quint32, mask);
+    QFETCH(bool, manual);
+    QFETCH(QString, message);
+
+    NetworkConfiguration input = good();
+    input.deviceName = name;
+    input.location = location;
+    input.httpPort = port;
+    input.ip = ip;
+    input.mask = mask;
+    input.manualIp = manual;
+    ndcp_device record{};
+    QCOMPARE(NetworkConfigurationCheck::store(input, record).value_or(QString()), message);
+}
+
+void TestNetworkConfiguration::failedCheckLeavesRecord()
+{
+    ndcp_device record{};
+    QVERIFY(!NetworkConfigurationCheck::store(good(), record));
+    const ndcp_device before = record;
+    NetworkConfiguration input = good();
+    input.manualDns = false;
+    input.gateway = 0;
+    input.mask = 0;
+    QVERIFY(NetworkConfigurationCheck::store(input, record).has_value());
+    QCOMPARE(std::memcmp(&before, &record, sizeof record), 0);
+}
+
+void TestNetworkConfiguration::nameOf50CharactersPassesAnd51Fails()
+{
+    NetworkConfiguration input = good();
+    ndcp_device record{};
+    input.deviceName = QString(50, QLatin1Char('n'));
+    input.location = QString(50, QLatin1Char('l'));
+    QVERIFY(!NetworkConfigurationCheck::store(input, record));
+    input.deviceName += QLatin1Char('n');
+    QCOMPARE(*NetworkConfigurationCheck::store(input, record),
+             QStringLiteral("Device Name is too long!"));
+}
+
+void TestNetworkConfiguration::longNameDoesNotSpillIntoLocation()
+{
+    NetworkConfiguration input = good();
+    input.deviceName = QString(50, QLatin1Char('n'));
+    input.location = QStringLiteral("here");
+    ndcp_device record;
+    std::memset(&record, 0x55, sizeof record);
+    QVERIFY(!NetworkConfigurationCheck::store(input, record));
+    QCOMPARE(zelvaro::fieldBytes(record.name), QByteArray(31, 'n'));
+    QCOMPARE(record.name[31], '\0');
+    QCOMPARE(zelvaro::fieldBytes(record.location), QByteArray("here"));
+}
+
+void TestNetworkConfiguration::maskIsMadeContiguous_data()
+{
+    QTest::addColumn<quint32>("mask");
+    QTest::addColumn<quint32>("stored");
+    QTest::newRow("255.0.255.0") << 0xFF00FF00U << 0xFFFFFF00U;
+    QTest::newRow("255.255.255.0") << 0xFFFFFF00U << 0xFFFFFF00U;
+    QTest::newRow("0.0.0.1") << 1U << 0xFFFFFFFFU;
+    QTest::newRow("128.0.0.0") << 0x80000000U << 0x80000000U;
+    QTest::newRow("0") << 0U << 0U;
+    QTest::newRow("0.0.0.2") << 2U << 0xFFFFFFFEU;
+}
+
+void TestNetworkConfiguration::maskIsMadeContiguous()
+{
+    QFETCH(quint32, mask);
+    QFETCH(quint32, stored);
+    QCOMPARE(zelvaro::contiguousMask(mask), stored);
+}
+
+void TestNetworkConfiguration::portOf16BitsIsStored()
+{
+    NetworkConfiguration input = good();
+    input.httpPort = QStringLiteral("65535");
+    ndcp_device record{};
+    QVERIFY(!NetworkConfigurationCheck::store(input, record));
+    QCOMPARE(record.http_port, int16_t(-1));
+    QCOMPARE(zelvaro::httpPort(record), 65535);
+}
+
+void TestNetworkConfiguration::overlongTextsAreCutToTheirFields()
+{
+    NetworkConfiguration input = good();
+    input.userName = QString(200, QLatin1Char('u'));
+    input.password = QString(200, QLatin1Char('p'));
+    ndcp_device record{};
+    QVERIFY(!NetworkConfigurationCheck::store(input, record));
+    QCOMPARE(zelvaro::fieldBytes(record.username), QByteArray(63, 'u'));
+    QCOMPARE(zelvaro::fieldBytes(record.password), QByteArray(63, 'p'));
+}
+
+QTEST_MAIN(TestNetworkConfiguration)
+#include "tst_network_configuration.moc"

@@ -1,0 +1,195 @@
+#include "app/message_box.h"
+#include "tests/fakes/fake_ndcp.h"
+#include "tests/support/modal_action.h"
+#include "ui/discovery/search_camera_form.h"
+
+#include <QLabel>
+#include <QListView>
+#include <QPushButton>
+#include <QTest>
+
+class TestSearchCameraForm : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void searchesOnceAsItOpens();
+    void okReturnsChosenUid();
+    void doubleClickAccepts();
+    void noSelectionTellsTheUser();
+    void cancelReturnsNothing();
+    void deviceListedTwiceStandsTwice();
+    void recordWithoutUidIsPassedOver();
+    void currentRowHasOtherIcon();
+    void refusedSearchLeavesButtonsUsable();
+    void missingClientLeavesButtonsUsable();
+    void closedWhileSearching();
+
+private:
+    static QListView *list(CSearchCameraForm &form)
+    {
+        return form.findChild<QListView *>(QStringLiteral("listCameraList"));
+    }
+    static QPushButton *button(CSearchCameraForm &form, const char *name)
+    {
+        return form.findChild<QPushButton *>(QLatin1String(name));
+    }
+    static void findTwo(CSearchCameraForm &form)
+    {
+        fake_ndcp::setDevices({fake_ndcp::device("uid-1", "Door", 0xC0A80114),
+                               fake_ndcp::device("uid-2", "Yard", 0xC0A80115)});
+        fake_ndcp::finish(NDCP_EVENT_DISCOVERY);
+        QTRY_COMPARE_WITH_TIMEOUT(list(form)->model()->rowCount(), 2, 20000);
+    }
+    static void clickRow(CSearchCameraForm &form, int row)
+    {
+        const QRect cell = list(form)->visualRect(list(form)->model()->index(row, 0));
+        QTest::mouseClick(list(form)->viewport(), Qt::LeftButton, {}, cell.center());
+    }
+};
+
+void TestSearchCameraForm::init()
+{
+    fake_ndcp::reset();
+}
+
+void TestSearchCameraForm::searchesOnceAsItOpens()
+{
+    CSearchCameraForm form;
+    QCOMPARE(fake_ndcp::count("discover"), 1);
+    QVERIFY(!button(form, "btnOk")->isEnabled());
+    QVERIFY(!button(form, "btnCancel")->isEnabled());
+    QTest::ignoreMessage(QtDebugMsg, "CSearchCameraForm::ndcpEvent()\r\n");
+    findTwo(form);
+    QVERIFY(button(form, "btnOk")->isEnabled());
+    QVERIFY(button(form, "btnCancel")->isEnabled());
+    QVERIFY(form.windowFlags().testFlag(Qt::FramelessWindowHint));
+    const QString model = QString::fromUtf8(fake_ndcp::device("uid-1", "Door", 0).model);
+    QCOMPARE(list(form)->model()->index(0, 0).data().toString(), model + "  (uid-1)");
+}
+
+void TestSearchCameraForm::okReturnsChosenUid()
+{
+    CSearchCameraForm form;
+    form.open();
+    findTwo(form);
+    clickRow(form, 1);
+    QTest::mouseClick(button(form, "btnOk"), Qt::LeftButton);
+    QCOMPARE(form.result(), 1);
+    QVERIFY(!form.isVisible());
+    QCOMPARE(form.uid(), QStringLiteral("uid-2"));
+}
+
+void TestSearchCameraForm::doubleClickAccepts()
+{
+    CSearchCameraForm form;
+    form.open();
+    findTwo(form);
+    clickRow(form, 0);
+    const QRect cell = list(form)->visualRect(list(form)->model()->index(0, 0));
+    QTest::mouseDClick(list(form)->viewport(), Qt::LeftButton, {}, cell.center());
+    QVERIFY(!form.isVisible());
+    QCOMPARE(form.uid(), QStringLiteral("uid-1"));
+}
+
+void TestSearchCameraForm::noSelectionTellsTheUser()
+{
+    CSearchCameraForm form;
+    form.open();
+    findTwo(form);
+    QString title, text;
+    ModalAction<CMessageBox> box([&](CMessageBox *shown) {
+        title = shown->findChild<QLabel *>(QStringLiteral("labelTitle"))->text();
+        text = shown->findChild<QLabel *>(QStringLiteral("labelMessage"))->text();
+        QTest::mouseClick(shown->findChild<QPushButton *>(QStringLiteral("btnOk")), Qt::LeftButton);
+    });
+    QTest::mouseClick(button(form, "btnOk"), Qt::LeftButton);
+    QVERIFY(box.done());
+    QCOMPARE(title, QStringLiteral("Error"));
+    QCOMPARE(text, QStringLiteral("Please select a camera."));
+    QVERIFY(form.isVisible());
+    QVERIFY(form.uid().isEmpty());
+}
+
+void TestSearchCameraForm::cancelReturnsNothing()
+{
+    CSearchCameraForm form;
+    form.open();
+    findTwo(form);
+    clickRow(form, 0);
+    QTest::mouseClick(button(form, "btnCancel"), Qt::LeftButton);
+    QVERIFY(!form.isVisible());
+    QCOMPARE(form.result(), 0);
+    QVERIFY(form.uid().isEmpty());
+}
+
+void TestSearchCameraForm::deviceListedTwiceStandsTwice()
+{
+    CSearchCameraForm form;
+    const ndcp_device device = fake_ndcp::device("uid-1", "Door", 0xC0A80114);
+    fake_ndcp::setDevices({device, device});
+    fake_ndcp::finish(NDCP_EVENT_DISCOVERY);
+    QTRY_COMPARE_WITH_TIMEOUT(list(form)->model()->rowCount(), 2, 20000);
+}
+
+void TestSearchCameraForm::recordWithoutUidIsPassedOver()
+{
+    CSearchCameraForm form;
+    fake_ndcp::setDevices(
+        {fake_ndcp::device("", "Nameless", 1), fake_ndcp::device("uid-2", "Yard", 0xC0A80115)});
+    fake_ndcp::finish(NDCP_EVENT_DISCOVERY);
+    QTRY_COMPARE_WITH_TIMEOUT(list(form)->model()->rowCount(), 1, 20000);
+}
+
+void TestSearchCameraForm::currentRowHasOtherIcon()
+{
+    CSearchCameraForm form;
+    form.open();
+    findTwo(form);
+    const auto iconKey = [&](int row) {
+        return list(form)
+            ->model()
+            ->index(row, 0)
+            .data(Qt::DecorationRole)
+            .value<QIcon>()
+            .cacheKey();
+    };
+    const qint64 first = iconKey(0), second = iconKey(1);
+    clickRow(form, 1);
+    const qint64 chosen = iconKey(1);
+    QVERIFY(chosen != second);
+    QVERIFY(iconKey(0) != chosen);
+    clickRow(form, 0);
+    QVERIFY(iconKey(0) != first);
+    QCOMPARE(list(form)->currentIndex().row(), 0);
+}
+
+void TestSearchCameraForm::refusedSearchLeavesButtonsUsable()
+{
+    fake_ndcp::setResult("discover", -1);
+    CSearchCameraForm form;
+    QVERIFY(button(form, "btnCancel")->isEnabled());
+}
+
+void TestSearchCameraForm::missingClientLeavesButtonsUsable()
+{
+    fake_ndcp::failCreate();
+    CSearchCameraForm form;
+    QVERIFY(button(form, "btnCancel")->isEnabled());
+    QCOMPARE(list(form)->model()->rowCount(), 0);
+}
+
+void TestSearchCameraForm::closedWhileSearching()
+{
+    auto form = std::make_unique<CSearchCameraForm>();
+    form->open();
+    QTest::keyClick(form.get(), Qt::Key_Escape);
+    QVERIFY(!form->isVisible());
+    form.reset();
+    QCOMPARE(fake_ndcp::clients(), 0);
+    QVERIFY(fake_ndcp::breaches().empty());
+}
+
+QTEST_MAIN(TestSearchCameraForm)
+#include "tst_search_camera_form.moc"
