@@ -1,0 +1,312 @@
+#include "camsim/camera.h"
+
+#include "camsim/json.h"
+#include "camsim/net.h"
+
+#include <glib.h>
+
+#include <array>
+
+namespace camsim {
+
+namespace {
+
+// Long enough for the answer to the request that caused a move or a reboot.
+constexpr std::chrono::milliseconds kAnswerTime{200};
+
+/// Derives a stable UUID (version 5 layout) and a locally administered hardware address.
+void deriveIdentity(const std::string &seed, int index, Identity &identity)
+{
+    const std::string text = seed + "/" + std::to_string(index);
+    gchar *digest = g_compute_checksum_for_string(G_CHECKSUM_SHA1, text.c_str(), -1);
+    std::string hex(digest);
+    g_free(digest);
+    hex[12] = '5';
+    hex[16] = "89ab"[static_cast<std::size_t>(g_ascii_xdigit_value(hex[16]) & 3)];
+    identity.uid = hex.substr(0, 8) + "-" + hex.substr(8, 4) + "-" + hex.substr(12, 4) + "-" +
+                   hex.substr(16, 4) + "-" + hex.substr(20, 12);
+    identity.serial = hex.substr(32, 8);
+    identity.mac = "02";
+    for (std::size_t i = 0; i < 5; ++i)
+        identity.mac += ":" + hex.substr(i * 2, 2);
+}
+
+int portInRow(int base, int index)
+{
+    return base == 0 ? 0 : base + index;
+}
+
+} // namespace
+
+Camera::Camera(const Shared &shared, const Options &options, int index)
+    : m_options(options)
+    , m_index(index)
+    , m_password(options.password)
+    , m_faults(std::make_shared<RtspFaults>())
+    , m_discovery(*this)
+{
+    const auto position = static_cast<std::size_t>(index);
+    deriveIdentity(options.seed, index, m_identity);
+    if (position < options.uids.size())
+        m_identity.uid = options.uids[position];
+    m_identity.name = position < options.names.size() ? options.names[position]
+                                                      : "Camera " + std::to_string(index + 1);
+    m_identity.location = "Room " + std::to_string(index + 1);
+
+    m_mainVideo = makeVideo(shared, options.main);
+    m_subVideo = makeVideo(shared, options.sub);
+    if (options.audio)
+        m_audio = std::make_unique<AudioSource>(shared.ticker, index);
+    if (options.backChannel)
+        m_backChannel = std::make_shared<BackChannel>();
+    m_rtsp = std::make_unique<RtspServer>(
+        shared.threads, RtspServer::Login{options.user, options.password}, options.transport,
+        StreamSet{m_mainVideo.get(), m_subVideo.get(), m_audio.get(), m_backChannel.get()},
+        options.altPaths ? "/cam/main" : "/live/0/h264.sdp",
+        options.altPaths ? "/cam/sub" : "/live/1/h264.sdp");
+    m_http = std::make_unique<HttpServer>(*this, options.onvifLogin);
+
+    const std::chrono::seconds timeout{options.sessionTimeout};
+    m_rtspFront = std::make_unique<TcpFront>(
+        shared.reactor, m_rtsp->port(), [&reactor = shared.reactor, faults = m_faults, timeout] {
+            return std::make_unique<RtspPolicy>(reactor, faults, timeout);
+        });
+    m_httpFront = std::make_unique<TcpFront>(shared.reactor, m_http->port(),
+                                             [] { return std::make_unique<HttpPolicy>(); });
+}
+
+Camera::~Camera() = default;
+
+std::unique_ptr<VideoSource> Camera::makeVideo(const Shared &shared, const StreamOptions &stream)
+{
+    const VideoSettings settings{stream.width, stream.height, stream.fps, stream.bitrate,
+                                 m_options.keyInterval};
+    if (m_options.canned)
+        return std::make_unique<CannedVideo>(shared.ticker, settings, m_index);
+    return std::make_unique<LiveVideo>(
+        shared.ticker, settings,
+        PictureSettings{m_index, m_identity.name, m_options.timeCode, m_options.warm});
+}
+
+std::string Camera::start()
+{
+    if (!m_rtspFront->open(m_options.bind, portInRow(m_options.rtspPort, m_index)))
+        return "cannot open the RTSP port on " + m_options.bind;
+    if (!m_httpFront->open(m_options.bind, portInRow(m_options.httpPort, m_index)))
+        return "cannot open the HTTP port on " + m_options.bind;
+    if (!m_discovery.open(m_options.bind, portInRow(m_options.discoveryPort, m_index)))
+        return "cannot open the discovery port on " + m_options.bind;
+    if (m_options.multicast && !m_discovery.joinGroup(m_options.interface))
+        return "cannot join the discovery group";
+    m_network.address = m_options.bind;
+    m_network.gateway = "127.0.0.254";
+    m_network.dns = {"127.0.0.53", "127.0.0.54"};
+    m_network.httpPort = m_httpFront->port();
+    m_network.rtspPort = m_rtspFront->port();
+    m_network.hostname = "camera-" + m_identity.serial;
+    m_active = m_network;
+    m_discovery.sayHello();
+    return {};
+}
+
+std::string Camera::describe(int controlPort) const
+{
+    return JsonLine()
+        .add("index", m_index)
+        .add("name", m_identity.name)
+        .add("uid", m_identity.uid)
+        .add("address", m_active.address)
+        .add("rtsp_port", m_active.rtspPort)
+        .add("http_port", m_active.httpPort)
+        .add("discovery", m_options.bind + ":" + std::to_string(m_discovery.port()))
+        .add("main", streamUri(StreamKind::Main))
+        .add("sub", streamUri(StreamKind::Sub))
+        .add("user", m_options.user)
+        .add("password", m_password)
+        .add("mac", m_identity.mac)
+        .add("control_port", controlPort)
+        .text();
+}
+
+std::string Camera::status() const
+{
+    const BackChannel::Report heard =
+        m_backChannel ? m_backChannel->report() : BackChannel::Report{};
+    std::string log;
+    for (const std::string &command : m_http->forms().log())
+        log += (log.empty() ? "" : "\n") + command;
+    return JsonLine()
+        .add("name", m_identity.name)
+        .add("address", m_active.address)
+        .add("rtsp_port", m_active.rtspPort)
+        .add("http_port", m_active.httpPort)
+        .add("connections", m_rtspFront->connections())
+        .add("watching", m_faults->watching.load())
+        .add("rtsp_requests", m_faults->requests.load())
+        .add("key_frame_requests", m_http->onvif().keyFrameRequests())
+        .add("back_channel_packets", heard.packets)
+        .add("back_channel_bytes", heard.bytes)
+        .add("back_channel_level", heard.level)
+        .add("commands", m_http->forms().log().size())
+        .add("command_log", log)
+        .text();
+}
+
+VideoSource &Camera::source(StreamKind stream) const
+{
+    return stream == StreamKind::Main ? *m_mainVideo : *m_subVideo;
+}
+
+VideoSettings Camera::video(StreamKind stream) const
+{
+    return source(stream).settings();
+}
+
+void Camera::requestKeyFrame(StreamKind stream)
+{
+    source(stream).forceKeyFrame();
+}
+
+std::string Camera::streamUri(StreamKind stream) const
+{
+    const bool isMain = stream == StreamKind::Main;
+    const char *path = m_options.altPaths ? (isMain ? "/cam/main" : "/cam/sub")
+                                          : (isMain ? "/live/0/h264.sdp" : "/live/1/h264.sdp");
+    return "rtsp://" + m_active.address + ":" + std::to_string(m_active.rtspPort) + path;
+}
+
+std::string Camera::serviceUri(const std::string &service) const
+{
+    return "http://" + m_active.address + ":" + std::to_string(m_active.httpPort) + "/onvif/" +
+           service;
+}
+
+bool Camera::canTake(const NetworkState &wanted) const
+{
+    const auto isFree = [&wanted](int port) {
+        const int handle = net::bindTcp(wanted.address, port);
+        if (handle >= 0)
+            close(handle);
+        return handle >= 0;
+    };
+    const bool moves = wanted.address != m_active.address;
+    return (!moves && wanted.httpPort == m_active.httpPort ? true : isFree(wanted.httpPort)) &&
+           (!moves && wanted.rtspPort == m_active.rtspPort ? true : isFree(wanted.rtspPort)) &&
+           wanted.httpPort != wanted.rtspPort;
+}
+
+CameraModel::Change Camera::setNetwork(const NetworkState &wanted)
+{
+    if (!canTake(wanted))
+        return Change::Refused;
+    const bool moves = wanted.address != m_active.address || wanted.httpPort != m_active.httpPort ||
+                       wanted.rtspPort != m_active.rtspPort;
+    m_network = wanted;
+    if (!moves) {
+        m_active = wanted;
+        return Change::Applied;
+    }
+    if (m_options.rebootNeeded)
+        return Change::AfterReboot;
+    m_timers.after(kAnswerTime, [this] { applyNetwork(); });
+    return Change::Applied;
+}
+
+bool Camera::applyNetwork()
+{
+    const bool opened = m_rtspFront->open(m_network.address, m_network.rtspPort) &&
+                        m_httpFront->open(m_network.address, m_network.httpPort);
+    if (!opened) {
+        // Back to where it was, as a camera does that cannot bring its interface up.
+        m_network = m_active;
+        m_rtspFront->open(m_active.address, m_active.rtspPort);
+        m_httpFront->open(m_active.address, m_active.httpPort);
+    }
+    const bool moved = m_active.address != m_network.address ||
+                       m_active.httpPort != m_network.httpPort ||
+                       m_active.rtspPort != m_network.rtspPort;
+    m_active = m_network;
+    if (moved)
+        m_discovery.sayHello();
+    return opened;
+}
+
+bool Camera::moveTo(const std::string &address)
+{
+    NetworkState wanted = m_network;
+    wanted.address = address;
+    wanted.dhcp = false;
+    if (!canTake(wanted))
+        return false;
+    m_network = wanted;
+    return applyNetwork();
+}
+
+void Camera::reboot()
+{
+    if (m_isRebooting)
+        return;
+    m_isRebooting = true;
+    m_timers.after(kAnswerTime, [this] { setPower(false); });
+    const auto down = std::chrono::milliseconds(static_cast<int>(m_options.rebootSeconds * 1000));
+    m_timers.after(kAnswerTime + down, [this] {
+        m_isRebooting = false;
+        applyNetwork();
+        setPower(true);
+    });
+}
+
+void Camera::setPassword(const std::string &password)
+{
+    m_password = password;
+    m_rtsp->setPassword(password);
+}
+
+void Camera::setVideo(bool enabled)
+{
+    m_rtsp->setVideo(enabled);
+    drop();
+}
+
+void Camera::setListening(bool listening)
+{
+    for (TcpFront *front : {m_rtspFront.get(), m_httpFront.get()}) {
+        if (listening)
+            front->listen();
+        else
+            front->refuse();
+    }
+}
+
+void Camera::setPower(bool on)
+{
+    if (!on)
+        m_discovery.sayBye();
+    m_discovery.setEnabled(on);
+    setListening(on);
+    if (on) {
+        m_discovery.sayHello();
+    } else {
+        m_rtspFront->drop();
+        m_httpFront->drop();
+    }
+}
+
+void Camera::setKeyInterval(double seconds)
+{
+    for (const StreamKind stream : {StreamKind::Main, StreamKind::Sub}) {
+        VideoSettings settings = video(stream);
+        settings.keyInterval = seconds;
+        source(stream).configure(settings);
+    }
+}
+
+void Camera::resize(StreamKind stream, int width, int height)
+{
+    VideoSettings settings = video(stream);
+    settings.width = width;
+    settings.height = height;
+    source(stream).configure(settings);
+}
+
+} // namespace camsim

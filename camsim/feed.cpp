@@ -1,0 +1,89 @@
+#include "camsim/feed.h"
+
+#include <gst/app/gstappsrc.h>
+
+namespace camsim {
+
+namespace {
+
+struct StartWatch
+{
+    std::shared_ptr<Feed> feed;
+    std::function<void()> onStart;
+};
+
+GstPadProbeReturn onEvent(GstPad *, GstPadProbeInfo *info, gpointer data)
+{
+    if (GST_EVENT_TYPE(GST_PAD_PROBE_INFO_EVENT(info)) == GST_EVENT_STREAM_START) {
+        const auto *watch = static_cast<StartWatch *>(data);
+        watch->feed->started();
+        watch->onStart();
+    }
+    return GST_PAD_PROBE_OK;
+}
+
+} // namespace
+
+Feed::Feed(GstElement *appsrc)
+{
+    g_weak_ref_init(&m_appsrc, appsrc);
+}
+
+Feed::~Feed()
+{
+    g_weak_ref_clear(&m_appsrc);
+}
+
+bool Feed::isDead() const
+{
+    auto *appsrc = static_cast<GstElement *>(g_weak_ref_get(&m_appsrc));
+    if (!appsrc)
+        return true;
+    gst_object_unref(appsrc);
+    return false;
+}
+
+void Feed::push(GstBuffer *buffer)
+{
+    State before = m_state;
+    auto *appsrc = static_cast<GstElement *>(g_weak_ref_get(&m_appsrc));
+    GstFlowReturn taken = GST_FLOW_FLUSHING;
+    if (appsrc) {
+        GstBuffer *copy = gst_buffer_copy(buffer); // shares the memory
+        GST_BUFFER_PTS(copy) = GST_BUFFER_DTS(copy) = GST_CLOCK_TIME_NONE;
+        taken = gst_app_src_push_buffer(GST_APP_SRC(appsrc), copy);
+        gst_object_unref(appsrc);
+    }
+    // A restart in between stays a restart.
+    m_state.compare_exchange_strong(before, taken == GST_FLOW_OK ? State::Running : State::Idle);
+}
+
+FeedList::FeedList(std::function<void()> onStart) : m_onStart(std::move(onStart)) {}
+
+void FeedList::attach(GstElement *appsrc)
+{
+    const auto feed = std::make_shared<Feed>(appsrc);
+    {
+        const std::lock_guard lock(m_mutex);
+        std::erase_if(m_feeds, [](const auto &old) { return old->isDead(); });
+        m_feeds.push_back(feed);
+    }
+    GstPad *pad = gst_element_get_static_pad(appsrc, "src");
+    gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_EVENT_DOWNSTREAM, onEvent,
+                      new StartWatch{feed, m_onStart},
+                      [](gpointer data) { delete static_cast<StartWatch *>(data); });
+    gst_object_unref(pad);
+}
+
+FeedList::Feeds FeedList::active()
+{
+    Feeds result;
+    const std::lock_guard lock(m_mutex);
+    for (const auto &feed : m_feeds) {
+        if (feed->state() != Feed::State::Idle)
+            result.push_back(feed);
+    }
+    return result;
+}
+
+} // namespace camsim

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <gst/gst.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace camsim {
+
+/// One appsrc of a media that clients watch. The media may come, be suspended and go at any time;
+/// a feed only lends the element for the moment of a push. Any thread.
+class Feed
+{
+public:
+    enum class State
+    {
+        Idle,   ///< nobody takes data
+        Fresh,  ///< started, has not got anything yet
+        Running ///< takes data
+    };
+
+    explicit Feed(GstElement *appsrc);
+    ~Feed();
+    Feed(const Feed &) = delete;
+    Feed &operator=(const Feed &) = delete;
+
+    State state() const { return m_state; }
+    void started() { m_state = State::Fresh; }
+    /// Pushes a reference to the data, stamped with the time of the push. The feed becomes idle
+    /// when its media does not take it.
+    void push(GstBuffer *buffer);
+    /// The media is gone for good.
+    bool isDead() const;
+
+    std::size_t position = 0; ///< in a recorded loop; used by the ticker's thread only
+
+private:
+    mutable GWeakRef m_appsrc;
+    std::atomic<State> m_state{State::Idle};
+};
+
+/// All feeds of one stream.
+class FeedList
+{
+public:
+    using Feeds = std::vector<std::shared_ptr<Feed>>;
+
+    /// onStart runs on a streaming thread each time that a media begins to take data; it must stay
+    /// callable for as long as the process has media.
+    explicit FeedList(std::function<void()> onStart);
+
+    void attach(GstElement *appsrc);
+    /// The feeds that take data now.
+    Feeds active();
+
+private:
+    std::function<void()> m_onStart;
+    std::mutex m_mutex; // protects m_feeds
+    Feeds m_feeds;
+};
+
+} // namespace camsim

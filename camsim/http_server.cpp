@@ -1,0 +1,194 @@
+#include "camsim/http_server.h"
+
+#include <array>
+#include <random>
+#include <string_view>
+
+namespace camsim {
+
+namespace {
+
+constexpr const char *kRealm = "camsim";
+constexpr int kMaxSkew = 10; ///< seconds that a UsernameToken may be away from the camera's clock
+
+void respond(SoupServerMessage *message, guint status, const char *type, const std::string &text)
+{
+    soup_server_message_set_status(message, status, nullptr);
+    soup_server_message_set_response(message, type, SOUP_MEMORY_COPY, text.data(), text.size());
+}
+
+std::string htmlEscaped(const std::string &text)
+{
+    gchar *escaped = g_markup_escape_text(text.c_str(), -1);
+    std::string result(escaped);
+    g_free(escaped);
+    return result;
+}
+
+void sendGarbage(SoupServerMessage *message)
+{
+    GIOStream *stream = soup_server_message_steal_connection(message);
+    std::array<char, 300> bytes;
+    std::minstd_rand random(7);
+    for (char &byte : bytes)
+        byte = static_cast<char>(random() >> 8);
+    g_output_stream_write_all(g_io_stream_get_output_stream(stream), bytes.data(), bytes.size(),
+                              nullptr, nullptr, nullptr);
+    g_io_stream_close(stream, nullptr, nullptr);
+    g_object_unref(stream);
+}
+
+} // namespace
+
+HttpServer::HttpServer(CameraModel &camera, OnvifLogin onvifLogin)
+    : m_camera(camera)
+    , m_onvifLogin(onvifLogin)
+    , m_onvif(camera)
+    , m_forms(camera)
+    , m_server(soup_server_new("server-header", "camsim ", nullptr))
+{
+    const auto digestCallback = [](SoupAuthDomain *domain, SoupServerMessage *, const char *user,
+                                   gpointer self) -> char * {
+        const CameraModel &model = static_cast<HttpServer *>(self)->m_camera;
+        if (model.user() != user)
+            return nullptr;
+        return soup_auth_domain_digest_encode_password(user, soup_auth_domain_get_realm(domain),
+                                                       model.password().c_str());
+    };
+    const auto basicCallback = [](SoupAuthDomain *, SoupServerMessage *, const char *user,
+                                  const char *password, gpointer self) -> gboolean {
+        const CameraModel &model = static_cast<HttpServer *>(self)->m_camera;
+        return model.user() == user && model.password() == password;
+    };
+    m_digest = soup_auth_domain_digest_new("realm", kRealm, nullptr);
+    soup_auth_domain_digest_set_auth_callback(m_digest, digestCallback, this, nullptr);
+    m_basic = soup_auth_domain_basic_new("realm", kRealm, nullptr);
+    soup_auth_domain_basic_set_auth_callback(m_basic, basicCallback, this, nullptr);
+
+    const auto handler = [](SoupServer *, SoupServerMessage *message, const char *path,
+                            GHashTable *, gpointer data) {
+        auto *self = static_cast<HttpServer *>(data);
+        if (g_str_has_prefix(path, "/onvif/"))
+            self->onOnvif(message);
+        else if (g_str_has_prefix(path, "/form/"))
+            self->onForm(message, path);
+        else
+            self->onPage(message);
+    };
+    soup_server_add_handler(m_server, nullptr, handler, this, nullptr);
+
+    GSocketAddress *address = g_inet_socket_address_new_from_string("127.0.0.1", 0);
+    GError *error = nullptr;
+    if (soup_server_listen(m_server, address, static_cast<SoupServerListenOptions>(0), &error)) {
+        GSList *uris = soup_server_get_uris(m_server);
+        m_port = g_uri_get_port(static_cast<GUri *>(uris->data));
+        g_slist_free_full(uris, reinterpret_cast<GDestroyNotify>(g_uri_unref));
+    } else {
+        g_warning("no HTTP server: %s", error->message);
+        g_clear_error(&error);
+    }
+    g_object_unref(address);
+}
+
+HttpServer::~HttpServer()
+{
+    soup_server_disconnect(m_server);
+    g_object_unref(m_server);
+    g_object_unref(m_digest);
+    g_object_unref(m_basic);
+}
+
+bool HttpServer::isProven(SoupServerMessage *message, SoupAuthDomain *domain) const
+{
+    char *user = soup_auth_domain_accepts(domain, message);
+    const bool proven = user != nullptr;
+    g_free(user);
+    return proven;
+}
+
+void HttpServer::challenge(SoupServerMessage *message)
+{
+    if (m_onvifLogin == OnvifLogin::TokenOnly)
+        return;
+    soup_auth_domain_challenge(m_digest, message);
+    soup_auth_domain_challenge(m_basic, message);
+}
+
+bool HttpServer::mayAsk(SoupServerMessage *message, const soap::Request &request) const
+{
+    if (OnvifServer::isPublic(request.name()))
+        return true;
+    if (m_onvifLogin != OnvifLogin::TokenOnly &&
+        (isProven(message, m_digest) || isProven(message, m_basic)))
+        return true;
+    const std::optional<soap::UsernameToken> token = request.token();
+    return m_onvifLogin != OnvifLogin::HttpOnly && token && token->user == m_camera.user() &&
+           token->proves(m_camera.password(), m_camera.clock(), kMaxSkew);
+}
+
+void HttpServer::onOnvif(SoupServerMessage *message)
+{
+    constexpr const char *kType = "application/soap+xml; charset=utf-8";
+    const SoupMessageBody *body = soup_server_message_get_request_body(message);
+    soap::Request request;
+    if (!request.parse(std::string_view(body->data, static_cast<std::size_t>(body->length)))) {
+        respond(message, 400, kType,
+                soap::fault("Sender", "ter:WellFormed", nullptr, "This is no SOAP request"));
+        return;
+    }
+    if (!mayAsk(message, request)) {
+        respond(message, m_onvifLogin == OnvifLogin::TokenOnly ? 400 : 401, kType,
+                soap::fault("Sender", "ter:NotAuthorized", nullptr, "Sender not authorized"));
+        challenge(message);
+        return;
+    }
+    const OnvifServer::Answer answer = m_onvif.answer(request);
+    respond(message, static_cast<guint>(answer.status), kType, answer.text);
+}
+
+void HttpServer::onForm(SoupServerMessage *message, const char *path)
+{
+    if (m_forms.fault() == CommandForms::Fault::Silent) {
+        soup_server_message_pause(message);
+        return;
+    }
+    if (m_forms.fault() == CommandForms::Fault::Garbage) {
+        sendGarbage(message);
+        return;
+    }
+    if (!isProven(message, m_basic)) {
+        respond(message, 401, "text/plain", "401 Unauthorized\n");
+        soup_auth_domain_challenge(m_basic, message);
+        return;
+    }
+    const char *query = g_uri_get_query(soup_server_message_get_uri(message));
+    const std::string command = path + std::string_view("/form/").size();
+    respond(message, 200, "text/plain", m_forms.answer(command, query ? query : ""));
+}
+
+void HttpServer::onPage(SoupServerMessage *message)
+{
+    const std::string name = htmlEscaped(m_camera.identity().name);
+    respond(message, 200, "text/html; charset=utf-8",
+            "<!doctype html><title>" + name + "</title><h1>" + name + "</h1><p>Simulated camera " +
+                m_camera.identity().uid + "</p>\n");
+}
+
+HttpPolicy::HttpPolicy()
+    : m_requests([this](MessageSplitter::Kind kind, std::string request) {
+        const std::size_t line = request.find("\r\n");
+        if (kind == MessageSplitter::Kind::Message && line != std::string::npos &&
+            headerValue(request, "Host").empty())
+            request.insert(line, "\r\nHost: camera");
+        m_link->toServer(request);
+    })
+{
+}
+
+void HttpPolicy::fromClient(std::string_view bytes, Link &link)
+{
+    m_link = &link;
+    m_requests.feed(bytes);
+}
+
+} // namespace camsim

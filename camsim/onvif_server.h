@@ -1,0 +1,80 @@
+#pragma once
+
+#include "camsim/camera_model.h"
+#include "camsim/soap.h"
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace camsim {
+
+/// The ONVIF device and media services of one camera (ONVIF Core and Media specifications,
+/// version 1 services): SOAP text in, SOAP text out. Main thread.
+class OnvifServer
+{
+public:
+    struct Answer
+    {
+        int status = 200; ///< HTTP
+        std::string text;
+    };
+
+    explicit OnvifServer(CameraModel &camera);
+
+    /// Whether the operation needs no login (ONVIF Core, access class PRE_AUTH).
+    static bool isPublic(const std::string &operation);
+    Answer answer(const soap::Request &request);
+    int keyFrameRequests() const { return m_keyFrameRequests; }
+
+private:
+    using Operation = void (OnvifServer::*)(pugi::xml_node in, pugi::xml_node out);
+    struct Entry
+    {
+        const char *response; ///< qualified name of the answer's element
+        Operation run;
+    };
+    static const std::map<std::string, Entry> &operations();
+
+    // Device service
+    void getSystemDateAndTime(pugi::xml_node in, pugi::xml_node out);
+    void getDeviceInformation(pugi::xml_node in, pugi::xml_node out);
+    void getCapabilities(pugi::xml_node in, pugi::xml_node out);
+    void getServices(pugi::xml_node in, pugi::xml_node out);
+    void getScopes(pugi::xml_node in, pugi::xml_node out);
+    void setScopes(pugi::xml_node in, pugi::xml_node out);
+    void systemReboot(pugi::xml_node in, pugi::xml_node out);
+    // Device service, network
+    void getHostname(pugi::xml_node in, pugi::xml_node out);
+    void setHostname(pugi::xml_node in, pugi::xml_node out);
+    void getNetworkInterfaces(pugi::xml_node in, pugi::xml_node out);
+    void setNetworkInterfaces(pugi::xml_node in, pugi::xml_node out);
+    void getDefaultGateway(pugi::xml_node in, pugi::xml_node out);
+    void setDefaultGateway(pugi::xml_node in, pugi::xml_node out);
+    void getDns(pugi::xml_node in, pugi::xml_node out);
+    void setDns(pugi::xml_node in, pugi::xml_node out);
+    void getNetworkProtocols(pugi::xml_node in, pugi::xml_node out);
+    void setNetworkProtocols(pugi::xml_node in, pugi::xml_node out);
+    // Media service
+    void getProfiles(pugi::xml_node in, pugi::xml_node out);
+    void getProfile(pugi::xml_node in, pugi::xml_node out);
+    void getStreamUri(pugi::xml_node in, pugi::xml_node out);
+    void setSynchronizationPoint(pugi::xml_node in, pugi::xml_node out);
+    void fillProfile(pugi::xml_node profile, StreamKind stream) const;
+    StreamKind streamOf(pugi::xml_node in) const; ///< throws when there is no such profile
+
+    CameraModel::Change change(const NetworkState &wanted);
+
+    CameraModel &m_camera;
+    int m_keyFrameRequests = 0;
+};
+
+/// The scopes of a camera: what discovery and GetScopes tell (ONVIF Core 7.3.2.2).
+struct Scope
+{
+    std::string uri;
+    bool isFixed = true; ///< the client cannot change it
+};
+std::vector<Scope> scopesOf(const Identity &identity);
+
+} // namespace camsim

@@ -1,0 +1,166 @@
+#include "camsim/rtsp_server.h"
+
+#include <gst/rtsp-server/rtsp-onvif-media-factory.h>
+#include <gst/rtsp-server/rtsp-onvif-media.h>
+#include <gst/rtsp-server/rtsp-onvif-server.h>
+
+namespace camsim {
+
+namespace {
+
+constexpr const char *kRole = "viewer";
+
+// A media that is prepared and not watched lets old data go instead of piling it up.
+constexpr const char *kVideoLine =
+    "appsrc name=video is-live=true format=time do-timestamp=true max-buffers=60 max-bytes=0 "
+    "leaky-type=downstream caps=video/x-h264,stream-format=byte-stream,alignment=au "
+    "! rtph264pay name=pay0 pt=96 config-interval=-1 ";
+constexpr const char *kAudioLine =
+    "appsrc name=audio is-live=true format=time do-timestamp=true max-buffers=25 max-bytes=0 "
+    "leaky-type=downstream caps=audio/x-mulaw,rate=8000,channels=1 "
+    "! rtppcmupay pt=0 name=";
+constexpr const char *kBackChannelLine =
+    "( capsfilter caps=\"application/x-rtp,media=audio,payload=0,clock-rate=8000,"
+    "encoding-name=PCMU\" name=depay_backchannel ! rtppcmudepay "
+    "! appsink name=heard sync=false async=false )";
+
+GstRTSPLowerTrans lowerTransport(Transport transport)
+{
+    switch (transport) {
+    case Transport::Tcp:
+        return GST_RTSP_LOWER_TRANS_TCP;
+    case Transport::Udp:
+        return GST_RTSP_LOWER_TRANS_UDP;
+    case Transport::Both:
+        break;
+    }
+    return static_cast<GstRTSPLowerTrans>(GST_RTSP_LOWER_TRANS_TCP | GST_RTSP_LOWER_TRANS_UDP);
+}
+
+/// Gives the element of that name to use, when the media has it.
+template <typename Use>
+void withElement(GstElement *bin, const char *name, Use use)
+{
+    GstElement *element = gst_bin_get_by_name_recurse_up(GST_BIN(bin), name);
+    if (!element)
+        return;
+    use(element);
+    gst_object_unref(element);
+}
+
+} // namespace
+
+RtspServer::RtspServer(GstRTSPThreadPool *threads, const Login &login, Transport transport,
+                       const StreamSet &streams, const std::string &mainPath,
+                       const std::string &subPath)
+    : m_server(gst_rtsp_onvif_server_new())
+    , m_auth(gst_rtsp_auth_new())
+    , m_login(login)
+    , m_streams(streams)
+{
+    gst_rtsp_server_set_address(m_server, "127.0.0.1");
+    gst_rtsp_server_set_service(m_server, "0");
+    gst_rtsp_server_set_thread_pool(m_server, threads);
+    gst_rtsp_auth_set_supported_methods(
+        m_auth, static_cast<GstRTSPAuthMethod>(GST_RTSP_AUTH_BASIC | GST_RTSP_AUTH_DIGEST));
+    allow(login.password);
+    gst_rtsp_server_set_auth(m_server, m_auth);
+
+    m_main.video = streams.mainVideo;
+    m_sub.video = streams.subVideo;
+    mount(m_main, mainPath, transport);
+    mount(m_sub, subPath, transport);
+    m_source = gst_rtsp_server_attach(m_server, nullptr);
+    m_port = gst_rtsp_server_get_bound_port(m_server);
+}
+
+RtspServer::~RtspServer()
+{
+    if (m_source != 0)
+        g_source_remove(m_source);
+    const auto removeAll = [](GstRTSPServer *, GstRTSPClient *, gpointer) {
+        return GST_RTSP_FILTER_REMOVE;
+    };
+    gst_rtsp_server_client_filter(m_server, removeAll, nullptr);
+    for (Stream *stream : {&m_main, &m_sub}) {
+        g_signal_handlers_disconnect_by_data(stream->factory, stream);
+        g_object_unref(stream->factory);
+    }
+    g_object_unref(m_auth);
+    g_object_unref(m_server);
+}
+
+void RtspServer::allow(const std::string &password)
+{
+    GstRTSPToken *token =
+        gst_rtsp_token_new(GST_RTSP_TOKEN_MEDIA_FACTORY_ROLE, G_TYPE_STRING, kRole, nullptr);
+    gchar *basic = gst_rtsp_auth_make_basic(m_login.user.c_str(), m_login.password.c_str());
+    gst_rtsp_auth_remove_basic(m_auth, basic);
+    g_free(basic);
+    gst_rtsp_auth_remove_digest(m_auth, m_login.user.c_str());
+
+    m_login.password = password;
+    basic = gst_rtsp_auth_make_basic(m_login.user.c_str(), password.c_str());
+    gst_rtsp_auth_add_basic(m_auth, basic, token);
+    g_free(basic);
+    gst_rtsp_auth_add_digest(m_auth, m_login.user.c_str(), password.c_str(), token);
+    gst_rtsp_token_unref(token);
+}
+
+void RtspServer::setPassword(const std::string &password)
+{
+    allow(password);
+}
+
+std::string RtspServer::launchLine(bool video) const
+{
+    std::string line = "( ";
+    if (video)
+        line += kVideoLine;
+    if (m_streams.audio)
+        line += std::string(kAudioLine) + (video ? "pay1 " : "pay0 ");
+    return line + ")";
+}
+
+void RtspServer::mount(Stream &stream, const std::string &path, Transport transport)
+{
+    GstRTSPMediaFactory *factory = gst_rtsp_onvif_media_factory_new();
+    stream.factory = GST_RTSP_MEDIA_FACTORY(g_object_ref(factory));
+    stream.server = this;
+    gst_rtsp_media_factory_set_launch(factory, launchLine(true).c_str());
+    if (m_streams.backChannel) {
+        gst_rtsp_onvif_media_factory_set_backchannel_launch(GST_RTSP_ONVIF_MEDIA_FACTORY(factory),
+                                                            kBackChannelLine);
+    }
+    gst_rtsp_media_factory_set_media_gtype(factory, GST_TYPE_RTSP_ONVIF_MEDIA);
+    gst_rtsp_media_factory_set_shared(factory, TRUE);
+    // A media that was only described is put to sleep, so that it starts with a fresh frame.
+    gst_rtsp_media_factory_set_suspend_mode(factory, GST_RTSP_SUSPEND_MODE_RESET);
+    gst_rtsp_media_factory_set_protocols(factory, lowerTransport(transport));
+    gst_rtsp_media_factory_add_role(factory, kRole, GST_RTSP_PERM_MEDIA_FACTORY_ACCESS,
+                                    G_TYPE_BOOLEAN, TRUE, GST_RTSP_PERM_MEDIA_FACTORY_CONSTRUCT,
+                                    G_TYPE_BOOLEAN, TRUE, nullptr);
+    g_signal_connect(factory, "media-configure", G_CALLBACK(configureMedia), &stream);
+    GstRTSPMountPoints *mounts = gst_rtsp_server_get_mount_points(m_server);
+    gst_rtsp_mount_points_add_factory(mounts, path.c_str(), factory);
+    g_object_unref(mounts);
+}
+
+void RtspServer::setVideo(bool enabled)
+{
+    for (Stream *stream : {&m_main, &m_sub})
+        gst_rtsp_media_factory_set_launch(stream->factory, launchLine(enabled).c_str());
+}
+
+void RtspServer::configureMedia(GstRTSPMediaFactory *, GstRTSPMedia *media, gpointer data)
+{
+    auto *stream = static_cast<Stream *>(data);
+    const StreamSet &streams = stream->server->m_streams;
+    GstElement *bin = gst_rtsp_media_get_element(media);
+    withElement(bin, "video", [&](GstElement *appsrc) { stream->video->attach(appsrc); });
+    withElement(bin, "audio", [&](GstElement *appsrc) { streams.audio->attach(appsrc); });
+    withElement(bin, "heard", [&](GstElement *appsink) { streams.backChannel->attach(appsink); });
+    gst_object_unref(bin);
+}
+
+} // namespace camsim

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "camsim/audio_source.h"
+#include "camsim/back_channel.h"
+#include "camsim/options.h"
+#include "camsim/video_source.h"
+
+#include <gst/rtsp-server/rtsp-server.h>
+
+#include <string>
+
+namespace camsim {
+
+/// The two streams of a camera, for the server.
+struct StreamSet
+{
+    VideoSource *mainVideo = nullptr;
+    VideoSource *subVideo = nullptr;
+    AudioSource *audio = nullptr;       ///< null: a camera without a microphone
+    BackChannel *backChannel = nullptr; ///< null: a camera without a loudspeaker
+};
+
+/// The RTSP server of one camera, on a port of its own on loopback. Runs on the default main
+/// context; its media run on threads of the framework.
+class RtspServer
+{
+public:
+    struct Login
+    {
+        std::string user;
+        std::string password;
+    };
+
+    /// The pool of client threads is shared by all cameras. The streams must outlive the server.
+    RtspServer(GstRTSPThreadPool *threads, const Login &login, Transport transport,
+               const StreamSet &streams, const std::string &mainPath, const std::string &subPath);
+    ~RtspServer();
+    RtspServer(const RtspServer &) = delete;
+    RtspServer &operator=(const RtspServer &) = delete;
+
+    int port() const { return m_port; }
+    /// New requests need the new password; streams that play go on.
+    void setPassword(const std::string &password);
+    /// Streams that start from now on have no video.
+    void setVideo(bool enabled);
+
+private:
+    struct Stream
+    {
+        GstRTSPMediaFactory *factory = nullptr;
+        VideoSource *video = nullptr;
+        RtspServer *server = nullptr;
+    };
+
+    void allow(const std::string &password);
+    void mount(Stream &stream, const std::string &path, Transport transport);
+    std::string launchLine(bool video) const;
+    static void configureMedia(GstRTSPMediaFactory *factory, GstRTSPMedia *media, gpointer stream);
+
+    GstRTSPServer *m_server;
+    GstRTSPAuth *m_auth;
+    Login m_login;
+    const StreamSet m_streams;
+    Stream m_main;
+    Stream m_sub;
+    guint m_source = 0;
+    int m_port = 0;
+};
+
+} // namespace camsim
