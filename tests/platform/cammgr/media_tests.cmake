@@ -1,0 +1,4 @@
+# Tests of the stream engine. Those that draw need an X display and say so when there is none.
+set(media_test_libraries cammgr_media PkgConfig::GSTRTSPSERVER)
+zelvaro_gtest(tst_live_stream LABEL engine SOURCES tst_live_stream.cpp
+  LINK ${media_test_libraries} TIMEOUT 300)

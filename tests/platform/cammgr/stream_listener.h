@@ -1,0 +1,87 @@
+#pragma once
+
+#include "platform/cammgr/live_stream.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <vector>
+
+using namespace std::chrono_literals;
+
+/// Remembers what a live stream told, and waits for it with a deadline.
+class StreamListener
+{
+public:
+    cammgr::LiveStream::Listener callbacks()
+    {
+        return {[this] { note([this] { ++m_firstFrames; }); },
+                [this](cammgr::StreamEnd end) { note([&] { m_ends.push_back(end); }); },
+                [this] { note([this] { ++m_keyFrameWishes; }); }};
+    }
+
+    bool waitForFirstFrame(int count = 1)
+    {
+        return wait([&] { return m_firstFrames >= count; });
+    }
+    bool waitForEnd()
+    {
+        return wait([&] { return !m_ends.empty(); });
+    }
+    bool waitForKeyFrameWish()
+    {
+        return wait([&] { return m_keyFrameWishes > 0; });
+    }
+
+    int firstFrames() const
+    {
+        std::lock_guard lock(m_lock);
+        return m_firstFrames;
+    }
+    int keyFrameWishes() const
+    {
+        std::lock_guard lock(m_lock);
+        return m_keyFrameWishes;
+    }
+    std::vector<cammgr::StreamEnd> ends() const
+    {
+        std::lock_guard lock(m_lock);
+        return m_ends;
+    }
+
+private:
+    void note(const std::function<void()> &change)
+    {
+        std::lock_guard lock(m_lock);
+        change();
+        m_changed.notify_all();
+    }
+    bool wait(const std::function<bool()> &condition)
+    {
+        std::unique_lock lock(m_lock);
+        return m_changed.wait_for(lock, 30s, condition);
+    }
+
+    mutable std::mutex m_lock;
+    std::condition_variable m_changed;
+    int m_firstFrames = 0;
+    int m_keyFrameWishes = 0;
+    std::vector<cammgr::StreamEnd> m_ends;
+};
+
+/// Waits until a condition holds that nobody signals; false when it does not within the deadline.
+inline bool waitUntil(const std::function<bool()> &condition,
+                      std::chrono::milliseconds deadline = 30s)
+{
+    std::mutex lock;
+    std::condition_variable never;
+    std::unique_lock held(lock);
+    const auto end = std::chrono::steady_clock::now() + deadline;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() >= end)
+            return condition();
+        never.wait_for(held, 10ms, [] { return false; });
+    }
+    return true;
+}
