@@ -106,6 +106,12 @@ bool HttpServer::isProven(SoupServerMessage *message, SoupAuthDomain *domain) co
     return proven;
 }
 
+bool HttpServer::isProven(SoupServerMessage *message) const
+{
+    return m_onvifLogin != OnvifLogin::TokenOnly &&
+           (isProven(message, m_digest) || isProven(message, m_basic));
+}
+
 void HttpServer::challenge(SoupServerMessage *message)
 {
     if (m_onvifLogin == OnvifLogin::TokenOnly)
@@ -118,8 +124,7 @@ bool HttpServer::mayAsk(SoupServerMessage *message, const soap::Request &request
 {
     if (OnvifServer::isPublic(request.name()))
         return true;
-    if (m_onvifLogin != OnvifLogin::TokenOnly &&
-        (isProven(message, m_digest) || isProven(message, m_basic)))
+    if (isProven(message))
         return true;
     const std::optional<soap::UsernameToken> token = request.token();
     return m_onvifLogin != OnvifLogin::HttpOnly && token && token->user == m_camera.user() &&
@@ -131,15 +136,18 @@ void HttpServer::onOnvif(SoupServerMessage *message)
     constexpr const char *kType = "application/soap+xml; charset=utf-8";
     const SoupMessageBody *body = soup_server_message_get_request_body(message);
     soap::Request request;
-    if (!request.parse(std::string_view(body->data, static_cast<std::size_t>(body->length)))) {
-        respond(message, 400, kType,
-                soap::fault("Sender", "ter:WellFormed", nullptr, "This is no SOAP request"));
-        return;
-    }
-    if (!mayAsk(message, request)) {
+    const bool parsed =
+        request.parse(std::string_view(body->data, static_cast<std::size_t>(body->length)));
+    // A client may send an empty request first to be told how to log in.
+    if (!(parsed ? mayAsk(message, request) : isProven(message))) {
         respond(message, m_onvifLogin == OnvifLogin::TokenOnly ? 400 : 401, kType,
                 soap::fault("Sender", "ter:NotAuthorized", nullptr, "Sender not authorized"));
         challenge(message);
+        return;
+    }
+    if (!parsed) {
+        respond(message, 400, kType,
+                soap::fault("Sender", "ter:WellFormed", nullptr, "This is no SOAP request"));
         return;
     }
     const OnvifServer::Answer answer = m_onvif.answer(request);

@@ -30,6 +30,7 @@ public:
 
 private:
     bool isProven(SoupServerMessage *message, SoupAuthDomain *domain) const;
+    bool isProven(SoupServerMessage *message) const;
     void challenge(SoupServerMessage *message);
     void onOnvif(SoupServerMessage *message);
     bool mayAsk(SoupServerMessage *message, const soap::Request &request) const;

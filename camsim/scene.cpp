@@ -140,7 +140,7 @@ void paintLandscape(cairo_t *cr, const Landscape &land, int width, int height)
     cairo_rectangle(cr, 0, 0.78, 1, 0.22);
     cairo_fill(cr);
     setColour(cr, {0, 0, 0}, 0.18);
-    cairo_rectangle(cr, 0, 0.86, 1, 0.07);
+    cairo_rectangle(cr, 0, 0.83, 1, 0.07);
     cairo_fill(cr);
 }
 
@@ -265,7 +265,7 @@ void Scene::paintMovers(int index)
     if (flies)
         m_movers.push_back({vehicle, 0.05, .42, .06, .4});
     else
-        m_movers.push_back({vehicle, 0.11, .84, land.kind == Vehicle::Boat ? .012 : 0, .4});
+        m_movers.push_back({vehicle, 0.11, .80, land.kind == Vehicle::Boat ? .012 : 0, .4});
 }
 
 void Scene::paintCaption(std::time_t clock)
