@@ -1,0 +1,127 @@
+#include "ui/live/multi_live_form.h"
+
+#include "app/message_box.h"
+#include "camera/camera.h"
+#include "settings/camera_record.h"
+#include "ui/common/page_host.h"
+#include "ui/live/live_view.h"
+#include "ui/live/multi_live_item_form.h"
+#include "ui/live/select_camera_form.h"
+#include "ui/live/select_camera_recording_form.h"
+#include "ui/live/snapshot_sound.h"
+#include "ui_multi_live_form.h"
+
+CMultiLiveForm::CMultiLiveForm(QWidget *parent, zelvaro::Clock clock)
+    : QWidget(parent)
+    , m_ui(std::make_unique<Ui::CMultiLiveForm>())
+{
+    m_ui->setupUi(this);
+    m_ui->frameMultiLive->setClock(std::move(clock));
+    m_ui->sliderVolume->setRange(0, zelvaro::MaxVolume);
+    m_ui->sliderVolume->setValue(zelvaro::NaturalVolume);
+
+    connect(m_ui->btnSelect, &QToolButton::clicked, this, &CMultiLiveForm::slotSelect);
+    connect(m_ui->btnSnapshot, &QToolButton::clicked, this, &CMultiLiveForm::slotSnapshot);
+    connect(m_ui->btnRecord, &QToolButton::clicked, this, &CMultiLiveForm::slotRecord);
+    connect(m_ui->sliderVolume, &CVolumeSliderForm::valueChanged, this,
+            &CMultiLiveForm::slotVolumeChanged);
+    connect(m_ui->sliderVolume, &CVolumeSliderForm::muteChanged, this,
+            &CMultiLiveForm::slotMuteChanged);
+}
+
+CMultiLiveForm::~CMultiLiveForm() = default;
+
+void CMultiLiveForm::StartPlay()
+{
+    m_ui->frameMultiLive->load();
+    applySound();
+}
+
+void CMultiLiveForm::StopPlay()
+{
+    m_ui->frameMultiLive->clear();
+    m_recordingAll = false;
+    showRecordButton();
+}
+
+bool CMultiLiveForm::MayLeave()
+{
+    if (!m_recordingAll)
+        return true;
+    CMessageBox question(CMessageBox::Warning, tr("Warning"),
+                         tr("By changing view your recording will be stop."),
+                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent());
+    if (question.exec() != QDialog::Accepted)
+        return false;
+    setRecordingAll(false);
+    return true;
+}
+
+void CMultiLiveForm::slotSelect()
+{
+    if (!MayLeave())
+        return;
+    CSelectCameraForm dialog(dialogParent());
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    dialog.Apply();
+    m_ui->frameMultiLive->clear();
+    m_ui->frameMultiLive->load();
+    applySound();
+}
+
+void CMultiLiveForm::slotSnapshot()
+{
+    zelvaro::playSnapshotSound();
+    for (CMultiLiveItemForm *tile : m_ui->frameMultiLive->tiles())
+        tile->takePhoto();
+}
+
+void CMultiLiveForm::slotRecord()
+{
+    if (!m_recordingAll) {
+        CSelectCameraRecordingForm dialog(m_ui->frameMultiLive);
+        if (dialog.exec() != QDialog::Accepted)
+            return;
+        dialog.Apply();
+    }
+    setRecordingAll(!m_recordingAll);
+}
+
+void CMultiLiveForm::slotMuteChanged(bool)
+{
+    applySound();
+}
+
+void CMultiLiveForm::slotVolumeChanged(int)
+{
+    applySound();
+}
+
+void CMultiLiveForm::setRecordingAll(bool recording)
+{
+    m_recordingAll = recording;
+    showRecordButton();
+    for (CMultiLiveItemForm *tile : m_ui->frameMultiLive->tiles()) {
+        const CCamera *camera = tile->camera();
+        if (camera && camera->get_info() && camera->get_info()->recordSelected)
+            tile->setRecording(m_recordingAll);
+    }
+}
+
+void CMultiLiveForm::showRecordButton()
+{
+    m_ui->btnRecord->setIcon(QIcon(zelvaro::recordImage(m_recordingAll)));
+}
+
+void CMultiLiveForm::applySound()
+{
+    m_ui->frameMultiLive->setSound(m_ui->sliderVolume->isMuted(), m_ui->sliderVolume->value());
+}
+
+QWidget *CMultiLiveForm::dialogParent()
+{
+    PageHost *host = pageHost();
+    QWidget *parent = host ? host->dialogParent() : nullptr;
+    return parent ? parent : window();
+}

@@ -1,0 +1,162 @@
+#include "ui/live/multi_live_frame.h"
+
+#include "camera/camera.h"
+#include "settings/camera_list.h"
+#include "settings/camera_record.h"
+#include "ui/live/multi_live_item_form.h"
+#include "ui/live/shown_cameras.h"
+
+#include <QGridLayout>
+#include <QMouseEvent>
+
+namespace {
+
+constexpr int Spacing = 10;
+// What a tile leaves free of its cell, for the spacing and the margins of the grid.
+constexpr int CellFreeWidth = 20;
+constexpr int CellFreeHeight = 30;
+
+} // namespace
+
+CMultiLiveFrame::CMultiLiveFrame(QWidget *parent) : QWidget(parent)
+{
+    // The tiles have fixed sizes that follow the area; they must not keep it from getting smaller.
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+}
+
+CMultiLiveFrame::~CMultiLiveFrame()
+{
+    clear();
+}
+
+void CMultiLiveFrame::setClock(zelvaro::Clock clock)
+{
+    m_clock = std::move(clock);
+}
+
+void CMultiLiveFrame::load()
+{
+    CCameraList &cameras = CCameraList::instance();
+    for (int i = 0; i < cameras.count(); ++i) {
+        CCamera *camera = cameras.at(i);
+        if (!camera)
+            break;
+        const CameraRecord *record = camera->get_info();
+        if (!record || !record->multiLive)
+            continue;
+        auto *tile = new CMultiLiveItemForm(m_clock, this);
+        tile->setCamera(camera);
+        m_tiles.append(tile);
+        zelvaro::shownCameras().append(camera);
+        connect(tile, &CMultiLiveItemForm::selectCamera, this, &CMultiLiveFrame::slotSelectCamera);
+    }
+    for (CMultiLiveItemForm *tile : qAsConst(m_tiles)) {
+        tile->start();
+        tile->setVolume(0);
+    }
+    layOutGrid();
+}
+
+void CMultiLiveFrame::clear()
+{
+    dropLayout();
+    for (CMultiLiveItemForm *tile : qAsConst(m_tiles))
+        tile->stop();
+    zelvaro::shownCameras().clear();
+    qDeleteAll(m_tiles);
+    m_tiles.clear();
+    m_selectedItem = nullptr;
+    m_clickedItem = false;
+}
+
+void CMultiLiveFrame::setSound(bool muted, int volume)
+{
+    m_muted = muted;
+    m_volume = volume;
+    applySound();
+}
+
+void CMultiLiveFrame::slotSelectCamera(CMultiLiveItemForm *tile)
+{
+    deselect();
+    tile->setSelected(true);
+    m_selectedItem = tile;
+    applySound();
+    m_clickedItem = true;
+}
+
+void CMultiLiveFrame::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    layOutGrid();
+}
+
+void CMultiLiveFrame::mousePressEvent(QMouseEvent *event)
+{
+    // A press on a tile comes by here after the tile has reported it.
+    if (!childAt(event->pos()))
+        m_clickedItem = false;
+    QWidget::mousePressEvent(event);
+}
+
+void CMultiLiveFrame::mouseReleaseEvent(QMouseEvent *event)
+{
+    QWidget::mouseReleaseEvent(event);
+    if (!m_clickedItem)
+        deselect();
+    m_clickedItem = false;
+}
+
+void CMultiLiveFrame::mouseDoubleClickEvent(QMouseEvent *)
+{
+    deselect();
+}
+
+void CMultiLiveFrame::layOutGrid()
+{
+    dropLayout();
+    m_shape = zelvaro::gridShape(parentWidget() ? parentWidget()->size() : size(),
+                                 static_cast<int>(m_tiles.size()));
+    m_layout = new QGridLayout(this);
+    m_layout->setSpacing(Spacing);
+    m_layout->setContentsMargins(Spacing, Spacing, Spacing, Spacing);
+    const QSize tileSize =
+        QSize(m_shape.width - CellFreeWidth, m_shape.height - CellFreeHeight).expandedTo({0, 0});
+    for (int i = 0; i < m_tiles.size(); ++i) {
+        QWidget *tile = m_tiles.at(i);
+        tile->setFixedSize(tileSize);
+        m_layout->addWidget(tile, i / m_shape.columns, i % m_shape.columns + 1,
+                            Qt::AlignLeft | Qt::AlignTop);
+        m_placed.append(tile);
+    }
+    m_layout->setRowStretch(0, 1);
+    m_layout->setRowStretch(m_shape.rows + 1, 1);
+    m_layout->setColumnStretch(0, 1);
+    m_layout->setColumnStretch(m_shape.columns + 1, 1);
+}
+
+void CMultiLiveFrame::dropLayout()
+{
+    if (!m_layout)
+        return;
+    for (QWidget *tile : qAsConst(m_placed))
+        m_layout->removeWidget(tile);
+    m_placed.clear();
+    delete m_layout;
+    m_layout = nullptr;
+}
+
+void CMultiLiveFrame::deselect()
+{
+    if (!m_selectedItem)
+        return;
+    m_selectedItem->setVolume(0);
+    m_selectedItem->setSelected(false);
+    m_selectedItem = nullptr;
+}
+
+void CMultiLiveFrame::applySound()
+{
+    if (m_selectedItem)
+        m_selectedItem->setVolume(m_muted ? 0 : m_volume);
+}

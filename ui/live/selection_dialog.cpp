@@ -1,0 +1,38 @@
+#include "ui/live/selection_dialog.h"
+
+#include "ui/live/selection_frame.h"
+#include "ui_selection_dialog.h"
+
+namespace zelvaro {
+
+SelectionDialog::SelectionDialog(const QString &title, SelectionFrame *frame, QWidget *parent)
+    : QDialog(parent, Qt::FramelessWindowHint)
+    , m_ui(std::make_unique<Ui::SelectionDialog>())
+    , m_frame(frame)
+{
+    m_ui->setupUi(this);
+    setAttribute(Qt::WA_TranslucentBackground);
+    m_ui->frameTitle->attach(this, true);
+    setWindowTitle(title);
+    m_ui->labelTitle->setText(title);
+    m_ui->scrollCameras->setWidget(m_frame);
+    m_ui->scrollCameras->viewport()->setAutoFillBackground(false);
+    m_frame->setAutoFillBackground(false);
+
+    connect(m_ui->btnOK, &QPushButton::clicked, this, &SelectionDialog::slotOK);
+    connect(m_ui->btnClose, &QToolButton::clicked, this, &SelectionDialog::slotClose);
+}
+
+SelectionDialog::~SelectionDialog() = default;
+
+void SelectionDialog::slotOK()
+{
+    accept();
+}
+
+void SelectionDialog::slotClose()
+{
+    reject();
+}
+
+} // namespace zelvaro

@@ -1,0 +1,38 @@
+#include "ui/live/selection_frame.h"
+
+#include "ui/live/select_camera_item_form.h"
+
+#include <QGridLayout>
+
+namespace zelvaro {
+
+namespace {
+constexpr int Columns = 4;
+constexpr int Spacing = 10;
+} // namespace
+
+SelectionFrame::SelectionFrame(bool recordingMode, QWidget *parent)
+    : QWidget(parent)
+    , m_recordingMode(recordingMode)
+    , m_grid(new QGridLayout(this))
+{
+    layout()->setSpacing(Spacing);
+}
+
+void SelectionFrame::fill(const QList<CCamera *> &cameras)
+{
+    for (CCamera *camera : cameras) {
+        auto *tile = new CSelectCameraItemForm(m_recordingMode, this);
+        tile->setCamera(camera);
+        m_tiles.append(tile);
+    }
+    m_grid.place(asWidgets(m_tiles), Columns);
+}
+
+void SelectionFrame::applyMarks() const
+{
+    for (const CSelectCameraItemForm *tile : m_tiles)
+        tile->apply();
+}
+
+} // namespace zelvaro
