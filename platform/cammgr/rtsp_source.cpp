@@ -332,16 +332,14 @@ void RtspSource::readError(GstMessage *message)
     g_log("cammgr", G_LOG_LEVEL_INFO, "%s: %s (%d) %s", m_request.url.c_str(), error->message,
           status, debug ? debug : "");
 
-    const bool resource = error->domain == GST_RESOURCE_ERROR;
     if (status == statusUnauthorized || status == statusForbidden ||
-        (resource && error->code == GST_RESOURCE_ERROR_NOT_AUTHORIZED))
+        g_error_matches(error, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_NOT_AUTHORIZED))
         m_client.sourceEnded(StreamEnd::Refused);
     else if (status == statusNotFound)
         m_client.sourceEnded(StreamEnd::NotFound);
     else if (status == statusUnsupportedTransport ||
-             (m_transport == Transport::Interleaved && m_videoSelected && !m_playing && resource &&
-              (error->code == GST_RESOURCE_ERROR_SETTINGS ||
-               error->code == GST_RESOURCE_ERROR_NOT_FOUND)))
+             (m_videoSelected && !m_playing && error->domain == GST_STREAM_ERROR))
+        // The framework words a refused transport as "no stream that could be set up".
         m_client.sourceTransportRefused();
     else
         m_client.sourceEnded(m_playing ? StreamEnd::Closed : StreamEnd::Failed);
