@@ -1,0 +1,107 @@
+#include "platform/cammgr/probe_schedule.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using cammgr::ProbeOutcome;
+using cammgr::ProbeSchedule;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A client that asks every 3 s, and counts the seconds between the probes that are really sent.
+class Client
+{
+public:
+    explicit Client(ProbeOutcome outcome) : m_outcome(outcome) {}
+
+    void setOutcome(ProbeOutcome outcome) { m_outcome = outcome; }
+    ProbeSchedule &schedule() { return m_schedule; }
+
+    /// Seconds before each of the next count real probes.
+    std::vector<int> pauses(int count)
+    {
+        std::vector<int> result;
+        while (static_cast<int>(result.size()) < count) {
+            m_now += 3s;
+            if (!m_schedule.isDue(m_now))
+                continue;
+            m_schedule.record(m_outcome, m_now);
+            result.push_back(static_cast<int>((m_now - m_last) / 1s));
+            m_last = m_now;
+        }
+        return result;
+    }
+
+private:
+    ProbeOutcome m_outcome;
+    ProbeSchedule m_schedule;
+    ProbeSchedule::Time m_now{1000h};
+    ProbeSchedule::Time m_last = m_now;
+};
+
+TEST(ProbeSchedule, AsksAtOnceAtFirst)
+{
+    const ProbeSchedule schedule;
+    EXPECT_TRUE(schedule.isDue(ProbeSchedule::Time(1h)));
+    EXPECT_EQ(schedule.remembered(), ProbeOutcome::Silent);
+}
+
+TEST(ProbeSchedule, TriesARefusedLoginLessAndLessOften)
+{
+    Client client(ProbeOutcome::LoginRefused);
+    EXPECT_EQ(client.pauses(9), (std::vector{3, 3, 6, 12, 24, 48, 60, 60, 60}));
+    EXPECT_EQ(client.schedule().remembered(), ProbeOutcome::LoginRefused);
+}
+
+TEST(ProbeSchedule, ASilentHostCostsLessAndLess)
+{
+    Client client(ProbeOutcome::Silent);
+    EXPECT_EQ(client.pauses(7), (std::vector{3, 3, 6, 12, 15, 15, 15}));
+}
+
+TEST(ProbeSchedule, AHostThatAnswersIsAskedEachTime)
+{
+    for (const ProbeOutcome outcome : {ProbeOutcome::Answered, ProbeOutcome::Rejected,
+                                       ProbeOutcome::Unusable, ProbeOutcome::NotFound}) {
+        Client client(outcome);
+        EXPECT_EQ(client.pauses(6), (std::vector{3, 3, 3, 3, 3, 3}));
+    }
+}
+
+TEST(ProbeSchedule, AnAnswerEndsTheBackOff)
+{
+    Client client(ProbeOutcome::LoginRefused);
+    client.pauses(6);
+    client.setOutcome(ProbeOutcome::Answered);
+    EXPECT_EQ(client.pauses(3), (std::vector{60, 3, 3}));
+    client.setOutcome(ProbeOutcome::LoginRefused);
+    EXPECT_EQ(client.pauses(4), (std::vector{3, 3, 6, 12}));
+}
+
+TEST(ProbeSchedule, TheNetworkComingBackEndsTheBackOffOfASilentHost)
+{
+    Client client(ProbeOutcome::Silent);
+    client.pauses(6);
+    client.schedule().networkChanged();
+    EXPECT_EQ(client.pauses(3), (std::vector{3, 3, 6}));
+}
+
+TEST(ProbeSchedule, TheNetworkComingBackDoesNotTryARefusedLoginSooner)
+{
+    Client client(ProbeOutcome::LoginRefused);
+    client.pauses(6);
+    client.schedule().networkChanged();
+    EXPECT_EQ(client.pauses(1), (std::vector{60}));
+}
+
+TEST(ProbeSchedule, AnotherAddressStartsAnew)
+{
+    Client client(ProbeOutcome::LoginRefused);
+    client.pauses(6);
+    client.schedule().reset();
+    EXPECT_EQ(client.pauses(3), (std::vector{3, 3, 6}));
+}
+
+} // namespace
