@@ -234,6 +234,14 @@ void TestImages::statesDiffer_data()
                           << "cameraitem/cameraitemframe_hover";
     QTest::newRow("grid tile") << "multilive/multiliveitemframe_default"
                                << "multilive/multiliveitemframe_hover";
+    QTest::newRow("disabled button") << "dlgctrl/button_default"
+                                     << "dlgctrl/button_disabled";
+    QTest::newRow("focused button") << "dlgctrl/button_default"
+                                    << "dlgctrl/button_focus";
+    QTest::newRow("disabled edit") << "dlgctrl/text_default"
+                                   << "dlgctrl/text_disabled";
+    QTest::newRow("focused edit") << "dlgctrl/text_default"
+                                  << "dlgctrl/text_focus";
     QTest::newRow("choice") << "multilive/selectcameraitembk_default"
                             << "multilive/selectcameraitembk_hover";
     QTest::newRow("check box") << "style/check_off"
