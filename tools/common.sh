@@ -70,7 +70,7 @@ end_started() {
     return 0
 }
 
-# Starts a virtual display with a window manager and sets DISPLAY.
+# Starts a virtual display with a window manager (unless window_manager is "none") and sets DISPLAY.
 # start_virtual_display WIDTHxHEIGHT
 start_virtual_display() {
     local number_file number tries
@@ -87,6 +87,7 @@ start_virtual_display() {
     [ -n "$number" ] || fail "the virtual display did not start"
     export DISPLAY=:$number
     unset WAYLAND_DISPLAY
+    [ "${window_manager:-}" != none ] || return 0
     openbox >/dev/null 2>&1 &
     started+=($!)
 }

@@ -1,0 +1,175 @@
+// One live camera on the screen: how far the picture is behind life, how soon it comes, and what
+// it costs, beside ffplay and mpv on the same stream in the same run.
+//
+// bench_live [SECONDS]: how long each player is measured (default 20).
+
+#include "bench/child_process.h"
+#include "bench/latency_probe.h"
+#include "bench/screen_reader.h"
+#include "bench/statistics.h"
+#include "tests/support/camsim_process.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <vector>
+
+using namespace std::chrono_literals;
+using bench::Clock;
+
+namespace {
+
+constexpr int kWidth = 640;
+constexpr int kHeight = 360;
+constexpr int kStarts = 5; // first pictures measured for each player
+
+struct Player
+{
+    std::string name;
+    std::vector<std::string> command;
+    bool tellsPlay = false; // prints when play was asked for, after its start-up
+};
+
+struct Result
+{
+    double firstPicture = 0;     // median, ms, from the start of the process
+    double firstPictureCall = 0; // median, ms, from the call to play
+    std::vector<double> latency; // ms
+    double cpu = 0;              // share of one core
+    double memory = 0;           // MB
+    int threads = 0;
+};
+
+std::string number(int value)
+{
+    return std::to_string(value);
+}
+
+std::vector<Player> players(const zelvaro::test::SimulatedCamera &camera)
+{
+    const std::string url = camera.urlWithLogin(camera.subUrl);
+    std::vector<Player> all;
+    all.push_back({"zelvaro engine",
+                   {BENCH_PLAYER, camera.uid, camera.user, camera.password, "/live/1/h264.sdp",
+                    number(kWidth), number(kHeight)},
+                   true});
+    if (bench::isInstalled("mpv")) {
+        all.push_back({"mpv, low latency",
+                       {"mpv", "--no-config", "--profile=low-latency", "--untimed", "--no-audio",
+                        "--rtsp-transport=tcp", "--vo=x11", "--no-border", "--no-osc",
+                        "--geometry=" + number(kWidth) + "x" + number(kHeight) + "+0+0", url}});
+    }
+    if (bench::isInstalled("ffplay")) {
+        all.push_back({"ffplay, tuned", {"ffplay",    "-hide_banner",
+                                         "-an",       "-fflags",
+                                         "nobuffer",  "-flags",
+                                         "low_delay", "-probesize",
+                                         "32",        "-analyzeduration",
+                                         "0",         "-sync",
+                                         "ext",       "-rtsp_transport",
+                                         "tcp",       "-noborder",
+                                         "-left",     "0",
+                                         "-top",      "0",
+                                         "-x",        number(kWidth),
+                                         "-y",        number(kHeight),
+                                         url}});
+    }
+    return all;
+}
+
+double milliseconds(Clock::duration duration)
+{
+    return std::chrono::duration<double, std::milli>(duration).count();
+}
+
+/// When the player asked for the stream: printed by those that tell, else its start.
+Clock::time_point playMoment(const Player &player, bench::ChildProcess &process)
+{
+    if (!player.tellsPlay)
+        return process.started();
+    const std::string line = process.readLine(20s);
+    const long long us =
+        std::strtoll(line.c_str() + std::min<std::size_t>(line.size(), 5), nullptr, 10);
+    return Clock::time_point(std::chrono::microseconds(us));
+}
+
+bool measure(const Player &player, std::chrono::seconds duration, bench::ScreenReader &screen,
+             Result &result)
+{
+    bench::LatencyProbe probe(screen);
+    std::vector<double> fromStart, fromCall;
+    for (int start = 1; start <= kStarts; ++start) {
+        screen.clear();
+        bench::ChildProcess process(player.command, player.tellsPlay);
+        const auto asked = playMoment(player, process);
+        const auto seen = probe.waitForPicture(asked, 20s);
+        if (!seen)
+            return false;
+        fromStart.push_back(milliseconds(*seen - process.started()));
+        fromCall.push_back(milliseconds(*seen - asked));
+        if (start < kStarts)
+            continue;
+        probe.sample(3s); // settles
+        const double cpuBefore = process.cpuSeconds();
+        const auto before = Clock::now();
+        result.latency = probe.sample(duration);
+        const double elapsed = milliseconds(Clock::now() - before) / 1000;
+        result.cpu = (process.cpuSeconds() - cpuBefore) / elapsed;
+        result.memory = process.memoryMegabytes();
+        result.threads = process.threads();
+    }
+    result.firstPicture = bench::percentile(fromStart, 0.5);
+    result.firstPictureCall = bench::percentile(fromCall, 0.5);
+    return true;
+}
+
+int run(std::chrono::seconds duration)
+{
+    const zelvaro::test::CamsimProcess cameras(
+        {"--count", "1", "--sub-size", "640x360", "--sub-fps", "25", "--key-interval", "1"});
+    setenv("ZELVARO_DISCOVERY_TARGETS", cameras.camera().discovery.c_str(), 1);
+    setenv("ZELVARO_DISCOVERY_MULTICAST", "0", 1);
+    bench::ScreenReader screen(kWidth, kHeight);
+
+    std::printf("One camera, %dx%d at 25 fps, a key frame each second, TCP on loopback; %lld s "
+                "each, %d starts.\n\n",
+                kWidth, kHeight, static_cast<long long>(duration.count()), kStarts);
+    std::printf("%-18s %8s %8s %8s %12s %12s %8s %8s %8s\n", "player", "median", "95 %", "frames",
+                "first, call", "first, start", "CPU", "memory", "threads");
+    std::printf("%-18s %8s %8s %8s %12s %12s %8s %8s %8s\n", "", "ms", "ms", "", "ms", "ms",
+                "% core", "MB", "");
+    double ownMedian = 0;
+    for (const Player &player : players(cameras.camera())) {
+        Result result;
+        if (!measure(player, duration, screen, result)) {
+            std::printf("%-18s showed no picture\n", player.name.c_str());
+            continue;
+        }
+        const double median = bench::percentile(result.latency, 0.5);
+        std::printf("%-18s %8.0f %8.0f %8zu %12.0f %12.0f %8.1f %8.1f %8d", player.name.c_str(),
+                    median, bench::percentile(result.latency, 0.95), result.latency.size(),
+                    result.firstPictureCall, result.firstPicture, result.cpu * 100, result.memory,
+                    result.threads);
+        if (player.tellsPlay)
+            ownMedian = median;
+        else if (ownMedian > 0)
+            std::printf("   %.1f times our latency", median / ownMedian);
+        std::printf("\n");
+        std::fflush(stdout);
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const int seconds = argc > 1 ? std::atoi(argv[1]) : 20;
+    try {
+        return run(std::chrono::seconds(seconds > 0 ? seconds : 20));
+    } catch (const std::exception &problem) {
+        std::fprintf(stderr, "bench_live: %s\n", problem.what());
+        return 1;
+    }
+}

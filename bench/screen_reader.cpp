@@ -1,0 +1,74 @@
+#include "bench/screen_reader.h"
+
+#include "camsim/timecode.h"
+
+#include <stdexcept>
+
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XShm.h>
+#include <sys/ipc.h>
+#include <sys/shm.h>
+
+namespace bench {
+
+struct ScreenReader::Private
+{
+    Display *display = nullptr;
+    XImage *image = nullptr;
+    XShmSegmentInfo segment{};
+    int width = 0;
+    int height = 0;
+};
+
+ScreenReader::ScreenReader(int width, int height) : d(std::make_unique<Private>())
+{
+    d->display = XOpenDisplay(nullptr);
+    if (d->display == nullptr || !XShmQueryExtension(d->display))
+        throw std::runtime_error("no display with shared memory");
+    d->width = width;
+    d->height = height;
+    const int screen = DefaultScreen(d->display);
+    // Only the rows with the code are fetched: a look must cost less than a frame's time.
+    const int codeHeight =
+        height * (camsim::timecode::kRows + 1) / camsim::timecode::kCellsPerHeight + 1;
+    const int codeWidth =
+        height * (camsim::timecode::kColumns + 1) / camsim::timecode::kCellsPerHeight + 1;
+    d->image = XShmCreateImage(d->display, DefaultVisual(d->display, screen),
+                               static_cast<unsigned>(DefaultDepth(d->display, screen)), ZPixmap,
+                               nullptr, &d->segment, static_cast<unsigned>(codeWidth),
+                               static_cast<unsigned>(codeHeight));
+    d->segment.shmid =
+        shmget(IPC_PRIVATE, static_cast<std::size_t>(d->image->bytes_per_line * d->image->height),
+               IPC_CREAT | 0600);
+    d->segment.shmaddr = static_cast<char *>(shmat(d->segment.shmid, nullptr, 0));
+    d->image->data = d->segment.shmaddr;
+    XShmAttach(d->display, &d->segment);
+    XSync(d->display, False);
+    shmctl(d->segment.shmid, IPC_RMID, nullptr); // goes with the last one that is attached
+}
+
+ScreenReader::~ScreenReader()
+{
+    XShmDetach(d->display, &d->segment);
+    XDestroyImage(d->image);
+    shmdt(d->segment.shmaddr);
+    XCloseDisplay(d->display);
+}
+
+std::optional<std::uint32_t> ScreenReader::read()
+{
+    if (!XShmGetImage(d->display, DefaultRootWindow(d->display), d->image, 0, 0, AllPlanes))
+        return std::nullopt;
+    return camsim::timecode::readRgb(reinterpret_cast<const std::uint8_t *>(d->image->data),
+                                     d->image->bytes_per_line, d->image->bits_per_pixel / 8,
+                                     d->width, d->height);
+}
+
+void ScreenReader::clear()
+{
+    XClearArea(d->display, DefaultRootWindow(d->display), 0, 0, 0, 0, False);
+    XSync(d->display, False);
+}
+
+} // namespace bench
