@@ -1,4 +1,659 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
 <TS version="2.1" language="ja_JP" sourcelanguage="en_US">
+<context>
+    <name>CAddButtonForm</name>
+    <message>
+        <source>Add a camera</source>
+        <translation>カメラを追加します</translation>
+    </message>
+</context>
+<context>
+    <name>CAddCameraForm</name>
+    <message>
+        <source>Add Camera</source>
+        <translation>カメラの追加</translation>
+    </message>
+    <message>
+        <source>UID or address</source>
+        <translation>UID またはアドレス</translation>
+    </message>
+    <message>
+        <source>Find cameras on this network</source>
+        <translation>このネットワーク上のカメラを探します</translation>
+    </message>
+    <message>
+        <source>Discover</source>
+        <translation>検索</translation>
+    </message>
+    <message>
+        <source>User Name</source>
+        <translation>ユーザー名</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>パスワード</translation>
+    </message>
+    <message>
+        <source>Camera Name</source>
+        <translation>カメラ名</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+    <message>
+        <source>Modify Camera</source>
+        <translation>カメラの変更</translation>
+    </message>
+    <message>
+        <source>Please input UID.</source>
+        <translation>UID を入力してください。</translation>
+    </message>
+    <message>
+        <source>Please input user name.</source>
+        <translation>ユーザー名を入力してください。</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+</context>
+<context>
+    <name>CAddressEdit</name>
+    <message>
+        <source>Part %1 of the address</source>
+        <translation>アドレスの第 %1 部分</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraMgrFrame</name>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+    <message>
+        <source>Cannot add camera, 100 is maxnum.</source>
+        <translation>カメラを追加できません。最大 100 台です。</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Delete camera?</source>
+        <translation>カメラを削除しますか？</translation>
+    </message>
+    <message>
+        <source>Reboot camera?</source>
+        <translation>カメラを再起動しますか？</translation>
+    </message>
+    <message>
+        <source>Please wait for reboot...</source>
+        <translation>再起動しています。お待ちください...</translation>
+    </message>
+    <message>
+        <source>info</source>
+        <translation>情報</translation>
+    </message>
+    <message>
+        <source>Reboot success. Please wait a few minutes and re-connect.</source>
+        <translation>再起動しました。数分待ってから接続し直してください。</translation>
+    </message>
+    <message>
+        <source>Reboot failed. Please wait a few minutes and re-try.</source>
+        <translation>再起動に失敗しました。数分待ってからもう一度お試しください。</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraMgrItemForm</name>
+    <message>
+        <source>Menu</source>
+        <translation>メニュー</translation>
+    </message>
+    <message>
+        <source>Camera menu</source>
+        <translation>カメラのメニュー</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>再生</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>削除</translation>
+    </message>
+    <message>
+        <source>Modify</source>
+        <translation>変更</translation>
+    </message>
+    <message>
+        <source>Invalid Password!</source>
+        <translation>パスワードが正しくありません！</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>接続済み</translation>
+    </message>
+    <message>
+        <source>Not connected</source>
+        <translation>未接続</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraSetUp</name>
+    <message>
+        <source>Please wait for get configuration...</source>
+        <translation>設定を取得しています。お待ちください...</translation>
+    </message>
+    <message>
+        <source>Please wait for set configuration...</source>
+        <translation>設定を書き込んでいます。お待ちください...</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+    <message>
+        <source>Network error. Please wait a while and try again.</source>
+        <translation>ネットワークエラーです。しばらく待ってからもう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>Authenticate failed. Please check your user name or password.</source>
+        <translation>認証に失敗しました。ユーザー名またはパスワードを確認してください。</translation>
+    </message>
+    <message>
+        <source>Get configuration failed. Please wait a while and try again.</source>
+        <translation>設定の取得に失敗しました。しばらく待ってからもう一度お試しください。</translation>
+    </message>
+    <message>
+        <source>Set configuration failed. Please check your configuration and try again.</source>
+        <translation>設定の書き込みに失敗しました。設定を確認してからもう一度お試しください。</translation>
+    </message>
+</context>
+<context>
+    <name>CMainForm</name>
+    <message>
+        <source>Zelvaro</source>
+        <translation>Zelvaro</translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation>メニュー</translation>
+    </message>
+    <message>
+        <source>Minimize</source>
+        <translation>最小化</translation>
+    </message>
+    <message>
+        <source>Maximize</source>
+        <translation>最大化</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>閉じる</translation>
+    </message>
+    <message>
+        <source>Cameras (Alt+C)</source>
+        <translation>カメラ (Alt+C)</translation>
+    </message>
+    <message>
+        <source>Camera</source>
+        <translation>カメラ</translation>
+    </message>
+    <message>
+        <source>Several cameras side by side (Alt+M)</source>
+        <translation>複数のカメラを並べて表示 (Alt+M)</translation>
+    </message>
+    <message>
+        <source>MultiLive</source>
+        <translation>マルチライブ</translation>
+    </message>
+    <message>
+        <source>Recordings (Alt+V)</source>
+        <translation>録画 (Alt+V)</translation>
+    </message>
+    <message>
+        <source>Video</source>
+        <translation>ビデオ</translation>
+    </message>
+    <message>
+        <source>Photos (Alt+A)</source>
+        <translation>写真 (Alt+A)</translation>
+    </message>
+    <message>
+        <source>Album</source>
+        <translation>アルバム</translation>
+    </message>
+    <message>
+        <source>Find and set up cameras (Alt+S)</source>
+        <translation>カメラの検索と設定 (Alt+S)</translation>
+    </message>
+    <message>
+        <source>Setup</source>
+        <translation>設定</translation>
+    </message>
+    <message>
+        <source>Version 1.4 (Build 20180813)</source>
+        <translation>バージョン 1.4 (ビルド 20180813)</translation>
+    </message>
+    <message>
+        <source>Save Path...</source>
+        <translation>保存先...</translation>
+    </message>
+    <message>
+        <source>Selecte Path</source>
+        <translation>保存先の選択</translation>
+    </message>
+</context>
+<context>
+    <name>CMessageBox</name>
+    <message>
+        <source>Message</source>
+        <translation>メッセージ</translation>
+    </message>
+    <message>
+        <source>Icon</source>
+        <translation>アイコン</translation>
+    </message>
+    <message>
+        <source>Message Text</source>
+        <translation>メッセージの本文</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+</context>
+<context>
+    <name>CMultiLiveForm</name>
+    <message>
+        <source>Select cameras</source>
+        <translation>カメラを選択</translation>
+    </message>
+    <message>
+        <source>Snapshot</source>
+        <translation>スナップショット</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>録画</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>By changing view your recording will be stop.</source>
+        <translation>表示を切り替えると録画が停止します。</translation>
+    </message>
+</context>
+<context>
+    <name>CMultiLiveItemForm</name>
+    <message>
+        <source>Live picture</source>
+        <translation>ライブ映像</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>ダブルクリックまたは Esc キーで全画面表示を切り替えます。</translation>
+    </message>
+    <message>
+        <source>Camera Name</source>
+        <translation>カメラ名</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>録画中</translation>
+    </message>
+</context>
+<context>
+    <name>CPlayCameraForm</name>
+    <message>
+        <source>Live picture</source>
+        <translation>ライブ映像</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>ダブルクリックまたは Esc キーで全画面表示を切り替えます。</translation>
+    </message>
+    <message>
+        <source>Camera Name</source>
+        <translation>カメラ名</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>録画中</translation>
+    </message>
+    <message>
+        <source>Snapshot</source>
+        <translation>スナップショット</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>録画</translation>
+    </message>
+    <message>
+        <source>ZoomIn</source>
+        <translation>拡大</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>拡大</translation>
+    </message>
+    <message>
+        <source>ZoomOut</source>
+        <translation>縮小</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>縮小</translation>
+    </message>
+    <message>
+        <source>FullScreen</source>
+        <translation>全画面</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>全画面</translation>
+    </message>
+    <message>
+        <source>Talk</source>
+        <translation>通話</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>戻る</translation>
+    </message>
+</context>
+<context>
+    <name>CSearchCameraForm</name>
+    <message>
+        <source>Searching...</source>
+        <translation>検索中...</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n camera(s) found</source>
+        <translation>
+            <numerusform>%n 台のカメラが見つかりました</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+    <message>
+        <source>Please select a camera.</source>
+        <translation>カメラを選択してください。</translation>
+    </message>
+</context>
+<context>
+    <name>CSearchCameraListForm</name>
+    <message>
+        <source>Model</source>
+        <translation>モデル</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名前</translation>
+    </message>
+    <message>
+        <source>Location</source>
+        <translation>場所</translation>
+    </message>
+    <message>
+        <source>IP</source>
+        <translation>IP</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>ポート</translation>
+    </message>
+    <message>
+        <source>MAC</source>
+        <translation>MAC</translation>
+    </message>
+    <message>
+        <source>P2P UID</source>
+        <translation>P2P UID</translation>
+    </message>
+    <message>
+        <source>Please wait for search camera...</source>
+        <translation>カメラを検索しています。お待ちください...</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+    <message>
+        <source>Please select a camera.</source>
+        <translation>カメラを選択してください。</translation>
+    </message>
+    <message>
+        <source>Please wait for get onfiguration...</source>
+        <translation>設定を取得しています。お待ちください...</translation>
+    </message>
+</context>
+<context>
+    <name>CSelectCameraForm</name>
+    <message>
+        <source>Select Camera</source>
+        <translation>カメラの選択</translation>
+    </message>
+</context>
+<context>
+    <name>CSelectCameraItemForm</name>
+    <message>
+        <source>Camera Name</source>
+        <translation>カメラ名</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>選択済み</translation>
+    </message>
+    <message>
+        <source>Not selected</source>
+        <translation>未選択</translation>
+    </message>
+</context>
+<context>
+    <name>CSelectCameraRecordingForm</name>
+    <message>
+        <source>Select Camera Recording</source>
+        <translation>録画するカメラの選択</translation>
+    </message>
+</context>
+<context>
+    <name>CVolumeSliderForm</name>
+    <message>
+        <source>Volume</source>
+        <translation>音量</translation>
+    </message>
+    <message>
+        <source>Sound on</source>
+        <translation>音声オン</translation>
+    </message>
+    <message>
+        <source>Mute</source>
+        <translation>ミュート</translation>
+    </message>
+</context>
+<context>
+    <name>CameraSetUp</name>
+    <message>
+        <source>Camera Setup</source>
+        <translation>カメラの設定</translation>
+    </message>
+    <message>
+        <source>Camera Settings</source>
+        <translation>カメラの設定項目</translation>
+    </message>
+    <message>
+        <source>Device Name</source>
+        <translation>デバイス名</translation>
+    </message>
+    <message>
+        <source>Device Location</source>
+        <translation>デバイスの場所</translation>
+    </message>
+    <message>
+        <source>HttpPort</source>
+        <translation>HTTP ポート</translation>
+    </message>
+    <message>
+        <source>Assigned IP Address Manually</source>
+        <translation>IP アドレスを手動で割り当てる</translation>
+    </message>
+    <message>
+        <source>IP</source>
+        <translation>IP</translation>
+    </message>
+    <message>
+        <source>Mask</source>
+        <translation>マスク</translation>
+    </message>
+    <message>
+        <source>Default Getway</source>
+        <translation>デフォルトゲートウェイ</translation>
+    </message>
+    <message>
+        <source>Assigned DNS Manually</source>
+        <translation>DNS を手動で割り当てる</translation>
+    </message>
+    <message>
+        <source>Primary DNS</source>
+        <translation>プライマリ DNS</translation>
+    </message>
+    <message>
+        <source>Sencondary DNS</source>
+        <translation>セカンダリ DNS</translation>
+    </message>
+    <message>
+        <source>User Name</source>
+        <translation>ユーザー名</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>パスワード</translation>
+    </message>
+    <message>
+        <source>Query</source>
+        <translation>読み込み</translation>
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>適用</translation>
+    </message>
+    <message>
+        <source>Exit</source>
+        <translation>終了</translation>
+    </message>
+</context>
+<context>
+    <name>LiveView</name>
+    <message>
+        <source> is connecting...</source>
+        <translation> に接続しています...</translation>
+    </message>
+</context>
+<context>
+    <name>NetworkConfigurationCheck</name>
+    <message>
+        <source>Device Name input invalid!</source>
+        <translation>デバイス名の入力が正しくありません！</translation>
+    </message>
+    <message>
+        <source>Device Name is too long!</source>
+        <translation>デバイス名が長すぎます！</translation>
+    </message>
+    <message>
+        <source>Location input invalid!</source>
+        <translation>場所の入力が正しくありません！</translation>
+    </message>
+    <message>
+        <source>Location is too long!</source>
+        <translation>場所が長すぎます！</translation>
+    </message>
+    <message>
+        <source>Http Port input invalid!</source>
+        <translation>HTTP ポートの入力が正しくありません！</translation>
+    </message>
+    <message>
+        <source>Http Port out of range!</source>
+        <translation>HTTP ポートが範囲外です！</translation>
+    </message>
+    <message>
+        <source>invalid IP or Mask!</source>
+        <translation>IP またはマスクが正しくありません！</translation>
+    </message>
+</context>
+<context>
+    <name>SearchCameraForm</name>
+    <message>
+        <source>Search Camera</source>
+        <translation>カメラの検索</translation>
+    </message>
+    <message>
+        <source>Select Camera</source>
+        <translation>カメラの選択</translation>
+    </message>
+    <message>
+        <source>Cameras on the network</source>
+        <translation>ネットワーク上のカメラ</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>キャンセル</translation>
+    </message>
+</context>
+<context>
+    <name>SearchCameraListForm</name>
+    <message>
+        <source>Cameras on the network</source>
+        <translation>ネットワーク上のカメラ</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>検索</translation>
+    </message>
+    <message>
+        <source>Browser</source>
+        <translation>ブラウザー</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>クリア</translation>
+    </message>
+    <message>
+        <source>Setup</source>
+        <translation>設定</translation>
+    </message>
+</context>
+<context>
+    <name>SelectionDialog</name>
+    <message>
+        <source>Select Camera</source>
+        <translation>カメラの選択</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>閉じる</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
 </TS>

@@ -1,4 +1,659 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
 <TS version="2.1" language="zh_CN" sourcelanguage="en_US">
+<context>
+    <name>CAddButtonForm</name>
+    <message>
+        <source>Add a camera</source>
+        <translation>添加摄像机</translation>
+    </message>
+</context>
+<context>
+    <name>CAddCameraForm</name>
+    <message>
+        <source>Add Camera</source>
+        <translation>添加摄像机</translation>
+    </message>
+    <message>
+        <source>UID or address</source>
+        <translation>UID 或地址</translation>
+    </message>
+    <message>
+        <source>Find cameras on this network</source>
+        <translation>查找此网络中的摄像机</translation>
+    </message>
+    <message>
+        <source>Discover</source>
+        <translation>发现</translation>
+    </message>
+    <message>
+        <source>User Name</source>
+        <translation>用户名</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>密码</translation>
+    </message>
+    <message>
+        <source>Camera Name</source>
+        <translation>摄像机名称</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+    <message>
+        <source>Modify Camera</source>
+        <translation>修改摄像机</translation>
+    </message>
+    <message>
+        <source>Please input UID.</source>
+        <translation>请输入 UID。</translation>
+    </message>
+    <message>
+        <source>Please input user name.</source>
+        <translation>请输入用户名。</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+</context>
+<context>
+    <name>CAddressEdit</name>
+    <message>
+        <source>Part %1 of the address</source>
+        <translation>地址的第 %1 部分</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraMgrFrame</name>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Cannot add camera, 100 is maxnum.</source>
+        <translation>无法添加摄像机，最多 100 台。</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Delete camera?</source>
+        <translation>要删除摄像机吗？</translation>
+    </message>
+    <message>
+        <source>Reboot camera?</source>
+        <translation>要重启摄像机吗？</translation>
+    </message>
+    <message>
+        <source>Please wait for reboot...</source>
+        <translation>正在重启，请稍候...</translation>
+    </message>
+    <message>
+        <source>info</source>
+        <translation>信息</translation>
+    </message>
+    <message>
+        <source>Reboot success. Please wait a few minutes and re-connect.</source>
+        <translation>重启成功。请等待几分钟后重新连接。</translation>
+    </message>
+    <message>
+        <source>Reboot failed. Please wait a few minutes and re-try.</source>
+        <translation>重启失败。请等待几分钟后重试。</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraMgrItemForm</name>
+    <message>
+        <source>Menu</source>
+        <translation>菜单</translation>
+    </message>
+    <message>
+        <source>Camera menu</source>
+        <translation>摄像机菜单</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>播放</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Modify</source>
+        <translation>修改</translation>
+    </message>
+    <message>
+        <source>Invalid Password!</source>
+        <translation>密码无效！</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>已连接</translation>
+    </message>
+    <message>
+        <source>Not connected</source>
+        <translation>未连接</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraSetUp</name>
+    <message>
+        <source>Please wait for get configuration...</source>
+        <translation>正在获取配置，请稍候...</translation>
+    </message>
+    <message>
+        <source>Please wait for set configuration...</source>
+        <translation>正在写入配置，请稍候...</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Network error. Please wait a while and try again.</source>
+        <translation>网络错误。请稍候再试。</translation>
+    </message>
+    <message>
+        <source>Authenticate failed. Please check your user name or password.</source>
+        <translation>认证失败。请检查用户名或密码。</translation>
+    </message>
+    <message>
+        <source>Get configuration failed. Please wait a while and try again.</source>
+        <translation>获取配置失败。请稍候再试。</translation>
+    </message>
+    <message>
+        <source>Set configuration failed. Please check your configuration and try again.</source>
+        <translation>写入配置失败。请检查配置后重试。</translation>
+    </message>
+</context>
+<context>
+    <name>CMainForm</name>
+    <message>
+        <source>Zelvaro</source>
+        <translation>Zelvaro</translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation>菜单</translation>
+    </message>
+    <message>
+        <source>Minimize</source>
+        <translation>最小化</translation>
+    </message>
+    <message>
+        <source>Maximize</source>
+        <translation>最大化</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>Cameras (Alt+C)</source>
+        <translation>摄像机 (Alt+C)</translation>
+    </message>
+    <message>
+        <source>Camera</source>
+        <translation>摄像机</translation>
+    </message>
+    <message>
+        <source>Several cameras side by side (Alt+M)</source>
+        <translation>并排显示多台摄像机 (Alt+M)</translation>
+    </message>
+    <message>
+        <source>MultiLive</source>
+        <translation>多画面</translation>
+    </message>
+    <message>
+        <source>Recordings (Alt+V)</source>
+        <translation>录像 (Alt+V)</translation>
+    </message>
+    <message>
+        <source>Video</source>
+        <translation>视频</translation>
+    </message>
+    <message>
+        <source>Photos (Alt+A)</source>
+        <translation>照片 (Alt+A)</translation>
+    </message>
+    <message>
+        <source>Album</source>
+        <translation>相册</translation>
+    </message>
+    <message>
+        <source>Find and set up cameras (Alt+S)</source>
+        <translation>查找和设置摄像机 (Alt+S)</translation>
+    </message>
+    <message>
+        <source>Setup</source>
+        <translation>设置</translation>
+    </message>
+    <message>
+        <source>Version 1.4 (Build 20180813)</source>
+        <translation>版本 1.4（内部版本 20180813）</translation>
+    </message>
+    <message>
+        <source>Save Path...</source>
+        <translation>保存路径...</translation>
+    </message>
+    <message>
+        <source>Selecte Path</source>
+        <translation>选择路径</translation>
+    </message>
+</context>
+<context>
+    <name>CMessageBox</name>
+    <message>
+        <source>Message</source>
+        <translation>消息</translation>
+    </message>
+    <message>
+        <source>Icon</source>
+        <translation>图标</translation>
+    </message>
+    <message>
+        <source>Message Text</source>
+        <translation>消息文本</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>CMultiLiveForm</name>
+    <message>
+        <source>Select cameras</source>
+        <translation>选择摄像机</translation>
+    </message>
+    <message>
+        <source>Snapshot</source>
+        <translation>抓拍</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>录像</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>By changing view your recording will be stop.</source>
+        <translation>切换画面将停止录像。</translation>
+    </message>
+</context>
+<context>
+    <name>CMultiLiveItemForm</name>
+    <message>
+        <source>Live picture</source>
+        <translation>实时画面</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>双击或按 Esc 键可切换全屏。</translation>
+    </message>
+    <message>
+        <source>Camera Name</source>
+        <translation>摄像机名称</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>正在录像</translation>
+    </message>
+</context>
+<context>
+    <name>CPlayCameraForm</name>
+    <message>
+        <source>Live picture</source>
+        <translation>实时画面</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>双击或按 Esc 键可切换全屏。</translation>
+    </message>
+    <message>
+        <source>Camera Name</source>
+        <translation>摄像机名称</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>正在录像</translation>
+    </message>
+    <message>
+        <source>Snapshot</source>
+        <translation>抓拍</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>录像</translation>
+    </message>
+    <message>
+        <source>ZoomIn</source>
+        <translation>放大</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>放大</translation>
+    </message>
+    <message>
+        <source>ZoomOut</source>
+        <translation>缩小</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>缩小</translation>
+    </message>
+    <message>
+        <source>FullScreen</source>
+        <translation>全屏</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>全屏</translation>
+    </message>
+    <message>
+        <source>Talk</source>
+        <translation>对讲</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>返回</translation>
+    </message>
+</context>
+<context>
+    <name>CSearchCameraForm</name>
+    <message>
+        <source>Searching...</source>
+        <translation>正在搜索...</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n camera(s) found</source>
+        <translation>
+            <numerusform>找到 %n 台摄像机</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Please select a camera.</source>
+        <translation>请选择一台摄像机。</translation>
+    </message>
+</context>
+<context>
+    <name>CSearchCameraListForm</name>
+    <message>
+        <source>Model</source>
+        <translation>型号</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>名称</translation>
+    </message>
+    <message>
+        <source>Location</source>
+        <translation>位置</translation>
+    </message>
+    <message>
+        <source>IP</source>
+        <translation>IP</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>端口</translation>
+    </message>
+    <message>
+        <source>MAC</source>
+        <translation>MAC</translation>
+    </message>
+    <message>
+        <source>P2P UID</source>
+        <translation>P2P UID</translation>
+    </message>
+    <message>
+        <source>Please wait for search camera...</source>
+        <translation>正在搜索摄像机，请稍候...</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Please select a camera.</source>
+        <translation>请选择一台摄像机。</translation>
+    </message>
+    <message>
+        <source>Please wait for get onfiguration...</source>
+        <translation>正在获取配置，请稍候...</translation>
+    </message>
+</context>
+<context>
+    <name>CSelectCameraForm</name>
+    <message>
+        <source>Select Camera</source>
+        <translation>选择摄像机</translation>
+    </message>
+</context>
+<context>
+    <name>CSelectCameraItemForm</name>
+    <message>
+        <source>Camera Name</source>
+        <translation>摄像机名称</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>已选择</translation>
+    </message>
+    <message>
+        <source>Not selected</source>
+        <translation>未选择</translation>
+    </message>
+</context>
+<context>
+    <name>CSelectCameraRecordingForm</name>
+    <message>
+        <source>Select Camera Recording</source>
+        <translation>选择录像的摄像机</translation>
+    </message>
+</context>
+<context>
+    <name>CVolumeSliderForm</name>
+    <message>
+        <source>Volume</source>
+        <translation>音量</translation>
+    </message>
+    <message>
+        <source>Sound on</source>
+        <translation>打开声音</translation>
+    </message>
+    <message>
+        <source>Mute</source>
+        <translation>静音</translation>
+    </message>
+</context>
+<context>
+    <name>CameraSetUp</name>
+    <message>
+        <source>Camera Setup</source>
+        <translation>摄像机设置</translation>
+    </message>
+    <message>
+        <source>Camera Settings</source>
+        <translation>摄像机参数</translation>
+    </message>
+    <message>
+        <source>Device Name</source>
+        <translation>设备名称</translation>
+    </message>
+    <message>
+        <source>Device Location</source>
+        <translation>设备位置</translation>
+    </message>
+    <message>
+        <source>HttpPort</source>
+        <translation>HTTP 端口</translation>
+    </message>
+    <message>
+        <source>Assigned IP Address Manually</source>
+        <translation>手动分配 IP 地址</translation>
+    </message>
+    <message>
+        <source>IP</source>
+        <translation>IP</translation>
+    </message>
+    <message>
+        <source>Mask</source>
+        <translation>掩码</translation>
+    </message>
+    <message>
+        <source>Default Getway</source>
+        <translation>默认网关</translation>
+    </message>
+    <message>
+        <source>Assigned DNS Manually</source>
+        <translation>手动分配 DNS</translation>
+    </message>
+    <message>
+        <source>Primary DNS</source>
+        <translation>首选 DNS</translation>
+    </message>
+    <message>
+        <source>Sencondary DNS</source>
+        <translation>备用 DNS</translation>
+    </message>
+    <message>
+        <source>User Name</source>
+        <translation>用户名</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>密码</translation>
+    </message>
+    <message>
+        <source>Query</source>
+        <translation>查询</translation>
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>应用</translation>
+    </message>
+    <message>
+        <source>Exit</source>
+        <translation>退出</translation>
+    </message>
+</context>
+<context>
+    <name>LiveView</name>
+    <message>
+        <source> is connecting...</source>
+        <translation> 正在连接...</translation>
+    </message>
+</context>
+<context>
+    <name>NetworkConfigurationCheck</name>
+    <message>
+        <source>Device Name input invalid!</source>
+        <translation>设备名称输入无效！</translation>
+    </message>
+    <message>
+        <source>Device Name is too long!</source>
+        <translation>设备名称过长！</translation>
+    </message>
+    <message>
+        <source>Location input invalid!</source>
+        <translation>位置输入无效！</translation>
+    </message>
+    <message>
+        <source>Location is too long!</source>
+        <translation>位置过长！</translation>
+    </message>
+    <message>
+        <source>Http Port input invalid!</source>
+        <translation>HTTP 端口输入无效！</translation>
+    </message>
+    <message>
+        <source>Http Port out of range!</source>
+        <translation>HTTP 端口超出范围！</translation>
+    </message>
+    <message>
+        <source>invalid IP or Mask!</source>
+        <translation>IP 或掩码无效！</translation>
+    </message>
+</context>
+<context>
+    <name>SearchCameraForm</name>
+    <message>
+        <source>Search Camera</source>
+        <translation>搜索摄像机</translation>
+    </message>
+    <message>
+        <source>Select Camera</source>
+        <translation>选择摄像机</translation>
+    </message>
+    <message>
+        <source>Cameras on the network</source>
+        <translation>网络中的摄像机</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>SearchCameraListForm</name>
+    <message>
+        <source>Cameras on the network</source>
+        <translation>网络中的摄像机</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>搜索</translation>
+    </message>
+    <message>
+        <source>Browser</source>
+        <translation>浏览器</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>清除</translation>
+    </message>
+    <message>
+        <source>Setup</source>
+        <translation>设置</translation>
+    </message>
+</context>
+<context>
+    <name>SelectionDialog</name>
+    <message>
+        <source>Select Camera</source>
+        <translation>选择摄像机</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>关闭</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>确定</translation>
+    </message>
+</context>
 </TS>

@@ -1,4 +1,661 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
 <TS version="2.1" language="ru_RU" sourcelanguage="en_US">
+<context>
+    <name>CAddButtonForm</name>
+    <message>
+        <source>Add a camera</source>
+        <translation>Добавить камеру</translation>
+    </message>
+</context>
+<context>
+    <name>CAddCameraForm</name>
+    <message>
+        <source>Add Camera</source>
+        <translation>Добавление камеры</translation>
+    </message>
+    <message>
+        <source>UID or address</source>
+        <translation>UID или адрес</translation>
+    </message>
+    <message>
+        <source>Find cameras on this network</source>
+        <translation>Найти камеры в этой сети</translation>
+    </message>
+    <message>
+        <source>Discover</source>
+        <translation>Обнаружить</translation>
+    </message>
+    <message>
+        <source>User Name</source>
+        <translation>Имя пользователя</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Пароль</translation>
+    </message>
+    <message>
+        <source>Camera Name</source>
+        <translation>Имя камеры</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+    <message>
+        <source>Modify Camera</source>
+        <translation>Изменение камеры</translation>
+    </message>
+    <message>
+        <source>Please input UID.</source>
+        <translation>Введите UID.</translation>
+    </message>
+    <message>
+        <source>Please input user name.</source>
+        <translation>Введите имя пользователя.</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+</context>
+<context>
+    <name>CAddressEdit</name>
+    <message>
+        <source>Part %1 of the address</source>
+        <translation>Часть %1 адреса</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraMgrFrame</name>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>Cannot add camera, 100 is maxnum.</source>
+        <translation>Невозможно добавить камеру: допускается не более 100.</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Предупреждение</translation>
+    </message>
+    <message>
+        <source>Delete camera?</source>
+        <translation>Удалить камеру?</translation>
+    </message>
+    <message>
+        <source>Reboot camera?</source>
+        <translation>Перезагрузить камеру?</translation>
+    </message>
+    <message>
+        <source>Please wait for reboot...</source>
+        <translation>Выполняется перезагрузка, подождите...</translation>
+    </message>
+    <message>
+        <source>info</source>
+        <translation>Информация</translation>
+    </message>
+    <message>
+        <source>Reboot success. Please wait a few minutes and re-connect.</source>
+        <translation>Перезагрузка выполнена. Подождите несколько минут и подключитесь снова.</translation>
+    </message>
+    <message>
+        <source>Reboot failed. Please wait a few minutes and re-try.</source>
+        <translation>Не удалось выполнить перезагрузку. Подождите несколько минут и повторите попытку.</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraMgrItemForm</name>
+    <message>
+        <source>Menu</source>
+        <translation>Меню</translation>
+    </message>
+    <message>
+        <source>Camera menu</source>
+        <translation>Меню камеры</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Воспроизвести</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Удалить</translation>
+    </message>
+    <message>
+        <source>Modify</source>
+        <translation>Изменить</translation>
+    </message>
+    <message>
+        <source>Invalid Password!</source>
+        <translation>Неверный пароль!</translation>
+    </message>
+    <message>
+        <source>Connected</source>
+        <translation>Подключена</translation>
+    </message>
+    <message>
+        <source>Not connected</source>
+        <translation>Не подключена</translation>
+    </message>
+</context>
+<context>
+    <name>CCameraSetUp</name>
+    <message>
+        <source>Please wait for get configuration...</source>
+        <translation>Получение конфигурации, подождите...</translation>
+    </message>
+    <message>
+        <source>Please wait for set configuration...</source>
+        <translation>Запись конфигурации, подождите...</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>Network error. Please wait a while and try again.</source>
+        <translation>Ошибка сети. Подождите немного и повторите попытку.</translation>
+    </message>
+    <message>
+        <source>Authenticate failed. Please check your user name or password.</source>
+        <translation>Ошибка проверки подлинности. Проверьте имя пользователя и пароль.</translation>
+    </message>
+    <message>
+        <source>Get configuration failed. Please wait a while and try again.</source>
+        <translation>Не удалось получить конфигурацию. Подождите немного и повторите попытку.</translation>
+    </message>
+    <message>
+        <source>Set configuration failed. Please check your configuration and try again.</source>
+        <translation>Не удалось записать конфигурацию. Проверьте её и повторите попытку.</translation>
+    </message>
+</context>
+<context>
+    <name>CMainForm</name>
+    <message>
+        <source>Zelvaro</source>
+        <translation>Zelvaro</translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation>Меню</translation>
+    </message>
+    <message>
+        <source>Minimize</source>
+        <translation>Свернуть</translation>
+    </message>
+    <message>
+        <source>Maximize</source>
+        <translation>Развернуть</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Закрыть</translation>
+    </message>
+    <message>
+        <source>Cameras (Alt+C)</source>
+        <translation>Камеры (Alt+C)</translation>
+    </message>
+    <message>
+        <source>Camera</source>
+        <translation>Камера</translation>
+    </message>
+    <message>
+        <source>Several cameras side by side (Alt+M)</source>
+        <translation>Несколько камер рядом (Alt+M)</translation>
+    </message>
+    <message>
+        <source>MultiLive</source>
+        <translation>Мультиэкран</translation>
+    </message>
+    <message>
+        <source>Recordings (Alt+V)</source>
+        <translation>Записи (Alt+V)</translation>
+    </message>
+    <message>
+        <source>Video</source>
+        <translation>Видео</translation>
+    </message>
+    <message>
+        <source>Photos (Alt+A)</source>
+        <translation>Фото (Alt+A)</translation>
+    </message>
+    <message>
+        <source>Album</source>
+        <translation>Альбом</translation>
+    </message>
+    <message>
+        <source>Find and set up cameras (Alt+S)</source>
+        <translation>Поиск и настройка камер (Alt+S)</translation>
+    </message>
+    <message>
+        <source>Setup</source>
+        <translation>Настройка</translation>
+    </message>
+    <message>
+        <source>Version 1.4 (Build 20180813)</source>
+        <translation>Версия 1.4 (сборка 20180813)</translation>
+    </message>
+    <message>
+        <source>Save Path...</source>
+        <translation>Папка сохранения...</translation>
+    </message>
+    <message>
+        <source>Selecte Path</source>
+        <translation>Выбор папки</translation>
+    </message>
+</context>
+<context>
+    <name>CMessageBox</name>
+    <message>
+        <source>Message</source>
+        <translation>Сообщение</translation>
+    </message>
+    <message>
+        <source>Icon</source>
+        <translation>Значок</translation>
+    </message>
+    <message>
+        <source>Message Text</source>
+        <translation>Текст сообщения</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+</context>
+<context>
+    <name>CMultiLiveForm</name>
+    <message>
+        <source>Select cameras</source>
+        <translation>Выбрать камеры</translation>
+    </message>
+    <message>
+        <source>Snapshot</source>
+        <translation>Снимок</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Запись</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Предупреждение</translation>
+    </message>
+    <message>
+        <source>By changing view your recording will be stop.</source>
+        <translation>При смене вида запись будет остановлена.</translation>
+    </message>
+</context>
+<context>
+    <name>CMultiLiveItemForm</name>
+    <message>
+        <source>Live picture</source>
+        <translation>Изображение с камеры</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>Двойной щелчок или клавиша Esc переключает полноэкранный режим.</translation>
+    </message>
+    <message>
+        <source>Camera Name</source>
+        <translation>Имя камеры</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Идёт запись</translation>
+    </message>
+</context>
+<context>
+    <name>CPlayCameraForm</name>
+    <message>
+        <source>Live picture</source>
+        <translation>Изображение с камеры</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>Двойной щелчок или клавиша Esc переключает полноэкранный режим.</translation>
+    </message>
+    <message>
+        <source>Camera Name</source>
+        <translation>Имя камеры</translation>
+    </message>
+    <message>
+        <source>Recording</source>
+        <translation>Идёт запись</translation>
+    </message>
+    <message>
+        <source>Snapshot</source>
+        <translation>Снимок</translation>
+    </message>
+    <message>
+        <source>Record</source>
+        <translation>Запись</translation>
+    </message>
+    <message>
+        <source>ZoomIn</source>
+        <translation>Увеличить</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>Увеличить</translation>
+    </message>
+    <message>
+        <source>ZoomOut</source>
+        <translation>Уменьшить</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>Уменьшить</translation>
+    </message>
+    <message>
+        <source>FullScreen</source>
+        <translation>Во весь экран</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>Во весь экран</translation>
+    </message>
+    <message>
+        <source>Talk</source>
+        <translation>Говорить</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>Назад</translation>
+    </message>
+</context>
+<context>
+    <name>CSearchCameraForm</name>
+    <message>
+        <source>Searching...</source>
+        <translation>Поиск...</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n camera(s) found</source>
+        <translation>
+            <numerusform>Найдена %n камера</numerusform>
+            <numerusform>Найдено %n камеры</numerusform>
+            <numerusform>Найдено %n камер</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>Please select a camera.</source>
+        <translation>Выберите камеру.</translation>
+    </message>
+</context>
+<context>
+    <name>CSearchCameraListForm</name>
+    <message>
+        <source>Model</source>
+        <translation>Модель</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Имя</translation>
+    </message>
+    <message>
+        <source>Location</source>
+        <translation>Расположение</translation>
+    </message>
+    <message>
+        <source>IP</source>
+        <translation>IP</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>Порт</translation>
+    </message>
+    <message>
+        <source>MAC</source>
+        <translation>MAC</translation>
+    </message>
+    <message>
+        <source>P2P UID</source>
+        <translation>P2P UID</translation>
+    </message>
+    <message>
+        <source>Please wait for search camera...</source>
+        <translation>Поиск камер, подождите...</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>Please select a camera.</source>
+        <translation>Выберите камеру.</translation>
+    </message>
+    <message>
+        <source>Please wait for get onfiguration...</source>
+        <translation>Получение конфигурации, подождите...</translation>
+    </message>
+</context>
+<context>
+    <name>CSelectCameraForm</name>
+    <message>
+        <source>Select Camera</source>
+        <translation>Выбор камеры</translation>
+    </message>
+</context>
+<context>
+    <name>CSelectCameraItemForm</name>
+    <message>
+        <source>Camera Name</source>
+        <translation>Имя камеры</translation>
+    </message>
+    <message>
+        <source>Selected</source>
+        <translation>Выбрана</translation>
+    </message>
+    <message>
+        <source>Not selected</source>
+        <translation>Не выбрана</translation>
+    </message>
+</context>
+<context>
+    <name>CSelectCameraRecordingForm</name>
+    <message>
+        <source>Select Camera Recording</source>
+        <translation>Выбор камер для записи</translation>
+    </message>
+</context>
+<context>
+    <name>CVolumeSliderForm</name>
+    <message>
+        <source>Volume</source>
+        <translation>Громкость</translation>
+    </message>
+    <message>
+        <source>Sound on</source>
+        <translation>Включить звук</translation>
+    </message>
+    <message>
+        <source>Mute</source>
+        <translation>Без звука</translation>
+    </message>
+</context>
+<context>
+    <name>CameraSetUp</name>
+    <message>
+        <source>Camera Setup</source>
+        <translation>Настройка камеры</translation>
+    </message>
+    <message>
+        <source>Camera Settings</source>
+        <translation>Параметры камеры</translation>
+    </message>
+    <message>
+        <source>Device Name</source>
+        <translation>Имя устройства</translation>
+    </message>
+    <message>
+        <source>Device Location</source>
+        <translation>Расположение устройства</translation>
+    </message>
+    <message>
+        <source>HttpPort</source>
+        <translation>Порт HTTP</translation>
+    </message>
+    <message>
+        <source>Assigned IP Address Manually</source>
+        <translation>Назначить IP-адрес вручную</translation>
+    </message>
+    <message>
+        <source>IP</source>
+        <translation>IP</translation>
+    </message>
+    <message>
+        <source>Mask</source>
+        <translation>Маска</translation>
+    </message>
+    <message>
+        <source>Default Getway</source>
+        <translation>Основной шлюз</translation>
+    </message>
+    <message>
+        <source>Assigned DNS Manually</source>
+        <translation>Назначить DNS вручную</translation>
+    </message>
+    <message>
+        <source>Primary DNS</source>
+        <translation>Основной DNS</translation>
+    </message>
+    <message>
+        <source>Sencondary DNS</source>
+        <translation>Дополнительный DNS</translation>
+    </message>
+    <message>
+        <source>User Name</source>
+        <translation>Имя пользователя</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Пароль</translation>
+    </message>
+    <message>
+        <source>Query</source>
+        <translation>Запросить</translation>
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>Применить</translation>
+    </message>
+    <message>
+        <source>Exit</source>
+        <translation>Выход</translation>
+    </message>
+</context>
+<context>
+    <name>LiveView</name>
+    <message>
+        <source> is connecting...</source>
+        <translation> — подключение...</translation>
+    </message>
+</context>
+<context>
+    <name>NetworkConfigurationCheck</name>
+    <message>
+        <source>Device Name input invalid!</source>
+        <translation>Недопустимое имя устройства!</translation>
+    </message>
+    <message>
+        <source>Device Name is too long!</source>
+        <translation>Имя устройства слишком длинное!</translation>
+    </message>
+    <message>
+        <source>Location input invalid!</source>
+        <translation>Недопустимое расположение!</translation>
+    </message>
+    <message>
+        <source>Location is too long!</source>
+        <translation>Расположение слишком длинное!</translation>
+    </message>
+    <message>
+        <source>Http Port input invalid!</source>
+        <translation>Недопустимый порт HTTP!</translation>
+    </message>
+    <message>
+        <source>Http Port out of range!</source>
+        <translation>Порт HTTP вне допустимого диапазона!</translation>
+    </message>
+    <message>
+        <source>invalid IP or Mask!</source>
+        <translation>Недопустимый IP-адрес или маска!</translation>
+    </message>
+</context>
+<context>
+    <name>SearchCameraForm</name>
+    <message>
+        <source>Search Camera</source>
+        <translation>Поиск камер</translation>
+    </message>
+    <message>
+        <source>Select Camera</source>
+        <translation>Выбор камеры</translation>
+    </message>
+    <message>
+        <source>Cameras on the network</source>
+        <translation>Камеры в сети</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Отмена</translation>
+    </message>
+</context>
+<context>
+    <name>SearchCameraListForm</name>
+    <message>
+        <source>Cameras on the network</source>
+        <translation>Камеры в сети</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Поиск</translation>
+    </message>
+    <message>
+        <source>Browser</source>
+        <translation>Браузер</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Очистить</translation>
+    </message>
+    <message>
+        <source>Setup</source>
+        <translation>Настройка</translation>
+    </message>
+</context>
+<context>
+    <name>SelectionDialog</name>
+    <message>
+        <source>Select Camera</source>
+        <translation>Выбор камеры</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Закрыть</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
 </TS>

@@ -15,9 +15,21 @@ struct Message
 {
     QString context;
     QString source;
-    QString translation;
-    QString type; ///< empty when finished
+    QStringList translations; ///< one, or one for each plural form of the language
+    QString type;             ///< empty when finished
+    bool plural = false;
 };
+
+void readTranslation(QXmlStreamReader &xml, Message &message)
+{
+    message.type = xml.attributes().value(QStringLiteral("type")).toString();
+    if (!message.plural) {
+        message.translations.append(xml.readElementText());
+        return;
+    }
+    while (xml.readNextStartElement())
+        message.translations.append(xml.readElementText());
+}
 
 QVector<Message> messages(const QString &fileName)
 {
@@ -33,12 +45,14 @@ QVector<Message> messages(const QString &fileName)
         if (xml.name() == QLatin1String("name")) {
             context = xml.readElementText();
         } else if (xml.name() == QLatin1String("message")) {
-            result.append({context, {}, {}, {}});
+            Message message;
+            message.context = context;
+            message.plural = xml.attributes().hasAttribute(QStringLiteral("numerus"));
+            result.append(message);
         } else if (xml.name() == QLatin1String("source")) {
             result.last().source = xml.readElementText();
         } else if (xml.name() == QLatin1String("translation")) {
-            result.last().type = xml.attributes().value(QStringLiteral("type")).toString();
-            result.last().translation = xml.readElementText();
+            readTranslation(xml, result.last());
         }
     }
     return result;
@@ -87,6 +101,8 @@ private slots:
     void textsAreThoseOfTheSources();
     void placeholdersAreKept_data() { addLanguages(); }
     void placeholdersAreKept();
+    void pluralFormsAreAllThere_data();
+    void pluralFormsAreAllThere();
     void sameTextsAreTranslatedAlike_data() { addLanguages(); }
     void sameTextsAreTranslatedAlike();
     void fileIsInTheTree_data() { addLanguages(); }
@@ -101,7 +117,9 @@ void TestTranslations::everyTextIsTranslated()
     QVERIFY2(all.size() >= 80, qPrintable(QString::number(all.size())));
     for (const Message &message : all) {
         QVERIFY2(message.type.isEmpty(), qPrintable(what(message) + " is " + message.type));
-        QVERIFY2(!message.translation.trimmed().isEmpty(), qPrintable(what(message)));
+        QVERIFY2(!message.translations.isEmpty(), qPrintable(what(message)));
+        for (const QString &translation : message.translations)
+            QVERIFY2(!translation.trimmed().isEmpty(), qPrintable(what(message)));
     }
 }
 
@@ -116,8 +134,8 @@ void TestTranslations::textsAreThoseOfTheSources()
 
     QProcess update;
     update.setWorkingDirectory(sourceFolder);
-    update.start(QStringLiteral(ZELVARO_LUPDATE),
-                 {"-silent", "-locations", "none", "app", "settings", "camera", "ui", "-ts", copy});
+    update.start(QStringLiteral(ZELVARO_LUPDATE), {"-silent", "-I", ".", "-locations", "none",
+                                                   "app", "settings", "camera", "ui", "-ts", copy});
     QVERIFY(update.waitForFinished(100000));
     QCOMPARE(update.exitCode(), 0);
 
@@ -131,26 +149,45 @@ void TestTranslations::placeholdersAreKept()
 {
     QFETCH(QString, name);
     for (const Message &message : messages(tsFile(name))) {
-        QVERIFY2(placeholders(message.source) == placeholders(message.translation),
-                 qPrintable(what(message)));
-        // Blanks at the ends join the text to a name or a number.
-        QVERIFY2(message.source.startsWith(' ') == message.translation.startsWith(' '),
-                 qPrintable(what(message)));
-        QVERIFY2(message.source.endsWith(' ') == message.translation.endsWith(' '),
-                 qPrintable(what(message)));
-        QCOMPARE(message.translation.count('\n'), message.source.count('\n'));
+        const QString &source = message.source;
+        for (const QString &translation : message.translations) {
+            QVERIFY2(placeholders(source) == placeholders(translation), qPrintable(what(message)));
+            // Blanks at the ends join the text to a name or a number.
+            QVERIFY2(source.startsWith(' ') == translation.startsWith(' '),
+                     qPrintable(what(message)));
+            QVERIFY2(source.endsWith(' ') == translation.endsWith(' '), qPrintable(what(message)));
+            QCOMPARE(translation.count('\n'), source.count('\n'));
+        }
     }
+}
+
+void TestTranslations::pluralFormsAreAllThere_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("forms");
+    QTest::newRow("Japanese") << "Zelvaro_jp" << 1;
+    QTest::newRow("Chinese") << "Zelvaro_zh" << 1;
+    QTest::newRow("Russian") << "zelvaro_ru" << 3;
+}
+
+void TestTranslations::pluralFormsAreAllThere()
+{
+    QFETCH(QString, name);
+    QFETCH(int, forms);
+    for (const Message &message : messages(tsFile(name)))
+        QVERIFY2(message.translations.size() == (message.plural ? forms : 1),
+                 qPrintable(what(message)));
 }
 
 void TestTranslations::sameTextsAreTranslatedAlike()
 {
     QFETCH(QString, name);
-    QMap<QString, QString> known;
+    QMap<QString, QStringList> known;
     for (const Message &message : messages(tsFile(name))) {
         const auto before = known.constFind(message.source);
         if (before != known.cend())
-            QVERIFY2(*before == message.translation, qPrintable(what(message)));
-        known.insert(message.source, message.translation);
+            QVERIFY2(*before == message.translations, qPrintable(what(message)));
+        known.insert(message.source, message.translations);
     }
 }
 
@@ -162,8 +199,9 @@ void TestTranslations::fileIsInTheTree()
     QVERIFY(!translator.isEmpty());
     for (const Message &message : messages(tsFile(name))) {
         const QString shown = translator.translate(message.context.toUtf8().constData(),
-                                                   message.source.toUtf8().constData());
-        QVERIFY2(shown == message.translation, qPrintable(what(message)));
+                                                   message.source.toUtf8().constData(), nullptr,
+                                                   message.plural ? 1 : -1);
+        QVERIFY2(shown == message.translations.first(), qPrintable(what(message)));
     }
 }
 
