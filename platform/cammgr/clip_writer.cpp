@@ -5,6 +5,8 @@
 
 #include <gst/app/gstappsrc.h>
 
+#include <filesystem>
+
 namespace cammgr {
 
 namespace {
@@ -75,9 +77,7 @@ ClipWriter::ClipWriter(std::string path, ClipFormat format, GstClockTime start,
     , m_failed(std::move(failed))
 {
     m_closing->begin();
-    const int tracks = m_format.audio ? 2 : 1;
-    // The muxer keeps two copies of the index, so that one is whole at any moment.
-    m_bytes = uint64_t{2} * tracks * m_format.reserveSeconds * m_format.indexBytesPerSecond;
+    m_bytes = indexBytes();
 }
 
 ClipWriter::~ClipWriter()
@@ -234,8 +234,27 @@ void ClipWriter::finish()
     m_audioEnded = true;
     if (!m_written.wait_for(lock, finishTimeout, [this] { return m_ended; }))
         g_log("cammgr", G_LOG_LEVEL_WARNING, "%s: not finished in time", m_path.c_str());
-    const auto old = std::move(m_pipeline);
+    auto old = std::move(m_pipeline);
     lock.unlock();
+    old.reset();
+    if (m_hasFailed)
+        removeWhatCannotPlay();
+}
+
+uint64_t ClipWriter::indexBytes() const
+{
+    // The muxer keeps two copies of the index, so that one is whole at any moment.
+    const int tracks = m_format.audio ? 2 : 1;
+    return uint64_t{2} * tracks * m_format.reserveSeconds * m_format.indexBytesPerSecond;
+}
+
+/// A file that broke off before its first picture is of no use to anybody.
+void ClipWriter::removeWhatCannotPlay() const
+{
+    std::error_code error;
+    const auto size = std::filesystem::file_size(m_path, error);
+    if (!error && size < indexBytes())
+        std::filesystem::remove(m_path, error);
 }
 
 /// Any thread; the lock may be held.

@@ -71,6 +71,8 @@ private:
 
     bool build();
     void finish();
+    void removeWhatCannotPlay() const;
+    uint64_t indexBytes() const;
     void fail();
     void sendVideo(const AccessUnit &unit);
     void sendAudio(const AudioUnit &unit);

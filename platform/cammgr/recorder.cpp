@@ -19,7 +19,7 @@ constexpr uint64_t framesThatTell = 60;
 constexpr double guessedBytesPerSecond = 512'000 / 8;
 // The index may take this part of a clip at most, and this much when there is no limit.
 constexpr uint64_t indexPart = 8;
-constexpr uint64_t largestIndex = 16 * 1024 * 1024;
+constexpr uint64_t largestIndex = 8 * 1024 * 1024;
 constexpr int shortestReserve = 60;
 // What the muxer needs for one frame: its size, its duration, a share of the chunk table.
 constexpr int indexBytesPerFrame = 20;

@@ -1,0 +1,105 @@
+#include "platform/cammgr/access_unit.h"
+#include "platform/cammgr/gop_buffer.h"
+#include "platform/cammgr/stream_stats.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+using namespace cammgr;
+using namespace std::chrono_literals;
+
+namespace {
+
+AccessUnit unitOf(uint64_t number, bool key, size_t bytes = 100)
+{
+    gst_init(nullptr, nullptr);
+    AccessUnit unit;
+    unit.buffer = BufferRef::adopt(gst_buffer_new_allocate(nullptr, bytes, nullptr));
+    unit.number = number;
+    unit.key = key;
+    unit.time = number * 40 * GST_MSECOND;
+    return unit;
+}
+
+AudioUnit soundAt(GstClockTime time)
+{
+    return {BufferRef::adopt(gst_buffer_new_allocate(nullptr, 160, nullptr)), {}, time};
+}
+
+} // namespace
+
+TEST(GopBuffer, HoldsWhatCameSinceTheLastKeyFrame)
+{
+    GopBuffer memory;
+    memory.takeFrame(unitOf(1, false));
+    EXPECT_TRUE(memory.frames().empty());
+    memory.takeFrame(unitOf(2, true));
+    memory.takeFrame(unitOf(3, false));
+    ASSERT_EQ(memory.frames().size(), 2u);
+    EXPECT_EQ(memory.frames().front().number, 2u);
+    memory.takeFrame(unitOf(4, true));
+    ASSERT_EQ(memory.frames().size(), 1u);
+    EXPECT_EQ(memory.frames().front().number, 4u);
+}
+
+TEST(GopBuffer, ForgetsAllWhenTheKeyFrameIsTooFarBack)
+{
+    GopBuffer memory(1000);
+    memory.takeFrame(unitOf(1, true, 600));
+    memory.takeFrame(unitOf(2, false, 600));
+    EXPECT_TRUE(memory.frames().empty());
+    memory.takeFrame(unitOf(3, false, 10));
+    EXPECT_TRUE(memory.frames().empty());
+    memory.takeFrame(unitOf(4, true, 600));
+    EXPECT_EQ(memory.frames().size(), 1u);
+}
+
+TEST(GopBuffer, KeepsTheAudioOfItsPictures)
+{
+    GopBuffer memory;
+    memory.takeAudio(soundAt(20 * GST_MSECOND));
+    memory.takeAudio(soundAt(60 * GST_MSECOND));
+    memory.takeFrame(unitOf(1, true)); // 40 ms
+    ASSERT_EQ(memory.audio().size(), 1u);
+    EXPECT_EQ(memory.audio().front().time, 60 * GST_MSECOND);
+}
+
+TEST(StreamStats, CountsTheLastSecond)
+{
+    StreamStats stats;
+    const auto start = SteadyClock::now();
+    for (int i = 0; i < 50; ++i)
+        stats.add(start + i * 40ms, 1000);
+    const auto last = start + 49 * 40ms;
+    EXPECT_EQ(stats.frames(last), 25);
+    EXPECT_EQ(stats.bits(last), 25 * 1000 * 8);
+    EXPECT_EQ(stats.frames(last + 500ms), 13);
+    EXPECT_EQ(stats.frames(last + 5s), 0);
+    EXPECT_EQ(stats.bits(last + 5s), 0);
+}
+
+TEST(SliceFacts, ReadsReferenceAndKind)
+{
+    // One slice NAL unit each: nal_ref_idc, then first_mb_in_slice 0 ("1") and slice_type.
+    const std::array<uint8_t, 7> bSlice = {0, 0, 0, 3, 0x01, 0b10100000, 0}; // type 1 (B): 010
+    const std::array<uint8_t, 7> pSlice = {0, 0, 0, 3, 0x61, 0b11000000, 0}; // type 0 (P): 1
+    const std::array<uint8_t, 7> iSlice = {0, 0, 0, 3, 0x65, 0b10001000, 0}; // type 7 (I): 0001000
+    EXPECT_TRUE(readSliceFacts(bSlice.data(), bSlice.size()).bipredictive);
+    EXPECT_FALSE(readSliceFacts(bSlice.data(), bSlice.size()).reference);
+    EXPECT_FALSE(readSliceFacts(pSlice.data(), pSlice.size()).bipredictive);
+    EXPECT_TRUE(readSliceFacts(pSlice.data(), pSlice.size()).reference);
+    EXPECT_FALSE(readSliceFacts(iSlice.data(), iSlice.size()).bipredictive);
+    EXPECT_TRUE(readSliceFacts(iSlice.data(), iSlice.size()).reference);
+}
+
+TEST(SliceFacts, DamagedInputEndsQuietly)
+{
+    const std::array<uint8_t, 9> lengthTooLarge = {0xff, 0xff, 0xff, 0xff, 0x65, 0x88, 0, 0, 0};
+    EXPECT_FALSE(readSliceFacts(lengthTooLarge.data(), lengthTooLarge.size()).reference);
+    const std::array<uint8_t, 9> empty = {};
+    for (size_t size = 0; size <= empty.size(); ++size)
+        EXPECT_FALSE(readSliceFacts(empty.data(), size).reference);
+    const std::array<uint8_t, 5> bare = {0, 0, 0, 1, 0x65};
+    EXPECT_TRUE(readSliceFacts(bare.data(), bare.size()).reference);
+}
