@@ -21,7 +21,6 @@ struct Shared
 {
     Ticker &ticker;
     Reactor &reactor;
-    GstRTSPThreadPool *threads;
 };
 
 /// One simulated camera. Main thread.

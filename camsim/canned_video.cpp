@@ -98,7 +98,7 @@ Ticker::Time CannedVideo::tick(Ticker::Time now)
     const FeedList::Feeds feeds = m_feeds.active();
     if (feeds.empty())
         return Ticker::never();
-    if (isEarly(now))
+    if (isEarly(now, feeds))
         return beat();
     std::unique_lock lock(m_mutex);
     const std::shared_ptr<const Clip> clip = m_clip;

@@ -43,8 +43,6 @@ int runCameras(const Options &options, GMainLoop *loop)
 {
     Ticker ticker;
     Reactor reactor;
-    GstRTSPThreadPool *threads = gst_rtsp_thread_pool_new();
-    gst_rtsp_thread_pool_set_max_threads(threads, 4);
 
     int exitCode = 0;
     {
@@ -55,8 +53,7 @@ int runCameras(const Options &options, GMainLoop *loop)
             exitCode = 1;
         }
         for (int index = 0; index < options.count && exitCode == 0; ++index) {
-            auto camera =
-                std::make_unique<Camera>(Shared{ticker, reactor, threads}, options, index);
+            auto camera = std::make_unique<Camera>(Shared{ticker, reactor}, options, index);
             const std::string wrong = camera->start();
             if (!wrong.empty()) {
                 std::fprintf(stderr, "camsim: %s\n", wrong.c_str());
@@ -70,7 +67,6 @@ int runCameras(const Options &options, GMainLoop *loop)
         if (exitCode == 0)
             g_main_loop_run(loop);
     }
-    g_object_unref(threads);
     return exitCode;
 }
 

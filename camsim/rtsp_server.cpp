@@ -1,8 +1,9 @@
 #include "camsim/rtsp_server.h"
 
+#include "camsim/rtsp_client.h"
+
 #include <gst/rtsp-server/rtsp-onvif-media-factory.h>
 #include <gst/rtsp-server/rtsp-onvif-media.h>
-#include <gst/rtsp-server/rtsp-onvif-server.h>
 
 namespace camsim {
 
@@ -14,7 +15,7 @@ constexpr const char *kRole = "viewer";
 constexpr const char *kVideoLine =
     "appsrc name=video is-live=true format=time do-timestamp=true max-buffers=60 max-bytes=0 "
     "leaky-type=downstream caps=video/x-h264,stream-format=byte-stream,alignment=au "
-    "! rtph264pay name=pay0 pt=96 config-interval=-1 ";
+    "! rtph264pay name=pay0 pt=96 ";
 constexpr const char *kAudioLine =
     "appsrc name=audio is-live=true format=time do-timestamp=true max-buffers=25 max-bytes=0 "
     "leaky-type=downstream caps=audio/x-mulaw,rate=8000,channels=1 "
@@ -50,26 +51,24 @@ void withElement(GstElement *bin, const char *name, Use use)
 
 } // namespace
 
-RtspServer::RtspServer(GstRTSPThreadPool *threads, const Login &login, Transport transport,
-                       const StreamSet &streams, const std::string &mainPath,
-                       const std::string &subPath)
-    : m_server(gst_rtsp_onvif_server_new())
+RtspServer::RtspServer(const Login &login, Transport transport, const StreamSet &streams,
+                       const std::string &mainPath, const std::string &subPath)
+    : m_server(newRtspServer())
     , m_auth(gst_rtsp_auth_new())
     , m_login(login)
     , m_streams(streams)
+    , m_transport(transport)
+    , m_main{mainPath, streams.mainVideo, nullptr, this}
+    , m_sub{subPath, streams.subVideo, nullptr, this}
 {
     gst_rtsp_server_set_address(m_server, "127.0.0.1");
     gst_rtsp_server_set_service(m_server, "0");
-    gst_rtsp_server_set_thread_pool(m_server, threads);
     gst_rtsp_auth_set_supported_methods(
         m_auth, static_cast<GstRTSPAuthMethod>(GST_RTSP_AUTH_BASIC | GST_RTSP_AUTH_DIGEST));
     allow(login.password);
     gst_rtsp_server_set_auth(m_server, m_auth);
 
-    m_main.video = streams.mainVideo;
-    m_sub.video = streams.subVideo;
-    mount(m_main, mainPath, transport);
-    mount(m_sub, subPath, transport);
+    setVideo(true);
     m_source = gst_rtsp_server_attach(m_server, nullptr);
     m_port = gst_rtsp_server_get_bound_port(m_server);
 }
@@ -82,10 +81,8 @@ RtspServer::~RtspServer()
         return GST_RTSP_FILTER_REMOVE;
     };
     gst_rtsp_server_client_filter(m_server, removeAll, nullptr);
-    for (Stream *stream : {&m_main, &m_sub}) {
-        g_signal_handlers_disconnect_by_data(stream->factory, stream);
-        g_object_unref(stream->factory);
-    }
+    for (Stream *stream : {&m_main, &m_sub})
+        unmount(*stream);
     g_object_unref(m_auth);
     g_object_unref(m_server);
 }
@@ -122,12 +119,21 @@ std::string RtspServer::launchLine(bool video) const
     return line + ")";
 }
 
-void RtspServer::mount(Stream &stream, const std::string &path, Transport transport)
+void RtspServer::unmount(Stream &stream)
 {
+    if (!stream.factory)
+        return;
+    g_signal_handlers_disconnect_by_data(stream.factory, &stream);
+    g_object_unref(stream.factory);
+    stream.factory = nullptr;
+}
+
+void RtspServer::mount(Stream &stream, bool video)
+{
+    unmount(stream);
     GstRTSPMediaFactory *factory = gst_rtsp_onvif_media_factory_new();
     stream.factory = GST_RTSP_MEDIA_FACTORY(g_object_ref(factory));
-    stream.server = this;
-    gst_rtsp_media_factory_set_launch(factory, launchLine(true).c_str());
+    gst_rtsp_media_factory_set_launch(factory, launchLine(video).c_str());
     if (m_streams.backChannel) {
         gst_rtsp_onvif_media_factory_set_backchannel_launch(GST_RTSP_ONVIF_MEDIA_FACTORY(factory),
                                                             kBackChannelLine);
@@ -136,20 +142,21 @@ void RtspServer::mount(Stream &stream, const std::string &path, Transport transp
     gst_rtsp_media_factory_set_shared(factory, TRUE);
     // A media that was only described is put to sleep, so that it starts with a fresh frame.
     gst_rtsp_media_factory_set_suspend_mode(factory, GST_RTSP_SUSPEND_MODE_RESET);
-    gst_rtsp_media_factory_set_protocols(factory, lowerTransport(transport));
+    gst_rtsp_media_factory_set_protocols(factory, lowerTransport(m_transport));
     gst_rtsp_media_factory_add_role(factory, kRole, GST_RTSP_PERM_MEDIA_FACTORY_ACCESS,
                                     G_TYPE_BOOLEAN, TRUE, GST_RTSP_PERM_MEDIA_FACTORY_CONSTRUCT,
                                     G_TYPE_BOOLEAN, TRUE, nullptr);
     g_signal_connect(factory, "media-configure", G_CALLBACK(configureMedia), &stream);
     GstRTSPMountPoints *mounts = gst_rtsp_server_get_mount_points(m_server);
-    gst_rtsp_mount_points_add_factory(mounts, path.c_str(), factory);
+    gst_rtsp_mount_points_add_factory(mounts, stream.path.c_str(), factory);
     g_object_unref(mounts);
 }
 
 void RtspServer::setVideo(bool enabled)
 {
-    for (Stream *stream : {&m_main, &m_sub})
-        gst_rtsp_media_factory_set_launch(stream->factory, launchLine(enabled).c_str());
+    // A new factory, because the old one hands out a media that it still has.
+    mount(m_main, enabled);
+    mount(m_sub, enabled);
 }
 
 void RtspServer::configureMedia(GstRTSPMediaFactory *, GstRTSPMedia *media, gpointer data)

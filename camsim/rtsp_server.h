@@ -20,8 +20,9 @@ struct StreamSet
     BackChannel *backChannel = nullptr; ///< null: a camera without a loudspeaker
 };
 
-/// The RTSP server of one camera, on a port of its own on loopback. Runs on the default main
-/// context; its media run on threads of the framework.
+/// The RTSP server of one camera, on a port of its own on loopback. Takes connections on the
+/// default main context; all requests of the camera run on one thread of the framework, so that
+/// they cannot get into each other's way, and each media has threads of its own.
 class RtspServer
 {
 public:
@@ -31,9 +32,9 @@ public:
         std::string password;
     };
 
-    /// The pool of client threads is shared by all cameras. The streams must outlive the server.
-    RtspServer(GstRTSPThreadPool *threads, const Login &login, Transport transport,
-               const StreamSet &streams, const std::string &mainPath, const std::string &subPath);
+    /// The streams must outlive the server.
+    RtspServer(const Login &login, Transport transport, const StreamSet &streams,
+               const std::string &mainPath, const std::string &subPath);
     ~RtspServer();
     RtspServer(const RtspServer &) = delete;
     RtspServer &operator=(const RtspServer &) = delete;
@@ -47,13 +48,15 @@ public:
 private:
     struct Stream
     {
-        GstRTSPMediaFactory *factory = nullptr;
+        std::string path;
         VideoSource *video = nullptr;
+        GstRTSPMediaFactory *factory = nullptr;
         RtspServer *server = nullptr;
     };
 
     void allow(const std::string &password);
-    void mount(Stream &stream, const std::string &path, Transport transport);
+    void mount(Stream &stream, bool video);
+    void unmount(Stream &stream);
     std::string launchLine(bool video) const;
     static void configureMedia(GstRTSPMediaFactory *factory, GstRTSPMedia *media, gpointer stream);
 
@@ -61,6 +64,7 @@ private:
     GstRTSPAuth *m_auth;
     Login m_login;
     const StreamSet m_streams;
+    const Transport m_transport;
     Stream m_main;
     Stream m_sub;
     guint m_source = 0;

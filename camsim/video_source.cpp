@@ -2,6 +2,8 @@
 
 #include "camsim/timecode.h"
 
+#include <algorithm>
+
 namespace camsim {
 
 namespace {
@@ -48,6 +50,14 @@ VideoSettings VideoSource::settings() const
 {
     const std::lock_guard lock(m_mutex);
     return m_settings;
+}
+
+bool VideoSource::isEarly(Ticker::Time now, const FeedList::Feeds &feeds) const
+{
+    const bool isWatched = std::any_of(feeds.begin(), feeds.end(), [](const auto &feed) {
+        return feed->state() == Feed::State::Running;
+    });
+    return isWatched && m_beat > now;
 }
 
 Ticker::Time VideoSource::nextBeat(Ticker::Time now, int fps)
@@ -110,7 +120,7 @@ Ticker::Time LiveVideo::tick(Ticker::Time now)
         return m_lastUse + kEncoderIdle;
     }
     m_lastUse = now;
-    if (isEarly(now))
+    if (isEarly(now, feeds))
         return beat();
 
     const VideoSettings current = settings();

@@ -44,8 +44,8 @@ protected:
     void start(Ticker::Task task);
     void stop();
     void wake() { m_ticker.wake(*m_task); }
-    /// The task was woken by one more watcher, between two frames.
-    bool isEarly(Ticker::Time now) const { return m_beat > now; }
+    /// The task was woken by one more watcher, between two frames of those who watch already.
+    bool isEarly(Ticker::Time now, const FeedList::Feeds &feeds) const;
     Ticker::Time beat() const { return m_beat; }
     /// When the frame after the one that was due is due, on a steady beat.
     Ticker::Time nextBeat(Ticker::Time now, int fps);
