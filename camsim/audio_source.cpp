@@ -37,7 +37,7 @@ Ticker::Time AudioSource::tick(Ticker::Time now)
     const FeedList::Feeds feeds = m_feeds.active();
     if (feeds.empty())
         return Ticker::never();
-    if (m_next > now && m_next <= now + kPiece)
+    if (FeedList::isWatched(feeds) && m_next > now)
         return m_next;
     for (const auto &feed : feeds)
         feed->push(m_pieces[m_position]);

@@ -2,6 +2,8 @@
 
 #include <gst/app/gstappsrc.h>
 
+#include <algorithm>
+
 namespace camsim {
 
 namespace {
@@ -84,6 +86,12 @@ FeedList::Feeds FeedList::active()
             result.push_back(feed);
     }
     return result;
+}
+
+bool FeedList::isWatched(const Feeds &feeds)
+{
+    return std::any_of(feeds.begin(), feeds.end(),
+                       [](const auto &feed) { return feed->state() == Feed::State::Running; });
 }
 
 } // namespace camsim

@@ -47,6 +47,8 @@ class FeedList
 {
 public:
     using Feeds = std::vector<std::shared_ptr<Feed>>;
+    /// Whether somebody watches already; one who has just come can be served at once otherwise.
+    static bool isWatched(const Feeds &feeds);
 
     /// onStart runs on a streaming thread each time that a media begins to take data; it must stay
     /// callable for as long as the process has media.

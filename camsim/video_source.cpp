@@ -2,8 +2,6 @@
 
 #include "camsim/timecode.h"
 
-#include <algorithm>
-
 namespace camsim {
 
 namespace {
@@ -54,10 +52,7 @@ VideoSettings VideoSource::settings() const
 
 bool VideoSource::isEarly(Ticker::Time now, const FeedList::Feeds &feeds) const
 {
-    const bool isWatched = std::any_of(feeds.begin(), feeds.end(), [](const auto &feed) {
-        return feed->state() == Feed::State::Running;
-    });
-    return isWatched && m_beat > now;
+    return FeedList::isWatched(feeds) && m_beat > now;
 }
 
 Ticker::Time VideoSource::nextBeat(Ticker::Time now, int fps)
