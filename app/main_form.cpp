@@ -2,6 +2,8 @@
 
 #include "settings/camera_settings.h"
 #include "ui/common/desktop.h"
+#include "ui/discovery/search_camera_form.h"
+#include "ui/manager/add_camera_form.h"
 #include "ui_main_form.h"
 
 #include <QCloseEvent>
@@ -34,14 +36,24 @@ constexpr ToolButtonIcons kToolButtons[] = {
 constexpr int kEdgeThickness = 7;
 constexpr int kSideThickness = 3;
 
+// The buttons carry their words for assistive programs; the eye sees the image only.
 void setSystemButtonImages(QToolButton *button, const QString &family)
 {
     button->setStyleSheet(
-        QStringLiteral("QToolButton{border-image:url(:/images/sysbtn/%1_default.png);}"
-                       "QToolButton:hover,QToolButton:focus{border-image:url(:/images/sysbtn/"
-                       "%1_hover.png);}"
-                       "QToolButton:pressed{border-image:url(:/images/sysbtn/%1_down.png);}")
+        QStringLiteral(
+            "QToolButton{border-image:url(:/images/sysbtn/%1_default.png);color:transparent;}"
+            "QToolButton:hover,QToolButton:focus{border-image:url(:/images/sysbtn/"
+            "%1_hover.png);}"
+            "QToolButton:pressed{border-image:url(:/images/sysbtn/%1_down.png);}")
             .arg(family));
+}
+
+std::optional<QString> pickFoundCamera(QWidget *parent)
+{
+    CSearchCameraForm picker(parent);
+    if (picker.exec() != QDialog::Accepted)
+        return {};
+    return picker.uid();
 }
 
 } // namespace
@@ -60,11 +72,14 @@ CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<U
     buildSystemButtons();
     buildToolBar();
     trackEdges();
+    CAddCameraForm::setUidPicker(pickFoundCamera);
     resize(size().boundedTo(m_largest));
     centreOnDesktop();
 
     leavePages();
     showPage(PageCameraMgr);
+    // Not on the first button: a focus ring before the first Tab key would look like a choice.
+    m_ui->stackedWidget->setFocus();
 }
 
 CMainForm::~CMainForm()
@@ -135,6 +150,7 @@ void CMainForm::showPage(Page page)
 void CMainForm::leavePages()
 {
     m_ui->pagePlayCamera->StopPlay();
+    m_ui->pageMultiLive->StopPlay();
 }
 
 void CMainForm::showCameraMgr()
@@ -161,6 +177,7 @@ void CMainForm::showMultiLive()
 {
     leavePages();
     showPage(PageMultiLive);
+    m_ui->pageMultiLive->StartPlay();
 }
 
 void CMainForm::showPhotoMgr()
@@ -201,7 +218,7 @@ void CMainForm::playVideo(TileList *list, CPhotoMgrItemForm *current)
 
 bool CMainForm::mayLeaveMultiLive()
 {
-    return true;
+    return m_ui->pageMultiLive->MayLeave();
 }
 
 // --- tool bar ------------------------------------------------------------------------------------

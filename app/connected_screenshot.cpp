@@ -1,0 +1,78 @@
+#include "app/connected_screenshot.h"
+
+#include "camera/camera.h"
+#include "settings/camera_list.h"
+
+#include <QCoreApplication>
+#include <QPixmap>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+
+#include <cstdio>
+
+namespace zelvaro {
+
+namespace {
+
+constexpr int kLookEvery = 100;   // milliseconds
+constexpr int kPatience = 60'000; // milliseconds until all cameras must be connected
+constexpr int kTimeToPaint = 500; // milliseconds for the window system to draw the last change
+
+bool allConnected()
+{
+    const CCameraList &cameras = CCameraList::instance();
+    for (int i = 0; i < cameras.count(); ++i) {
+        if (cameras.at(i)->get_state() != CAMERA_STATE_CONNECTED)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+void ConnectedScreenshot::schedule(QWidget &window, const QString &file)
+{
+    new ConnectedScreenshot(window, file);
+}
+
+ConnectedScreenshot::ConnectedScreenshot(QWidget &window, const QString &file)
+    : QObject(&window)
+    , m_window(window)
+    , m_file(file)
+{
+    connect(&m_look, &QTimer::timeout, this, &ConnectedScreenshot::look);
+    connect(&m_deadline, &QTimer::timeout, this,
+            [this] { end(QStringLiteral("the cameras did not connect in time")); });
+    m_deadline.setSingleShot(true);
+    m_deadline.start(kPatience);
+    m_look.start(kLookEvery);
+}
+
+void ConnectedScreenshot::look()
+{
+    const QWindow *native = m_window.windowHandle();
+    if (native == nullptr || !native->isExposed() || !allConnected())
+        return;
+    m_look.stop();
+    QTimer::singleShot(kTimeToPaint, this, &ConnectedScreenshot::save);
+}
+
+// From the screen: the window's own drawing would lack what the stream library drew.
+void ConnectedScreenshot::save()
+{
+    const QPixmap picture = m_window.screen()->grabWindow(m_window.winId());
+    end(picture.save(m_file, "PNG") ? QString()
+                                    : QStringLiteral("%1 could not be written").arg(m_file));
+}
+
+void ConnectedScreenshot::end(const QString &problem)
+{
+    m_look.stop();
+    m_deadline.stop();
+    if (!problem.isEmpty())
+        std::fprintf(stderr, "zelvaro: no screenshot: %s\n", qPrintable(problem));
+    QCoreApplication::exit(problem.isEmpty() ? 0 : 1);
+}
+
+} // namespace zelvaro

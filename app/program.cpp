@@ -1,0 +1,92 @@
+#include "app/program.h"
+
+#include "app/connected_screenshot.h"
+#include "app/main_form.h"
+#include "resources/resources.h"
+#include "settings/camera_list.h"
+#include "settings/camera_settings.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QTextCodec>
+#include <QThreadPool>
+#include <QTranslator>
+
+#include <memory>
+
+namespace zelvaro {
+
+namespace {
+
+constexpr int kMostBackgroundTasks = 64;
+
+/// The file that a picture of the window is wanted in; empty for none. Ends the program on
+/// --help, --version and options that it does not know.
+QString screenshotFile(const QApplication &application)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Client for network cameras."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption screenshot(
+        QStringLiteral("screenshot"),
+        QStringLiteral("Save a picture of the window as PNG once all cameras are connected, and "
+                       "quit."),
+        QStringLiteral("file"));
+    parser.addOption(screenshot);
+    parser.process(application);
+    return parser.value(screenshot);
+}
+
+// One after the other: what comes later needs what came before, and goes before it at the end.
+int runWindow(QApplication &application, const std::function<void(CMainForm &)> &shown)
+{
+    QTranslator translator; // stays empty: the user interface shows the source texts
+    QCoreApplication::installTranslator(&translator);
+
+    CameraSettings &settings = CameraSettings::instance();
+    CCameraList &cameras = CCameraList::instance();
+    settings.load();
+    cameras.startSessions(settings);
+
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("System"));
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &cameras, &CCameraList::closing);
+
+    auto mainForm = std::make_unique<CMainForm>();
+    setPageHost(mainForm.get());
+    mainForm->show();
+    if (shown)
+        shown(*mainForm);
+    const int result = QApplication::exec();
+
+    mainForm.reset();
+    cameras.destroyAll();
+    return result;
+}
+
+} // namespace
+
+int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &shown)
+{
+    // The stream library draws on child windows of its own.
+    QCoreApplication::setAttribute(Qt::AA_NativeWindows, true);
+    QCoreApplication::setAttribute(Qt::AA_X11InitThreads, true);
+    QThreadPool::globalInstance()->setMaxThreadCount(kMostBackgroundTasks);
+    // The settings folder is named by it. No organisation: the folder stands right in the user's.
+    QCoreApplication::setApplicationName(QStringLiteral("Zelvaro"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.4"));
+
+    QApplication application(argc, argv);
+    initResources();
+    applyLook();
+    const QString picture = screenshotFile(application);
+    if (picture.isEmpty())
+        return runWindow(application, shown);
+    return runWindow(application, [&](CMainForm &window) {
+        ConnectedScreenshot::schedule(window, picture);
+        if (shown)
+            shown(window);
+    });
+}
+
+} // namespace zelvaro
