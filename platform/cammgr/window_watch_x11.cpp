@@ -148,7 +148,8 @@ void WindowWatch::Private::watch()
         g_log("cammgr", G_LOG_LEVEL_WARNING, "no display: streams are not drawn");
     for (;;) {
         adopt();
-        if (m_display)
+        // Asking the server for something can bring events along that poll() does not see.
+        while (m_display && XPending(m_display) > 0)
             readEvents();
         pollfd files[] = {{m_wakePipe[0], POLLIN, 0},
                           {m_display ? ConnectionNumber(m_display) : -1, POLLIN, 0}};

@@ -5,3 +5,9 @@ zelvaro_gtest(tst_live_stream LABEL engine SOURCES tst_live_stream.cpp
 zelvaro_gtest(tst_gop_buffer LABEL engine SOURCES tst_gop_buffer.cpp LINK ${media_test_libraries})
 zelvaro_gtest(tst_recorder LABEL engine SOURCES tst_recorder.cpp LINK ${media_test_libraries}
   TIMEOUT 300)
+zelvaro_gtest(tst_live_view LABEL engine SOURCES tst_live_view.cpp LINK ${media_test_libraries}
+  TIMEOUT 300)
+zelvaro_gtest(tst_still_picture LABEL engine SOURCES tst_still_picture.cpp
+  LINK ${media_test_libraries})
+zelvaro_gtest(tst_window_watch LABEL engine SOURCES tst_window_watch.cpp
+  LINK ${media_test_libraries} TIMEOUT 300)

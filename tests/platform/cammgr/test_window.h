@@ -37,6 +37,7 @@ public:
 
     bool exists() const { return m_display != nullptr; }
     uintptr_t id() const { return m_window; }
+    Window parent() const { return m_parent; }
     Display *display() const { return m_display; }
 
     void hide() { XUnmapWindow(m_display, m_window), XSync(m_display, False); }

@@ -1,0 +1,223 @@
+#include "platform/cammgr/live_view.h"
+#include "platform/cammgr/still_picture.h"
+#include "tests/platform/cammgr/encoded_stream.h"
+#include "tests/platform/cammgr/stream_listener.h"
+#include "tests/platform/cammgr/test_window.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+using namespace cammgr;
+
+namespace {
+
+class LiveViewTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!m_window.exists())
+            GTEST_SKIP() << "no X display";
+    }
+    void TearDown() override { m_view->close(); }
+
+    void openAndSee()
+    {
+        m_view->open();
+        ASSERT_TRUE(waitUntil([this] { return m_view->isDecoding(); }));
+    }
+    void feed(const AccessUnit &unit)
+    {
+        m_memory.takeFrame(unit);
+        m_view->takeFrame(unit);
+    }
+    void feed(const std::vector<AccessUnit> &units)
+    {
+        for (AccessUnit unit : units) {
+            unit.arrived = SteadyClock::now();
+            feed(unit);
+        }
+    }
+    bool waitForDecoded(uint64_t count)
+    {
+        return waitUntil([&] { return m_view->decoded() >= count; });
+    }
+
+    TestWindow m_window{320, 240};
+    GopBuffer m_memory;
+    std::atomic<int> m_keyFrameWishes = 0;
+    std::shared_ptr<LiveView> m_view =
+        std::make_shared<LiveView>(m_window.id(), m_memory, [this] { ++m_keyFrameWishes; });
+};
+
+} // namespace
+
+TEST_F(LiveViewTest, DrawsFromAKeyFrameOn)
+{
+    const auto units = EncodedStream::make({.frames = 30, .keyDistance = 10});
+    openAndSee();
+    EXPECT_EQ(m_keyFrameWishes, 1);
+    for (size_t i = 5; i < 30; ++i) {
+        feed({units[i]});
+        if (i >= 10) {
+            ASSERT_TRUE(waitForDecoded(i - 9));
+        }
+    }
+    EXPECT_EQ(m_view->decoded(), 20u);
+    EXPECT_TRUE(waitUntil([this] { return m_window.grab().white == 0; }));
+    ASSERT_TRUE(m_view->latest());
+}
+
+TEST_F(LiveViewTest, HiddenWindowCostsNoDecodingAndIsBackAtOnce)
+{
+    const auto units = EncodedStream::make({.frames = 100, .keyDistance = 50});
+    openAndSee();
+    feed({units.begin(), units.begin() + 10});
+    ASSERT_TRUE(waitForDecoded(1));
+    m_window.hide();
+    ASSERT_TRUE(waitUntil([this] { return !m_view->isDecoding(); }));
+    const auto before = m_view->decoded();
+    feed({units.begin() + 10, units.begin() + 70});
+    EXPECT_EQ(m_view->decoded(), before);
+
+    m_window.show();
+    // Nothing more comes: the picture is that of the last unit, from the key frame at 50 on.
+    EXPECT_TRUE(waitForDecoded(before + 20));
+    EXPECT_TRUE(waitUntil([this] { return m_window.grab().white == 0; }));
+    const auto picture = m_window.grab();
+    EXPECT_EQ(m_keyFrameWishes, 1);
+
+    feed({units.begin() + 70, units.end()});
+    EXPECT_TRUE(waitUntil([&] { return m_window.grab().sum != picture.sum; }));
+}
+
+TEST_F(LiveViewTest, HiddenAncestorCountsAsHidden)
+{
+    const auto units = EncodedStream::make({.frames = 20});
+    openAndSee();
+    m_window.hideParent();
+    ASSERT_TRUE(waitUntil([this] { return !m_view->isDecoding(); }));
+    feed(units);
+    EXPECT_EQ(m_view->decoded(), 0u);
+    m_window.showParent();
+    EXPECT_TRUE(waitForDecoded(20));
+}
+
+TEST_F(LiveViewTest, CoveredWindowCostsNoDecoding)
+{
+    const auto units = EncodedStream::make({.frames = 20});
+    openAndSee();
+    {
+        TestWindow cover(400, 300);
+        ASSERT_TRUE(waitUntil([this] { return !m_view->isDecoding(); }));
+        feed(units);
+        EXPECT_EQ(m_view->decoded(), 0u);
+    }
+    EXPECT_TRUE(waitForDecoded(20));
+    EXPECT_TRUE(waitUntil([this] { return m_window.grab().white == 0; }));
+}
+
+TEST_F(LiveViewTest, ResizeDrawsTheLatestPictureAtTheNewSize)
+{
+    const auto units = EncodedStream::make({.frames = 5});
+    openAndSee();
+    feed(units);
+    ASSERT_TRUE(waitUntil([this] { return m_window.grab().white == 0; }));
+    for (const auto &[width, height] : {std::pair{640, 480}, {161, 121}, {500, 100}}) {
+        m_window.resize(width, height);
+        ASSERT_TRUE(waitUntil([&, w = width] {
+            const auto picture = m_window.grab();
+            return picture.width == w && picture.white == 0;
+        })) << width;
+    }
+}
+
+TEST_F(LiveViewTest, PictureOfAnotherShapeStandsBetweenBars)
+{
+    // A white picture: what is black is a bar.
+    const auto units = EncodedStream::make({.frames = 5, .pattern = "white"});
+    m_window.resize(400, 200);
+    openAndSee();
+    feed(units);
+    // 200 high makes 4:3 267 wide.
+    EXPECT_TRUE(waitUntil([this] {
+        const auto picture = m_window.grab();
+        return picture.black >= 130 * 200 && picture.black <= 136 * 200;
+    })) << m_window.grab().black;
+    // A shape that is off by rounding only is filled.
+    m_window.resize(401, 300);
+    EXPECT_TRUE(waitUntil([this] {
+        const auto picture = m_window.grab();
+        return picture.width == 401 && picture.black == 0;
+    })) << m_window.grab().black;
+}
+
+TEST_F(LiveViewTest, SizeChangeInMidStreamIsFollowed)
+{
+    const auto small = EncodedStream::make({.frames = 5});
+    const auto large =
+        EncodedStream::make({.frames = 5, .width = 640, .height = 480, .firstNumber = 6});
+    openAndSee();
+    feed(small);
+    feed(large);
+    ASSERT_TRUE(waitForDecoded(10));
+    ASSERT_TRUE(waitUntil([this] {
+        const auto latest = m_view->latest();
+        int width = 0;
+        if (latest)
+            gst_structure_get_int(gst_caps_get_structure(gst_sample_get_caps(latest.get()), 0),
+                                  "width", &width);
+        return width == 640;
+    }));
+    EXPECT_TRUE(waitUntil([this] { return m_window.grab().white == 0; }));
+}
+
+TEST_F(LiveViewTest, GarbageIsPassedOver)
+{
+    const auto units = EncodedStream::make({.frames = 30, .keyDistance = 10});
+    openAndSee();
+    for (size_t i = 0; i < 15; ++i) {
+        AccessUnit broken = units[i];
+        broken.buffer = BufferRef::adopt(gst_buffer_copy_deep(units[i].buffer.get()));
+        GstMapInfo map;
+        gst_buffer_map(broken.buffer.get(), &map, GST_MAP_WRITE);
+        for (size_t at = 6; at < map.size; at += 3)
+            map.data[at] = static_cast<guint8>(at * 31 + i);
+        gst_buffer_unmap(broken.buffer.get(), &map);
+        feed({broken});
+    }
+    feed({units.begin() + 15, units.end()});
+    EXPECT_TRUE(waitForDecoded(30));
+    EXPECT_TRUE(waitUntil([this] { return m_window.grab().white == 0; }));
+}
+
+TEST_F(LiveViewTest, WindowThatIsGoneIsSurvived)
+{
+    const auto units = EncodedStream::make({.frames = 50});
+    openAndSee();
+    feed({units.begin(), units.begin() + 10});
+    ASSERT_TRUE(waitForDecoded(1));
+    m_window.destroy();
+    feed({units.begin() + 10, units.end()});
+    EXPECT_TRUE(waitUntil([this] { return !m_view->isDecoding(); }));
+}
+
+TEST_F(LiveViewTest, NothingIsDrawnAfterClose)
+{
+    const auto units = EncodedStream::make({.frames = 50});
+    openAndSee();
+    feed({units.begin(), units.begin() + 25});
+    m_view->close();
+    const auto after = m_window.grab().sum;
+    feed({units.begin() + 25, units.end()});
+    EXPECT_FALSE(waitUntil([&] { return m_window.grab().sum != after; }, 200ms));
+    m_view->close();
+}
+
+TEST_F(LiveViewTest, CloseBeforeAndDuringOpening)
+{
+    m_view->close();
+    m_view->open();
+    EXPECT_FALSE(m_view->isDecoding());
+}
