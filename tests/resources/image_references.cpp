@@ -45,6 +45,7 @@ const QMap<QString, QStringList> &builtNames()
         {"panelbtn/%1hover", {"volumebtn_checked", "volumebtn_unchecked"}},
         {"sysbtn/%1_default", {"menubtn", "minbtn", "maxbtn", "restorebtn", "closebtn"}},
         {"sysbtn/%1_hover", {"menubtn", "minbtn", "maxbtn", "restorebtn", "closebtn"}},
+        {"sysbtn/%1_focus", {"menubtn", "minbtn", "maxbtn", "restorebtn", "closebtn"}},
         {"sysbtn/%1_down", {"menubtn", "minbtn", "maxbtn", "restorebtn", "closebtn"}},
         {"cameraitem/cameraitemframe_%1", {"default", "hover"}},
         {"multilive/multiliveitemframe_%1", {"default", "hover"}},
