@@ -71,6 +71,7 @@ gpointer Worker::threadMain(gpointer self)
 
 void Worker::run()
 {
+    const onvif::ThreadDefaultContext threadDefault(m_context.get());
     bool isEnding = false;
     while (!isEnding) {
         g_main_context_iteration(m_context.get(), TRUE);

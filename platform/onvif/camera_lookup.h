@@ -37,11 +37,12 @@ struct CameraStreams
 
 /// What the stream engine asks of ONVIF: where a camera is, which streams it has, a key frame now.
 ///
-/// Everything is asynchronous on the main context given. The object, its requests and its
-/// callbacks belong to the thread that runs that context, and requests must be destroyed before
-/// the object. Callbacks never run inside the call that starts them. A request that is destroyed
-/// is cancelled. Connections and what was learned of a camera (media service, way of signing,
-/// clock) are kept between requests.
+/// Everything is asynchronous on the main context given, which must be the default context
+/// (g_main_context_push_thread_default) of the thread that runs it. The object, its requests and
+/// its callbacks belong to that thread. Callbacks never run inside the call that starts them. A
+/// request that is destroyed is cancelled; before the context goes, run it until nothing is ready,
+/// so that what was cancelled comes back to free its memory. Connections and what was learned of a
+/// camera (media service, way of signing, clock) are kept between requests.
 class CameraLookup
 {
 public:

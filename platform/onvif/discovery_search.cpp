@@ -120,6 +120,7 @@ DiscoverySearch::Private::Private(GMainContext *context, SearchScope scope, Done
     , m_scope(std::move(scope))
     , m_done(std::move(done))
 {
+    g_warn_if_fail(isThreadDefault(context));
     if (m_scope.multicast)
         openMulticastSockets();
     for (std::size_t i = 0; i < rounds.size(); ++i)
@@ -158,7 +159,6 @@ void DiscoverySearch::Private::findTargets()
 // A name may have several addresses; all are asked.
 void DiscoverySearch::Private::findNextAddress(GSocketAddressEnumerator *enumerator)
 {
-    const ThreadDefaultContext threadDefault(m_context.get());
     g_socket_address_enumerator_next_async(enumerator, m_cancellable.get(), foundAddress, this);
 }
 

@@ -37,7 +37,7 @@ class DiscoverySearch : public Request
 public:
     using Done = std::function<void(std::vector<DiscoveredDevice>)>;
 
-    /// Starts on the context given, which the calling thread runs; done is called there once.
+    /// Starts on the context given, the default of the calling thread; done is called there once.
     DiscoverySearch(GMainContext *context, SearchScope scope, Done done);
     ~DiscoverySearch() override;
 

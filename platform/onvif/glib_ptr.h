@@ -63,8 +63,8 @@ GObjectPtr<T> shareObject(T *object)
     return GObjectPtr<T>(static_cast<T *>(g_object_ref(object)));
 }
 
-/// Makes a context the thread's default as long as it lives, so that asynchronous calls of GIO
-/// started meanwhile end on that context.
+/// Makes a context the thread's default as long as it lives. GIO and libsoup start further steps of
+/// their own on the thread's default context, so it must be that while it is run.
 class ThreadDefaultContext
 {
 public:
@@ -79,5 +79,12 @@ public:
 private:
     GMainContext *m_context;
 };
+
+/// Whether asynchronous calls of GIO, started now, would end on this context.
+inline bool isThreadDefault(GMainContext *context)
+{
+    const GMainContextPtr threadDefault(g_main_context_ref_thread_default());
+    return threadDefault.get() == context;
+}
 
 } // namespace onvif

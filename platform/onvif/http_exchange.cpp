@@ -37,7 +37,6 @@ public:
         m_timeout = Timer(m_context.get(), m_message ? milliseconds : 0, [this] { fail(); });
         if (!m_message)
             return;
-        const ThreadDefaultContext threadDefault(m_context.get());
         soup_session_send_async(m_session.get(), m_message.get(), G_PRIORITY_DEFAULT,
                                 m_cancellable.get(), sent, reference());
     }
@@ -108,7 +107,6 @@ private:
 
     void read()
     {
-        const ThreadDefaultContext threadDefault(m_context.get());
         g_input_stream_read_bytes_async(m_stream.get(), readSize, G_PRIORITY_DEFAULT,
                                         m_cancellable.get(), received, reference());
     }
@@ -180,8 +178,9 @@ private:
 
 } // namespace
 
-GObjectPtr<SoupSession> newHttpSession()
+GObjectPtr<SoupSession> newHttpSession(GMainContext *context)
 {
+    g_warn_if_fail(isThreadDefault(context));
     GObjectPtr<SoupSession> session(soup_session_new_with_options(
         "max-conns-per-host", connectionsPerDevice, "timeout", 0, "idle-timeout", 15, nullptr));
     soup_session_set_proxy_resolver(session.get(), nullptr);

@@ -31,11 +31,12 @@ struct HttpPost
     unsigned milliseconds = 5000;
 };
 
-/// Makes the session that posts are sent through: no proxy, no cookies, no decompression.
-GObjectPtr<SoupSession> newHttpSession();
+/// Makes the session that posts are sent through, bound to a context: no proxy, no cookies, no
+/// decompression.
+GObjectPtr<SoupSession> newHttpSession(GMainContext *context);
 
-/// Sends the post on the context given, which the calling thread runs; done is called there, never
-/// inside this call.
+/// Sends the post on the context given, the default of the calling thread; done is called there,
+/// never inside this call.
 [[nodiscard]] RequestPtr postHttp(GMainContext *context, SoupSession *session, HttpPost post,
                                   std::function<void(HttpAnswer)> done);
 

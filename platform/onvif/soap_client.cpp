@@ -49,8 +49,14 @@ SoapReply readReply(const HttpAnswer &answer)
 
 struct SoapClient::Session
 {
+    explicit Session(GMainContext *mainContext)
+        : context(g_main_context_ref(mainContext))
+        , http(newHttpSession(mainContext))
+    {
+    }
+
     GMainContextPtr context;
-    GObjectPtr<SoupSession> http = newHttpSession();
+    GObjectPtr<SoupSession> http;
     std::string deviceService;
     Credentials credentials;
     unsigned milliseconds = 5000;
@@ -171,9 +177,8 @@ private:
 };
 
 SoapClient::SoapClient(GMainContext *context, std::string deviceService, Credentials credentials)
-    : m_session(std::make_shared<Session>())
+    : m_session(std::make_shared<Session>(context))
 {
-    m_session->context.reset(g_main_context_ref(context));
     m_session->deviceService = std::move(deviceService);
     m_session->credentials = std::move(credentials);
 }

@@ -28,7 +28,7 @@ struct SoapReply
 /// in one message. The way that worked is kept. Certificates are not checked: cameras make their
 /// own. Answers are limited to XmlMessage::maxBytes; redirections are not followed.
 ///
-/// Belongs to the thread that runs the context, and outlives its requests.
+/// Belongs to the thread that runs the context as its default.
 class SoapClient
 {
 public:

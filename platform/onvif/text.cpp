@@ -64,7 +64,9 @@ std::string cleanText(std::string_view text, std::size_t maxBytes)
     const char *position = text.data();
     const char *end = text.data() + text.size();
     while (position < end) {
-        const gunichar character = g_utf8_get_char_validated(position, end - position);
+        // GLib takes a NUL for the end of the text.
+        const gunichar character =
+            *position == '\0' ? 0 : g_utf8_get_char_validated(position, end - position);
         if (character == gunichar(-1) || character == gunichar(-2)) {
             clean += '?';
             ++position;
