@@ -176,8 +176,13 @@ void WindowWatch::Private::adopt()
         m_watched = m_wanted;
     }
     if (m_display) {
-        for (const auto &watched : fresh)
+        for (const auto &watched : fresh) {
             findAncestors(*watched);
+            // A number can come back as another window: what was asked of the old one is void.
+            m_selected.erase(watched->window);
+            for (const Window ancestor : watched->ancestors)
+                m_selected.erase(ancestor);
+        }
         select();
     }
     for (const auto &watched : fresh)
