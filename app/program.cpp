@@ -19,6 +19,8 @@ namespace zelvaro {
 namespace {
 
 constexpr int kMostBackgroundTasks = 64;
+// Qt 5.15 hides the name AA_X11InitThreads where deprecated names are off, and still has the bit.
+constexpr auto kX11InitThreads = static_cast<Qt::ApplicationAttribute>(10);
 
 /// The file that a picture of the window is wanted in; empty for none. Ends the program on
 /// --help, --version and options that it does not know.
@@ -70,7 +72,7 @@ int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &s
 {
     // The stream library draws on child windows of its own.
     QCoreApplication::setAttribute(Qt::AA_NativeWindows, true);
-    QCoreApplication::setAttribute(Qt::AA_X11InitThreads, true);
+    QCoreApplication::setAttribute(kX11InitThreads, true);
     QThreadPool::globalInstance()->setMaxThreadCount(kMostBackgroundTasks);
     // The settings folder is named by it. No organisation: the folder stands right in the user's.
     QCoreApplication::setApplicationName(QStringLiteral("Zelvaro"));
