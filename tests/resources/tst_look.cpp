@@ -194,12 +194,12 @@ void TestLook::focusIsVisible()
     layout.addWidget(other);
     layout.addWidget(widget);
     window.show();
-    QVERIFY(QTest::qWaitForWindowActive(&window));
+    QVERIFY(QTest::qWaitForWindowActive(&window, 30000));
     other->setFocus();
-    QTRY_VERIFY(other->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(other->hasFocus(), 30000);
     const QImage without = drawn(*widget, 1);
     widget->setFocus(Qt::TabFocusReason);
-    QTRY_VERIFY(widget->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(widget->hasFocus(), 30000);
     const QImage with = drawn(*widget, 1);
     int different = 0;
     for (int y = 0; y < with.height(); ++y) {
