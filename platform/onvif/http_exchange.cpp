@@ -1,5 +1,6 @@
 #include "platform/onvif/http_exchange.h"
 
+#include "platform/onvif/net_address.h"
 #include "platform/onvif/timer.h"
 #include "platform/onvif/xml_message.h"
 
@@ -20,10 +21,10 @@ public:
              std::function<void(HttpAnswer)> done)
         : m_context(g_main_context_ref(context))
         , m_session(shareObject(session))
-        , m_credentials(std::move(post.credentials))
+        , m_post(std::move(post))
         , m_done(std::move(done))
     {
-        makeMessage(post);
+        makeMessage();
     }
 
     ~Exchange()
@@ -32,9 +33,10 @@ public:
             g_signal_handlers_disconnect_by_data(m_message.get(), this);
     }
 
-    void start(unsigned milliseconds)
+    void start()
     {
-        m_timeout = Timer(m_context.get(), m_message ? milliseconds : 0, [this] { fail(); });
+        const unsigned limit = m_message ? m_post.milliseconds : 0;
+        m_timeout = Timer(m_context.get(), limit, [this] { fail(); });
         if (!m_message)
             return;
         soup_session_send_async(m_session.get(), m_message.get(), G_PRIORITY_DEFAULT,
@@ -59,31 +61,41 @@ private:
         return *reference;
     }
 
-    void makeMessage(const HttpPost &post)
+    void makeMessage()
     {
-        m_message.reset(soup_message_new(SOUP_METHOD_POST, post.address.c_str()));
+        if (!parseHttpAddress(m_post.address))
+            return;
+        m_message.reset(soup_message_new(SOUP_METHOD_POST, m_post.address.c_str()));
         if (!m_message)
             return;
-        GBytes *body = g_bytes_new(post.body.data(), post.body.size());
-        soup_message_set_request_body_from_bytes(m_message.get(), post.contentType.c_str(), body);
-        g_bytes_unref(body);
+        setBody(m_message.get(), this);
         // A wrong password must not pass because a right one was used on the connection before.
         soup_message_add_flags(m_message.get(),
                                static_cast<SoupMessageFlags>(SOUP_MESSAGE_NO_REDIRECT |
                                                              SOUP_MESSAGE_DO_NOT_USE_AUTH_CACHE));
         g_signal_connect(m_message.get(), "authenticate", G_CALLBACK(authenticate), this);
+        // The body is used up when the message goes out a second time, with credentials.
+        g_signal_connect(m_message.get(), "restarted", G_CALLBACK(setBody), this);
         g_signal_connect(m_message.get(), "accept-certificate", G_CALLBACK(acceptCertificate),
                          nullptr);
+    }
+
+    static void setBody(SoupMessage *message, gpointer data)
+    {
+        const HttpPost &post = static_cast<Exchange *>(data)->m_post;
+        GBytes *body = g_bytes_new(post.body.data(), post.body.size());
+        soup_message_set_request_body_from_bytes(message, post.contentType.c_str(), body);
+        g_bytes_unref(body);
     }
 
     static gboolean authenticate(SoupMessage *, SoupAuth *auth, gboolean isRetry, gpointer data)
     {
         auto *self = static_cast<Exchange *>(data);
-        if (isRetry || self->m_credentials.user.empty() || soup_auth_is_for_proxy(auth))
+        const Credentials &credentials = self->m_post.credentials;
+        if (isRetry || credentials.user.empty() || soup_auth_is_for_proxy(auth))
             return FALSE;
         self->m_answer.wasChallenged = true;
-        soup_auth_authenticate(auth, self->m_credentials.user.c_str(),
-                               self->m_credentials.password.c_str());
+        soup_auth_authenticate(auth, credentials.user.c_str(), credentials.password.c_str());
         return TRUE;
     }
 
@@ -155,7 +167,7 @@ private:
 
     GMainContextPtr m_context;
     GObjectPtr<SoupSession> m_session;
-    Credentials m_credentials;
+    HttpPost m_post;
     std::function<void(HttpAnswer)> m_done;
     GObjectPtr<GCancellable> m_cancellable{g_cancellable_new()};
     GObjectPtr<SoupMessage> m_message;
@@ -191,9 +203,8 @@ GObjectPtr<SoupSession> newHttpSession(GMainContext *context)
 RequestPtr postHttp(GMainContext *context, SoupSession *session, HttpPost post,
                     std::function<void(HttpAnswer)> done)
 {
-    const unsigned milliseconds = post.milliseconds;
     auto exchange = std::make_shared<Exchange>(context, session, std::move(post), std::move(done));
-    exchange->start(milliseconds);
+    exchange->start();
     return std::make_unique<ExchangeRequest>(std::move(exchange));
 }
 

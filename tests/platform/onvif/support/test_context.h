@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/onvif/glib_ptr.h"
+
+#include <chrono>
+#include <functional>
+
+/// A main context of its own for one test, run by the thread of the test.
+class TestContext
+{
+public:
+    TestContext() : m_context(g_main_context_new()), m_threadDefault(m_context.get()) {}
+
+    ~TestContext()
+    {
+        // Cancelled operations come back to free what they hold.
+        while (g_main_context_iteration(m_context.get(), FALSE)) {
+        }
+    }
+
+    [[nodiscard]] GMainContext *get() const { return m_context.get(); }
+
+    /// Runs the context until the condition holds; false when it did not within the limit.
+    [[nodiscard]] bool runUntil(const std::function<bool()> &condition,
+                                std::chrono::milliseconds limit = std::chrono::seconds(30)) const
+    {
+        bool isLate = false;
+        const onvif::GSourcePtr deadline(g_timeout_source_new(static_cast<guint>(limit.count())));
+        g_source_set_callback(deadline.get(), setFlag, &isLate, nullptr);
+        g_source_attach(deadline.get(), m_context.get());
+        while (!condition()) {
+            if (isLate)
+                return false;
+            g_main_context_iteration(m_context.get(), TRUE);
+        }
+        return true;
+    }
+
+    /// Runs what is ready, without waiting.
+    void drain() const
+    {
+        while (g_main_context_iteration(m_context.get(), FALSE)) {
+        }
+    }
+
+    /// Makes a waiting runUntil look at its condition; from any thread.
+    void wakeUp() const { g_main_context_wakeup(m_context.get()); }
+
+private:
+    static gboolean setFlag(gpointer flag)
+    {
+        *static_cast<bool *>(flag) = true;
+        return G_SOURCE_REMOVE;
+    }
+
+    onvif::GMainContextPtr m_context;
+    onvif::ThreadDefaultContext m_threadDefault;
+};

@@ -1,0 +1,236 @@
+#include "platform/onvif/camera_lookup.h"
+
+#include "platform/onvif/net_address.h"
+#include "tests/platform/onvif/support/discovery_answers.h"
+#include "tests/platform/onvif/support/raw_peer.h"
+#include "tests/platform/onvif/support/soap_device.h"
+
+#include <gtest/gtest.h>
+
+namespace onvif {
+
+namespace {
+
+constexpr const char *uuid = "4fa94c7c-8f6b-4c57-9a55-3f1d50e6a101";
+
+std::string profile(const std::string &token, int width, int height)
+{
+    return "<trt:Profiles token=\"" + token +
+           "\"><tt:VideoEncoderConfiguration><tt:Encoding>H264</tt:Encoding><tt:Resolution>"
+           "<tt:Width>" +
+           std::to_string(width) + "</tt:Width><tt:Height>" + std::to_string(height) +
+           "</tt:Height></tt:Resolution></tt:VideoEncoderConfiguration></trt:Profiles>";
+}
+
+std::string streamUri(const std::string &uri)
+{
+    return "<trt:GetStreamUriResponse><trt:MediaUri><tt:Uri>" + uri +
+           "</tt:Uri></trt:MediaUri></trt:GetStreamUriResponse>";
+}
+
+class CameraLookupTest : public testing::Test
+{
+protected:
+    struct Streams
+    {
+        SoapStatus status = SoapStatus::NoAnswer;
+        CameraStreams streams;
+    };
+
+    CameraLookupTest()
+    {
+        m_device.answer("GetCapabilities",
+                        "<tds:GetCapabilitiesResponse><tds:Capabilities><tt:Media><tt:XAddr>"
+                        "http://192.0.2.7/onvif/media</tt:XAddr></tt:Media></tds:Capabilities>"
+                        "</tds:GetCapabilitiesResponse>");
+        m_device.answer("GetProfiles", "<trt:GetProfilesResponse>" + profile("s", 640, 360) +
+                                           profile("m", 1920, 1080) + "</trt:GetProfilesResponse>");
+        m_device.answer("GetStreamUri", streamUri("rtsp://admin:x@192.0.2.7:8554/stream"));
+        m_device.answer("SetSynchronizationPoint", "<trt:SetSynchronizationPointResponse/>");
+    }
+
+    ~CameraLookupTest() override
+    {
+        g_unsetenv("ZELVARO_DISCOVERY_TARGETS");
+        g_unsetenv("ZELVARO_DISCOVERY_MULTICAST");
+    }
+
+    Streams streams(const Credentials &credentials = {})
+    {
+        Streams got;
+        bool isDone = false;
+        const RequestPtr request = m_lookup.streamUris(m_device.service(), credentials,
+                                                       [&](SoapStatus status, CameraStreams found) {
+                                                           got = {status, std::move(found)};
+                                                           isDone = true;
+                                                       });
+        EXPECT_FALSE(isDone);
+        EXPECT_TRUE(m_context.runUntil([&isDone] { return isDone; }));
+        return got;
+    }
+
+    SoapStatus keyFrame(const std::string &token)
+    {
+        std::optional<SoapStatus> got;
+        const RequestPtr request = m_lookup.requestKeyFrame(
+            m_device.service(), token, {}, [&got](SoapStatus status) { got = status; });
+        EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
+        return got.value_or(SoapStatus::NoAnswer);
+    }
+
+    std::optional<CameraLocation> resolve(const std::string &uid)
+    {
+        std::optional<CameraLocation> got;
+        bool isDone = false;
+        const RequestPtr request =
+            m_lookup.resolve(uid, [&](std::optional<CameraLocation> location) {
+                got = std::move(location);
+                isDone = true;
+            });
+        EXPECT_TRUE(m_context.runUntil([&isDone] { return isDone; }));
+        return got;
+    }
+
+    static void searchOnlyAt(const std::string &targets)
+    {
+        g_setenv("ZELVARO_DISCOVERY_TARGETS", targets.c_str(), TRUE);
+        g_setenv("ZELVARO_DISCOVERY_MULTICAST", "0", TRUE);
+    }
+
+    TestContext m_context;
+    SoapDevice m_device{m_context};
+    CameraLookup m_lookup{m_context.get()};
+};
+
+} // namespace
+
+TEST_F(CameraLookupTest, ResolvesAUid)
+{
+    UdpPeer peer(m_context, [](const std::string &question) {
+        AnnouncedDevice other;
+        other.endpoint = "urn:uuid:00000000-8f6b-4c57-9a55-3f1d50e6a101";
+        return std::vector<std::string>{
+            discoveryAnswer("ProbeMatches", messageIdOf(question), {other, AnnouncedDevice{}})};
+    });
+    searchOnlyAt(peer.target());
+    const auto location = resolve(uuid);
+    ASSERT_TRUE(location);
+    EXPECT_EQ(location->address, "127.0.0.1");
+    EXPECT_EQ(location->xaddr, "http://127.0.0.1:8080/onvif/device_service");
+}
+
+TEST_F(CameraLookupTest, DoesNotResolveAnUnknownUid)
+{
+    UdpPeer peer(m_context, [](const std::string &question) {
+        return std::vector<std::string>{
+            discoveryAnswer("ProbeMatches", messageIdOf(question), {AnnouncedDevice{}})};
+    });
+    searchOnlyAt(peer.target());
+    EXPECT_FALSE(resolve("11111111-8f6b-4c57-9a55-3f1d50e6a101"));
+}
+
+TEST_F(CameraLookupTest, DoesNotAskForAUidThatNoDeviceCanHave)
+{
+    UdpPeer peer(m_context, [](const std::string &) { return std::vector<std::string>(); });
+    searchOnlyAt(peer.target());
+    EXPECT_FALSE(resolve("../../x"));
+    EXPECT_FALSE(resolve(""));
+    m_context.drain();
+    EXPECT_TRUE(peer.received().empty());
+}
+
+TEST_F(CameraLookupTest, LocatesTheServiceOfAHost)
+{
+    UdpPeer peer(m_context, [](const std::string &question) {
+        return std::vector<std::string>{
+            discoveryAnswer("ProbeMatches", messageIdOf(question), {AnnouncedDevice{}})};
+    });
+    std::optional<CameraLocation> got;
+    const RequestPtr request =
+        m_lookup.locate(peer.target(), [&got](CameraLocation found) { got = std::move(found); });
+    EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
+    EXPECT_EQ(got->xaddr, "http://127.0.0.1:8080/onvif/device_service");
+}
+
+TEST_F(CameraLookupTest, TakesTheUsualServiceOfASilentHost)
+{
+    UdpPeer peer(m_context, [](const std::string &) { return std::vector<std::string>(); });
+    std::optional<CameraLocation> got;
+    const RequestPtr request =
+        m_lookup.locate("127.0.0.1", [&got](CameraLocation found) { got = std::move(found); });
+    EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
+    EXPECT_EQ(got->address, "127.0.0.1");
+    EXPECT_EQ(got->xaddr, "http://127.0.0.1/onvif/device_service");
+}
+
+TEST_F(CameraLookupTest, FindsMainAndSubStream)
+{
+    const Streams got = streams();
+    EXPECT_EQ(got.status, SoapStatus::Ok);
+    EXPECT_EQ(got.streams.main.profileToken, "m");
+    EXPECT_EQ(got.streams.main.width, 1920);
+    EXPECT_EQ(got.streams.sub.profileToken, "s");
+    EXPECT_EQ(got.streams.sub.height, 360);
+    EXPECT_EQ(got.streams.main.uri, "rtsp://127.0.0.1:8554/stream") << "held to the camera";
+    EXPECT_EQ(m_device.seen("GetStreamUri").size(), 2u);
+}
+
+TEST_F(CameraLookupTest, GivesTheOnlyStreamTwice)
+{
+    m_device.answer("GetProfiles", "<trt:GetProfilesResponse>" + profile("only", 640, 360) +
+                                       "</trt:GetProfilesResponse>");
+    const Streams got = streams();
+    EXPECT_EQ(got.status, SoapStatus::Ok);
+    EXPECT_EQ(got.streams.sub.uri, "rtsp://127.0.0.1:8554/stream");
+    EXPECT_EQ(got.streams.sub.profileToken, "only");
+    EXPECT_EQ(m_device.seen("GetStreamUri").size(), 1u);
+}
+
+TEST_F(CameraLookupTest, AsksNewerDevicesForTheirServices)
+{
+    m_device.answerFault("GetCapabilities", "ter:ActionNotSupported");
+    m_device.answer("GetServices",
+                    "<tds:GetServicesResponse><tds:Service><tds:Namespace>"
+                    "http://www.onvif.org/ver10/media/wsdl</tds:Namespace><tds:XAddr>" +
+                        m_device.service() +
+                        "</tds:XAddr></tds:Service></tds:GetServicesResponse>");
+    EXPECT_EQ(streams().status, SoapStatus::Ok);
+}
+
+TEST_F(CameraLookupTest, TellsWhyThereAreNoStreams)
+{
+    m_device.answer("GetProfiles", "<trt:GetProfilesResponse/>");
+    EXPECT_EQ(streams().status, SoapStatus::Fault);
+    m_device.answer("GetProfiles", "<trt:GetProfilesResponse>" + profile("s", 640, 360) +
+                                       "</trt:GetProfilesResponse>");
+    m_device.answer("GetStreamUri", streamUri("file:///etc/passwd"));
+    EXPECT_EQ(streams().status, SoapStatus::Fault);
+    m_device.guard(SoapDevice::Guard::Digest, "admin", "secret");
+    EXPECT_EQ(streams({"admin", "wrong"}).status, SoapStatus::Refused);
+}
+
+TEST_F(CameraLookupTest, AsksForAKeyFrameWithoutLookingForTheServiceAgain)
+{
+    EXPECT_EQ(streams().status, SoapStatus::Ok);
+    EXPECT_EQ(keyFrame("m"), SoapStatus::Ok);
+    EXPECT_EQ(keyFrame("s"), SoapStatus::Ok);
+    EXPECT_EQ(m_device.seen("GetCapabilities").size(), 1u);
+    const auto asked = m_device.seen("SetSynchronizationPoint");
+    ASSERT_EQ(asked.size(), 2u);
+    EXPECT_NE(asked[0].find("<trt:ProfileToken>m</trt:ProfileToken>"), std::string::npos);
+}
+
+TEST_F(CameraLookupTest, CancelsWhatIsDestroyed)
+{
+    bool isCalled = false;
+    m_device.keepSilent("GetProfiles");
+    {
+        const RequestPtr request = m_lookup.streamUris(
+            m_device.service(), {}, [&isCalled](SoapStatus, const auto &) { isCalled = true; });
+        EXPECT_TRUE(m_context.runUntil([this] { return !m_device.seen("GetProfiles").empty(); }));
+    }
+    m_context.drain();
+    EXPECT_FALSE(isCalled);
+}
+
+} // namespace onvif

@@ -1,0 +1,91 @@
+#include "platform/onvif/media_message.h"
+
+#include "platform/onvif/xml_message.h"
+
+#include <gtest/gtest.h>
+
+namespace onvif {
+
+namespace {
+
+XmlMessage parsed(const std::string &body)
+{
+    auto message = XmlMessage::parse("<Envelope><Body>" + body + "</Body></Envelope>");
+    EXPECT_TRUE(message) << body;
+    return std::move(*message);
+}
+
+std::string profile(const std::string &token, const std::string &encoding, int width, int height)
+{
+    return "<trt:Profiles token=\"" + token + "\"><tt:Name>" + token +
+           "</tt:Name><tt:VideoEncoderConfiguration><tt:Encoding>" + encoding +
+           "</tt:Encoding><tt:Resolution><tt:Width>" + std::to_string(width) +
+           "</tt:Width><tt:Height>" + std::to_string(height) +
+           "</tt:Height></tt:Resolution></tt:VideoEncoderConfiguration></trt:Profiles>";
+}
+
+std::vector<MediaProfile> profiles(const std::string &content)
+{
+    return parseProfiles(
+        parsed("<trt:GetProfilesResponse>" + content + "</trt:GetProfilesResponse>"));
+}
+
+} // namespace
+
+TEST(MediaMessage, BuildsItsQuestions)
+{
+    EXPECT_EQ(buildGetStreamUri("p&1"),
+              "<trt:GetStreamUri><trt:StreamSetup><tt:Stream>RTP-Unicast</tt:Stream>"
+              "<tt:Transport><tt:Protocol>RTSP</tt:Protocol></tt:Transport></trt:StreamSetup>"
+              "<trt:ProfileToken>p&amp;1</trt:ProfileToken></trt:GetStreamUri>");
+    EXPECT_EQ(buildSetSynchronizationPoint("p1"),
+              "<trt:SetSynchronizationPoint><trt:ProfileToken>p1</trt:ProfileToken>"
+              "</trt:SetSynchronizationPoint>");
+}
+
+TEST(MediaMessage, ReadsH264ProfilesOnly)
+{
+    const auto found = profiles(profile("a", "H264", 1920, 1080) + profile("b", "JPEG", 640, 480) +
+                                profile("", "H264", 1, 1) + "<trt:Profiles token=\"c\"/>" +
+                                profile("d", "H264", -5, 999'999));
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_EQ(found[0].token, "a");
+    EXPECT_EQ(found[0].width, 1920);
+    EXPECT_EQ(found[0].height, 1080);
+    EXPECT_EQ(found[1].token, "d");
+    EXPECT_EQ(found[1].width, 0);
+    EXPECT_EQ(found[1].height, 32'768);
+}
+
+TEST(MediaMessage, LimitsTheNumberOfProfiles)
+{
+    std::string many;
+    for (int i = 0; i < 500; ++i)
+        many += profile("p" + std::to_string(i), "H264", 640, 360);
+    EXPECT_EQ(profiles(many).size(), maxProfiles);
+    EXPECT_TRUE(profiles(profile(std::string(10'000, 't'), "H264", 1, 1)).empty());
+}
+
+TEST(MediaMessage, ChoosesLargestAndSmallest)
+{
+    const auto choice =
+        chooseProfiles({{"mid", "", 1280, 720}, {"small", "", 640, 360}, {"big", "", 1920, 1080}});
+    ASSERT_TRUE(choice);
+    EXPECT_EQ(choice->main.token, "big");
+    EXPECT_EQ(choice->sub.token, "small");
+    const auto equal = chooseProfiles({{"first", "", 640, 360}, {"second", "", 640, 360}});
+    EXPECT_EQ(equal->main.token, "first");
+    EXPECT_EQ(equal->sub.token, "first");
+    EXPECT_FALSE(chooseProfiles({}));
+}
+
+TEST(MediaMessage, ReadsTheStreamAddress)
+{
+    EXPECT_EQ(parseStreamUri(parsed("<GetStreamUriResponse><MediaUri>"
+                                    "<Uri> rtsp://1.2.3.4/a?b=1&amp;c=2 </Uri>"
+                                    "</MediaUri></GetStreamUriResponse>")),
+              "rtsp://1.2.3.4/a?b=1&c=2");
+    EXPECT_EQ(parseStreamUri(parsed("<GetStreamUriResponse/>")), "");
+}
+
+} // namespace onvif

@@ -1,0 +1,290 @@
+#include "platform/onvif/soap_client.h"
+
+#include "tests/platform/onvif/support/raw_peer.h"
+#include "tests/platform/onvif/support/soap_device.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace onvif {
+
+namespace {
+
+constexpr const char *request = "GetScopes";
+constexpr const char *body = "<tds:GetScopes/>";
+constexpr const char *response = "<tds:GetScopesResponse/>";
+
+class SoapClientTest : public testing::Test
+{
+protected:
+    SoapReply call(SoapClient &client)
+    {
+        std::optional<SoapReply> got;
+        const RequestPtr running = client.call(client.deviceService(), "urn:action", body,
+                                               [&got](SoapReply reply) { got = std::move(reply); });
+        EXPECT_FALSE(got) << "the answer is never told inside the call";
+        EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
+        return got.value_or(SoapReply());
+    }
+
+    SoapStatus statusFrom(const std::string &service, unsigned milliseconds = 20'000)
+    {
+        SoapClient client(m_context.get(), service, {"admin", "secret"});
+        client.setTimeout(milliseconds);
+        return call(client).status;
+    }
+
+    SoapStatus statusFor(const SoapDevice &device, const Credentials &credentials)
+    {
+        SoapClient client(m_context.get(), device.service(), credentials);
+        client.setTimeout(20'000);
+        return call(client).status;
+    }
+
+    TestContext m_context;
+};
+
+bool hasToken(const std::string &text)
+{
+    return text.find("UsernameToken") != std::string::npos;
+}
+
+} // namespace
+
+TEST_F(SoapClientTest, TellsTheAnswer)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    SoapClient client(m_context.get(), device.service(), {});
+    const SoapReply reply = call(client);
+    EXPECT_EQ(reply.status, SoapStatus::Ok);
+    ASSERT_TRUE(reply.message);
+    EXPECT_TRUE(child(reply.message->body(), "GetScopesResponse"));
+    ASSERT_EQ(device.seen().size(), 1u);
+    EXPECT_EQ(device.seen()[0].contentType,
+              "application/soap+xml; charset=utf-8; action=\"urn:action\"");
+}
+
+TEST_F(SoapClientTest, SignsWithDigest)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::Digest, "admin", "secret");
+    EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Ok);
+    ASSERT_EQ(device.seen().size(), 1u);
+    EXPECT_EQ(device.seen()[0].authorization.substr(0, 7), "Digest ");
+    EXPECT_FALSE(hasToken(device.seen()[0].text)) << "never both";
+}
+
+TEST_F(SoapClientTest, SignsWithBasicWhenNothingElseIsOffered)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::Basic, "admin", "secret");
+    EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Ok);
+    EXPECT_EQ(device.seen()[0].authorization, "Basic YWRtaW46c2VjcmV0");
+}
+
+TEST_F(SoapClientTest, WithAWrongPasswordIsRefused)
+{
+    for (const auto guard :
+         {SoapDevice::Guard::Digest, SoapDevice::Guard::Basic, SoapDevice::Guard::Token}) {
+        SoapDevice device(m_context);
+        device.answer(request, response);
+        device.guard(guard, "admin", "secret");
+        EXPECT_EQ(statusFor(device, {"admin", "wrong"}), SoapStatus::Refused);
+        EXPECT_EQ(statusFor(device, {"other", "secret"}), SoapStatus::Refused);
+        EXPECT_EQ(statusFor(device, {}), SoapStatus::Refused);
+    }
+}
+
+TEST_F(SoapClientTest, DoesNotLetAWrongPasswordPassAfterARightOne)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::Digest, "admin", "secret");
+    SoapClient right(m_context.get(), device.service(), {"admin", "secret"});
+    EXPECT_EQ(call(right).status, SoapStatus::Ok);
+    EXPECT_EQ(statusFor(device, {"admin", "wrong"}), SoapStatus::Refused);
+    EXPECT_EQ(call(right).status, SoapStatus::Ok);
+}
+
+TEST_F(SoapClientTest, FallsBackToATokenDatedByTheDevicesClock)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::Token, "admin", "secret");
+    device.setClockOffset(-20 * 365 * 24 * 3600L);
+    SoapClient client(m_context.get(), device.service(), {"admin", "secret"});
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    ASSERT_EQ(device.seen().size(), 3u);
+    EXPECT_FALSE(hasToken(device.seen()[0].text));
+    EXPECT_EQ(device.seen()[1].request, "GetSystemDateAndTime");
+    EXPECT_TRUE(hasToken(device.seen()[2].text));
+    EXPECT_TRUE(device.seen()[2].authorization.empty()) << "never both";
+}
+
+TEST_F(SoapClientTest, KeepsTheWayThatWorked)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::Token, "admin", "secret");
+    SoapClient client(m_context.get(), device.service(), {"admin", "secret"});
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    EXPECT_EQ(device.seen().size(), 4u);
+}
+
+TEST_F(SoapClientTest, ReadsTheClockAgainWhenItWasSet)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::Token, "admin", "secret");
+    SoapClient client(m_context.get(), device.service(), {"admin", "secret"});
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    device.setClockOffset(7200);
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    EXPECT_EQ(device.seen("GetSystemDateAndTime").size(), 2u);
+}
+
+TEST_F(SoapClientTest, GivesUpWhenTheClockIsNotTheReason)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::Token, "admin", "secret");
+    SoapClient client(m_context.get(), device.service(), {"admin", "secret"});
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    device.guard(SoapDevice::Guard::Token, "admin", "changed");
+    EXPECT_EQ(call(client).status, SoapStatus::Refused);
+    EXPECT_EQ(device.seen(request).size(), 3u) << "one more attempt, no account is locked";
+}
+
+TEST_F(SoapClientTest, IsRefusedByADeviceThatRefusesEverything)
+{
+    SoapDevice device(m_context);
+    device.guard(SoapDevice::Guard::Unreasonable, "", "");
+    EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Refused);
+    EXPECT_EQ(statusFor(device, {}), SoapStatus::Refused);
+}
+
+TEST_F(SoapClientTest, TellsFaultsApart)
+{
+    SoapDevice device(m_context);
+    device.answerFault(request, "ter:InvalidArgVal");
+    EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Fault);
+    device.answerRaw(request, 404, "<html/>");
+    EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
+    device.answerRaw(request, 200, "not XML");
+    EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
+    device.answerRaw(request, 200, "");
+    EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
+    RawServer brokenChunks(m_context, "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n",
+                           RawServer::End::Close);
+    EXPECT_EQ(statusFrom(brokenChunks.service()), SoapStatus::Fault);
+    device.answerRaw(request, 500, SoapDevice::envelope(response));
+    EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
+}
+
+TEST_F(SoapClientTest, RefusesEntityBombsAndDeepAnswers)
+{
+    SoapDevice device(m_context);
+    device.answerRaw(request, 200,
+                     "<!DOCTYPE a [<!ENTITY b \"bbbb\">]>" + SoapDevice::envelope("<c>&b;</c>"));
+    EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
+    std::string deep;
+    for (int i = 0; i < 100'000; ++i)
+        deep += "<a>";
+    for (int i = 0; i < 100'000; ++i)
+        deep += "</a>";
+    device.answer(request, deep);
+    EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
+}
+
+TEST_F(SoapClientTest, ReadsNoMoreThanItsLimit)
+{
+    SoapDevice device(m_context);
+    device.answer(request, std::string(3 * XmlMessage::maxBytes, ' ') + response);
+    EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
+}
+
+TEST_F(SoapClientTest, DoesNotFollowRedirections)
+{
+    SoapDevice other(m_context);
+    other.answer(request, response);
+    RawServer server(m_context,
+                     "HTTP/1.1 307 Temporary Redirect\r\nLocation: " + other.service() +
+                         "\r\nContent-Length: 0\r\n\r\n",
+                     RawServer::End::Close);
+    EXPECT_EQ(statusFrom(server.service()), SoapStatus::Fault);
+    EXPECT_TRUE(other.seen().empty());
+}
+
+TEST_F(SoapClientTest, OfABrokenServerHasNoAnswer)
+{
+    for (const char *answer :
+         {"", "garbage garbage\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nshort",
+          "HTTP/9.9 abc\r\n\r\n", "\x16\x03\x01\x02"}) {
+        RawServer server(m_context, answer, RawServer::End::Close);
+        EXPECT_EQ(statusFrom(server.service()), SoapStatus::NoAnswer) << answer;
+    }
+}
+
+TEST_F(SoapClientTest, WaitsNoLongerThanItsLimit)
+{
+    RawServer silent(m_context, "", RawServer::End::StayOpen);
+    EXPECT_EQ(statusFrom(silent.service(), 100), SoapStatus::NoAnswer);
+    RawServer half(m_context, "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n<Envel",
+                   RawServer::End::StayOpen);
+    EXPECT_EQ(statusFrom(half.service(), 100), SoapStatus::NoAnswer);
+}
+
+TEST_F(SoapClientTest, OfADeadAddressHasNoAnswer)
+{
+    std::string service;
+    {
+        const SoapDevice gone(m_context);
+        service = gone.service();
+    }
+    EXPECT_EQ(statusFrom(service), SoapStatus::NoAnswer);
+    EXPECT_EQ(statusFrom("http://"), SoapStatus::NoAnswer);
+    EXPECT_EQ(statusFrom("no address at all"), SoapStatus::NoAnswer);
+}
+
+TEST_F(SoapClientTest, IsCancelledByTheDestructionOfTheRequest)
+{
+    SoapDevice device(m_context);
+    device.keepSilent(request);
+    bool isCalled = false;
+    SoapClient client(m_context.get(), device.service(), {});
+    RequestPtr running = client.call(client.deviceService(), "a", body,
+                                     [&isCalled](const SoapReply &) { isCalled = true; });
+    EXPECT_TRUE(m_context.runUntil([&device] { return device.seen().size() == 1; }));
+    running.reset();
+    running = client.call(client.deviceService(), "a", body,
+                          [&isCalled](const SoapReply &) { isCalled = true; });
+    running.reset();
+    m_context.drain();
+    EXPECT_FALSE(isCalled);
+}
+
+TEST_F(SoapClientTest, LetsTheReceiverAskAgain)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    SoapClient client(m_context.get(), device.service(), {});
+    int answers = 0;
+    RequestPtr running;
+    std::function<void(SoapReply)> next = [&](const SoapReply &reply) {
+        EXPECT_EQ(reply.status, SoapStatus::Ok);
+        if (++answers < 3)
+            running = client.call(client.deviceService(), "a", body, next);
+        else
+            running.reset();
+    };
+    running = client.call(client.deviceService(), "a", body, next);
+    EXPECT_TRUE(m_context.runUntil([&answers] { return answers == 3; }));
+    EXPECT_FALSE(running);
+}
+
+} // namespace onvif
