@@ -48,6 +48,13 @@ function(zelvaro_qt_library name)
   zelvaro_qt_code(${name})
 endfunction()
 
+# Links the real platform libraries. The folders of the client do not name them, so that tests can
+# link scripted ones; a linker that drops what nobody before asked for is told to keep them.
+function(zelvaro_link_platform target)
+  target_link_options(${target} PRIVATE LINKER:--no-as-needed)
+  target_link_libraries(${target} PRIVATE cammgr ndcp)
+endfunction()
+
 # zelvaro_plain_library(name [SHARED] SOURCES ... LINK ...)
 # Code below the client: no Qt. Static unless SHARED.
 function(zelvaro_plain_library name)
