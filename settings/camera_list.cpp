@@ -81,7 +81,7 @@ void CCameraList::closing()
     QVector<QPointer<CCamera>> cameras;
     for (const auto &camera : m_cameras) {
         cameras << camera.get();
-        if (camera->has_player()) {
+        if (camera->has_player() && !camera->is_stopped()) {
             camera->stop();
         }
     }

@@ -1,0 +1,287 @@
+#include "tests/camera/session_test.h"
+
+#include <QSignalSpy>
+
+#include <atomic>
+#include <thread>
+
+/// How a session ends: stop, wait, delete; and what comes too late.
+class TstCameraEnd : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void stopAsksTheLibraryAndCutsTheStateSignals();
+    void stopGivesTheLibrarysResult();
+    void lateProbeResultAfterStopIsDropped();
+    void scheduledProbeAfterStopDoesNothing();
+    void waitStoppedAsksUntilProbeAndStreamAreGone();
+    void waitStoppedReturnsAtOnceWhenNothingIsLeft();
+    void waitingWorksWhenTheApplicationQuits();
+    void deleteSyncTakesThePlayerAway();
+    void deletePlayerWaitsForTheLibrary();
+    void destructorDeletesThePlayer();
+    void destructorWithoutAPlayerAsksNothing();
+    void messageAfterTheEndIsDropped();
+    void messagesWhileSessionsComeAndGo();
+    void sessionMayGoInItsOwnStateSignal();
+
+private:
+    std::unique_ptr<CheckLog> m_checks;
+};
+
+void TstCameraEnd::init()
+{
+    fake_cammgr::reset();
+    m_checks = std::make_unique<CheckLog>();
+}
+
+void TstCameraEnd::cleanup()
+{
+    QCOMPARE(m_checks->take(), QStringList());
+    m_checks.reset();
+    QVERIFY(fake_cammgr::breaches().empty());
+    fake_cammgr::reset();
+}
+
+void TstCameraEnd::stopAsksTheLibraryAndCutsTheStateSignals()
+{
+    Session session;
+    session.startConnected();
+    QSignalSpy changed(session.camera.get(), &CCameraCore::signalStateChanged);
+    QSignalSpy report(session.camera.get(), &CCameraCore::signalStateReport);
+    int received = 0;
+    connect(session.camera.get(), &CCameraCore::signalStateChanged, this, [&] { ++received; });
+    connect(session.camera.get(), &CCameraCore::signalStateReport, this, [&] { ++received; });
+    session.player()->forgetCalls();
+    session->stop();
+    QCOMPARE(names(session.player()->calls()),
+             QStringList({"RtspPlayer_Stop_Connecting", "RtspPlayer_Stop"}));
+    QVERIFY(session->is_stopped());
+    emit session->signalStateChanged();
+    emit session->signalStateReport();
+    QCOMPARE(received, 0);
+}
+
+void TstCameraEnd::stopGivesTheLibrarysResult()
+{
+    Session session;
+    session.start();
+    session.player()->change([](fake_cammgr::Script &s) { s.results["RtspPlayer_Stop"] = -7; });
+    QCOMPARE(session->stop(), -7);
+    session.player()->change([](fake_cammgr::Script &s) { s.results.clear(); });
+    session->wait_stopped();
+}
+
+void TstCameraEnd::lateProbeResultAfterStopIsDropped()
+{
+    Session session;
+    session.start();
+    session.player()->change([](fake_cammgr::Script &s) { s.stopEndsProbe = false; });
+    session->stop();
+    // Only now, so that stop cannot have cut them off.
+    QSignalSpy changed(session.camera.get(), &CCameraCore::signalStateChanged);
+    QSignalSpy report(session.camera.get(), &CCameraCore::signalStateReport);
+    session.player()->probeOk();
+    deliverAll();
+    QCOMPARE(session->get_state(), int(CAMERA_STATE_DISCONNECTED));
+    QCOMPARE(changed.count() + report.count(), 0);
+    session->tick_alive();
+    QCOMPARE(session.player()->count("RtspPlayer_TickAlive"), 1);
+    session->delete_sync(); // the probe is no longer out
+}
+
+void TstCameraEnd::scheduledProbeAfterStopDoesNothing()
+{
+    Session session;
+    session.startConnected();
+    session->stop();
+    session->slotCameraTickAlive();
+    QCOMPARE(session.player()->count("RtspPlayer_TickAlive"), 1);
+}
+
+void TstCameraEnd::waitStoppedAsksUntilProbeAndStreamAreGone()
+{
+    Session session;
+    session.startConnected();
+    session->play();
+    session->tick_alive();
+    const auto player = session.player();
+    player->change([](fake_cammgr::Script &s) {
+        s.stopEndsProbe = false;
+        s.stopStops = false;
+    });
+    session->stop();
+    player->forgetCalls();
+    QTimer::singleShot(
+        0, [player] { player->change([](fake_cammgr::Script &s) { s.stopEndsProbe = true; }); });
+    // The stream ends by itself, a while after the probe.
+    QTimer::singleShot(350,
+                       [player] { player->change([](fake_cammgr::Script &s) { s.playing = 0; }); });
+    session->wait_stopped();
+    QVERIFY(!player->probeOutstanding());
+    QVERIFY(!session->is_playing());
+    QVERIFY(player->count("RtspPlayer_Stop_Connecting") >= 2);
+    QCOMPARE(player->count("RtspPlayer_Stop"), player->count("RtspPlayer_Stop_Connecting"));
+    session->delete_sync();
+}
+
+void TstCameraEnd::waitStoppedReturnsAtOnceWhenNothingIsLeft()
+{
+    Session session;
+    session.startConnected();
+    session->stop();
+    session.player()->forgetCalls();
+    session->wait_stopped();
+    QCOMPARE(names(session.player()->calls()), QStringList({"RtspPlayer_IsPlaying"}));
+}
+
+void TstCameraEnd::waitingWorksWhenTheApplicationQuits()
+{
+    Session session;
+    session.start();
+    QTimer::singleShot(0, [&] {
+        QCoreApplication::exit(0);
+        session->stop();
+        session->wait_stopped();
+    });
+    QCoreApplication::exec();
+    QVERIFY(!session.player()->probeOutstanding());
+    session->delete_sync();
+}
+
+void TstCameraEnd::deleteSyncTakesThePlayerAway()
+{
+    Session session;
+    session.startConnected();
+    session.stopAndWait();
+    session.player()->forgetCalls();
+    session->delete_sync();
+    QVERIFY(!session->has_player());
+    QCOMPARE(session->get_state(), int(CAMERA_STATE_DISCONNECTED));
+    QCOMPARE(names(session.player()->calls()),
+             QStringList({"RtspPlayer_IsPlaying", "RtspPlayer_DeleteSync"}));
+    const auto player = session.player();
+    // Nobody listens any more.
+    emit session->signalCameraEvent(CAMMGR_MSG_PROBE_OK, 0, {});
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(session->get_state(), int(CAMERA_STATE_DISCONNECTED));
+    session.end();
+    QCOMPARE(player->count("RtspPlayer_Delete"), 0);
+}
+
+void TstCameraEnd::deletePlayerWaitsForTheLibrary()
+{
+    Session session;
+    session.startConnected();
+    session.stopAndWait();
+    const auto player = session.player();
+    player->change([](fake_cammgr::Script &s) { s.deleteAnswers = false; });
+    bool answered = false;
+    QTimer::singleShot(250, [&] {
+        answered = true;
+        player->send(CAMMGR_MSG_DELETED, 0);
+    });
+    session->delete_player();
+    QVERIFY(answered);
+    QVERIFY(player->deleted());
+    QVERIFY(!session->has_player());
+    QCOMPARE(session->get_state(), int(CAMERA_STATE_DISCONNECTED));
+}
+
+void TstCameraEnd::destructorDeletesThePlayer()
+{
+    Session session;
+    session.startConnected();
+    const auto player = session.player();
+    session.stopAndWait();
+    session.camera.reset();
+    QCOMPARE(player->count("RtspPlayer_Delete"), 1);
+    QVERIFY(player->deleted());
+}
+
+void TstCameraEnd::destructorWithoutAPlayerAsksNothing()
+{
+    {
+        Session session;
+    }
+    QVERIFY(fake_cammgr::calls().empty());
+}
+
+void TstCameraEnd::messageAfterTheEndIsDropped()
+{
+    std::shared_ptr<fake_cammgr::Player> player;
+    {
+        Session session;
+        session.startConnected();
+        player = session.player();
+    }
+    for (int message = 0; message <= 4; ++message) {
+        player->send(message, 1, std::vector<std::string>{"x"});
+    }
+    deliverAll();
+}
+
+void TstCameraEnd::messagesWhileSessionsComeAndGo()
+{
+    std::atomic<bool> run = true;
+    std::thread storm([&] {
+        while (run) {
+            for (const auto &player : fake_cammgr::players()) {
+                player->send(CAMMGR_MSG_COMMAND_REPLIES, 1,
+                             std::vector<std::string>{"000 Success"});
+            }
+            fake_cammgr::waitDelivered(Deadline);
+        }
+    });
+    for (int i = 0; i < 40; ++i) {
+        CameraRecord record;
+        record.hostname = QString::number(i);
+        CCamera camera;
+        camera.set_info(&record);
+        QCOMPARE(camera.create(), 0);
+        QSignalSpy finished(&camera, &CCameraCore::signalP2PConfFinished);
+        QVERIFY(finished.wait(Deadline));
+        camera.stop();
+        while (camera.is_playing() || fake_cammgr::lastPlayer()->probeOutstanding()) {
+            QCoreApplication::processEvents();
+        }
+        camera.wait_stopped();
+        camera.delete_sync();
+    }
+    run = false;
+    storm.join();
+    deliverAll();
+    // Those that were posted before the player went find none.
+    m_checks->take();
+}
+
+void TstCameraEnd::sessionMayGoInItsOwnStateSignal()
+{
+    for (const bool atChange : {true, false}) {
+        CameraRecord record;
+        record.hostname = "x";
+        auto *const camera = new CCamera;
+        camera->set_info(&record);
+        QCOMPARE(camera->create(), 0);
+        const QPointer<CCamera> guard(camera);
+        const auto go = [camera] {
+            camera->stop();
+            camera->wait_stopped();
+            delete camera;
+        };
+        if (atChange) {
+            connect(camera, &CCameraCore::signalStateChanged, this, go);
+        } else {
+            connect(camera, &CCameraCore::signalStateReport, this, go);
+        }
+        fake_cammgr::lastPlayer()->probeOk();
+        QTRY_VERIFY_WITH_TIMEOUT(guard.isNull(), Deadline);
+    }
+}
+
+QTEST_MAIN(TstCameraEnd)
+#include "tst_camera_end.moc"
