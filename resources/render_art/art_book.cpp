@@ -30,25 +30,33 @@ QSize readSize(const QString &word)
 
 ArtBook::ArtBook(const QString &folder)
     : m_folder(folder)
-    , m_palette(Palette::read(folder + QLatin1String("/palette.txt"), &m_error))
+    , m_sources(folder + QLatin1String("/palette.txt"))
+    , m_palette(Palette::read(m_sources.first(), &m_error))
 {
     readImages();
 }
 
-void ArtBook::readImages()
+/// A file of the folder; fails when it cannot be read.
+QString ArtBook::read(const QString &name)
 {
-    QFile file(m_folder + QLatin1String("/images.txt"));
+    QFile file(m_folder + QLatin1Char('/') + name);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         fail(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
-        return;
+        return {};
     }
-    for (int number = 1; !file.atEnd(); ++number) {
-        const QString line = QString::fromUtf8(file.readLine()).simplified();
+    if (!m_sources.contains(file.fileName()))
+        m_sources.append(file.fileName());
+    return QString::fromUtf8(file.readAll());
+}
+
+void ArtBook::readImages()
+{
+    int number = 0;
+    for (const QString &text : read(QStringLiteral("images.txt")).split(QLatin1Char('\n'))) {
+        const QString line = text.simplified();
+        ++number;
         if (!line.isEmpty() && !line.startsWith(QLatin1Char('#')) && !readLine(line))
-            fail(QStringLiteral("%1:%2: cannot read \"%3\"")
-                     .arg(file.fileName())
-                     .arg(number)
-                     .arg(line));
+            fail(QStringLiteral("images.txt:%1: cannot read \"%2\"").arg(number).arg(line));
     }
 }
 
@@ -76,20 +84,10 @@ bool ArtBook::readLine(const QString &line)
     return good;
 }
 
-QString ArtBook::source(const QString &drawing)
-{
-    QFile file(QStringLiteral("%1/%2.svg").arg(m_folder, drawing));
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        fail(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
-        return {};
-    }
-    return QString::fromUtf8(file.readAll());
-}
-
 /// What stands between the opening and the closing svg tag.
 QString ArtBook::inner(const QString &drawing)
 {
-    const QString whole = source(drawing);
+    const QString whole = read(drawing + QLatin1String(".svg"));
     const int tag = whole.indexOf(QLatin1String("<svg"));
     const int begin = whole.indexOf(QLatin1Char('>'), tag) + 1;
     const int end = whole.lastIndexOf(QLatin1String("</svg>"));
@@ -134,7 +132,7 @@ void ArtBook::fill(QString &text, const Image &image)
 
 QString ArtBook::svg(const Image &image)
 {
-    QString text = source(image.drawing);
+    QString text = read(image.drawing + QLatin1String(".svg"));
     fill(text, image);
     return text;
 }

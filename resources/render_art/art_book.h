@@ -5,6 +5,7 @@
 #include <QMap>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 namespace zelvaro {
@@ -27,6 +28,8 @@ public:
 
     const QString &error() const { return m_error; }
     const QVector<Image> &images() const { return m_images; }
+    /// Every file that was read so far.
+    const QStringList &sources() const { return m_sources; }
 
     /// The image as a whole SVG text, with every name replaced by its value.
     QString svg(const Image &image);
@@ -40,9 +43,9 @@ private:
         QMap<QString, QString> values;
     };
 
+    QString read(const QString &name);
     void readImages();
     bool readLine(const QString &line);
-    QString source(const QString &drawing);
     QString inner(const QString &drawing);
     QString value(const QString &name, const Image &image);
     void fill(QString &text, const Image &image);
@@ -50,6 +53,7 @@ private:
 
     QString m_folder;
     QString m_error;
+    QStringList m_sources;
     Palette m_palette;
     QMap<QString, Kind> m_kinds;
     QVector<Image> m_images;

@@ -74,6 +74,23 @@ QString addFile(ArtBook &book, const QString &argument, const QString &output, Q
     return book.error();
 }
 
+QString write(const QString &name, const QString &text)
+{
+    QFile file(name);
+    if (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0)
+        return QStringLiteral("%1: %2").arg(name, file.errorString());
+    return {};
+}
+
+/// Tells the build in the form of a makefile which drawings the list is made from.
+QString dependencies(const QString &target, const QStringList &sources)
+{
+    QString text = target + QLatin1Char(':');
+    for (QString source : sources)
+        text += QLatin1String(" \\\n ") + source.replace(QLatin1Char(' '), QLatin1String("\\ "));
+    return text + QLatin1Char('\n');
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -102,9 +119,11 @@ int main(int argc, char **argv)
     }
     list << "</qresource></RCC>\n";
 
-    QFile file(output + QLatin1String("/zelvaro.qrc"));
-    if (error.isEmpty() && (!file.open(QIODevice::WriteOnly) || file.write(text.toUtf8()) < 0))
-        error = QStringLiteral("%1: %2").arg(file.fileName(), file.errorString());
+    const QString listFile = output + QLatin1String("/zelvaro.qrc");
+    if (error.isEmpty())
+        error = write(listFile, text);
+    if (error.isEmpty())
+        error = write(output + QLatin1String("/zelvaro.d"), dependencies(listFile, book.sources()));
     if (!error.isEmpty()) {
         errors << "render_art: " << error << '\n';
         return 1;

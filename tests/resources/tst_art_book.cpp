@@ -77,6 +77,10 @@ void TestArtBook::putsInOtherDrawings()
     QVERIFY(folder.isGood());
     ArtBook book(folder.path());
     QCOMPARE(book.svg(book.images()[0]), QStringLiteral("<svg><g><path d=\"32\"/></g></svg>"));
+    QStringList read;
+    for (const QString &source : book.sources())
+        read.append(QFileInfo(source).fileName());
+    QCOMPARE(read, QStringList({"palette.txt", "images.txt", "plain.svg", "cross.svg"}));
 }
 
 void TestArtBook::saysWhatIsWrong_data()
