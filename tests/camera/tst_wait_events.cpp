@@ -52,7 +52,9 @@ void TstWaitEvents::keepsUserInputForLater()
     QVERIFY(pressSpaceInWindow(button.winId()));
     zelvaro::waitEvents(500);
     QCOMPARE(clicks, 1);
-    QTRY_COMPARE_WITH_TIMEOUT(clicks, 2, 30000);
+    // Qt hands held-back input on together with the display's next event.
+    QVERIFY(pressSpaceInWindow(button.winId()));
+    QTRY_COMPARE_WITH_TIMEOUT(clicks, 3, 30000);
 }
 
 QTEST_MAIN(TstWaitEvents)
