@@ -142,6 +142,7 @@ std::string Camera::status() const
         .add("http_port", m_active.httpPort)
         .add("connections", m_rtspFront->connections())
         .add("watching", m_faults->watching.load())
+        .add("encoding", int{m_mainVideo->isFeeding()} + int{m_subVideo->isFeeding()})
         .add("rtsp_requests", m_faults->requests.load())
         .add("key_frame_requests", m_http->onvif().keyFrameRequests())
         .add("back_channel_packets", heard.packets)

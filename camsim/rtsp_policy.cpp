@@ -11,13 +11,10 @@ using Kind = MessageSplitter::Kind;
 constexpr std::size_t kPacketHead = 4;
 constexpr std::size_t kRtpHead = 12;
 
-/// Cuts in the middle of the last word of the second line, or of the first when there is no other.
+/// Cuts after two letters of the first header.
 std::size_t middleOfWord(const std::string &message)
 {
-    const std::size_t first = message.find("\r\n");
-    const std::size_t second = message.find("\r\n", first + 2);
-    const std::size_t end = second == std::string::npos ? first : second;
-    return end - std::min<std::size_t>(end / 2, 2);
+    return std::min(message.size() / 2, message.find("\r\n") + 4);
 }
 
 /// The same answer with a session description of more than a megabyte.

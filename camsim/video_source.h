@@ -37,6 +37,8 @@ public:
     /// New size, rate or key frame distance, in the middle of the stream. Main thread.
     virtual void configure(const VideoSettings &settings) = 0;
     VideoSettings settings() const;
+    /// Some media takes frames. Any thread.
+    bool isFeeding() { return !m_feeds.active().empty(); }
 
 protected:
     VideoSource(Ticker &ticker, const VideoSettings &settings);
