@@ -57,8 +57,7 @@ QPoint globalPoint(const QWidget *widget, QPoint point)
 
 } // namespace
 
-RealInput::RealInput()
-    : d(std::make_unique<Private>())
+RealInput::RealInput() : d(std::make_unique<Private>())
 {
     d->display = XOpenDisplay(nullptr);
     int unused = 0;

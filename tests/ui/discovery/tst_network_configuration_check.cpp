@@ -204,4 +204,4 @@ void TestNetworkConfiguration::overlongTextsAreCutToTheirFields()
 }
 
 QTEST_MAIN(TestNetworkConfiguration)
-#include "tst_network_configuration.moc"
+#include "tst_network_configuration_check.moc"

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "tests/e2e/real_input.h"
+#include "tests/support/camsim_process.h"
+
+#include <QString>
+#include <QTemporaryDir>
+#include <QWidget>
+
+#include <functional>
+
+class CMainForm;
+
+/// One run of the program with settings and an album of its own, in a folder that goes with it.
+class ProgramRun
+{
+public:
+    ProgramRun();
+
+    /// Writes the settings file with these cameras and tells the libraries where they are. All
+    /// network traffic stays on loopback.
+    void registerCameras(const zelvaro::test::CamsimProcess &cameras);
+    /// Lets the libraries find these cameras; none is registered.
+    static void makeFindable(const zelvaro::test::CamsimProcess &cameras);
+
+    QString settingsFile() const;
+    QString albumFolder() const;
+    QByteArray settings() const;
+    /// Files in the album folder of a camera, by name.
+    QStringList album(const std::string &uid) const;
+
+    /// Runs the program from its entry to its end; steps run in its event loop, and when they
+    /// return while it still runs it is asked to quit.
+    /// @return its exit code
+    int run(const std::function<void(CMainForm &)> &steps);
+
+private:
+    QTemporaryDir m_folder;
+};
+
+/// The one child of a type with this object name that can be seen; null for none.
+template <typename Widget>
+Widget *visibleChild(const QWidget &parent, const char *name)
+{
+    for (Widget *child : parent.findChildren<Widget *>(QLatin1String(name))) {
+        if (child->isVisible())
+            return child;
+    }
+    return nullptr;
+}
+
+/// Whether the widget's place on the screen shows something else than it did at the last look,
+/// which is kept in the given picture. For live pictures that other programs draw.
+bool pictureMoves(const QWidget &widget, QImage &last);

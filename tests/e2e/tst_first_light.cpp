@@ -1,0 +1,273 @@
+#include "app/main_form.h"
+#include "app/message_box.h"
+#include "tests/e2e/program_run.h"
+#include "ui/live/play_camera_form.h"
+#include "ui/manager/camera_mgr_item_form.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QLabel>
+#include <QMenu>
+#include <QProcess>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QTest>
+#include <QToolButton>
+#include <QWindow>
+
+#include <X11/keysym.h>
+
+using zelvaro::test::CamsimProcess;
+
+namespace {
+
+constexpr int kPatience = 40'000; // milliseconds for anything that needs a camera
+
+QStringList shell(const QStringList &command)
+{
+    QProcess process;
+    process.start(command.first(), command.mid(1));
+    if (!process.waitForFinished(kPatience))
+        return {};
+    return QString::fromUtf8(process.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+}
+
+QStringList named(const QStringList &files, const QString &pattern)
+{
+    return files.filter(QRegularExpression(QRegularExpression::anchoredPattern(pattern)));
+}
+
+} // namespace
+
+/// A registered camera connects and plays: from the settings file through session, library and
+/// simulated camera to a moving picture, and everything that the single view does with it.
+class TestFirstLight : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void camerasConnectPlayAndGo();
+
+private:
+    void steps(CMainForm &window, CamsimProcess &cameras);
+    void watch();
+    void takePhoto();
+    void record();
+    void zoomAndFullScreen();
+    void surviveDrop(CamsimProcess &cameras);
+    void refuseAndAcceptPassword(CamsimProcess &cameras);
+    void deleteSecondCamera();
+    void quit();
+
+    CCameraMgrItemForm *tile(int index) const
+    {
+        return m_window->findChildren<CCameraMgrItemForm *>().value(index);
+    }
+    bool isConnected(int index) const
+    {
+        return tile(index)->findChild<QWidget *>("labelStatusImage")->toolTip() == "Connected";
+    }
+    QString statusLine() const { return live()->findChild<QLabel *>("labelStatus")->text(); }
+    CPlayCameraForm *live() const { return m_window->findChild<CPlayCameraForm *>(); }
+    QWidget *videoFrame() const { return m_videoFrame; }
+    int page() const
+    {
+        return m_window->findChild<QStackedWidget *>("stackedWidget")->currentIndex();
+    }
+    void clickLive(const char *button)
+    {
+        m_input->click(live()->findChild<QToolButton *>(QLatin1String(button)));
+    }
+
+    ProgramRun *m_run = nullptr;
+    RealInput *m_input = nullptr;
+    CMainForm *m_window = nullptr;
+    QWidget *m_videoFrame = nullptr;
+    std::string m_uid;
+};
+
+void TestFirstLight::camerasConnectPlayAndGo()
+{
+    RealInput input;
+    if (!input.isValid())
+        QSKIP("The display has no XTEST extension.");
+    CamsimProcess cameras({"--count", "2", "--user", "admin", "--password", "secret", "--name",
+                           "Front door", "--name", "Garage", "--main-size", "640x360",
+                           "--main-bitrate", "800000"});
+    ProgramRun run;
+    run.registerCameras(cameras);
+    m_run = &run;
+    m_input = &input;
+    m_uid = cameras.camera(0).uid;
+    bool finished = false;
+    const int code = run.run([&](CMainForm &window) {
+        m_window = &window;
+        steps(window, cameras);
+        finished = !QTest::currentTestFailed();
+    });
+    QVERIFY(finished);
+    QCOMPARE(code, 0);
+}
+
+void TestFirstLight::steps(CMainForm &window, CamsimProcess &cameras)
+{
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QTRY_COMPARE_WITH_TIMEOUT(window.findChildren<CCameraMgrItemForm *>().size(), 2, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(isConnected(0) && isConnected(1), kPatience);
+    m_videoFrame = live()->findChild<QWidget *>("frameVideoFrame");
+
+    const auto failed = [] { return QTest::currentTestFailed(); };
+    watch();
+    if (!failed())
+        takePhoto();
+    if (!failed())
+        record();
+    if (!failed())
+        zoomAndFullScreen();
+    if (!failed())
+        surviveDrop(cameras);
+    if (!failed())
+        refuseAndAcceptPassword(cameras);
+    if (!failed())
+        deleteSecondCamera();
+    if (!failed())
+        quit();
+}
+
+void TestFirstLight::watch()
+{
+    m_input->doubleClick(tile(0)->findChild<QWidget *>("frameCameraItem"));
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(QRegularExpression("^640x360\\(\\d+%\\)  \\d+FPS \\d+\\.\\d\\dKbps$")
+                                 .match(statusLine())
+                                 .hasMatch(),
+                             kPatience);
+    QImage last;
+    QTRY_VERIFY_WITH_TIMEOUT(pictureMoves(*videoFrame(), last), kPatience);
+}
+
+void TestFirstLight::takePhoto()
+{
+    clickLive("btnSnapshot");
+    const QString pattern = "\\d{8}_\\d{6}\\.jpg";
+    QTRY_COMPARE_WITH_TIMEOUT(named(m_run->album(m_uid), pattern).size(), 1, kPatience);
+    const QImage photo(m_run->albumFolder() + "/" + QString::fromStdString(m_uid) + "/" +
+                       named(m_run->album(m_uid), pattern).first());
+    QCOMPARE(photo.size(), QSize(640, 360));
+}
+
+void TestFirstLight::record()
+{
+    clickLive("btnRecord");
+    const QString folder = m_run->albumFolder() + "/" + QString::fromStdString(m_uid) + "/";
+    const auto clips = [this] { return named(m_run->album(m_uid), "\\d{8}_\\d{6}\\.mp4"); };
+    QTRY_COMPARE_WITH_TIMEOUT(clips().size(), 1, kPatience);
+    const QString clip = folder + clips().first();
+    QVERIFY(live()->findChild<QLabel *>("labelRecording")->styleSheet().contains("recordbtn_down"));
+    QCOMPARE(named(m_run->album(m_uid), "\\d{8}_\\d{6}\\.mp4\\.jpeg").size(), 1);
+    QTRY_VERIFY_WITH_TIMEOUT(QFileInfo(clip).size() > 200'000, kPatience);
+    clickLive("btnRecord");
+    QTRY_VERIFY(live()->findChild<QLabel *>("labelRecording")->styleSheet().isEmpty());
+
+    const QStringList probe{"ffprobe",
+                            "-v",
+                            "error",
+                            "-select_streams",
+                            "v",
+                            "-count_frames",
+                            "-show_entries",
+                            "stream=codec_name,width,nb_read_frames",
+                            "-of",
+                            "csv=p=0",
+                            clip};
+    // The file is finished behind the button.
+    QTRY_VERIFY_WITH_TIMEOUT(shell(probe).value(0).startsWith("h264,640,"), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(shell(probe).value(0).section(',', 2).toInt() > 20, kPatience);
+}
+
+void TestFirstLight::zoomAndFullScreen()
+{
+    clickLive("btnZoomOut");
+    QTRY_VERIFY_WITH_TIMEOUT(statusLine().startsWith("640x360(75%)") ||
+                                 live()->findChild<QWidget *>("frameVideoClient")->width() ==
+                                     480 + 13,
+                             kPatience);
+    clickLive("btnFullScreen");
+    QTRY_VERIFY_WITH_TIMEOUT(videoFrame()->isFullScreen() && videoFrame()->isActiveWindow(),
+                             kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(videoFrame()->size(), videoFrame()->screen()->size(), kPatience);
+    QImage last;
+    QTRY_VERIFY_WITH_TIMEOUT(pictureMoves(*videoFrame(), last), kPatience);
+    m_input->key(XK_Escape);
+    QTRY_VERIFY_WITH_TIMEOUT(!videoFrame()->isFullScreen() && !videoFrame()->isWindow(), kPatience);
+    last = {};
+    QTRY_VERIFY_WITH_TIMEOUT(pictureMoves(*videoFrame(), last), kPatience);
+}
+
+void TestFirstLight::surviveDrop(CamsimProcess &cameras)
+{
+    QVERIFY(cameras.tell(0, "refuse"));
+    QVERIFY(cameras.tell(0, "drop"));
+    QTRY_COMPARE_WITH_TIMEOUT(statusLine(), QStringLiteral("Front door is connecting..."),
+                              kPatience);
+    QVERIFY(cameras.tell(0, "listen"));
+    QTRY_VERIFY_WITH_TIMEOUT(statusLine().startsWith("640x360"), 2 * kPatience);
+    QImage last;
+    QTRY_VERIFY_WITH_TIMEOUT(pictureMoves(*videoFrame(), last), kPatience);
+    clickLive("btnBack");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), kPatience);
+}
+
+void TestFirstLight::refuseAndAcceptPassword(CamsimProcess &cameras)
+{
+    auto *status = tile(1)->findChild<QLabel *>("labelStatusText");
+    QVERIFY(cameras.tell(1, "password other"));
+    QVERIFY(cameras.tell(1, "drop"));
+    QTRY_COMPARE_WITH_TIMEOUT(status->text(), QStringLiteral("Invalid Password!"), kPatience);
+    QVERIFY(cameras.tell(1, "password secret"));
+    QTRY_VERIFY_WITH_TIMEOUT(status->text().isEmpty() && isConnected(1), 2 * kPatience);
+}
+
+void TestFirstLight::deleteSecondCamera()
+{
+    m_input->click(tile(1)->findChild<QToolButton *>("btnMenu"));
+    auto *menu = tile(1)->findChild<QToolButton *>("btnMenu")->menu();
+    QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), kPatience);
+    QAction *remove = nullptr;
+    for (QAction *action : menu->actions()) {
+        if (action->text() == "Delete")
+            remove = action;
+    }
+    QVERIFY(remove);
+    QTimer answer;
+    connect(&answer, &QTimer::timeout, this, [this, &answer] {
+        auto *box = qobject_cast<CMessageBox *>(QApplication::activeModalWidget());
+        if (box == nullptr || !box->isVisible() || !box->windowHandle()->isExposed())
+            return;
+        answer.stop();
+        QCOMPARE(box->findChild<QLabel *>("labelMessage")->text(),
+                 QStringLiteral("Delete camera?"));
+        m_input->click(box->findChild<QPushButton *>("btnOk"));
+    });
+    answer.start(50);
+    m_input->click(menu, menu->actionGeometry(remove).center());
+    QTRY_COMPARE_WITH_TIMEOUT(m_window->findChildren<CCameraMgrItemForm *>().size(), 1, kPatience);
+    const QByteArray expected = "ALBUMPATH=" + m_run->albumFolder().toUtf8() +
+                                "\n[0]\nTYPE=P2P\nHOSTNAME=" + QByteArray::fromStdString(m_uid) +
+                                "\nUSERNAME=admin\nPASSWORD=secret\nNAME=\"Front door\"\n"
+                                "MULTILIVE=1\n";
+    QTRY_COMPARE_WITH_TIMEOUT(m_run->settings(), expected, kPatience);
+}
+
+void TestFirstLight::quit()
+{
+    auto *close = m_window->findChild<QToolButton *>("btnClose");
+    QSignalSpy clicked(close, &QToolButton::clicked);
+    m_input->click(close);
+    QTRY_COMPARE_WITH_TIMEOUT(clicked.count(), 1, kPatience);
+}
+
+QTEST_APPLESS_MAIN(TestFirstLight)
+#include "tst_first_light.moc"
