@@ -42,8 +42,8 @@ void setSystemButtonImages(QToolButton *button, const QString &family)
     button->setStyleSheet(
         QStringLiteral(
             "QToolButton{border-image:url(:/images/sysbtn/%1_default.png);color:transparent;}"
-            "QToolButton:hover,QToolButton:focus{border-image:url(:/images/sysbtn/"
-            "%1_hover.png);}"
+            "QToolButton:focus{border-image:url(:/images/sysbtn/%1_focus.png);}"
+            "QToolButton:hover{border-image:url(:/images/sysbtn/%1_hover.png);}"
             "QToolButton:pressed{border-image:url(:/images/sysbtn/%1_down.png);}")
             .arg(family));
 }
