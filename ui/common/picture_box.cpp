@@ -1,6 +1,7 @@
 #include "ui/common/picture_box.h"
 
 #include <QEvent>
+#include <QLayout>
 #include <QScreen>
 
 namespace zelvaro {
@@ -48,6 +49,11 @@ void PictureBox::leaveFullScreen()
     m_surface->setWindowFlags(Qt::SubWindow);
     position();
     m_surface->showNormal();
+    // The box did not change its size, so its layout would not look at the surface again.
+    if (QLayout *layout = m_box->layout()) {
+        layout->invalidate();
+        layout->activate();
+    }
     m_surface->setFocus();
 }
 

@@ -18,14 +18,6 @@ Q_LOGGING_CATEGORY(liveLog, "zelvaro.live")
 constexpr int ThumbnailPeriod = 60;
 constexpr int FirstThumbnail = 3;
 
-void paintBlack(QWidget *widget)
-{
-    QPalette palette = widget->palette();
-    palette.setColor(QPalette::Window, Qt::black);
-    widget->setPalette(palette);
-    widget->setAutoFillBackground(true);
-}
-
 } // namespace
 
 QString recordImage(bool recording)
@@ -42,7 +34,6 @@ LiveView::LiveView(const LiveWidgets &widgets, StatusSize statusSize, std::funct
     , m_clock(std::move(clock))
     , m_box(widgets.area, widgets.box, widgets.surface)
 {
-    paintBlack(m_widgets.surface);
 }
 
 CCamera *LiveView::camera() const
@@ -73,7 +64,6 @@ void LiveView::open(int stream)
 
 void LiveView::close()
 {
-    m_box.leaveFullScreen();
     if (m_camera)
         m_camera->stop_play();
     m_camera = nullptr;
@@ -144,6 +134,12 @@ void LiveView::zoomOut()
 void LiveView::enterFullScreen()
 {
     m_box.enterFullScreen();
+    followWindow();
+}
+
+void LiveView::leaveFullScreen()
+{
+    m_box.leaveFullScreen();
     followWindow();
 }
 

@@ -50,12 +50,11 @@ public:
     /// Null: none.
     void setCamera(CCamera *camera);
     bool isPlaying() const;
-    PictureBox &box() { return m_box; }
 
     /// Gives the session a fresh surface to draw stream 0 (main) or 1 (sub) on. The view then
     /// connects the session's reports and asks for one.
     void open(int stream);
-    /// Leaves full screen, stops the stream and forgets the camera. The session goes on.
+    /// Stops the stream and forgets the camera. The session goes on.
     void close();
 
     /// The session has answered a probe: follows the stream, asks for it when it does not play.
@@ -68,6 +67,7 @@ public:
     void zoomIn();
     void zoomOut();
     void enterFullScreen();
+    void leaveFullScreen();
     void toggleFullScreen();
 
     void applyVolume();

@@ -37,7 +37,7 @@ CPlayCameraForm::CPlayCameraForm(QWidget *parent, zelvaro::Clock clock)
 CPlayCameraForm::~CPlayCameraForm()
 {
     // Nothing may draw on a surface that is gone.
-    StopPlay();
+    m_live->close();
 }
 
 void CPlayCameraForm::SetCamera(CCamera *camera)
@@ -71,6 +71,7 @@ void CPlayCameraForm::StopPlay()
         setRecording(false);
     if (m_talking)
         setTalking(false);
+    m_live->leaveFullScreen();
     m_live->close();
 }
 

@@ -1,5 +1,6 @@
 #include "ui/live/selection_dialog.h"
 
+#include "ui/live/select_camera_item_form.h"
 #include "ui/live/selection_frame.h"
 #include "ui_selection_dialog.h"
 
@@ -18,6 +19,14 @@ SelectionDialog::SelectionDialog(const QString &title, SelectionFrame *frame, QW
     m_ui->scrollCameras->setWidget(m_frame);
     m_ui->scrollCameras->viewport()->setAutoFillBackground(false);
     m_frame->setAutoFillBackground(false);
+
+    // The grid came last and would be left last.
+    const QList<CSelectCameraItemForm *> &tiles = m_frame->tiles();
+    if (!tiles.isEmpty()) {
+        tiles.first()->setFocus();
+        setTabOrder(tiles.last(), m_ui->btnOK);
+    }
+    setTabOrder(m_ui->btnOK, m_ui->btnClose);
 
     connect(m_ui->btnOK, &QPushButton::clicked, this, &SelectionDialog::slotOK);
     connect(m_ui->btnClose, &QToolButton::clicked, this, &SelectionDialog::slotClose);

@@ -22,6 +22,10 @@ CVideoFrame::CVideoFrame(QWidget *parent) : QWidget(parent)
 {
     setStyleSheet(BlackBackground);
     setAttribute(Qt::WA_StyledBackground);
+    QPalette black = palette();
+    black.setColor(QPalette::Window, Qt::black);
+    setPalette(black);
+    setAutoFillBackground(true);
     setFocusPolicy(Qt::StrongFocus);
 }
 
@@ -32,6 +36,7 @@ QWidget *CVideoFrame::CreateRenderSurface()
 
     m_renderSurface = new QWidget(this);
     m_renderSurface->setStyleSheet(BlackBackground);
+    m_renderSurface->ensurePolished();
     m_renderSurface->setAutoFillBackground(true);
 
     m_overlaySurface = new QWidget(m_renderSurface);
@@ -72,6 +77,15 @@ void CVideoFrame::layoutSurfaces()
         surface->setGeometry(whole);
         surface->show();
     }
+}
+
+bool CVideoFrame::event(QEvent *event)
+{
+    const bool handled = QWidget::event(event);
+    // A style sheet with a background switches it off.
+    if (event->type() == QEvent::Polish)
+        setAutoFillBackground(true);
+    return handled;
 }
 
 void CVideoFrame::resizeEvent(QResizeEvent *event)

@@ -7,7 +7,6 @@ CVolumeSliderForm::CVolumeSliderForm(QWidget *parent)
     , m_ui(std::make_unique<Ui::CVolumeSliderForm>())
 {
     m_ui->setupUi(this);
-    setFocusProxy(m_ui->slider);
     connect(m_ui->slider, &QSlider::valueChanged, this, &CVolumeSliderForm::slotValueChanged);
     connect(m_ui->btnMute, &QToolButton::clicked, this, &CVolumeSliderForm::slotMuteClicked);
     updateMuteStyle();

@@ -119,10 +119,11 @@ public:
     /// The camera's probe is answered; runs what hangs on it.
     static void connectCamera(int index = 0)
     {
-        QSignalSpy reports(camera(index), &CCamera::signalStateReport);
-        player(index)->probeOk();
-        QTRY_VERIFY_WITH_TIMEOUT(!reports.isEmpty(), Deadline);
-        QCoreApplication::sendPostedEvents();
+        answer(index, [index] { player(index)->probeOk(); });
+    }
+    static void failCamera(int index = 0)
+    {
+        answer(index, [index] { player(index)->probeFailed(); });
     }
 
     /// One report of the session, as each answered probe makes one.
@@ -188,5 +189,13 @@ public:
     RecordingHost host;
 
 private:
+    static void answer(int index, const std::function<void()> &answerProbe)
+    {
+        QSignalSpy reports(camera(index), &CCamera::signalStateReport);
+        answerProbe();
+        QTRY_VERIFY_WITH_TIMEOUT(!reports.isEmpty(), Deadline);
+        QCoreApplication::sendPostedEvents();
+    }
+
     SettingsHome m_home;
 };

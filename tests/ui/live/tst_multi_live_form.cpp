@@ -1,0 +1,428 @@
+#include "ui/live/multi_live_form.h"
+
+#include "app/message_box.h"
+#include "resources/resources.h"
+#include "tests/support/modal_action.h"
+#include "tests/ui/live/live_fixture.h"
+#include "ui/live/multi_live_frame.h"
+#include "ui/live/multi_live_item_form.h"
+#include "ui/live/select_camera_form.h"
+#include "ui/live/select_camera_item_form.h"
+#include "ui/live/select_camera_recording_form.h"
+#include "ui/live/volume_slider_form.h"
+
+#include <QLabel>
+#include <QToolButton>
+
+namespace {
+constexpr int Deadline = LiveFixture::Deadline;
+}
+
+class tst_MultiLiveForm : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { zelvaro::initResources(); }
+    void init();
+    void cleanup();
+
+    void slotsStandInOrder();
+    void startLoadsAndAppliesThePanelsSound();
+    void volumeAndMuteGoToTheSelectedTile();
+    void snapshotOfAllPlayingTilesWithOneSound();
+    void recordAsksWhichCamerasAndRecordsThose();
+    void recordCancelledTogglesNothing();
+    void recordWithoutShownCamerasTurnsOnWithoutAnyTile();
+    void recordAgainStopsAll();
+    void aRecordingTileThatIsNotPlayingYetBeginsWhenItDoes();
+    void selectReloadsTheGrid();
+    void selectCancelledLeavesThePage();
+    void changingTheViewWhileRecordingAsks();
+    void cancelInTheWarningLeavesRecordingsAndGridUnchanged();
+    void okInTheWarningStopsTheRecordings();
+    void mayLeaveAsksOnlyWhileRecording();
+    void leavingResetsTheRecordButton();
+    void theDialogStandsOverTheMainWindow();
+    void escapeInADialogDoesNotReachThePicture();
+    void theKeyboardReachesEveryControl();
+
+private:
+    template <typename T = QWidget>
+    T *child(const char *name) const
+    {
+        return m_form->findChild<T *>(QString::fromLatin1(name));
+    }
+    CMultiLiveFrame *frame() const { return child<CMultiLiveFrame>("frameMultiLive"); }
+    void click(const char *button) { QTest::mouseClick(child(button), Qt::LeftButton); }
+    bool recordButtonIsDown() const;
+    void show(const QStringList &hostnames);
+    void play(int index);
+    /// Presses record and chooses the tiles of the dialog with these numbers.
+    void record(const QList<int> &chosen);
+
+    std::unique_ptr<LiveFixture> m_live;
+    std::unique_ptr<CMultiLiveForm> m_form;
+};
+
+void tst_MultiLiveForm::init()
+{
+    m_live = std::make_unique<LiveFixture>();
+    m_form = std::make_unique<CMultiLiveForm>(nullptr, m_live->clock());
+    m_form->resize(1000, 760);
+    m_form->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_form.get()));
+}
+
+void tst_MultiLiveForm::cleanup()
+{
+    m_form.reset();
+    m_live.reset();
+}
+
+bool tst_MultiLiveForm::recordButtonIsDown() const
+{
+    const auto image = [](const QIcon &icon) { return icon.pixmap(32, 32).toImage(); };
+    return image(child<QToolButton>("btnRecord")->icon()) ==
+           image(QIcon(QStringLiteral(":/images/panelbtn/recordbtn_down.png")));
+}
+
+void tst_MultiLiveForm::show(const QStringList &hostnames)
+{
+    m_live->addCameras(hostnames);
+    m_form->StartPlay();
+    QCoreApplication::processEvents();
+}
+
+void tst_MultiLiveForm::play(int index)
+{
+    m_live->connectCamera(index);
+    m_live->report(index);
+    QVERIFY(m_live->camera(index)->is_playing());
+}
+
+void tst_MultiLiveForm::record(const QList<int> &chosen)
+{
+    ModalAction<CSelectCameraRecordingForm> choose([&](CSelectCameraRecordingForm *dialog) {
+        for (int index : chosen)
+            QTest::mousePress(dialog->findChild<zelvaro::SelectionFrame *>()->tiles().at(index),
+                              Qt::LeftButton);
+        QTest::mouseClick(dialog->findChild<QWidget *>(QStringLiteral("btnOK")), Qt::LeftButton);
+    });
+    click("btnRecord");
+    QVERIFY(choose.done());
+}
+
+void tst_MultiLiveForm::slotsStandInOrder()
+{
+    QStringList found;
+    const QMetaObject &meta = CMultiLiveForm::staticMetaObject;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
+        found << QString::fromLatin1(meta.method(i).methodSignature());
+    QCOMPARE(found,
+             (QStringList{QStringLiteral("slotSelect()"), QStringLiteral("slotSnapshot()"),
+                          QStringLiteral("slotRecord()"), QStringLiteral("slotMuteChanged(bool)"),
+                          QStringLiteral("slotVolumeChanged(int)")}));
+}
+
+void tst_MultiLiveForm::startLoadsAndAppliesThePanelsSound()
+{
+    QCOMPARE(child<CVolumeSliderForm>("sliderVolume")->value(), 100);
+    show({QStringLiteral("A"), QStringLiteral("B")});
+    QCOMPARE(frame()->tiles().size(), 2);
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume", 0), 0);
+    frame()->slotSelectCamera(frame()->tiles().at(0));
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume", 0), 100);
+    m_form->StopPlay();
+    QVERIFY(frame()->tiles().isEmpty());
+}
+
+void tst_MultiLiveForm::volumeAndMuteGoToTheSelectedTile()
+{
+    show({QStringLiteral("A"), QStringLiteral("B")});
+    QTest::mouseClick(frame()->tiles().at(1), Qt::LeftButton, {}, QPoint(3, 3));
+    child<CVolumeSliderForm>("sliderVolume")->setValue(55);
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume", 1), 55);
+    click("btnMute");
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume", 1), 0);
+    click("btnMute");
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume", 1), 55);
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume", 0), 0);
+}
+
+void tst_MultiLiveForm::snapshotOfAllPlayingTilesWithOneSound()
+{
+    show({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
+    play(0);
+    play(2);
+    click("btnSnapshot");
+    QCOMPARE(m_live->desktop.sounds, QStringList{QCoreApplication::applicationDirPath() +
+                                                 QStringLiteral("/sounds/snapshot.wav")});
+    for (int index : {0, 2}) {
+        QCOMPARE(m_live->lastText("RtspPlayer_Snapshot", index),
+                 m_live->folder(index) + QStringLiteral("/20240305_070809.jpg"));
+    }
+    QCOMPARE(m_live->count("RtspPlayer_Snapshot", 1), 0);
+}
+
+void tst_MultiLiveForm::recordAsksWhichCamerasAndRecordsThose()
+{
+    show({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
+    for (int i = 0; i < 3; ++i)
+        play(i);
+    record({0, 2});
+    QVERIFY(recordButtonIsDown());
+    for (int index : {0, 2}) {
+        QCOMPARE(m_live->lastText("RtspPlayer_BeginWriting", index),
+                 m_live->folder(index) + QStringLiteral("/20240305_070809"));
+        QCOMPARE(m_live->lastNumber("RtspPlayer_BeginWriting", index), 104857600);
+        QCOMPARE(m_live->lastText("RtspPlayer_Snapshot", index),
+                 m_live->folder(index) + QStringLiteral("/20240305_070809.mp4.jpeg"));
+        QVERIFY(!frame()
+                     ->tiles()
+                     .at(index)
+                     ->findChild<QLabel *>(QStringLiteral("labelRecording"))
+                     ->styleSheet()
+                     .isEmpty());
+    }
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting", 1), 0);
+    QVERIFY(frame()
+                ->tiles()
+                .at(1)
+                ->findChild<QLabel *>(QStringLiteral("labelRecording"))
+                ->styleSheet()
+                .isEmpty());
+}
+
+void tst_MultiLiveForm::recordCancelledTogglesNothing()
+{
+    show({QStringLiteral("A")});
+    play(0);
+    ModalAction<CSelectCameraRecordingForm> cancel([](CSelectCameraRecordingForm *dialog) {
+        QTest::mousePress(dialog->findChild<zelvaro::SelectionFrame *>()->tiles().at(0),
+                          Qt::LeftButton);
+        QTest::mouseClick(dialog->findChild<QWidget *>(QStringLiteral("btnClose")), Qt::LeftButton);
+    });
+    click("btnRecord");
+    QVERIFY(cancel.done());
+    QVERIFY(!recordButtonIsDown());
+    QVERIFY(!CameraSettings::instance().at(0)->recordSelected);
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 0);
+}
+
+void tst_MultiLiveForm::recordWithoutShownCamerasTurnsOnWithoutAnyTile()
+{
+    show({});
+    record({});
+    QVERIFY(recordButtonIsDown());
+    click("btnRecord");
+    QVERIFY(!recordButtonIsDown());
+}
+
+void tst_MultiLiveForm::recordAgainStopsAll()
+{
+    show({QStringLiteral("A"), QStringLiteral("B")});
+    play(0);
+    play(1);
+    record({0, 1});
+    click("btnRecord");
+    QVERIFY(!recordButtonIsDown());
+    for (int index : {0, 1}) {
+        QCOMPARE(m_live->count("RtspPlayer_EndWriting", index), 1);
+        QVERIFY(frame()
+                    ->tiles()
+                    .at(index)
+                    ->findChild<QLabel *>(QStringLiteral("labelRecording"))
+                    ->styleSheet()
+                    .isEmpty());
+    }
+}
+
+void tst_MultiLiveForm::aRecordingTileThatIsNotPlayingYetBeginsWhenItDoes()
+{
+    show({QStringLiteral("A")});
+    record({0});
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 0);
+    play(0);
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
+}
+
+void tst_MultiLiveForm::selectReloadsTheGrid()
+{
+    show({QStringLiteral("A"), QStringLiteral("B")});
+    QTest::mouseClick(frame()->tiles().at(0), Qt::LeftButton, {}, QPoint(3, 3));
+    ModalAction<CSelectCameraForm> choose([](CSelectCameraForm *dialog) {
+        QTest::mousePress(dialog->findChild<zelvaro::SelectionFrame *>()->tiles().at(0),
+                          Qt::LeftButton);
+        QTest::mouseClick(dialog->findChild<QWidget *>(QStringLiteral("btnOK")), Qt::LeftButton);
+    });
+    click("btnSelect");
+    QVERIFY(choose.done());
+    QCOMPARE(frame()->tiles().size(), 1);
+    QCOMPARE(frame()->tiles().at(0)->camera(), m_live->camera(1));
+    QVERIFY(!CameraSettings::instance().at(0)->multiLive);
+    QVERIFY(QFile::exists(CameraSettings::instance().configFile()));
+    QVERIFY(!frame()->selectedTile());
+    QCOMPARE(m_live->count("RtspPlayer_Stop", 0), 1);
+}
+
+void tst_MultiLiveForm::selectCancelledLeavesThePage()
+{
+    show({QStringLiteral("A"), QStringLiteral("B")});
+    QTest::mouseClick(frame()->tiles().at(0), Qt::LeftButton, {}, QPoint(3, 3));
+    const QList<CMultiLiveItemForm *> before = frame()->tiles();
+    ModalAction<CSelectCameraForm> cancel([](CSelectCameraForm *dialog) {
+        QTest::mousePress(dialog->findChild<zelvaro::SelectionFrame *>()->tiles().at(0),
+                          Qt::LeftButton);
+        QTest::mouseClick(dialog->findChild<QWidget *>(QStringLiteral("btnClose")), Qt::LeftButton);
+    });
+    click("btnSelect");
+    QVERIFY(cancel.done());
+    QCOMPARE(frame()->tiles(), before);
+    QCOMPARE(frame()->selectedTile(), before.at(0));
+    QVERIFY(CameraSettings::instance().at(0)->multiLive);
+    QCOMPARE(m_live->count("RtspPlayer_Stop", 0), 0);
+}
+
+void tst_MultiLiveForm::changingTheViewWhileRecordingAsks()
+{
+    show({QStringLiteral("A")});
+    play(0);
+    record({0});
+    ModalAction<CMessageBox> look([](CMessageBox *box) {
+        QCOMPARE(box->windowTitle(), QStringLiteral("Warning"));
+        QCOMPARE(box->findChild<QLabel *>(QStringLiteral("labelMessage"))->text(),
+                 QStringLiteral("By changing view your recording will be stop."));
+        QVERIFY(box->findChild<QWidget *>(QStringLiteral("btnOk"))->isVisible());
+        QVERIFY(box->findChild<QWidget *>(QStringLiteral("btnCancel"))->isVisible());
+        QTest::mouseClick(box->findChild<QWidget *>(QStringLiteral("btnCancel")), Qt::LeftButton);
+    });
+    click("btnSelect");
+    QVERIFY(look.done());
+}
+
+void tst_MultiLiveForm::cancelInTheWarningLeavesRecordingsAndGridUnchanged()
+{
+    show({QStringLiteral("A"), QStringLiteral("B")});
+    play(0);
+    play(1);
+    record({0, 1});
+    const QList<CMultiLiveItemForm *> before = frame()->tiles();
+    ModalAction<CMessageBox> cancel([](CMessageBox *box) { box->reject(); });
+    click("btnSelect");
+    QVERIFY(cancel.done());
+    QVERIFY(recordButtonIsDown());
+    QCOMPARE(frame()->tiles(), before);
+    for (int index : {0, 1}) {
+        QVERIFY(m_live->camera(index)->is_writing());
+        QCOMPARE(m_live->count("RtspPlayer_EndWriting", index), 0);
+    }
+}
+
+void tst_MultiLiveForm::okInTheWarningStopsTheRecordings()
+{
+    show({QStringLiteral("A")});
+    play(0);
+    record({0});
+    ModalAction<CMessageBox> ok([](CMessageBox *box) {
+        QTest::mouseClick(box->findChild<QWidget *>(QStringLiteral("btnOk")), Qt::LeftButton);
+    });
+    ModalAction<CSelectCameraForm> cancel([](CSelectCameraForm *dialog) { dialog->reject(); });
+    click("btnSelect");
+    QVERIFY(ok.done());
+    QVERIFY(cancel.done());
+    QVERIFY(!recordButtonIsDown());
+    QCOMPARE(m_live->count("RtspPlayer_EndWriting"), 1);
+    QVERIFY(m_live->camera()->is_playing());
+}
+
+void tst_MultiLiveForm::mayLeaveAsksOnlyWhileRecording()
+{
+    show({QStringLiteral("A")});
+    play(0);
+    QVERIFY(m_form->MayLeave());
+    record({0});
+    {
+        ModalAction<CMessageBox> cancel([](CMessageBox *box) { box->reject(); });
+        QVERIFY(!m_form->MayLeave());
+        QVERIFY(cancel.done());
+    }
+    ModalAction<CMessageBox> ok([](CMessageBox *box) { box->accept(); });
+    QVERIFY(m_form->MayLeave());
+    QVERIFY(ok.done());
+    QVERIFY(m_form->MayLeave());
+    QVERIFY(!m_live->camera()->is_writing());
+}
+
+void tst_MultiLiveForm::leavingResetsTheRecordButton()
+{
+    show({QStringLiteral("A")});
+    play(0);
+    record({0});
+    m_form->StopPlay();
+    QVERIFY(!recordButtonIsDown());
+    QVERIFY(m_form->MayLeave());
+    m_form->StartPlay();
+    play(0);
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
+}
+
+void tst_MultiLiveForm::theDialogStandsOverTheMainWindow()
+{
+    QWidget mainWindow;
+    m_live->host.parent = &mainWindow;
+    QWidget *parent = nullptr;
+    ModalAction<CSelectCameraForm> look([&](CSelectCameraForm *dialog) {
+        parent = dialog->parentWidget();
+        dialog->reject();
+    });
+    click("btnSelect");
+    QCOMPARE(parent, &mainWindow);
+
+    ModalAction<CSelectCameraRecordingForm> lookAgain([&](CSelectCameraRecordingForm *dialog) {
+        parent = dialog->parentWidget();
+        dialog->reject();
+    });
+    click("btnRecord");
+    QCOMPARE(parent, frame());
+}
+
+void tst_MultiLiveForm::escapeInADialogDoesNotReachThePicture()
+{
+    show({QStringLiteral("A")});
+    m_form->activateWindow();
+    auto *picture = frame()->tiles().at(0)->findChild<QWidget *>(QStringLiteral("frameVideoFrame"));
+    picture->setFocus();
+    QTRY_VERIFY_WITH_TIMEOUT(picture->hasFocus(), Deadline);
+    ModalAction<CSelectCameraForm> escape(
+        [](CSelectCameraForm *dialog) { QTest::keyPress(dialog, Qt::Key_Escape); });
+    click("btnSelect");
+    QVERIFY(escape.done());
+    // The key is released where the focus went back to: on the button that was clicked.
+    QCOMPARE(m_form->focusWidget(), child("btnSelect"));
+    QTest::keyRelease(m_form->focusWidget(), Qt::Key_Escape);
+    QVERIFY(!picture->isWindow());
+}
+
+void tst_MultiLiveForm::theKeyboardReachesEveryControl()
+{
+    show({QStringLiteral("A")});
+    QSet<QString> reached;
+    m_form->activateWindow();
+    child("btnSelect")->setFocus();
+    QTRY_VERIFY_WITH_TIMEOUT(child("btnSelect")->hasFocus(), Deadline);
+    for (int i = 0; i < 12; ++i) {
+        reached.insert(QApplication::focusWidget()->objectName());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    for (const char *name :
+         {"btnSelect", "btnSnapshot", "btnRecord", "slider", "btnMute", "frameVideoFrame"}) {
+        QVERIFY2(reached.contains(QString::fromLatin1(name)), name);
+    }
+    QTest::keyClick(frame()->tiles().at(0)->findChild<QWidget *>(QStringLiteral("frameVideoFrame")),
+                    Qt::Key_Space);
+    QCOMPARE(frame()->selectedTile(), frame()->tiles().at(0));
+}
+
+QTEST_MAIN(tst_MultiLiveForm)
+#include "tst_multi_live_form.moc"

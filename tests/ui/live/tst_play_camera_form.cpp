@@ -1,0 +1,914 @@
+#include "ui/live/play_camera_form.h"
+
+#include "resources/resources.h"
+#include "tests/ui/live/live_fixture.h"
+#include "ui/live/video_area_frame.h"
+#include "ui/live/video_frame.h"
+#include "ui/live/volume_slider_form.h"
+
+#include <QLabel>
+#include <QSlider>
+#include <QToolButton>
+#include <QWindow>
+
+namespace {
+constexpr int Deadline = LiveFixture::Deadline;
+}
+
+class tst_PlayCameraForm : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { zelvaro::initResources(); }
+    void init();
+    void cleanup();
+
+    void slotsStandInOrder();
+    void theFormHasItsObjectsAndStyles();
+    void withoutACameraNothingHappens();
+    void setCameraShowsItsNameConnecting();
+    void startSetsUpTheStreamOfTheSessionsMode_data();
+    void startSetsUpTheStreamOfTheSessionsMode();
+    void startAsksForAProbeUnlessOneIsOut();
+    void startingTwiceReportsOnce();
+    void aReportWhileNotPlayingRetries();
+    void playIsLeftToTheNextReportWhileDisconnected();
+    void theFirstPlayingReportLaysOut();
+    void theThumbnailIsTakenThreeReportsAfterConnectingAndThenAll60();
+    void aReconnectCountsToTheFirstThumbnailAgain();
+    void statusLine_data();
+    void statusLine();
+    void statusLineShowsTheScaleShownAndNotTheZoomStep();
+    void aStreamWithoutSizeDoesNotCrashTheView();
+    void zoomButtonsWalkTheList();
+    void zoomingOutOfAFittedPictureStartsFromItsTrueScale();
+    void zoomWithoutAStreamHasNoEffectOnIt();
+    void aResizeReturnsToTheNaturalZoom();
+    void thePictureSizeIsTheSurfaceSize();
+    void debugLinesToTheLetter();
+    void fullHdInItsArea();
+    void aDoubleClickTogglesFullScreen();
+    void escapeLeavesAndEntersFullScreen();
+    void theFullScreenButtonOnlyEnters();
+    void aReconnectInFullScreenStaysThere();
+    void theStreamFollowsANewNativeWindow();
+    void stoppingLeavesFullScreen();
+    void destructionInFullScreen();
+    void volumeIsGivenWhilePlaying();
+    void muteGivesVolumeZeroAndBack();
+    void eachReportGivesTheVolumeAgain();
+    void snapshotPlaysItsSoundFirstAndWritesTheNamedFile();
+    void snapshotWithoutAPlayingCameraOnlySounds();
+    void snapshotMakesTheMissingFolder();
+    void recordTakesTheStillAndWritesToTheBase();
+    void recordOffEndsWriting();
+    void recordWhileTheSessionWritesAlreadyDoesNothing();
+    void aRecordingRequestedBeforeThePictureStartsWithIt();
+    void recordingResumesAfterAReconnectInANewFile();
+    void twoRecordingsInTheSameSecondHaveTheSameName();
+    void theRecordIndicatorFollows();
+    void talkBackStartsAndStops();
+    void talkBackIsRestartedWhenTheUploadHasEnded();
+    void talkBackIsNotRestartedWhileDisconnected();
+    void backAsksForTheCameraPage();
+    void stopEndsEverythingAndForgetsTheCamera();
+    void aReportThatIsUnderWayAtStopIsPassedOver();
+    void theSessionMayBeDestroyedWhileItIsShown();
+    void aWriteThatFailsIsNotReported();
+    void aNameWithMarkupIsShownAsItIs();
+    void theKeyboardReachesEveryControl();
+
+private:
+    template <typename T = QWidget>
+    T *child(const char *name) const
+    {
+        return m_form->findChild<T *>(QString::fromLatin1(name));
+    }
+    void click(const char *button) { QTest::mouseClick(child(button), Qt::LeftButton); }
+    QString status() const { return child<QLabel>("labelStatus")->text(); }
+    QWidget *surface() const { return child<CVideoFrame>("frameVideoFrame")->renderSurface(); }
+    bool hasIcon(const char *button, const QString &image) const;
+    QSize shownPicture() const { return child("frameVideoFrame")->size(); }
+
+    /// Shows the camera with this stream, until its first picture has been laid out.
+    void play(int width = 640, int height = 360);
+
+    std::unique_ptr<LiveFixture> m_live;
+    std::unique_ptr<CPlayCameraForm> m_form;
+};
+
+void tst_PlayCameraForm::init()
+{
+    m_live = std::make_unique<LiveFixture>();
+    m_live->addCameras({QStringLiteral("H")});
+    m_form = std::make_unique<CPlayCameraForm>(nullptr, m_live->clock());
+    m_form->resize(1012, 820);
+    m_form->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_form.get()));
+}
+
+void tst_PlayCameraForm::cleanup()
+{
+    m_form.reset();
+    m_live.reset();
+}
+
+bool tst_PlayCameraForm::hasIcon(const char *button, const QString &image) const
+{
+    const QIcon icon = child<QToolButton>(button)->icon();
+    return icon.pixmap(32, 32).toImage() == QIcon(image).pixmap(32, 32).toImage();
+}
+
+void tst_PlayCameraForm::play(int width, int height)
+{
+    m_live->change([=](auto &script) {
+        script.width = width;
+        script.height = height;
+    });
+    m_form->SetCamera(m_live->camera());
+    m_form->StartPlay();
+    m_live->connectCamera(); // asks to play
+    QVERIFY(m_form->IsPlaying());
+    m_live->report(); // lays out
+}
+
+void tst_PlayCameraForm::slotsStandInOrder()
+{
+    const QStringList wanted{QStringLiteral("slotVideoAreaResize()"),
+                             QStringLiteral("slotCameraStatusChanged()"),
+                             QStringLiteral("slotTimer()"),
+                             QStringLiteral("slotSnapshot()"),
+                             QStringLiteral("slotRecord()"),
+                             QStringLiteral("slotZoomIn()"),
+                             QStringLiteral("slotZoomOut()"),
+                             QStringLiteral("slotFullScreen()"),
+                             QStringLiteral("slotVideoDoubleClicked()"),
+                             QStringLiteral("slotMuteChanged(bool)"),
+                             QStringLiteral("slotVolumeChanged(int)"),
+                             QStringLiteral("slotBack()"),
+                             QStringLiteral("slotOvolumeClicked()")};
+    QStringList found;
+    const QMetaObject &meta = CPlayCameraForm::staticMetaObject;
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+        if (meta.method(i).methodType() == QMetaMethod::Slot)
+            found << QString::fromLatin1(meta.method(i).methodSignature());
+    }
+    QCOMPARE(found, wanted);
+}
+
+void tst_PlayCameraForm::theFormHasItsObjectsAndStyles()
+{
+    QCOMPARE(m_form->objectName(), QStringLiteral("PlayCameraForm"));
+    QCOMPARE(child<QFrame>("framePlayCamera")->styleSheet(),
+             QStringLiteral("QFrame#framePlayCamera{border-image:url(:/images/playcamera/"
+                            "playcameraframe.png);border-top-width:6;border-bottom-width:6;"
+                            "border-left-width:6;border-right-width:6;}"));
+    QCOMPARE(child<QFrame>("frameVideoClient")->styleSheet(),
+             QStringLiteral("QFrame#frameVideoClient{border-image:url(:/images/playcamera/"
+                            "videoframe.png);border-left-width:6;border-top-width:5;"
+                            "border-right-width:7;border-bottom-width:8;}"));
+    QCOMPARE(child("frameVideoClient")->parentWidget(), child("frameVideoArea"));
+    QVERIFY(child<CVideoAreaFrame>("frameVideoArea"));
+    QVERIFY(child<CVolumeSliderForm>("sliderVolume"));
+    QVERIFY(child<QFrame>("framePanel")
+                ->styleSheet()
+                .contains(QStringLiteral(":/images/multilive/controlbk.png")));
+    QVERIFY(child<QFrame>("frameButtonsCenter")
+                ->styleSheet()
+                .contains(QStringLiteral(":/images/panelbtn/buttonpanelbk.png")));
+    QCOMPARE(status(), QStringLiteral("Camera Name"));
+    QCOMPARE(child("labelStatus")->font().family(), QStringLiteral("Arial"));
+    QVERIFY(child("labelRecording"));
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        QCOMPARE(child("frameVideoFrame")->palette().color(group, QPalette::Window),
+                 QColor(Qt::black));
+    }
+    QVERIFY(child("frameVideoFrame")->autoFillBackground());
+
+    const QString style =
+        QStringLiteral("QToolButton:hover{border-image:url(:/images/panelbtn/btnbk_hover.png);}\n"
+                       "QToolButton:pressed{border-image:url(:/images/panelbtn/btnbk_down.png);}");
+    const QList<QPair<const char *, const char *>> buttons{
+        {"btnSnapshot", "snapshotbtn_default"},     {"btnRecord", "recordbtn_default"},
+        {"btnZoomIn", "zoominbtn_default"},         {"btnZoomOut", "zoomoutbtn_default"},
+        {"btnFullScreen", "fullscreenbtn_default"}, {"btnBack", "backbtn_default"},
+        {"btnOutVolume", "outvolumebtn_default"}};
+    for (const auto &[name, image] : buttons) {
+        QCOMPARE(child<QToolButton>(name)->styleSheet(), style);
+        const QString path = QStringLiteral(":/images/panelbtn/%1.png").arg(image);
+        QVERIFY2(QFile::exists(path), image);
+        QVERIFY2(hasIcon(name, path), name);
+    }
+    QCOMPARE(child("btnRecord")->toolTip(), QStringLiteral("Record"));
+    QCOMPARE(child("btnZoomIn")->toolTip(), QStringLiteral("ZoomIn"));
+    QCOMPARE(child("btnZoomOut")->toolTip(), QStringLiteral("ZoomOut"));
+    QCOMPARE(child("btnFullScreen")->toolTip(), QStringLiteral("FullScreen"));
+    QCOMPARE(child("btnBack")->toolTip(), QStringLiteral("Back"));
+    QCOMPARE(child<CVolumeSliderForm>("sliderVolume")->value(), 100);
+    QCOMPARE(child("sliderVolume")->findChild<QSlider *>()->maximum(), 200);
+}
+
+void tst_PlayCameraForm::withoutACameraNothingHappens()
+{
+    m_form->SetCamera(nullptr);
+    m_form->StartPlay();
+    QVERIFY(!m_form->IsPlaying());
+    for (const char *button :
+         {"btnSnapshot", "btnRecord", "btnZoomIn", "btnZoomOut", "btnOutVolume"})
+        click(button);
+    m_form->slotTimer();
+    m_form->slotCameraStatusChanged();
+    m_form->StopPlay();
+    QCOMPARE(status(), QStringLiteral("Camera Name"));
+    QCOMPARE(m_live->desktop.sounds.size(), 1);
+    QVERIFY(hasIcon("btnRecord", QStringLiteral(":/images/panelbtn/recordbtn_down.png")));
+    QVERIFY(hasIcon("btnOutVolume", QStringLiteral(":/images/panelbtn/outvolumebtn_down.png")));
+    QVERIFY(!QDir(m_live->folder()).exists());
+}
+
+void tst_PlayCameraForm::setCameraShowsItsNameConnecting()
+{
+    m_form->SetCamera(m_live->camera());
+    QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
+    // Also over a picture that is already there.
+    m_live->setPlaying(true);
+    m_form->SetCamera(m_live->camera());
+    QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
+    m_live->setPlaying(false);
+}
+
+void tst_PlayCameraForm::startSetsUpTheStreamOfTheSessionsMode_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QString>("path");
+    QTest::newRow("main") << 0 << "/live/0/h264.sdp";
+    QTest::newRow("sub") << 1 << "/live/1/h264.sdp";
+}
+
+void tst_PlayCameraForm::startSetsUpTheStreamOfTheSessionsMode()
+{
+    QFETCH(int, mode);
+    QFETCH(QString, path);
+    m_live->change([mode](auto &script) { script.mode = mode; });
+    m_form->SetCamera(m_live->camera());
+    QVERIFY(!surface());
+    m_form->StartPlay();
+    QVERIFY(surface());
+    QCOMPARE(QString::fromStdString(m_live->player()->path()), path);
+    QCOMPARE(WId(m_live->player()->window()), surface()->winId());
+
+    QWidget *before = surface();
+    m_form->StartPlay();
+    QVERIFY(surface() != before);
+    QCOMPARE(WId(m_live->player()->window()), surface()->winId());
+}
+
+void tst_PlayCameraForm::startAsksForAProbeUnlessOneIsOut()
+{
+    m_live->player()->probeOk();
+    QTRY_COMPARE_WITH_TIMEOUT(m_live->camera()->get_state(), int(CAMERA_STATE_CONNECTED), Deadline);
+    m_live->player()->forgetCalls();
+    m_form->SetCamera(m_live->camera());
+    m_form->StartPlay();
+    QCOMPARE(m_live->calls({QStringLiteral("RtspPlayer_SetupP2PliveStream"),
+                            QStringLiteral("RtspPlayer_TickAlive")}),
+             (QStringList{QStringLiteral("RtspPlayer_SetupP2PliveStream"),
+                          QStringLiteral("RtspPlayer_TickAlive")}));
+    m_form->StartPlay();
+    QCOMPARE(m_live->count("RtspPlayer_TickAlive"), 1);
+}
+
+void tst_PlayCameraForm::startingTwiceReportsOnce()
+{
+    m_form->SetCamera(m_live->camera());
+    m_form->StartPlay();
+    m_form->StartPlay();
+    m_live->connectCamera();
+    QCOMPARE(m_live->count("RtspPlayer_Play"), 1);
+}
+
+void tst_PlayCameraForm::aReportWhileNotPlayingRetries()
+{
+    m_live->change([](auto &script) { script.playPlays = false; });
+    m_form->SetCamera(m_live->camera());
+    m_form->StartPlay();
+    m_live->connectCamera();
+    QCOMPARE(m_live->count("RtspPlayer_Play"), 1);
+    m_live->reports(3);
+    QCOMPARE(m_live->count("RtspPlayer_Play"), 4);
+    QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
+}
+
+void tst_PlayCameraForm::playIsLeftToTheNextReportWhileDisconnected()
+{
+    m_form->SetCamera(m_live->camera());
+    m_form->StartPlay();
+    m_live->failCamera();
+    m_live->reports(2);
+    QCOMPARE(m_live->count("RtspPlayer_Play"), 0);
+    m_live->camera()->tick_alive();
+    m_live->player()->probeOk();
+    QTRY_COMPARE_WITH_TIMEOUT(m_live->count("RtspPlayer_Play"), 1, Deadline);
+}
+
+void tst_PlayCameraForm::theFirstPlayingReportLaysOut()
+{
+    m_form->SetCamera(m_live->camera());
+    m_form->StartPlay();
+    m_live->connectCamera();
+    QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
+    QCOMPARE(m_live->count("RtspPlayer_SetVolume"), 0);
+    m_live->report();
+    QCOMPARE(status(), QStringLiteral("640x360(100%)  15FPS 512.00Kbps"));
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 100);
+    QCOMPARE(m_live->count("RtspPlayer_SetVolume"), 1);
+    QCOMPARE(shownPicture(), QSize(640, 360));
+}
+
+void tst_PlayCameraForm::theThumbnailIsTakenThreeReportsAfterConnectingAndThenAll60()
+{
+    play();
+    const QString thumb = m_live->folder() + QStringLiteral("/thumb.jpeg");
+    m_live->reports(3);
+    QVERIFY(!QFile::exists(thumb));
+    m_live->report();
+    QVERIFY(QFile::exists(thumb));
+    QCOMPARE(m_live->lastText("RtspPlayer_Snapshot"), thumb);
+    QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 1);
+    m_live->reports(60);
+    QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 1);
+    m_live->report();
+    QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 2);
+}
+
+void tst_PlayCameraForm::aReconnectCountsToTheFirstThumbnailAgain()
+{
+    play();
+    m_live->reports(4);
+    QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 1);
+    m_live->setPlaying(false);
+    m_live->report(); // asks to play
+    m_live->report(); // lays out
+    m_live->reports(3);
+    QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 1);
+    m_live->report();
+    QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 2);
+}
+
+void tst_PlayCameraForm::statusLine_data()
+{
+    QTest::addColumn<int>("bitRate");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("999") << 999 << "640x360(100%)  25FPS 999bps";
+    QTest::newRow("1000") << 1000 << "640x360(100%)  25FPS 1.00Kbps";
+    QTest::newRow("999999") << 999999 << "640x360(100%)  25FPS 999.99Kbps";
+    QTest::newRow("1000000") << 1000000 << "640x360(100%)  25FPS 1.00Mbps";
+    QTest::newRow("1234567") << 1234567 << "640x360(100%)  25FPS 1.23Mbps";
+}
+
+void tst_PlayCameraForm::statusLine()
+{
+    QFETCH(int, bitRate);
+    QFETCH(QString, text);
+    play();
+    m_live->change([bitRate](auto &script) {
+        script.frameRate = 25;
+        script.bitRate = bitRate;
+    });
+    m_live->report();
+    QCOMPARE(status(), text);
+    QCOMPARE(child("labelStatus")->toolTip(), text);
+}
+
+void tst_PlayCameraForm::statusLineShowsTheScaleShownAndNotTheZoomStep()
+{
+    play(64, 48);
+    QVERIFY2(status().startsWith(QStringLiteral("64x48(125%)  ")), qPrintable(status()));
+    // 150 % would still be less than 100 pixels wide.
+    click("btnZoomIn");
+    m_live->report();
+    QVERIFY2(status().startsWith(QStringLiteral("64x48(200%)  ")), qPrintable(status()));
+}
+
+void tst_PlayCameraForm::aStreamWithoutSizeDoesNotCrashTheView()
+{
+    play(0, 0);
+    QVERIFY(m_form->IsPlaying());
+    QCOMPARE(status(), QStringLiteral("640x480(100%)  15FPS 512.00Kbps"));
+    m_live->change([](auto &script) {
+        script.width = -1;
+        script.height = 0;
+    });
+    click("btnZoomIn");
+    m_form->resize(700, 600);
+    m_live->reports(2);
+    QVERIFY(status().startsWith(QStringLiteral("640x480(")));
+}
+
+void tst_PlayCameraForm::zoomButtonsWalkTheList()
+{
+    play(320, 180);
+    QCOMPARE(shownPicture(), QSize(320, 180));
+    click("btnZoomIn");
+    QCOMPARE(shownPicture(), QSize(400, 225));
+    click("btnZoomIn");
+    QCOMPARE(shownPicture(), QSize(480, 270));
+    click("btnZoomIn");
+    QCOMPARE(shownPicture(), QSize(640, 360));
+    for (const QSize &size :
+         {QSize(480, 270), QSize(400, 225), QSize(320, 180), QSize(240, 135), QSize(192, 108)}) {
+        click("btnZoomOut");
+        QCOMPARE(shownPicture(), size);
+    }
+    // At 50 % it would be 90 pixels high: one step larger again.
+    click("btnZoomOut");
+    QCOMPARE(shownPicture(), QSize(192, 108));
+}
+
+void tst_PlayCameraForm::zoomingOutOfAFittedPictureStartsFromItsTrueScale()
+{
+    m_form->resize(1012, 820);
+    play(1920, 1080);
+    const int fitted = shownPicture().width();
+    QCOMPARE(fitted, child("frameVideoArea")->width() - 30);
+    QVERIFY(fitted * 100 / 1920 >= 50);
+    click("btnZoomIn");
+    QCOMPARE(shownPicture().width(), fitted);
+    click("btnZoomOut");
+    const int truth = fitted * 100 / 1920;
+    QCOMPARE(shownPicture().width(), (truth > 50 ? 50 : 40) * 1920 / 100);
+}
+
+void tst_PlayCameraForm::zoomWithoutAStreamHasNoEffectOnIt()
+{
+    m_form->SetCamera(m_live->camera());
+    m_form->StartPlay();
+    const QSize whole = child("frameVideoArea")->size() - QSize(30, 48);
+    click("btnZoomIn");
+    QCOMPARE(shownPicture(), whole);
+    click("btnZoomOut");
+    QCOMPARE(shownPicture(), whole);
+    QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
+}
+
+void tst_PlayCameraForm::aResizeReturnsToTheNaturalZoom()
+{
+    play(320, 180);
+    click("btnZoomIn");
+    click("btnZoomIn");
+    QCOMPARE(shownPicture(), QSize(480, 270));
+    m_form->resize(900, 700);
+    QTRY_COMPARE_WITH_TIMEOUT(shownPicture(), QSize(320, 180), Deadline);
+    click("btnZoomIn");
+    QCOMPARE(shownPicture(), QSize(400, 225));
+}
+
+void tst_PlayCameraForm::thePictureSizeIsTheSurfaceSize()
+{
+    play(320, 180);
+    QWidget *box = child("frameVideoClient");
+    QWidget *area = child("frameVideoArea");
+    const QPoint expected(15 + (area->width() - 30 - 320) / 2,
+                          15 + (area->height() - 48 - 180) / 2);
+    QCOMPARE(box->geometry(), QRect(expected - QPoint(6, 5), QSize(320 + 13, 180 + 31)));
+    QCOMPARE(child("frameVideoFrame")->geometry(), QRect(6, 5, 320, 180));
+    QCOMPARE(surface()->size(), QSize(320, 180));
+    QCOMPARE(child("framePanel")->geometry(), QRect(6, 185, 320, 18));
+}
+
+void tst_PlayCameraForm::debugLinesToTheLetter()
+{
+    play(320, 180);
+    const LogLines log;
+    click("btnZoomIn");
+    QCOMPARE(log.starting(QStringLiteral("CalculateVideoSize()")),
+             QStringList{QStringLiteral("CalculateVideoSize() 125 (400 225)\r\n")});
+    QCOMPARE(log.starting(QStringLiteral("resizeVideoWindow()")),
+             QStringList{QStringLiteral("resizeVideoWindow() (400 225)\r\n")});
+}
+
+void tst_PlayCameraForm::fullHdInItsArea()
+{
+    QWidget *area = child("frameVideoArea");
+    m_form->resize(m_form->size() + QSize(1000, 700) - area->size());
+    QTRY_COMPARE_WITH_TIMEOUT(area->size(), QSize(1000, 700), Deadline);
+    const LogLines log;
+    play(1920, 1080);
+    QCOMPARE(child("frameVideoClient")->geometry(),
+             QRect(QPoint(15 - 6, 68 - 5), QPoint(984 + 7, 612 + 26)));
+    QVERIFY(status().startsWith(QStringLiteral("1920x1080(50%)  ")));
+    QVERIFY(log.starting(QStringLiteral("CalculateVideoSize()"))
+                .contains(QStringLiteral("CalculateVideoSize() fSrc:1.777778 fDest:1.487730\r\n")));
+    QVERIFY(log.starting(QStringLiteral("CalculateVideoSize()"))
+                .contains(QStringLiteral("CalculateVideoSize() 50 (970 545)\r\n")));
+}
+
+void tst_PlayCameraForm::aDoubleClickTogglesFullScreen()
+{
+    play();
+    QWidget *frame = child("frameVideoFrame");
+    QTest::mouseDClick(surface(), Qt::LeftButton);
+    QVERIFY(frame->isWindow());
+    QVERIFY(frame->isFullScreen());
+    QTRY_COMPARE_WITH_TIMEOUT(surface()->size(), frame->size(), Deadline);
+    QVERIFY(surface()->isVisible());
+
+    QTest::mouseDClick(surface(), Qt::LeftButton);
+    QVERIFY(!frame->isWindow());
+    QVERIFY(frame->isVisible());
+    QTRY_COMPARE_WITH_TIMEOUT(frame->geometry(), QRect(6, 5, 640, 360), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(surface()->size(), QSize(640, 360), Deadline);
+
+    QTest::mouseDClick(surface(), Qt::RightButton);
+    QVERIFY(!frame->isWindow());
+}
+
+void tst_PlayCameraForm::escapeLeavesAndEntersFullScreen()
+{
+    play();
+    QWidget *frame = child("frameVideoFrame");
+    click("btnFullScreen");
+    QVERIFY(frame->isFullScreen());
+    QTRY_VERIFY_WITH_TIMEOUT(frame->hasFocus(), Deadline);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    QVERIFY(!frame->isWindow());
+    QTRY_VERIFY_WITH_TIMEOUT(frame->hasFocus(), Deadline);
+    QTest::keyClick(frame, Qt::Key_Escape);
+    QVERIFY(frame->isFullScreen());
+}
+
+void tst_PlayCameraForm::theFullScreenButtonOnlyEnters()
+{
+    play();
+    click("btnFullScreen");
+    click("btnFullScreen");
+    QVERIFY(child("frameVideoFrame")->isFullScreen());
+}
+
+void tst_PlayCameraForm::aReconnectInFullScreenStaysThere()
+{
+    play();
+    QWidget *frame = child("frameVideoFrame");
+    click("btnFullScreen");
+    QVERIFY(QTest::qWaitForWindowExposed(frame));
+    QSignalSpy hidden(frame->windowHandle(), &QWindow::visibleChanged);
+    m_live->setPlaying(false);
+    m_live->reports(3);
+    QVERIFY(m_form->IsPlaying());
+    QVERIFY(frame->isFullScreen());
+    QCOMPARE(hidden.count(), 0);
+    m_form->resize(800, 700);
+    QCoreApplication::processEvents();
+    QVERIFY(frame->isFullScreen());
+}
+
+void tst_PlayCameraForm::theStreamFollowsANewNativeWindow()
+{
+    play();
+    click("btnFullScreen");
+    QCOMPARE(WId(m_live->player()->window()), surface()->winId());
+    QVERIFY(m_form->IsPlaying());
+    QTest::keyClick(child("frameVideoFrame"), Qt::Key_Escape);
+    QCOMPARE(WId(m_live->player()->window()), surface()->winId());
+
+    // The window system may give another window at any time.
+    const int plays = m_live->count("RtspPlayer_Play");
+    const int setups = m_live->count("RtspPlayer_SetupP2PliveStream");
+    m_live->report();
+    QCOMPARE(m_live->count("RtspPlayer_SetupP2PliveStream"), setups);
+    const WId before = surface()->winId();
+    QWidget *parent = surface()->parentWidget();
+    surface()->setParent(nullptr);
+    surface()->setParent(parent);
+    surface()->show();
+    if (surface()->winId() == before)
+        QSKIP("this platform keeps native windows");
+    m_live->report();
+    QCOMPARE(WId(m_live->player()->window()), surface()->winId());
+    QCOMPARE(m_live->count("RtspPlayer_SetupP2PliveStream"), setups + 1);
+    QCOMPARE(m_live->count("RtspPlayer_Play"), plays + 1);
+}
+
+void tst_PlayCameraForm::stoppingLeavesFullScreen()
+{
+    play();
+    click("btnFullScreen");
+    m_form->StopPlay();
+    QVERIFY(!child("frameVideoFrame")->isWindow());
+}
+
+void tst_PlayCameraForm::destructionInFullScreen()
+{
+    play();
+    click("btnFullScreen");
+    QPointer<QWidget> frame = child("frameVideoFrame");
+    m_form.reset();
+    QVERIFY(!frame);
+    QVERIFY(!m_live->camera()->is_playing());
+}
+
+void tst_PlayCameraForm::volumeIsGivenWhilePlaying()
+{
+    auto *slider = child<CVolumeSliderForm>("sliderVolume");
+    m_form->SetCamera(m_live->camera());
+    slider->setValue(30);
+    QCOMPARE(m_live->count("RtspPlayer_SetVolume"), 0);
+    play();
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 30);
+    QTest::keyClick(slider->findChild<QSlider *>(), Qt::Key_End);
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 200);
+    QTest::keyClick(slider->findChild<QSlider *>(), Qt::Key_Home);
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 0);
+}
+
+void tst_PlayCameraForm::muteGivesVolumeZeroAndBack()
+{
+    play();
+    auto *mute = child("sliderVolume")->findChild<QToolButton *>();
+    QTest::mouseClick(mute, Qt::LeftButton);
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 0);
+    child<CVolumeSliderForm>("sliderVolume")->setValue(70);
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 0);
+    QTest::mouseClick(mute, Qt::LeftButton);
+    QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 70);
+}
+
+void tst_PlayCameraForm::eachReportGivesTheVolumeAgain()
+{
+    play();
+    const int before = m_live->count("RtspPlayer_SetVolume");
+    m_live->reports(5);
+    QCOMPARE(m_live->count("RtspPlayer_SetVolume"), before + 5);
+}
+
+void tst_PlayCameraForm::snapshotPlaysItsSoundFirstAndWritesTheNamedFile()
+{
+    play();
+    click("btnSnapshot");
+    QCOMPARE(m_live->desktop.sounds, QStringList{QCoreApplication::applicationDirPath() +
+                                                 QStringLiteral("/sounds/snapshot.wav")});
+    const QString file = m_live->folder() + QStringLiteral("/20240305_070809.jpg");
+    QCOMPARE(m_live->lastText("RtspPlayer_Snapshot"), file);
+    QVERIFY(QFile::exists(file));
+}
+
+void tst_PlayCameraForm::snapshotWithoutAPlayingCameraOnlySounds()
+{
+    m_form->SetCamera(m_live->camera());
+    click("btnSnapshot");
+    QCOMPARE(m_live->desktop.sounds.size(), 1);
+    QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 0);
+    QVERIFY(!QDir(m_live->folder()).exists());
+}
+
+void tst_PlayCameraForm::snapshotMakesTheMissingFolder()
+{
+    CameraSettings::instance().setAlbumPath(CameraSettings::instance().albumPath() +
+                                            QStringLiteral("/new/folder"));
+    play();
+    QVERIFY(!QDir(m_live->folder()).exists());
+    click("btnSnapshot");
+    QVERIFY(QFile::exists(m_live->folder() + QStringLiteral("/20240305_070809.jpg")));
+}
+
+void tst_PlayCameraForm::recordTakesTheStillAndWritesToTheBase()
+{
+    play();
+    m_live->player()->forgetCalls();
+    click("btnRecord");
+    QCOMPARE(m_live->calls({QStringLiteral("RtspPlayer_Snapshot"),
+                            QStringLiteral("RtspPlayer_BeginWriting")}),
+             (QStringList{QStringLiteral("RtspPlayer_Snapshot"),
+                          QStringLiteral("RtspPlayer_BeginWriting")}));
+    QCOMPARE(m_live->lastText("RtspPlayer_Snapshot"),
+             m_live->folder() + QStringLiteral("/20240305_070809.mp4.jpeg"));
+    QCOMPARE(m_live->lastText("RtspPlayer_BeginWriting"),
+             m_live->folder() + QStringLiteral("/20240305_070809"));
+    QCOMPARE(m_live->lastNumber("RtspPlayer_BeginWriting"), 104857600);
+}
+
+void tst_PlayCameraForm::recordOffEndsWriting()
+{
+    play();
+    click("btnRecord");
+    QCOMPARE(m_live->count("RtspPlayer_EndWriting"), 0);
+    click("btnRecord");
+    QCOMPARE(m_live->count("RtspPlayer_EndWriting"), 1);
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
+}
+
+void tst_PlayCameraForm::recordWhileTheSessionWritesAlreadyDoesNothing()
+{
+    play();
+    m_live->change([](auto &script) { script.writing = 1; });
+    click("btnRecord");
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 0);
+    QCOMPARE(m_live->count("RtspPlayer_EndWriting"), 0);
+    QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 0);
+}
+
+void tst_PlayCameraForm::aRecordingRequestedBeforeThePictureStartsWithIt()
+{
+    m_form->SetCamera(m_live->camera());
+    click("btnRecord");
+    m_form->StartPlay();
+    m_live->connectCamera();
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 0);
+    m_live->report();
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
+}
+
+void tst_PlayCameraForm::recordingResumesAfterAReconnectInANewFile()
+{
+    play();
+    click("btnRecord");
+    m_live->change([](auto &script) {
+        script.playing = 0;
+        script.writing = 0;
+    });
+    m_live->report();
+    QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
+    QVERIFY(hasIcon("btnRecord", QStringLiteral(":/images/panelbtn/recordbtn_down.png")));
+    m_live->now = QDateTime(QDate(2024, 3, 5), QTime(7, 8, 42));
+    m_live->report();
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 2);
+    QCOMPARE(m_live->lastText("RtspPlayer_BeginWriting"),
+             m_live->folder() + QStringLiteral("/20240305_070842"));
+    QCOMPARE(m_live->lastText("RtspPlayer_Snapshot"),
+             m_live->folder() + QStringLiteral("/20240305_070842.mp4.jpeg"));
+}
+
+void tst_PlayCameraForm::twoRecordingsInTheSameSecondHaveTheSameName()
+{
+    play();
+    click("btnRecord");
+    const QString first = m_live->lastText("RtspPlayer_BeginWriting");
+    click("btnRecord");
+    click("btnRecord");
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 2);
+    QCOMPARE(m_live->lastText("RtspPlayer_BeginWriting"), first);
+}
+
+void tst_PlayCameraForm::theRecordIndicatorFollows()
+{
+    QVERIFY(child("labelRecording")->styleSheet().isEmpty());
+    click("btnRecord");
+    QCOMPARE(child("labelRecording")->styleSheet(),
+             QStringLiteral("border-image:url(:/images/panelbtn/recordbtn_down.png);"));
+    QVERIFY(hasIcon("btnRecord", QStringLiteral(":/images/panelbtn/recordbtn_down.png")));
+    click("btnRecord");
+    QVERIFY(child("labelRecording")->styleSheet().isEmpty());
+    QVERIFY(hasIcon("btnRecord", QStringLiteral(":/images/panelbtn/recordbtn_default.png")));
+}
+
+void tst_PlayCameraForm::talkBackStartsAndStops()
+{
+    play();
+    click("btnOutVolume");
+    QCOMPARE(m_live->count("AudioUpload_Play"), 1);
+    QVERIFY(hasIcon("btnOutVolume", QStringLiteral(":/images/panelbtn/outvolumebtn_down.png")));
+    click("btnOutVolume");
+    QCOMPARE(m_live->count("AudioUpload_Stop"), 1);
+    QVERIFY(hasIcon("btnOutVolume", QStringLiteral(":/images/panelbtn/outvolumebtn_default.png")));
+    m_live->reports(3);
+    QCOMPARE(m_live->count("AudioUpload_Play"), 1);
+}
+
+void tst_PlayCameraForm::talkBackIsRestartedWhenTheUploadHasEnded()
+{
+    play();
+    click("btnOutVolume");
+    m_live->report();
+    QCOMPARE(m_live->count("AudioUpload_Play"), 1);
+    m_live->change([](auto &script) { script.uploading = 0; });
+    m_live->report();
+    QCOMPARE(m_live->count("AudioUpload_Play"), 2);
+}
+
+void tst_PlayCameraForm::talkBackIsNotRestartedWhileDisconnected()
+{
+    play();
+    click("btnOutVolume");
+    m_live->change([](auto &script) { script.uploading = 0; });
+    m_live->camera()->tick_alive();
+    m_live->player()->probeFailed();
+    QTRY_COMPARE_WITH_TIMEOUT(m_live->camera()->get_state(), int(CAMERA_STATE_DISCONNECTED),
+                              Deadline);
+    m_live->reports(3);
+    QCOMPARE(m_live->count("AudioUpload_Play"), 1);
+    m_live->camera()->tick_alive();
+    m_live->player()->probeOk();
+    QTRY_COMPARE_WITH_TIMEOUT(m_live->count("AudioUpload_Play"), 2, Deadline);
+}
+
+void tst_PlayCameraForm::backAsksForTheCameraPage()
+{
+    play();
+    click("btnBack");
+    QCOMPARE(m_live->host.pages, QStringList{QStringLiteral("manager")});
+    // Stopping is up to the window.
+    QVERIFY(m_form->IsPlaying());
+}
+
+void tst_PlayCameraForm::stopEndsEverythingAndForgetsTheCamera()
+{
+    play();
+    click("btnRecord");
+    click("btnOutVolume");
+    m_live->player()->forgetCalls();
+    m_form->StopPlay();
+    QCOMPARE(m_live->calls({QStringLiteral("RtspPlayer_EndWriting"),
+                            QStringLiteral("AudioUpload_Stop"), QStringLiteral("RtspPlayer_Stop")}),
+             (QStringList{QStringLiteral("RtspPlayer_EndWriting"),
+                          QStringLiteral("AudioUpload_Stop"), QStringLiteral("RtspPlayer_Stop")}));
+    QVERIFY(!m_form->IsPlaying());
+    QVERIFY(hasIcon("btnRecord", QStringLiteral(":/images/panelbtn/recordbtn_default.png")));
+    QVERIFY(hasIcon("btnOutVolume", QStringLiteral(":/images/panelbtn/outvolumebtn_default.png")));
+    QVERIFY(child("labelRecording")->styleSheet().isEmpty());
+
+    // The session goes on, the view has nothing to do with it any more.
+    m_live->player()->forgetCalls();
+    m_live->reports(2);
+    QCOMPARE(m_live->count("RtspPlayer_Play"), 0);
+    m_form->StopPlay();
+    QCOMPARE(m_live->count("RtspPlayer_Stop"), 0);
+    QCOMPARE(m_live->count("RtspPlayer_Stop_Connecting"), 0);
+}
+
+void tst_PlayCameraForm::aReportThatIsUnderWayAtStopIsPassedOver()
+{
+    play();
+    m_live->player()->forgetCalls();
+    emit m_live->camera()->signalStateReport();
+    m_form->StopPlay();
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(m_live->count("RtspPlayer_Play"), 0);
+    QCOMPARE(m_live->count("RtspPlayer_SetVolume"), 0);
+}
+
+void tst_PlayCameraForm::theSessionMayBeDestroyedWhileItIsShown()
+{
+    play();
+    CCamera *camera = m_live->camera();
+    camera->stop();
+    camera->wait_stopped();
+    CCameraList::instance().remove(camera);
+    QVERIFY(!m_form->IsPlaying());
+    for (const char *button : {"btnSnapshot", "btnRecord", "btnZoomIn", "btnOutVolume"})
+        click(button);
+    m_form->slotTimer();
+    m_form->StopPlay();
+}
+
+void tst_PlayCameraForm::aWriteThatFailsIsNotReported()
+{
+    play();
+    m_live->change([](auto &script) {
+        script.results["RtspPlayer_Snapshot"] = -1;
+        script.results["RtspPlayer_BeginWriting"] = -1;
+    });
+    click("btnSnapshot");
+    click("btnRecord");
+    QVERIFY(!QApplication::activeModalWidget());
+    QVERIFY(hasIcon("btnRecord", QStringLiteral(":/images/panelbtn/recordbtn_down.png")));
+    // It is asked for again with the next start of the stream only.
+    m_live->reports(3);
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
+}
+
+void tst_PlayCameraForm::aNameWithMarkupIsShownAsItIs()
+{
+    m_live->addCameras({QStringLiteral("<b>&amp;")});
+    m_form->SetCamera(m_live->camera(1));
+    QCOMPARE(status(), QStringLiteral("Camera <b>&amp; is connecting..."));
+    QCOMPARE(child<QLabel>("labelStatus")->textFormat(), Qt::PlainText);
+}
+
+void tst_PlayCameraForm::theKeyboardReachesEveryControl()
+{
+    QSet<QString> reached;
+    m_form->activateWindow();
+    child("frameVideoFrame")->setFocus();
+    QTRY_VERIFY_WITH_TIMEOUT(child("frameVideoFrame")->hasFocus(), Deadline);
+    for (int i = 0; i < 20; ++i) {
+        if (QWidget *focus = QApplication::focusWidget())
+            reached.insert(focus->objectName());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    for (const char *name :
+         {"frameVideoFrame", "btnSnapshot", "btnRecord", "btnZoomIn", "btnZoomOut", "btnFullScreen",
+          "slider", "btnMute", "btnOutVolume", "btnBack"}) {
+        QVERIFY2(reached.contains(QString::fromLatin1(name)), name);
+    }
+    for (const auto *button : m_form->findChildren<QToolButton *>()) {
+        QVERIFY2(!button->toolTip().isEmpty(), qPrintable(button->objectName()));
+        QVERIFY2(!button->accessibleName().isEmpty(), qPrintable(button->objectName()));
+    }
+    child("btnBack")->setFocus();
+    QTest::keyClick(child("btnBack"), Qt::Key_Space);
+    QCOMPARE(m_live->host.pages, QStringList{QStringLiteral("manager")});
+}
+
+QTEST_MAIN(tst_PlayCameraForm)
+#include "tst_play_camera_form.moc"

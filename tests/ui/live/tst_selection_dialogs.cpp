@@ -1,0 +1,371 @@
+#include "ui/live/select_camera_form.h"
+#include "ui/live/select_camera_item_form.h"
+#include "ui/live/select_camera_recording_form.h"
+
+#include "app/title_widget.h"
+#include "resources/resources.h"
+#include "tests/support/modal_action.h"
+#include "tests/ui/live/live_fixture.h"
+#include "ui/live/shown_cameras.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QToolButton>
+
+class tst_SelectionDialogs : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { zelvaro::initResources(); }
+    void init();
+    void cleanup();
+
+    void theDialogIsFrameless();
+    void okAcceptsAndCloseRejects();
+    void escapeRejectsAndEnterAccepts();
+    void oneTileForEachCameraInListOrder();
+    void marksStartAsTheFlagsAre();
+    void applyStoresTheFlagsAndSavesTheFile();
+    void withoutCamerasTheDialogIsEmptyAndOkStillSaves();
+    void theRecordingDialogShowsTheShownCameras();
+    void applyingTheRecordingDialogSavesNothing();
+    void theEmptyRecordingDialogAppliesNothing();
+    void closingChangesNothing();
+    void nineCamerasFillTwoRowsAndTheFirstColumnOfTheThird();
+    void aHundredCamerasScroll();
+    void aPressAnywhereOnATileToggles();
+    void spaceTogglesAndTabWalks();
+    void theThumbnailIsShownWhenThereIsOne();
+    void aThumbnailInAFolderWithBlanksIsShown();
+    void aLongNameStaysInItsTile();
+    void aSessionDestroyedMeanwhileIsPassedOver();
+
+private:
+    template <typename Dialog>
+    static QList<CSelectCameraItemForm *> tiles(const Dialog &dialog)
+    {
+        return dialog.template findChild<zelvaro::SelectionFrame *>()->tiles();
+    }
+    static QString checkStyle(const CSelectCameraItemForm *tile)
+    {
+        return tile->findChild<QLabel *>(QStringLiteral("labelCheck"))->styleSheet();
+    }
+
+    std::unique_ptr<LiveFixture> m_live;
+};
+
+void tst_SelectionDialogs::init()
+{
+    m_live = std::make_unique<LiveFixture>();
+}
+
+void tst_SelectionDialogs::cleanup()
+{
+    zelvaro::shownCameras().clear();
+    m_live.reset();
+}
+
+void tst_SelectionDialogs::theDialogIsFrameless()
+{
+    CSelectCameraForm dialog;
+    QVERIFY(dialog.windowFlags() & Qt::FramelessWindowHint);
+    QVERIFY(dialog.testAttribute(Qt::WA_TranslucentBackground));
+    QCOMPARE(dialog.windowTitle(), QStringLiteral("Select Camera"));
+    QCOMPARE(dialog.findChild<QLabel *>(QStringLiteral("labelTitle"))->text(),
+             QStringLiteral("Select Camera"));
+    CSelectCameraRecordingForm recording;
+    QVERIFY(recording.windowFlags() & Qt::FramelessWindowHint);
+    QCOMPARE(recording.windowTitle(), QStringLiteral("Select Camera Recording"));
+
+    dialog.move(100, 100);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    auto *title = dialog.findChild<CTitleWidget *>();
+    QTest::mousePress(title, Qt::LeftButton, {}, QPoint(10, 5));
+    QMouseEvent move(QEvent::MouseMove, QPointF(60, 35), title->mapToGlobal(QPoint(60, 35)),
+                     Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(title, &move);
+    QCOMPARE(dialog.pos(), QPoint(150, 130));
+}
+
+void tst_SelectionDialogs::okAcceptsAndCloseRejects()
+{
+    for (const char *button : {"btnOK", "btnClose"}) {
+        CSelectCameraForm dialog;
+        ModalAction<QDialog> press([button](QDialog *shown) {
+            QTest::mouseClick(shown->findChild<QWidget *>(QString::fromLatin1(button)),
+                              Qt::LeftButton);
+        });
+        QCOMPARE(dialog.exec(), qstrcmp(button, "btnOK") == 0 ? 1 : 0);
+        QVERIFY(press.done());
+    }
+}
+
+void tst_SelectionDialogs::escapeRejectsAndEnterAccepts()
+{
+    m_live->addCameras({QStringLiteral("A")});
+    for (Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
+        CSelectCameraForm dialog;
+        ModalAction<QDialog> press([key](QDialog *shown) {
+            QWidget *focus = shown->focusWidget();
+            QTest::keyClick(focus ? focus : shown, key);
+        });
+        QCOMPARE(dialog.exec(), key == Qt::Key_Return ? 1 : 0);
+    }
+}
+
+void tst_SelectionDialogs::oneTileForEachCameraInListOrder()
+{
+    m_live->addCameras({QStringLiteral("B"), QStringLiteral("A"), QStringLiteral("C")});
+    CSelectCameraForm dialog;
+    QVERIFY(dialog.findChild<CSelectCameraFrame *>());
+    QCOMPARE(tiles(dialog).size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(tiles(dialog).at(i)->camera(), m_live->camera(i));
+        QCOMPARE(
+            tiles(dialog).at(i)->findChild<QLabel *>(QStringLiteral("labelCameraName"))->text(),
+            m_live->camera(i)->name());
+    }
+}
+
+void tst_SelectionDialogs::marksStartAsTheFlagsAre()
+{
+    m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")});
+    CameraSettings::instance().at(1)->multiLive = false;
+    CSelectCameraForm dialog;
+    QVERIFY(tiles(dialog).at(0)->isChecked());
+    QVERIFY(!tiles(dialog).at(1)->isChecked());
+    QCOMPARE(checkStyle(tiles(dialog).at(0)),
+             QStringLiteral("border-image:url(:/images/multilive/selectcameraitem_check.png);"));
+    QVERIFY(checkStyle(tiles(dialog).at(1)).isEmpty());
+}
+
+void tst_SelectionDialogs::applyStoresTheFlagsAndSavesTheFile()
+{
+    m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")}, false);
+    CSelectCameraForm dialog;
+    QTest::mousePress(tiles(dialog).at(1), Qt::LeftButton);
+    QVERIFY(!CameraSettings::instance().at(1)->multiLive);
+    dialog.Apply();
+    QVERIFY(!CameraSettings::instance().at(0)->multiLive);
+    QVERIFY(CameraSettings::instance().at(1)->multiLive);
+    QVERIFY(!CameraSettings::instance().at(1)->recordSelected);
+    QFile file(CameraSettings::instance().configFile());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray saved = file.readAll();
+    QVERIFY(saved.indexOf("MULTILIVE=0") < saved.indexOf("HOSTNAME=B"));
+    QVERIFY(saved.indexOf("MULTILIVE=1") > saved.indexOf("HOSTNAME=B"));
+}
+
+void tst_SelectionDialogs::withoutCamerasTheDialogIsEmptyAndOkStillSaves()
+{
+    CSelectCameraForm dialog;
+    QVERIFY(tiles(dialog).isEmpty());
+    QVERIFY(!QFile::exists(CameraSettings::instance().configFile()));
+    dialog.Apply();
+    QVERIFY(QFile::exists(CameraSettings::instance().configFile()));
+}
+
+void tst_SelectionDialogs::theRecordingDialogShowsTheShownCameras()
+{
+    m_live->addCameras({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
+    zelvaro::shownCameras() = {m_live->camera(2), m_live->camera(0)};
+    CameraSettings::instance().at(0)->recordSelected = true;
+    CSelectCameraRecordingForm dialog;
+    QVERIFY(dialog.findChild<CSelectCameraRecordingFrame *>());
+    QCOMPARE(tiles(dialog).size(), 2);
+    QCOMPARE(tiles(dialog).at(0)->camera(), m_live->camera(2));
+    QVERIFY(!tiles(dialog).at(0)->isChecked());
+    QVERIFY(tiles(dialog).at(1)->isChecked());
+}
+
+void tst_SelectionDialogs::applyingTheRecordingDialogSavesNothing()
+{
+    m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")});
+    zelvaro::shownCameras() = {m_live->camera(0), m_live->camera(1)};
+    CSelectCameraRecordingForm dialog;
+    QTest::mousePress(tiles(dialog).at(0), Qt::LeftButton);
+    dialog.Apply();
+    QVERIFY(CameraSettings::instance().at(0)->recordSelected);
+    QVERIFY(!CameraSettings::instance().at(1)->recordSelected);
+    QVERIFY(CameraSettings::instance().at(1)->multiLive);
+    QVERIFY(!QFile::exists(CameraSettings::instance().configFile()));
+}
+
+void tst_SelectionDialogs::theEmptyRecordingDialogAppliesNothing()
+{
+    m_live->addCameras({QStringLiteral("A")});
+    CameraSettings::instance().at(0)->recordSelected = true;
+    CSelectCameraRecordingForm dialog;
+    QVERIFY(tiles(dialog).isEmpty());
+    dialog.Apply();
+    QVERIFY(CameraSettings::instance().at(0)->recordSelected);
+}
+
+void tst_SelectionDialogs::closingChangesNothing()
+{
+    m_live->addCameras({QStringLiteral("A")});
+    {
+        CSelectCameraForm dialog;
+        QTest::mousePress(tiles(dialog).at(0), Qt::LeftButton);
+        QVERIFY(!tiles(dialog).at(0)->isChecked());
+        dialog.slotClose();
+    }
+    QVERIFY(CameraSettings::instance().at(0)->multiLive);
+    QVERIFY(!QFile::exists(CameraSettings::instance().configFile()));
+}
+
+void tst_SelectionDialogs::nineCamerasFillTwoRowsAndTheFirstColumnOfTheThird()
+{
+    QStringList hostnames;
+    for (int i = 0; i < 9; ++i)
+        hostnames << QString::number(i);
+    m_live->addCameras(hostnames);
+    CSelectCameraForm dialog;
+    const auto *layout =
+        qobject_cast<QGridLayout *>(dialog.findChild<CSelectCameraFrame *>()->layout());
+    QVERIFY(layout);
+    QCOMPARE(layout->spacing(), 10);
+    for (int i = 0; i < 9; ++i)
+        QCOMPARE(layout->itemAtPosition(i / 4, i % 4)->widget(), tiles(dialog).at(i));
+    QCOMPARE(layout->columnStretch(4), 10);
+    QCOMPARE(layout->rowStretch(3), 10);
+    QCOMPARE(layout->rowStretch(2), 0);
+
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QCOMPARE(tiles(dialog).at(1)->x() - tiles(dialog).at(0)->geometry().right() - 1, 10);
+    auto *scroll = dialog.findChild<QScrollArea *>();
+    QVERIFY(tiles(dialog).at(3)->geometry().right() < scroll->viewport()->width());
+}
+
+void tst_SelectionDialogs::aHundredCamerasScroll()
+{
+    QStringList hostnames;
+    for (int i = 0; i < 100; ++i)
+        hostnames << QString::number(i);
+    m_live->addCameras(hostnames);
+    CSelectCameraForm dialog;
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    auto *scroll = dialog.findChild<QScrollArea *>();
+    QVERIFY(tiles(dialog).at(3)->geometry().right() < scroll->viewport()->width());
+    CSelectCameraItemForm *beforeLast = tiles(dialog).at(98);
+    dialog.activateWindow();
+    beforeLast->setFocus();
+    QTRY_VERIFY_WITH_TIMEOUT(beforeLast->hasFocus(), LiveFixture::Deadline);
+    QTest::keyClick(beforeLast, Qt::Key_Tab);
+    QVERIFY(tiles(dialog).last()->hasFocus());
+    QTRY_VERIFY_WITH_TIMEOUT(tiles(dialog).last()->visibleRegion().boundingRect() ==
+                                 tiles(dialog).last()->rect(),
+                             LiveFixture::Deadline);
+}
+
+void tst_SelectionDialogs::aPressAnywhereOnATileToggles()
+{
+    m_live->addCameras({QStringLiteral("A")}, false);
+    CSelectCameraItemForm tile(false);
+    tile.setCamera(m_live->camera());
+    QSignalSpy clicked(&tile, &CSelectCameraItemForm::clicked);
+    QTest::mousePress(&tile, Qt::LeftButton, {}, QPoint(1, 1));
+    QVERIFY(tile.isChecked());
+    QCOMPARE(clicked.count(), 1);
+    QCOMPARE(clicked.at(0).at(0).value<CSelectCameraItemForm *>(), &tile);
+    QTest::mousePress(tile.findChild<QWidget *>(QStringLiteral("frameClient")), Qt::LeftButton);
+    QVERIFY(!tile.isChecked());
+    QTest::mousePress(tile.findChild<QWidget *>(QStringLiteral("labelCameraName")), Qt::LeftButton);
+    QVERIFY(tile.isChecked());
+    QTest::mousePress(tile.findChild<QWidget *>(QStringLiteral("labelCheck")), Qt::RightButton);
+    QVERIFY(!tile.isChecked());
+    QVERIFY(checkStyle(&tile).isEmpty());
+    QCOMPARE(clicked.count(), 4);
+}
+
+void tst_SelectionDialogs::spaceTogglesAndTabWalks()
+{
+    m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")}, false);
+    CSelectCameraForm dialog;
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    dialog.activateWindow();
+    QTRY_VERIFY_WITH_TIMEOUT(tiles(dialog).at(0)->hasFocus(), LiveFixture::Deadline);
+    const auto *back =
+        tiles(dialog).at(0)->findChild<QFrame *>(QStringLiteral("frameSelectCameraItemBk"));
+    QVERIFY(!back->styleSheet().contains(QStringLiteral("selectcameraitembk_default.png")));
+    QTest::keyClick(tiles(dialog).at(0), Qt::Key_Space);
+    QVERIFY(tiles(dialog).at(0)->isChecked());
+    QTest::keyClick(tiles(dialog).at(0), Qt::Key_Tab);
+    QVERIFY(tiles(dialog).at(1)->hasFocus());
+    QVERIFY(back->styleSheet().contains(QStringLiteral("selectcameraitembk_default.png")));
+    QTest::keyClick(tiles(dialog).at(1), Qt::Key_Tab);
+    QCOMPARE(dialog.focusWidget()->objectName(), QStringLiteral("btnOK"));
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+    QCOMPARE(dialog.focusWidget()->objectName(), QStringLiteral("btnClose"));
+}
+
+void tst_SelectionDialogs::theThumbnailIsShownWhenThereIsOne()
+{
+    m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")});
+    m_live->camera(0)->take_thumb();
+    CSelectCameraForm dialog;
+    const auto style = [&dialog](int index) {
+        return tiles(dialog)
+            .at(index)
+            ->findChild<QFrame *>(QStringLiteral("frameClient"))
+            ->styleSheet();
+    };
+    QCOMPARE(style(0), QStringLiteral("QFrame#frameClient{border-image:url(") +
+                           m_live->camera(0)->thumb_path() + QStringLiteral(");}"));
+    QCOMPARE(style(1), QStringLiteral("QFrame#frameClient{border-image: "
+                                      "url(:/images/cameraitem/novideo.png);}"));
+}
+
+void tst_SelectionDialogs::aThumbnailInAFolderWithBlanksIsShown()
+{
+    CameraSettings::instance().setAlbumPath(CameraSettings::instance().albumPath() +
+                                            QStringLiteral("/My 'photos' (new)"));
+    m_live->addCameras({QStringLiteral("A")});
+    m_live->camera()->take_thumb();
+    QVERIFY(m_live->camera()->has_thumb());
+    QImage red(8, 8, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    QVERIFY(red.save(m_live->camera()->thumb_path(), "PNG"));
+    CSelectCameraItemForm tile(false);
+    tile.setCamera(m_live->camera());
+    auto *client = tile.findChild<QFrame *>(QStringLiteral("frameClient"));
+    tile.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&tile));
+    QCOMPARE(client->grab().toImage().pixelColor(client->rect().center()), QColor(Qt::red));
+}
+
+void tst_SelectionDialogs::aLongNameStaysInItsTile()
+{
+    m_live->addCameras({QString(300, QLatin1Char('W'))});
+    CSelectCameraItemForm tile(false);
+    tile.setCamera(m_live->camera());
+    tile.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&tile));
+    QCOMPARE(tile.size(), QSize(160, 150));
+    auto *name = tile.findChild<QLabel *>(QStringLiteral("labelCameraName"));
+    QVERIFY(name->geometry().right() < tile.width());
+    QCOMPARE(name->toolTip(), m_live->camera()->name());
+}
+
+void tst_SelectionDialogs::aSessionDestroyedMeanwhileIsPassedOver()
+{
+    m_live->addCameras({QStringLiteral("A")});
+    CSelectCameraForm dialog;
+    CCamera *camera = m_live->camera();
+    camera->stop();
+    camera->wait_stopped();
+    CCameraList::instance().remove(camera);
+    QTest::mousePress(tiles(dialog).at(0), Qt::LeftButton);
+    dialog.Apply();
+    QVERIFY(CameraSettings::instance().at(0)->multiLive);
+}
+
+QTEST_MAIN(tst_SelectionDialogs)
+#include "tst_selection_dialogs.moc"
