@@ -35,11 +35,36 @@ struct AudioOutput::Pipeline
         gst_element_set_state(pipeline.get(), GST_STATE_NULL);
     }
 
+    bool start(const CapsRef &caps, const SinkMaker &makeSink);
+
     ObjectPtr<GstElement> pipeline;
     ObjectPtr<GstElement> source;
     ObjectPtr<GstElement> volume;
     std::atomic<bool> failed = false;
 };
+
+bool AudioOutput::Pipeline::start(const CapsRef &caps, const SinkMaker &makeSink)
+{
+    const std::string decoder = audioDecoderFor(caps.get());
+    GstElement *sink = decoder.empty() ? nullptr : makeSink();
+    if (!sink)
+        return false;
+    const std::string chain =
+        "appsrc name=source is-live=true do-timestamp=true format=time leaky-type=downstream ! " +
+        decoder + " ! audioconvert ! audioresample ! volume name=volume";
+    GstElement *made = gst_parse_launch(chain.c_str(), nullptr);
+    pipeline.reset(GST_ELEMENT(gst_object_ref_sink(made)));
+    gst_bin_add(GST_BIN(made), sink);
+    source.reset(gst_bin_get_by_name(GST_BIN(made), "source"));
+    volume.reset(gst_bin_get_by_name(GST_BIN(made), "volume"));
+    if (!source || !volume || !gst_element_link(volume.get(), sink))
+        return false;
+    g_object_set(source.get(), "caps", caps.get(), "max-time", longestQueue, "max-bytes",
+                 guint64{0}, nullptr);
+    const ObjectPtr<GstBus> bus(gst_element_get_bus(made));
+    gst_bus_set_sync_handler(bus.get(), &AudioOutput::readMessage, this, nullptr);
+    return gst_element_set_state(made, GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE;
+}
 
 AudioOutput::~AudioOutput()
 {
@@ -88,23 +113,8 @@ void AudioOutput::close()
 
 void AudioOutput::open(const CapsRef &caps)
 {
-    const std::string decoder = audioDecoderFor(caps.get());
     auto fresh = std::make_shared<Pipeline>();
-    const std::string chain =
-        "appsrc name=source is-live=true do-timestamp=true format=time leaky-type=downstream ! " +
-        decoder + " ! audioconvert ! audioresample ! volume name=volume ! autoaudiosink sync=false";
-    GstElement *pipeline = decoder.empty() ? nullptr : gst_parse_launch(chain.c_str(), nullptr);
-    bool good = false;
-    if (pipeline) {
-        fresh->pipeline.reset(GST_ELEMENT(gst_object_ref_sink(pipeline)));
-        fresh->source.reset(gst_bin_get_by_name(GST_BIN(pipeline), "source"));
-        fresh->volume.reset(gst_bin_get_by_name(GST_BIN(pipeline), "volume"));
-        g_object_set(fresh->source.get(), "caps", caps.get(), "max-time", longestQueue, "max-bytes",
-                     guint64{0}, nullptr);
-        const ObjectPtr<GstBus> bus(gst_element_get_bus(pipeline));
-        gst_bus_set_sync_handler(bus.get(), &AudioOutput::readMessage, fresh.get(), nullptr);
-        good = gst_element_set_state(pipeline, GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE;
-    }
+    const bool good = fresh->start(caps, m_makeSink);
 
     std::lock_guard lock(m_lock);
     m_opening = false;

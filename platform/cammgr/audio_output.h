@@ -1,7 +1,9 @@
 #pragma once
 
 #include "platform/cammgr/frame_taker.h"
+#include "platform/cammgr/sound_output.h"
 
+#include <functional>
 #include <memory>
 #include <mutex>
 
@@ -15,6 +17,9 @@ namespace cammgr {
 class AudioOutput : public FrameTaker, public std::enable_shared_from_this<AudioOutput>
 {
 public:
+    /// makeSink: see makeSoundSink().
+    using SinkMaker = std::function<GstElement *()>;
+    explicit AudioOutput(SinkMaker makeSink = &makeSoundSink) : m_makeSink(std::move(makeSink)) {}
     ~AudioOutput() override;
 
     void takeFrame(const AccessUnit &) override {}
@@ -30,6 +35,8 @@ private:
     void open(const CapsRef &caps);
     void release();
     static GstBusSyncReply readMessage(GstBus *, GstMessage *message, gpointer self);
+
+    const SinkMaker m_makeSink;
 
     std::mutex m_lock; ///< protects everything below
     std::shared_ptr<Pipeline> m_pipeline;

@@ -1,7 +1,7 @@
 # Tests of the stream engine. Those that draw need an X display and say so when there is none.
 set(media_test_libraries cammgr_media PkgConfig::GSTRTSPSERVER)
 zelvaro_gtest(tst_live_stream LABEL engine SOURCES tst_live_stream.cpp
-  LINK ${media_test_libraries} TIMEOUT 300)
+  LINK ${media_test_libraries} camsim_process TIMEOUT 400)
 zelvaro_gtest(tst_gop_buffer LABEL engine SOURCES tst_gop_buffer.cpp LINK ${media_test_libraries})
 zelvaro_gtest(tst_recorder LABEL engine SOURCES tst_recorder.cpp LINK ${media_test_libraries}
   TIMEOUT 300)
@@ -11,3 +11,16 @@ zelvaro_gtest(tst_still_picture LABEL engine SOURCES tst_still_picture.cpp
   LINK ${media_test_libraries})
 zelvaro_gtest(tst_window_watch LABEL engine SOURCES tst_window_watch.cpp
   LINK ${media_test_libraries} TIMEOUT 300)
+zelvaro_gtest(tst_audio_output LABEL engine SOURCES tst_audio_output.cpp
+  LINK ${media_test_libraries})
+
+add_executable(recording_child recording_child.cpp)
+target_link_libraries(recording_child PRIVATE cammgr_media)
+zelvaro_own_code(recording_child)
+set_target_properties(recording_child PROPERTIES
+  RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+zelvaro_gtest(tst_recording_kill LABEL engine SOURCES tst_recording_kill.cpp
+  LINK ${media_test_libraries} camsim_process)
+target_compile_definitions(tst_recording_kill PRIVATE
+  RECORDING_CHILD="$<TARGET_FILE:recording_child>")
+add_dependencies(tst_recording_kill recording_child)

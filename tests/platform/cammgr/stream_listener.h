@@ -25,9 +25,9 @@ public:
     {
         return wait([&] { return m_firstFrames >= count; });
     }
-    bool waitForEnd()
+    bool waitForEnd(std::chrono::milliseconds deadline = 30s)
     {
-        return wait([&] { return !m_ends.empty(); });
+        return wait([&] { return !m_ends.empty(); }, deadline);
     }
     bool waitForKeyFrameWish()
     {
@@ -57,10 +57,10 @@ private:
         change();
         m_changed.notify_all();
     }
-    bool wait(const std::function<bool()> &condition)
+    bool wait(const std::function<bool()> &condition, std::chrono::milliseconds deadline = 30s)
     {
         std::unique_lock lock(m_lock);
-        return m_changed.wait_for(lock, 30s, condition);
+        return m_changed.wait_for(lock, deadline, condition);
     }
 
     mutable std::mutex m_lock;

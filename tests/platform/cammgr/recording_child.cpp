@@ -1,0 +1,34 @@
+// Records one stream until it is killed: recording_child URL USER PASSWORD BASE-PATH
+
+#include "platform/cammgr/live_stream.h"
+
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+#include <unistd.h>
+
+int main(int count, char **arguments)
+{
+    if (count != 5)
+        return 2;
+    std::mutex lock;
+    std::condition_variable changed;
+    bool plays = false;
+    cammgr::LiveStream stream({[&] {
+                                   std::lock_guard held(lock);
+                                   plays = true;
+                                   changed.notify_all();
+                               },
+                               [](cammgr::StreamEnd) { _exit(3); },
+                               {}});
+    stream.setVolume(0);
+    stream.start({arguments[1], arguments[2], arguments[3], 0});
+    std::unique_lock held(lock);
+    changed.wait(held, [&] { return plays; });
+    if (stream.beginWriting(arguments[4], 104857600) != 0)
+        return 1;
+    std::puts("writing");
+    std::fflush(stdout);
+    for (;;)
+        pause();
+}
