@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QDialog>
+#include <QPointer>
+
+#include <array>
+#include <memory>
+
+class CCamera;
+class QGroupBox;
+class QLineEdit;
+namespace Ui {
+class Motion_Dialog;
+}
+
+/// Modal dialog that reads and changes the four motion detection windows of a camera. The
+/// constructor reads them at once, waiting behind the busy dialog. GUI thread only.
+class Motion_Dialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// The session is not owned.
+    Motion_Dialog(QWidget *parent, CCamera *camera);
+    ~Motion_Dialog() override;
+
+private slots:
+    void slotQuery();
+    void slotApply();
+    void slotExit();
+
+private:
+    static constexpr int WindowCount = 4;
+
+    /// The controls of one detection window.
+    struct Controls
+    {
+        QGroupBox *enabled;
+        /// Left, top, right, bottom, threshold, sensitivity: the order on the wire.
+        std::array<QLineEdit *, 6> edits;
+    };
+
+    void setUpControls();
+    /// Sends one request for each window. False when the session is gone.
+    bool run(const QString &text, const QStringList &requests);
+    /// Takes over a reply's values; too few of them change nothing.
+    static void fill(const Controls &controls, const QStringList &values);
+
+    std::unique_ptr<Ui::Motion_Dialog> m_ui;
+    QPointer<CCamera> m_camera;
+    std::array<Controls, WindowCount> m_windows;
+};
