@@ -565,6 +565,81 @@
     </message>
 </context>
 <context>
+    <name>Motion_Dialog</name>
+    <message>
+        <source>Motion Settings</source>
+        <translation>動体検知の設定</translation>
+    </message>
+    <message>
+        <source>Detection Window: 1</source>
+        <translation>検知ウィンドウ: 1</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>左</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>上</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>右</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>下</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>しきい値</translation>
+    </message>
+    <message>
+        <source>Sensitivity</source>
+        <translation>感度</translation>
+    </message>
+    <message>
+        <source>Detection Window: 2</source>
+        <translation>検知ウィンドウ: 2</translation>
+    </message>
+    <message>
+        <source>Detection Window: 3</source>
+        <translation>検知ウィンドウ: 3</translation>
+    </message>
+    <message>
+        <source>Detection Window: 4</source>
+        <translation>検知ウィンドウ: 4</translation>
+    </message>
+    <message>
+        <source>Query</source>
+        <translation>読み込み</translation>
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>適用</translation>
+    </message>
+    <message>
+        <source>Exit</source>
+        <translation>終了</translation>
+    </message>
+    <message>
+        <source>Please wait for query motion information...</source>
+        <translation>動体検知の情報を取得しています。お待ちください...</translation>
+    </message>
+    <message>
+        <source>Please wait for apply motion settings...</source>
+        <translation>動体検知の設定を適用しています。お待ちください...</translation>
+    </message>
+    <message>
+        <source>info</source>
+        <translation>情報</translation>
+    </message>
+    <message>
+        <source>Some error happens. Please wait a few minutes and re-try.</source>
+        <translation>エラーが発生しました。数分待ってからもう一度お試しください。</translation>
+    </message>
+</context>
+<context>
     <name>NetworkConfigurationCheck</name>
     <message>
         <source>Device Name input invalid!</source>

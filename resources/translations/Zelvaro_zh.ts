@@ -565,6 +565,81 @@
     </message>
 </context>
 <context>
+    <name>Motion_Dialog</name>
+    <message>
+        <source>Motion Settings</source>
+        <translation>移动侦测设置</translation>
+    </message>
+    <message>
+        <source>Detection Window: 1</source>
+        <translation>侦测窗口：1</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>左</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>上</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>右</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>下</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>阈值</translation>
+    </message>
+    <message>
+        <source>Sensitivity</source>
+        <translation>灵敏度</translation>
+    </message>
+    <message>
+        <source>Detection Window: 2</source>
+        <translation>侦测窗口：2</translation>
+    </message>
+    <message>
+        <source>Detection Window: 3</source>
+        <translation>侦测窗口：3</translation>
+    </message>
+    <message>
+        <source>Detection Window: 4</source>
+        <translation>侦测窗口：4</translation>
+    </message>
+    <message>
+        <source>Query</source>
+        <translation>查询</translation>
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>应用</translation>
+    </message>
+    <message>
+        <source>Exit</source>
+        <translation>退出</translation>
+    </message>
+    <message>
+        <source>Please wait for query motion information...</source>
+        <translation>正在查询移动侦测信息，请稍候...</translation>
+    </message>
+    <message>
+        <source>Please wait for apply motion settings...</source>
+        <translation>正在应用移动侦测设置，请稍候...</translation>
+    </message>
+    <message>
+        <source>info</source>
+        <translation>信息</translation>
+    </message>
+    <message>
+        <source>Some error happens. Please wait a few minutes and re-try.</source>
+        <translation>发生错误。请等待几分钟后重试。</translation>
+    </message>
+</context>
+<context>
     <name>NetworkConfigurationCheck</name>
     <message>
         <source>Device Name input invalid!</source>

@@ -567,6 +567,81 @@
     </message>
 </context>
 <context>
+    <name>Motion_Dialog</name>
+    <message>
+        <source>Motion Settings</source>
+        <translation>Параметры детектора движения</translation>
+    </message>
+    <message>
+        <source>Detection Window: 1</source>
+        <translation>Окно обнаружения: 1</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>Слева</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>Сверху</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>Справа</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>Снизу</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>Порог</translation>
+    </message>
+    <message>
+        <source>Sensitivity</source>
+        <translation>Чувствительность</translation>
+    </message>
+    <message>
+        <source>Detection Window: 2</source>
+        <translation>Окно обнаружения: 2</translation>
+    </message>
+    <message>
+        <source>Detection Window: 3</source>
+        <translation>Окно обнаружения: 3</translation>
+    </message>
+    <message>
+        <source>Detection Window: 4</source>
+        <translation>Окно обнаружения: 4</translation>
+    </message>
+    <message>
+        <source>Query</source>
+        <translation>Запросить</translation>
+    </message>
+    <message>
+        <source>Apply</source>
+        <translation>Применить</translation>
+    </message>
+    <message>
+        <source>Exit</source>
+        <translation>Выход</translation>
+    </message>
+    <message>
+        <source>Please wait for query motion information...</source>
+        <translation>Запрос параметров детектора движения, подождите...</translation>
+    </message>
+    <message>
+        <source>Please wait for apply motion settings...</source>
+        <translation>Применение параметров детектора движения, подождите...</translation>
+    </message>
+    <message>
+        <source>info</source>
+        <translation>Информация</translation>
+    </message>
+    <message>
+        <source>Some error happens. Please wait a few minutes and re-try.</source>
+        <translation>Произошла ошибка. Подождите несколько минут и повторите попытку.</translation>
+    </message>
+</context>
+<context>
     <name>NetworkConfigurationCheck</name>
     <message>
         <source>Device Name input invalid!</source>
