@@ -20,16 +20,18 @@ public:
 
     [[nodiscard]] GMainContext *get() const { return m_context.get(); }
 
-    /// Runs the context until the condition holds; false when it did not within the limit.
+    /// Runs the context until the condition holds; false when it did not within the limit. The
+    /// condition is looked at after everything that happens on the context, and now and then for
+    /// what happens elsewhere.
     [[nodiscard]] bool runUntil(const std::function<bool()> &condition,
                                 std::chrono::milliseconds limit = std::chrono::seconds(30)) const
     {
-        bool isLate = false;
-        const onvif::GSourcePtr deadline(g_timeout_source_new(static_cast<guint>(limit.count())));
-        g_source_set_callback(deadline.get(), setFlag, &isLate, nullptr);
-        g_source_attach(deadline.get(), m_context.get());
+        const onvif::GSourcePtr tick(g_timeout_source_new(50));
+        g_source_set_callback(tick.get(), goOn, nullptr, nullptr);
+        g_source_attach(tick.get(), m_context.get());
+        const auto deadline = std::chrono::steady_clock::now() + limit;
         while (!condition()) {
-            if (isLate)
+            if (std::chrono::steady_clock::now() >= deadline)
                 return false;
             g_main_context_iteration(m_context.get(), TRUE);
         }
@@ -47,11 +49,7 @@ public:
     void wakeUp() const { g_main_context_wakeup(m_context.get()); }
 
 private:
-    static gboolean setFlag(gpointer flag)
-    {
-        *static_cast<bool *>(flag) = true;
-        return G_SOURCE_REMOVE;
-    }
+    static gboolean goOn(gpointer) { return G_SOURCE_CONTINUE; }
 
     onvif::GMainContextPtr m_context;
     onvif::ThreadDefaultContext m_threadDefault;
