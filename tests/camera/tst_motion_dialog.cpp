@@ -64,7 +64,11 @@ class TstMotionDialog : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { zelvaro::initResources(); }
+    void initTestCase()
+    {
+        zelvaro::initResources();
+        zelvaro::applyLook();
+    }
     void init();
     void cleanup();
 
