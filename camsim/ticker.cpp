@@ -62,18 +62,19 @@ void Ticker::run()
             continue;
         }
         const Time now = Clock::now();
-        if (next->second.due > now) {
-            m_changed.wait_until(lock, next->second.due);
+        const Time due = next->second.due; // the entry may go while this thread waits
+        if (due > now) {
+            m_changed.wait_until(lock, due);
             continue;
         }
         Entry &entry = next->second; // stays where it is: remove() waits for running tasks
         entry.running = true;
         entry.woken = false;
         lock.unlock();
-        const Time due = entry.task(now);
+        const Time again = entry.task(now);
         lock.lock();
         entry.running = false;
-        entry.due = entry.woken ? Clock::now() : due;
+        entry.due = entry.woken ? Clock::now() : again;
         m_changed.notify_all();
     }
 }
