@@ -4,23 +4,18 @@
 
 namespace camsim {
 
-namespace {
-
-constexpr std::chrono::milliseconds kPiece{40};
-constexpr std::size_t kPieceBytes = 320;
-
-} // namespace
-
-AudioSource::AudioSource(Ticker &ticker, int index)
+AudioSource::AudioSource(Ticker &ticker, int index, std::chrono::milliseconds piece)
     : m_ticker(ticker)
+    , m_piece(piece)
     , m_task(std::make_shared<std::atomic<Ticker::Id>>(0))
     , m_feeds([&ticker, task = m_task] { ticker.wake(*task); })
 {
     const std::vector<std::uint8_t> tone = makeTone(index);
-    for (std::size_t at = 0; at < tone.size(); at += kPieceBytes) {
-        GstBuffer *piece = gst_buffer_new_memdup(&tone[at], kPieceBytes);
-        GST_BUFFER_DURATION(piece) = GST_MSECOND * kPiece.count();
-        m_pieces.push_back(piece);
+    const auto bytes = static_cast<std::size_t>(piece.count()) * 8;
+    for (std::size_t at = 0; at + bytes <= tone.size(); at += bytes) {
+        GstBuffer *buffer = gst_buffer_new_memdup(&tone[at], bytes);
+        GST_BUFFER_DURATION(buffer) = GST_MSECOND * static_cast<guint64>(piece.count());
+        m_pieces.push_back(buffer);
     }
     *m_task = m_ticker.add([this](Ticker::Time now) { return tick(now); });
 }
@@ -42,7 +37,7 @@ Ticker::Time AudioSource::tick(Ticker::Time now)
     for (const auto &feed : feeds)
         feed->push(m_pieces[m_position]);
     m_position = (m_position + 1) % m_pieces.size();
-    m_next = m_next + kPiece > now && m_next <= now ? m_next + kPiece : now + kPiece;
+    m_next = m_next + m_piece > now && m_next <= now ? m_next + m_piece : now + m_piece;
     return m_next;
 }
 

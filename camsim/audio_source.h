@@ -4,17 +4,19 @@
 #include "camsim/ticker.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
 namespace camsim {
 
-/// The sound of one stream: a soft tone as G.711 mu-law, 40 ms at a time, while somebody listens.
+/// The sound of one camera: a soft tone as G.711 mu-law, while somebody listens.
 class AudioSource
 {
 public:
-    AudioSource(Ticker &ticker, int index);
+    /// piece: how much sound goes at a time; a whole part of a second, with up to 1400 bytes.
+    AudioSource(Ticker &ticker, int index, std::chrono::milliseconds piece);
     ~AudioSource();
     AudioSource(const AudioSource &) = delete;
     AudioSource &operator=(const AudioSource &) = delete;
@@ -25,6 +27,7 @@ private:
     Ticker::Time tick(Ticker::Time now);
 
     Ticker &m_ticker;
+    const std::chrono::milliseconds m_piece;
     std::vector<GstBuffer *> m_pieces; ///< one second of sound
     // Shared with media that may outlive this object by a moment.
     const std::shared_ptr<std::atomic<Ticker::Id>> m_task;

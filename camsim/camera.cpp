@@ -14,6 +14,9 @@ namespace {
 // Long enough for the answer to the request that caused a move or a reboot.
 constexpr std::chrono::milliseconds kAnswerTime{200};
 
+constexpr std::chrono::milliseconds kShortSound{40};
+constexpr std::chrono::milliseconds kLongSound{125};
+
 /// Derives a stable UUID (version 5 layout) and a locally administered hardware address.
 void deriveIdentity(const std::string &seed, int index, Identity &identity)
 {
@@ -55,8 +58,11 @@ Camera::Camera(const Shared &shared, const Options &options, int index)
 
     m_mainVideo = makeVideo(shared, options.main);
     m_subVideo = makeVideo(shared, options.sub);
-    if (options.audio)
-        m_audio = std::make_unique<AudioSource>(shared.ticker, index);
+    if (options.audio) {
+        // Packets cost more than bytes where there are many cameras.
+        m_audio = std::make_unique<AudioSource>(shared.ticker, index,
+                                                options.canned ? kLongSound : kShortSound);
+    }
     if (options.backChannel)
         m_backChannel = std::make_shared<BackChannel>();
     m_rtsp = std::make_unique<RtspServer>(

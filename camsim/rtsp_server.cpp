@@ -5,6 +5,8 @@
 #include <gst/rtsp-server/rtsp-onvif-media-factory.h>
 #include <gst/rtsp-server/rtsp-onvif-media.h>
 
+#include <chrono>
+
 namespace camsim {
 
 namespace {
@@ -68,6 +70,7 @@ RtspServer::RtspServer(const Login &login, Transport transport, const StreamSet 
     allow(login.password);
     gst_rtsp_server_set_auth(m_server, m_auth);
 
+    g_signal_connect(m_server, "client-connected", G_CALLBACK(onConnected), this);
     setVideo(true);
     m_source = gst_rtsp_server_attach(m_server, nullptr);
     m_port = gst_rtsp_server_get_bound_port(m_server);
@@ -77,14 +80,38 @@ RtspServer::~RtspServer()
 {
     if (m_source != 0)
         g_source_remove(m_source);
-    const auto removeAll = [](GstRTSPServer *, GstRTSPClient *, gpointer) {
-        return GST_RTSP_FILTER_REMOVE;
-    };
-    gst_rtsp_server_client_filter(m_server, removeAll, nullptr);
+    waitForClients();
+    g_signal_handlers_disconnect_by_data(m_server, this);
     for (Stream *stream : {&m_main, &m_sub})
         unmount(*stream);
     g_object_unref(m_auth);
     g_object_unref(m_server);
+}
+
+void RtspServer::onConnected(GstRTSPServer *, GstRTSPClient *client, gpointer data)
+{
+    auto *self = static_cast<RtspServer *>(data);
+    {
+        const std::lock_guard lock(self->m_mutex);
+        ++self->m_clients;
+    }
+    g_signal_connect(client, "closed", G_CALLBACK(onClosed), self);
+}
+
+void RtspServer::onClosed(GstRTSPClient *, gpointer data)
+{
+    auto *self = static_cast<RtspServer *>(data);
+    const std::lock_guard lock(self->m_mutex);
+    --self->m_clients;
+    self->m_clientGone.notify_all();
+}
+
+void RtspServer::waitForClients()
+{
+    // Each client ends on its own thread once its connection is gone; ended from here, the
+    // framework would use a connection that it has closed.
+    std::unique_lock lock(m_mutex);
+    m_clientGone.wait_for(lock, std::chrono::seconds(5), [this] { return m_clients == 0; });
 }
 
 void RtspServer::allow(const std::string &password)

@@ -7,6 +7,8 @@
 
 #include <gst/rtsp-server/rtsp-server.h>
 
+#include <condition_variable>
+#include <mutex>
 #include <string>
 
 namespace camsim {
@@ -32,7 +34,7 @@ public:
         std::string password;
     };
 
-    /// The streams must outlive the server.
+    /// The streams must outlive the server. Its clients must be disconnected before it goes.
     RtspServer(const Login &login, Transport transport, const StreamSet &streams,
                const std::string &mainPath, const std::string &subPath);
     ~RtspServer();
@@ -58,6 +60,9 @@ private:
     void mount(Stream &stream, bool video);
     void unmount(Stream &stream);
     std::string launchLine(bool video) const;
+    void waitForClients();
+    static void onConnected(GstRTSPServer *server, GstRTSPClient *client, gpointer self);
+    static void onClosed(GstRTSPClient *client, gpointer self);
     static void configureMedia(GstRTSPMediaFactory *factory, GstRTSPMedia *media, gpointer stream);
 
     GstRTSPServer *m_server;
@@ -69,6 +74,9 @@ private:
     Stream m_sub;
     guint m_source = 0;
     int m_port = 0;
+    std::mutex m_mutex; // protects m_clients
+    std::condition_variable m_clientGone;
+    int m_clients = 0;
 };
 
 } // namespace camsim
