@@ -28,7 +28,8 @@ struct StreamOrder
 class StreamControl
 {
 public:
-    virtual bool isStreamPlaying() const = 0;
+    /// Never waits.
+    virtual bool isStreamPlaying() = 0;
     /// Starts the stream when ticket is still the last one.
     virtual void startStream(uint64_t ticket, const StreamRequest &request) = 0;
     /// Starts talking when ticket is still the last one; gives up without a request.

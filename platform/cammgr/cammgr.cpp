@@ -82,6 +82,16 @@ int with(RtspPlayer *handle, int otherwise, Call call)
     });
 }
 
+/// What the player's stream says; 0 for a handle that is none.
+template <class Result>
+int ask(RtspPlayer *handle, Result (LiveStream::*question)() const)
+{
+    return with(handle, 0, [&](RtspPlayer &player) {
+        return player.withStream(
+            [&](const LiveStream &stream) { return static_cast<int>((stream.*question)()); });
+    });
+}
+
 } // namespace
 
 RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username, const char *password,
@@ -149,7 +159,7 @@ int RtspPlayer_Stop(RtspPlayer *player)
 
 int RtspPlayer_IsPlaying(RtspPlayer *player)
 {
-    return with(player, 0, [](RtspPlayer &p) { return p.stream().isPlaying() ? 1 : 0; });
+    return ask(player, &LiveStream::isPlaying);
 }
 
 int RtspPlayer_Delete(RtspPlayer *player)
@@ -158,7 +168,7 @@ int RtspPlayer_Delete(RtspPlayer *player)
         PlayerPtr last = players().take(player);
         if (!last)
             return failure;
-        last->end(RtspPlayer::Farewell::Answered);
+        last->stop();
         // Clips that are being closed may take their time on the disk.
         std::thread([last = std::move(last)]() mutable {
             pthread_setname_np(pthread_self(), "cammgr-delete");
@@ -177,19 +187,20 @@ int RtspPlayer_DeleteSync(RtspPlayer *player)
         const PlayerPtr last = players().take(player);
         if (!last)
             return failure;
-        last->end(RtspPlayer::Farewell::Silent);
+        last->stop();
+        last->close(false);
         return 0;
     });
 }
 
 int RtspPlayer_HasVideoStream(RtspPlayer *player)
 {
-    return with(player, 0, [](RtspPlayer &p) { return p.stream().hasVideo() ? 1 : 0; });
+    return ask(player, &LiveStream::hasVideo);
 }
 
 int RtspPlayer_HasAudioStream(RtspPlayer *player)
 {
-    return with(player, 0, [](RtspPlayer &p) { return p.stream().hasAudio() ? 1 : 0; });
+    return ask(player, &LiveStream::hasAudio);
 }
 
 int RtspPlayer_SetVolume(RtspPlayer *player, int volume)
@@ -229,27 +240,27 @@ int RtspPlayer_EndWriting(RtspPlayer *player)
 
 int RtspPlayer_IsWriting(RtspPlayer *player)
 {
-    return with(player, 0, [](RtspPlayer &p) { return p.stream().isWriting() ? 1 : 0; });
+    return ask(player, &LiveStream::isWriting);
 }
 
 int RtspPlayer_GetVideoFrameRate(RtspPlayer *player)
 {
-    return with(player, 0, [](RtspPlayer &p) { return p.stream().frameRate(); });
+    return ask(player, &LiveStream::frameRate);
 }
 
 int RtspPlayer_GetBitRate(RtspPlayer *player)
 {
-    return with(player, 0, [](RtspPlayer &p) { return p.stream().bitRate(); });
+    return ask(player, &LiveStream::bitRate);
 }
 
 int RtspPlayer_GetVideoWidth(RtspPlayer *player)
 {
-    return with(player, 0, [](RtspPlayer &p) { return p.stream().width(); });
+    return ask(player, &LiveStream::width);
 }
 
 int RtspPlayer_GetVideoHeight(RtspPlayer *player)
 {
-    return with(player, 0, [](RtspPlayer &p) { return p.stream().height(); });
+    return ask(player, &LiveStream::height);
 }
 
 int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requests, int count)

@@ -75,7 +75,7 @@ int RtspPlayer::play()
 {
     if (m_path.empty())
         return -1;
-    if (m_stream.isActive())
+    if (withStream([](const LiveStream &stream) { return stream.isActive(); }))
         return 0;
     const cammgr::StreamOrder order{.ticket = ++m_playTicket, .path = m_path, .window = m_window};
     postTo(m_session, [order](CameraSession &session) { session.play(order); });
@@ -96,6 +96,15 @@ void RtspPlayer::voidOrder()
     m_stream.stop();
 }
 
+bool RtspPlayer::isStreamPlaying()
+{
+    // A snapshot or a stop under way holds the lock; the other cameras need not wait for it.
+    const std::unique_lock lock(m_mutex, std::try_to_lock);
+    if (lock.owns_lock())
+        m_wasPlaying = m_stream.isPlaying();
+    return m_wasPlaying;
+}
+
 void RtspPlayer::startStream(uint64_t ticket, const StreamRequest &request)
 {
     // Looked at first without the lock: stop() holds it while the stream ends.
@@ -106,19 +115,16 @@ void RtspPlayer::startStream(uint64_t ticket, const StreamRequest &request)
         m_stream.start(request);
 }
 
-void RtspPlayer::end(Farewell farewell)
+void RtspPlayer::close(bool answerProbe)
 {
-    stop();
-    if (farewell == Farewell::Silent)
-        IoThread::instance().postAndWait([this] { m_session->close(false); });
-    else
-        IoThread::instance().post([session = m_session] { session->close(true); });
+    IoThread::instance().postAndWait([this, answerProbe] { m_session->close(answerProbe); });
 }
 
 void RtspPlayer::release(std::shared_ptr<RtspPlayer> player)
 {
     const RtspPlayerCallback callback = player->m_callback;
     void *context = player->m_context;
+    player->close(true);
     player.reset();
     IoThread::instance().post([callback, context] {
         if (callback)

@@ -19,15 +19,8 @@
 struct RtspPlayer final : private cammgr::StreamControl
 {
 public:
-    /// How the session with the camera ends.
-    enum class Farewell
-    {
-        Silent,  ///< no message is under way or comes any more when end() returns
-        Answered ///< end() does not wait; an outstanding probe is still answered
-    };
-
     explicit RtspPlayer(const cammgr::SessionInfo &info);
-    /// After end().
+    /// After stop() and close().
     ~RtspPlayer();
     RtspPlayer(const RtspPlayer &) = delete;
     RtspPlayer &operator=(const RtspPlayer &) = delete;
@@ -39,10 +32,11 @@ public:
     int setup(const std::string &path, uintptr_t window);
     int play();
     void stop();
-    void end(Farewell farewell);
-
-    /// Destroys a player that was ended with Farewell::Answered, which may wait for clips that are
-    /// being closed, and then sends CAMMGR_MSG_DELETED, the last message.
+    /// Ends the session with the camera: no message is under way or comes any more when it
+    /// returns. answerProbe: an outstanding probe is answered first.
+    void close(bool answerProbe);
+    /// Closes and destroys a stopped player, which may wait for clips that are being closed, and
+    /// then sends CAMMGR_MSG_DELETED, the last message. On a thread that may wait.
     static void release(std::shared_ptr<RtspPlayer> player);
 
     int issueCommands(std::vector<std::string> requests);
@@ -51,7 +45,6 @@ public:
     void stopTalk();
     bool isTalking() const;
 
-    const cammgr::LiveStream &stream() const { return m_stream; }
     /// Runs call with the stream, while the I/O thread keeps its hands off it.
     template <class Call>
     auto withStream(Call call)
@@ -61,7 +54,7 @@ public:
     }
 
 private:
-    bool isStreamPlaying() const override { return m_stream.isPlaying(); }
+    bool isStreamPlaying() override;
     void startStream(uint64_t ticket, const cammgr::StreamRequest &request) override;
     void startTalk(uint64_t ticket, const cammgr::StreamRequest *request) override;
     void voidOrder();
@@ -76,7 +69,9 @@ private:
     std::atomic<uint64_t> m_talkTicket{0};
     std::atomic<bool> m_talkPending{false}; ///< from talk() to startTalk()
 
-    mutable std::mutex m_mutex;  ///< for the two below; not for the stream's const functions
+    bool m_wasPlaying = false; ///< I/O thread
+
+    mutable std::mutex m_mutex;  ///< for the two below
     cammgr::LiveStream m_stream; ///< its listener only posts, so stop() may wait for it
     cammgr::TalkBack m_talkBack;
 };
