@@ -1,5 +1,6 @@
 #include "tests/e2e/program_run.h"
 
+#include "app/main_form.h"
 #include "app/program.h"
 
 #include <QApplication>
