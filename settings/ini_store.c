@@ -44,7 +44,7 @@ ini_file *ini_open(const char *path, const char *mode)
         free(file);
         return NULL;
     }
-    FILE *stream = (file->mode & INI_READ) ? fopen(path, "r") : NULL;
+    FILE *stream = (file->mode & INI_READ) ? safe_file_read(path) : NULL;
     if (stream) {
         ini_load(file, stream);
         fclose(stream);

@@ -11,6 +11,10 @@
 
 typedef struct safe_file safe_file;
 
+/* Opens a plain file for reading in text mode. NULL when there is none, and for anything that could
+ * keep the reader waiting or never end, as a pipe or a device. To be closed with fclose. */
+FILE *safe_file_read(const char *path);
+
 /*
  * Begins the new content of path, which is made when it does not exist; a symbolic link stays and
  * the file that it leads to is replaced. NULL when no file can be made there, or when something

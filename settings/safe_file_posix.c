@@ -89,6 +89,21 @@ static FILE *open_temporary(char *name)
     return stream;
 }
 
+FILE *safe_file_read(const char *path)
+{
+    struct stat status;
+    const int handle = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (handle < 0) {
+        return NULL;
+    }
+    const int32_t plain = fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
+    FILE *stream = plain ? fdopen(handle, "r") : NULL;
+    if (!stream) {
+        close(handle);
+    }
+    return stream;
+}
+
 safe_file *safe_file_create(const char *path)
 {
     safe_file *file = calloc(1, sizeof *file);

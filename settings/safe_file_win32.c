@@ -35,6 +35,11 @@ static int32_t replaceable(const char *path)
     return attributes == INVALID_FILE_ATTRIBUTES || !(attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+FILE *safe_file_read(const char *path)
+{
+    return fopen(path, "r");
+}
+
 safe_file *safe_file_create(const char *path)
 {
     safe_file *file = calloc(1, sizeof *file);

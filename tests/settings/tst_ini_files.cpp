@@ -1,6 +1,7 @@
 #include "tests/settings/ini_test.h"
 
 #include <random>
+#include <sys/stat.h>
 
 using namespace initest;
 
@@ -103,6 +104,14 @@ TEST_F(IniFiles, randomBytesAreTakenAndWritten)
         EXPECT_STREQ(ini_get(store.get(), "ALBUMPATH"), "x");
         EXPECT_EQ(ini_flush(store.get()), 0);
     }
+}
+
+TEST_F(IniFiles, whatIsNoPlainFileIsNotRead)
+{
+    ASSERT_EQ(mkfifo(m_file.c_str(), 0600), 0);
+    EXPECT_EQ(ini_next_entry(open(m_file, "r").get(), nullptr, nullptr), -1);
+    std::filesystem::create_symlink("/dev/zero", m_folder / "endless");
+    EXPECT_EQ(ini_next_entry(open(m_folder / "endless", "r").get(), nullptr, nullptr), -1);
 }
 
 TEST_F(IniFiles, fileOfTenMegabytesIsTaken)
