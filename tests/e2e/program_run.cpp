@@ -6,7 +6,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QImage>
 #include <QPixmap>
 #include <QScreen>
 #include <QTimer>
@@ -83,13 +82,15 @@ int ProgramRun::run(const std::function<void(CMainForm &)> &steps)
     });
 }
 
-bool pictureMoves(const QWidget &widget, QImage &last)
+bool PictureWatch::hasMoved()
 {
-    const QPoint corner = widget.mapToGlobal(QPoint(0, 0));
-    const QImage now = widget.screen()
-                           ->grabWindow(0, corner.x(), corner.y(), widget.width(), widget.height())
-                           .toImage();
-    const bool moves = !last.isNull() && last.size() == now.size() && last != now;
-    last = now;
-    return moves;
+    const QPoint corner = m_widget.mapToGlobal(QPoint(0, 0));
+    const QImage now =
+        m_widget.screen()
+            ->grabWindow(0, corner.x(), corner.y(), m_widget.width(), m_widget.height())
+            .toImage();
+    if (m_first.size() != now.size())
+        m_first = now; // the first look, or the window went to another size
+    m_moved = m_moved || m_first != now;
+    return m_moved;
 }

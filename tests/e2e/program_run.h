@@ -3,6 +3,7 @@
 #include "tests/e2e/real_input.h"
 #include "tests/support/camsim_process.h"
 
+#include <QImage>
 #include <QString>
 #include <QTemporaryDir>
 #include <QWidget>
@@ -49,6 +50,17 @@ Widget *visibleChild(const QWidget &parent, const char *name)
     return nullptr;
 }
 
-/// Whether the widget's place on the screen shows something else than it did at the last look,
-/// which is kept in the given picture. For live pictures that other programs draw.
-bool pictureMoves(const QWidget &widget, QImage &last);
+/// Watches a widget's place on the screen, for live pictures that other threads draw.
+class PictureWatch
+{
+public:
+    explicit PictureWatch(const QWidget &widget) : m_widget(widget) {}
+
+    /// Whether the picture has changed since the first look.
+    bool hasMoved();
+
+private:
+    const QWidget &m_widget;
+    QImage m_first;
+    bool m_moved = false;
+};

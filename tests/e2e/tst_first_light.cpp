@@ -144,8 +144,8 @@ void TestFirstLight::watch()
                                  .match(statusLine())
                                  .hasMatch(),
                              kPatience);
-    QImage last;
-    QTRY_VERIFY_WITH_TIMEOUT(pictureMoves(*videoFrame(), last), kPatience);
+    PictureWatch picture(*videoFrame());
+    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), kPatience);
 }
 
 void TestFirstLight::takePhoto()
@@ -198,12 +198,12 @@ void TestFirstLight::zoomAndFullScreen()
     QTRY_VERIFY_WITH_TIMEOUT(videoFrame()->isFullScreen() && videoFrame()->isActiveWindow(),
                              kPatience);
     QTRY_COMPARE_WITH_TIMEOUT(videoFrame()->size(), videoFrame()->screen()->size(), kPatience);
-    QImage last;
-    QTRY_VERIFY_WITH_TIMEOUT(pictureMoves(*videoFrame(), last), kPatience);
+    PictureWatch picture(*videoFrame());
+    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), kPatience);
     m_input->key(XK_Escape);
     QTRY_VERIFY_WITH_TIMEOUT(!videoFrame()->isFullScreen() && !videoFrame()->isWindow(), kPatience);
-    last = {};
-    QTRY_VERIFY_WITH_TIMEOUT(pictureMoves(*videoFrame(), last), kPatience);
+    PictureWatch onPage(*videoFrame());
+    QTRY_VERIFY_WITH_TIMEOUT(onPage.hasMoved(), kPatience);
 }
 
 void TestFirstLight::surviveDrop(CamsimProcess &cameras)
@@ -214,8 +214,8 @@ void TestFirstLight::surviveDrop(CamsimProcess &cameras)
                               kPatience);
     QVERIFY(cameras.tell(0, "listen"));
     QTRY_VERIFY_WITH_TIMEOUT(statusLine().startsWith("640x360"), 2 * kPatience);
-    QImage last;
-    QTRY_VERIFY_WITH_TIMEOUT(pictureMoves(*videoFrame(), last), kPatience);
+    PictureWatch picture(*videoFrame());
+    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), kPatience);
     clickLive("btnBack");
     QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), kPatience);
 }
