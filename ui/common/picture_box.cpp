@@ -6,6 +6,48 @@
 
 namespace zelvaro {
 
+namespace {
+
+/// Keeps the children of a widget elsewhere while its native window is made anew, so that theirs
+/// live on: something may be drawing on them.
+class ChildrenAside
+{
+public:
+    ChildrenAside(QWidget *parent, QWidget *aside) : m_parent(parent)
+    {
+        const auto widgets = parent->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+        for (QWidget *child : widgets) {
+            if (child->isWindow())
+                continue;
+            m_children.append({child, child->isHidden()});
+            child->setParent(aside);
+        }
+    }
+    ~ChildrenAside()
+    {
+        for (const Child &child : m_children) {
+            const QPoint place = child.widget->pos();
+            child.widget->setParent(m_parent);
+            child.widget->move(place);
+            child.widget->setVisible(!child.hidden);
+        }
+    }
+    ChildrenAside(const ChildrenAside &) = delete;
+    ChildrenAside &operator=(const ChildrenAside &) = delete;
+
+private:
+    struct Child
+    {
+        QWidget *widget;
+        bool hidden;
+    };
+
+    QWidget *m_parent;
+    QList<Child> m_children;
+};
+
+} // namespace
+
 PictureBox::PictureBox(QWidget *area, QWidget *box, QWidget *surface, QObject *parent)
     : QObject(parent)
     , m_area(area)
@@ -46,7 +88,13 @@ void PictureBox::leaveFullScreen()
     if (!m_fullScreen)
         return;
     m_fullScreen = false;
+    const ChildrenAside children(m_surface, m_box);
+    // The native window must be made anew: one that becomes a child again is taken back to the
+    // screen by a window manager that has not seen it leave yet.
+    const bool native = m_surface->testAttribute(Qt::WA_NativeWindow);
+    m_surface->setAttribute(Qt::WA_NativeWindow, false);
     m_surface->setWindowFlags(Qt::SubWindow);
+    m_surface->setAttribute(Qt::WA_NativeWindow, native);
     position();
     m_surface->showNormal();
     // The box did not change its size, so its layout would not look at the surface again.
@@ -82,10 +130,19 @@ void PictureBox::showFullScreen()
 
 bool PictureBox::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_surface && m_fullScreen && event->type() == QEvent::Close) {
+    switch (event->type()) {
+    case QEvent::Close:
+        if (!m_fullScreen)
+            break;
         event->ignore();
         leaveFullScreen();
         return true;
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        emit focusChanged(event->type() == QEvent::FocusIn);
+        break;
+    default:
+        break;
     }
     return QObject::eventFilter(watched, event);
 }

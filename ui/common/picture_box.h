@@ -44,6 +44,10 @@ public:
 
     bool eventFilter(QObject *watched, QEvent *event) override;
 
+signals:
+    /// The surface has got or lost the keyboard focus.
+    void focusChanged(bool focused);
+
 private:
     void showFullScreen();
 

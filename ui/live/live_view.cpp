@@ -34,6 +34,11 @@ LiveView::LiveView(const LiveWidgets &widgets, StatusSize statusSize, std::funct
     , m_clock(std::move(clock))
     , m_box(widgets.area, widgets.box, widgets.surface)
 {
+    QWidget *panel = m_widgets.status->parentWidget();
+    QObject::connect(&m_box, &PictureBox::focusChanged, panel, [panel](bool focused) {
+        panel->setProperty("pictureFocused", focused);
+        panel->setStyleSheet(panel->styleSheet());
+    });
 }
 
 CCamera *LiveView::camera() const

@@ -8,6 +8,7 @@
 
 #include <QGridLayout>
 #include <QMouseEvent>
+#include <QPainter>
 
 namespace {
 
@@ -67,6 +68,7 @@ void CMultiLiveFrame::clear()
     m_tiles.clear();
     m_selectedItem = nullptr;
     m_clickedItem = false;
+    update();
 }
 
 void CMultiLiveFrame::setSound(bool muted, int volume)
@@ -83,6 +85,16 @@ void CMultiLiveFrame::slotSelectCamera(CMultiLiveItemForm *tile)
     m_selectedItem = tile;
     applySound();
     m_clickedItem = true;
+}
+
+void CMultiLiveFrame::paintEvent(QPaintEvent *event)
+{
+    QWidget::paintEvent(event);
+    if (!m_tiles.isEmpty())
+        return;
+    QPainter painter(this);
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap,
+                     tr("No camera is selected for this view."));
 }
 
 void CMultiLiveFrame::resizeEvent(QResizeEvent *event)

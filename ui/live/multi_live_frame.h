@@ -38,6 +38,7 @@ public slots:
     void slotSelectCamera(CMultiLiveItemForm *tile);
 
 protected:
+    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

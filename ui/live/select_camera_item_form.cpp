@@ -14,6 +14,12 @@ CSelectCameraItemForm::CSelectCameraItemForm(bool recordingMode, QWidget *parent
     , m_recordingMode(recordingMode)
 {
     m_ui->setupUi(this);
+    // A picture is loaded when its widget is shown first. A hundred large ones at once would take
+    // seconds and hundreds of megabytes: each waits until its tile is looked at.
+    QSizePolicy policy = m_ui->frameClient->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_ui->frameClient->setSizePolicy(policy);
+    m_ui->frameClient->hide();
     showFocus(false);
 }
 
@@ -56,6 +62,13 @@ void CSelectCameraItemForm::apply() const
         record->recordSelected = m_checked;
     else
         record->multiLive = m_checked;
+}
+
+void CSelectCameraItemForm::paintEvent(QPaintEvent *event)
+{
+    QWidget::paintEvent(event);
+    if (m_ui->frameClient->isHidden())
+        QMetaObject::invokeMethod(m_ui->frameClient, &QWidget::show, Qt::QueuedConnection);
 }
 
 void CSelectCameraItemForm::mousePressEvent(QMouseEvent *)

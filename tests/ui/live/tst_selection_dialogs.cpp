@@ -253,6 +253,12 @@ void tst_SelectionDialogs::aHundredCamerasScroll()
     QVERIFY(QTest::qWaitForWindowExposed(&dialog));
     auto *scroll = dialog.findChild<QScrollArea *>();
     QVERIFY(tiles(dialog).at(3)->geometry().right() < scroll->viewport()->width());
+    // Only what is looked at loads its picture.
+    const auto picture = [&dialog](int index) {
+        return tiles(dialog).at(index)->findChild<QFrame *>(QStringLiteral("frameClient"));
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(picture(0)->isVisible(), LiveFixture::Deadline);
+    QVERIFY(!picture(99)->isVisible());
     CSelectCameraItemForm *beforeLast = tiles(dialog).at(98);
     dialog.activateWindow();
     beforeLast->setFocus();
@@ -262,6 +268,7 @@ void tst_SelectionDialogs::aHundredCamerasScroll()
     QTRY_VERIFY_WITH_TIMEOUT(tiles(dialog).last()->visibleRegion().boundingRect() ==
                                  tiles(dialog).last()->rect(),
                              LiveFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(picture(99)->isVisible(), LiveFixture::Deadline);
 }
 
 void tst_SelectionDialogs::aPressAnywhereOnATileToggles()
@@ -274,7 +281,10 @@ void tst_SelectionDialogs::aPressAnywhereOnATileToggles()
     QVERIFY(tile.isChecked());
     QCOMPARE(clicked.count(), 1);
     QCOMPARE(clicked.at(0).at(0).value<CSelectCameraItemForm *>(), &tile);
-    QTest::mousePress(tile.findChild<QWidget *>(QStringLiteral("frameClient")), Qt::LeftButton);
+    tile.show();
+    auto *picture = tile.findChild<QWidget *>(QStringLiteral("frameClient"));
+    QTRY_VERIFY_WITH_TIMEOUT(picture->isVisible(), LiveFixture::Deadline);
+    QTest::mousePress(picture, Qt::LeftButton);
     QVERIFY(!tile.isChecked());
     QTest::mousePress(tile.findChild<QWidget *>(QStringLiteral("labelCameraName")), Qt::LeftButton);
     QVERIFY(tile.isChecked());
@@ -338,6 +348,7 @@ void tst_SelectionDialogs::aThumbnailInAFolderWithBlanksIsShown()
     auto *client = tile.findChild<QFrame *>(QStringLiteral("frameClient"));
     tile.show();
     QVERIFY(QTest::qWaitForWindowExposed(&tile));
+    QTRY_VERIFY_WITH_TIMEOUT(client->isVisible(), LiveFixture::Deadline);
     QCOMPARE(client->grab().toImage().pixelColor(client->rect().center()), QColor(Qt::red));
 }
 

@@ -1,0 +1,76 @@
+#include "ui/common/elided_label.h"
+
+#include <QtTest>
+
+using zelvaro::ElidedLabel;
+
+class tst_ElidedLabel : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theTextStaysWhole();
+    void asksForNoRoom();
+    void drawsTheWholeTextWhereItFits();
+    void drawsAnEllipsisWhereItDoesNot();
+    void markupIsText();
+};
+
+namespace {
+
+QImage drawn(QLabel &label, const QString &text, int width)
+{
+    label.setText(text);
+    label.resize(width, 30);
+    return label.grab().toImage();
+}
+
+} // namespace
+
+void tst_ElidedLabel::theTextStaysWhole()
+{
+    ElidedLabel label;
+    label.resize(10, 20);
+    label.setText(QStringLiteral("1280x720(74%)  25FPS 1.06Mbps"));
+    label.grab();
+    QCOMPARE(label.text(), QStringLiteral("1280x720(74%)  25FPS 1.06Mbps"));
+}
+
+void tst_ElidedLabel::asksForNoRoom()
+{
+    ElidedLabel label;
+    label.setText(QString(500, QLatin1Char('W')));
+    QCOMPARE(label.minimumSizeHint().width(), 0);
+    QVERIFY(label.minimumSizeHint().height() > 0);
+    QCOMPARE(label.sizePolicy().horizontalPolicy(), QSizePolicy::Ignored);
+}
+
+void tst_ElidedLabel::drawsTheWholeTextWhereItFits()
+{
+    ElidedLabel elided;
+    QLabel plain;
+    QCOMPARE(drawn(elided, QStringLiteral("Camera 1"), 300),
+             drawn(plain, QStringLiteral("Camera 1"), 300));
+}
+
+void tst_ElidedLabel::drawsAnEllipsisWhereItDoesNot()
+{
+    ElidedLabel elided;
+    QLabel plain;
+    const QString text = QStringLiteral("A camera with a long name");
+    const QString cut = elided.fontMetrics().elidedText(text, Qt::ElideRight, 80);
+    QVERIFY(cut != text);
+    QCOMPARE(drawn(elided, text, 80), drawn(plain, cut, 80));
+}
+
+void tst_ElidedLabel::markupIsText()
+{
+    ElidedLabel elided;
+    QLabel plain;
+    plain.setTextFormat(Qt::PlainText);
+    QCOMPARE(drawn(elided, QStringLiteral("<b>x</b>"), 200),
+             drawn(plain, QStringLiteral("<b>x</b>"), 200));
+}
+
+QTEST_MAIN(tst_ElidedLabel)
+#include "tst_elided_label.moc"

@@ -1,0 +1,7 @@
+#include "ui/common/video_area_frame.h"
+
+void CVideoAreaFrame::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    emit signalResize();
+}
