@@ -76,5 +76,4 @@ void CMessageBox::fitToText(const QString &text)
     const int screenLimit = QGuiApplication::primaryScreen()->availableGeometry().width() * 3 / 4;
     const int width = qMin(qMax(longestWord, qMin(natural, kWrapWidth)), screenLimit);
     m_ui->labelMessage->setMinimumWidth(width + metrics.averageCharWidth());
-    adjustSize();
 }

@@ -1,5 +1,6 @@
 #include "app/message_box.h"
 #include "app/title_widget.h"
+#include "resources/resources.h"
 
 #include <QIcon>
 #include <QLabel>
@@ -41,6 +42,7 @@ class MessageBoxTest : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void okAndCancelShowsBothButtons();
     void okAloneShowsOnlyTheOkButton();
     void cancelAloneShowsOnlyTheCancelButton();
@@ -56,6 +58,12 @@ private slots:
     void onlyTheFrameIsDrawn();
     void theTitleStripDragsTheBox();
 };
+
+void MessageBoxTest::initTestCase()
+{
+    zelvaro::initResources();
+    zelvaro::applyLook();
+}
 
 void MessageBoxTest::okAndCancelShowsBothButtons()
 {
@@ -163,7 +171,8 @@ void MessageBoxTest::longTextsWrap()
     QVERIFY(QTest::qWaitForWindowExposed(&box));
     auto *label = child<QLabel>(box, "labelMessage");
     QVERIFY2(box.width() < 600, qPrintable(QString::number(box.width())));
-    QVERIFY(label->height() >= label->heightForWidth(label->width()));
+    QVERIFY2(label->height() >= label->heightForWidth(label->width()),
+             qPrintable(QString("%1x%2 needs %3").arg(label->width()).arg(label->height()).arg(label->heightForWidth(label->width()))));
     QVERIFY(label->height() > 3 * label->fontMetrics().height());
 }
 

@@ -3,6 +3,7 @@
 #include "app/message_box.h"
 #include "camera/camera.h"
 #include "camera/command_channel.h"
+#include "camera/motion_dialog.h"
 #include "settings/camera_list.h"
 #include "settings/camera_settings.h"
 #include "settings/developer_check.h"
@@ -183,7 +184,7 @@ void CCameraMgrFrame::slotModifyCamera(CCameraMgrItemForm *item)
 
 void CCameraMgrFrame::slotMotionCamera(CCameraMgrItemForm *item)
 {
-    Q_UNUSED(item)
+    Motion_Dialog(dialogParent(), item->camera()).exec();
 }
 
 void CCameraMgrFrame::slotRebootCamera(CCameraMgrItemForm *item)

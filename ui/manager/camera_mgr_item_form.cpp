@@ -151,7 +151,9 @@ void CCameraMgrItemForm::slotCameraThumbChanged()
 void CCameraMgrItemForm::showTexts()
 {
     m_ui->labelUid->setText(m_camera->hostname());
+    m_ui->labelUid->setToolTip(m_camera->hostname().toHtmlEscaped());
     m_ui->labelCameraName->setText(m_camera->name());
+    m_ui->labelCameraName->setToolTip(m_camera->name().toHtmlEscaped());
     setAccessibleName(m_camera->name().isEmpty() ? m_camera->hostname() : m_camera->name());
 }
 

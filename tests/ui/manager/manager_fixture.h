@@ -6,7 +6,6 @@
 #include "tests/settings/settings_home.h"
 #include "ui/common/page_host.h"
 
-
 /// A settings folder of the test's own, with sessions over the scripted camera library.
 class Registry
 {

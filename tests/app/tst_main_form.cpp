@@ -1,0 +1,640 @@
+#include "app/main_form.h"
+#include "app/message_box.h"
+#include "app/title_widget.h"
+#include "camera/camera.h"
+#include "resources/resources.h"
+#include "tests/support/modal_script.h"
+#include "tests/ui/manager/manager_fixture.h"
+#include "ui/common/desktop.h"
+#include "ui/discovery/search_camera_form.h"
+#include "ui/manager/add_camera_form.h"
+#include "ui/manager/camera_mgr_item_form.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QTest>
+#include <QToolButton>
+
+namespace {
+
+constexpr int kDeadline = 20000; // milliseconds
+
+/// Answers the folder chooser and notes what it was asked.
+class FolderDesktop : public Desktop
+{
+public:
+    FolderDesktop() { setDesktop(this); }
+    ~FolderDesktop() override { setDesktop(nullptr); }
+
+    bool openUrl(const QUrl &) override { return false; }
+    void playSound(const QString &) override {}
+    QString chooseFolder(QWidget *over, const QString &text, const QString &from) override
+    {
+        parent = over;
+        title = text;
+        start = from;
+        return answer;
+    }
+
+    QString answer;
+    QWidget *parent = nullptr;
+    QString title;
+    QString start;
+};
+
+const QStringList kPages = {"pageCameraMgr", "pagePlayCamera",      "pageMultiLive",
+                            "pagePhotoMgr",  "pagePlayPhoto",       "pageVideoMgr",
+                            "pagePlayVideo", "pageSearchCameraList"};
+
+struct ToolButton
+{
+    const char *name;
+    const char *text;
+    const char *normal;
+    const char *pressed;
+    int page;
+};
+
+const ToolButton kToolButtons[] = {
+    {"btnCameraMgr", "Camera", "cameramgrbtn.png", "cameramgrbtn_pressed.png", 0},
+    {"btnMultiLive", "MultiLive", "multilivebtn.png", "multilivebtn_pressed.png", 2},
+    {"btnVideoMgr", "Video", "videobtn.png", "videobtn_pressed.png", 5},
+    {"btnPhotoMgr", "Album", "albumbtn.png", "albumbtn_pressed.png", 3},
+    {"btnSetUp", "Setup", "SetUp.png", "Setupbtn_pressed.png", 7},
+};
+
+} // namespace
+
+class MainFormTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void startingWithNoSettingsFileShowsTheCameraPageWithNoCameras();
+    void theFormHasItsNamesAndTexts();
+    void theWindowIsFramelessAndCentred();
+    void theHostPointerEndsWithTheWindow();
+
+    void toolButtonsSwitchPagesAndIcons();
+    void toolButtonsHaveShortcuts();
+    void otherSwitchesLeaveTheIcons();
+    void playingACameraStartsItsStream();
+    void leavingStopsTheSingleView();
+    void multiLiveStartsAndStopsItsTiles();
+    void backAndShowOperationsOnlySwitchThePage();
+    void videoWhileTheGridRecordsAsksForConfirmation();
+
+    void savePathIsTheOnlyMenuEntry();
+    void savePathTakesTheChosenFolder();
+    void aCancelledChooserChangesNothing();
+    void aFolderThatCannotBeUsedIsKeptAsItIs_data();
+    void aFolderThatCannotBeUsedIsKeptAsItIs();
+
+    void maximizeTogglesGeometryAndButton();
+    void whileMaximizedEdgesAndTitleBarDoNothing();
+    void titleBarMovesTheWindow();
+    void draggingEdgesResizes_data();
+    void draggingEdgesResizes();
+    void draggingTheLeftEdgeStopsAtWidth400();
+    void hoveringChangesOnlyTheCursor();
+    void releaseOfAnotherButtonIsIgnored();
+    void releaseRestoresTheArrow();
+    void aDragThatStartsInsideResizesOnceItReachesAnEdge();
+
+    void closeEndsTheEventLoop();
+    void minimizeMinimizes();
+    void discoverOpensThePicker();
+
+private:
+    template <typename Widget>
+    Widget *find(const char *name)
+    {
+        return m_form->findChild<Widget *>(QLatin1String(name));
+    }
+    int page() { return find<QStackedWidget>("stackedWidget")->currentIndex(); }
+    void click(const char *button) { press(m_form.get(), button); }
+    void expectIcons(const char *pressedButton);
+    QImage iconOf(const char *button)
+    {
+        return find<QToolButton>(button)->icon().pixmap(40, 40).toImage();
+    }
+    void build();
+    void showForm();
+    std::shared_ptr<fake_cammgr::Player> player(const char *uid)
+    {
+        return fake_cammgr::player(uid);
+    }
+    bool send(QEvent::Type type, QPoint global, Qt::MouseButton button, Qt::MouseButtons held)
+    {
+        QMouseEvent event(type, m_form->mapFromGlobal(global), global, button, held,
+                          Qt::NoModifier);
+        QApplication::sendEvent(m_form.get(), &event);
+        return event.isAccepted();
+    }
+    void pressAt(QPoint global)
+    {
+        send(QEvent::MouseButtonPress, global, Qt::LeftButton, Qt::LeftButton);
+    }
+    void dragTo(QPoint global) { send(QEvent::MouseMove, global, Qt::NoButton, Qt::LeftButton); }
+    void hoverAt(QPoint global) { send(QEvent::MouseMove, global, Qt::NoButton, Qt::NoButton); }
+    void releaseAt(QPoint global)
+    {
+        send(QEvent::MouseButtonRelease, global, Qt::LeftButton, Qt::NoButton);
+    }
+
+    std::unique_ptr<Registry> m_registry;
+    std::unique_ptr<CMainForm> m_form;
+};
+
+void MainFormTest::initTestCase()
+{
+    zelvaro::initResources();
+    zelvaro::applyLook();
+}
+
+void MainFormTest::init()
+{
+    m_registry = std::make_unique<Registry>();
+}
+
+void MainFormTest::cleanup()
+{
+    m_form.reset();
+    m_registry.reset();
+}
+
+void MainFormTest::build()
+{
+    m_registry->start();
+    m_form = std::make_unique<CMainForm>();
+    setPageHost(m_form.get());
+}
+
+void MainFormTest::showForm()
+{
+    build();
+    m_form->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_form.get()));
+    m_form->setGeometry(100, 60, 500, 400);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), QRect(100, 60, 500, 400), kDeadline);
+}
+
+void MainFormTest::expectIcons(const char *pressedButton)
+{
+    for (const ToolButton &button : kToolButtons) {
+        const bool pressed = qstrcmp(button.name, pressedButton) == 0;
+        const QString file =
+            QString(":/images/toolbarbtn/") + (pressed ? button.pressed : button.normal);
+        const QImage wanted = QIcon(file).pixmap(40, 40).toImage();
+        QVERIFY2(!wanted.isNull(), qPrintable(file));
+        QVERIFY2(iconOf(button.name) == wanted, button.name);
+    }
+}
+
+void MainFormTest::startingWithNoSettingsFileShowsTheCameraPageWithNoCameras()
+{
+    build();
+    QCOMPARE(page(), 0);
+    QCOMPARE(find<QWidget>("pageCameraMgr")->findChildren<CCameraMgrItemForm *>().size(), 0);
+    QVERIFY(find<QWidget>("btnAdd"));
+    expectIcons("btnCameraMgr");
+}
+
+void MainFormTest::theFormHasItsNamesAndTexts()
+{
+    build();
+    QCOMPARE(m_form->objectName(), QString("MainForm"));
+    QCOMPARE(m_form->windowTitle(), QString("Zelvaro"));
+    for (const char *name : {"frameMain", "frameTitle", "frameLogo", "frameButtons", "frameStatus"})
+        QVERIFY2(find<QWidget>(name), name);
+    QCOMPARE(find<QLabel>("labelVersion")->text(), QString("Version 1.4 (Build 20180813)"));
+    QVERIFY(find<QLabel>("labelStatus"));
+    QCOMPARE(find<QToolButton>("btnMin")->text(), QString("Minimize"));
+    QCOMPARE(find<QToolButton>("btnMax")->text(), QString("Maximize"));
+    QCOMPARE(find<QToolButton>("btnClose")->text(), QString("Close"));
+    for (const ToolButton &button : kToolButtons)
+        QCOMPARE(find<QToolButton>(button.name)->text(), QString(button.text));
+    for (const char *name : {"btnMenu", "btnMin", "btnMax", "btnClose"}) {
+        QVERIFY2(!find<QToolButton>(name)->toolTip().isEmpty(), name);
+        QVERIFY2(!find<QToolButton>(name)->accessibleName().isEmpty(), name);
+    }
+    auto *stack = find<QStackedWidget>("stackedWidget");
+    QCOMPARE(stack->count(), kPages.size());
+    for (int i = 0; i < kPages.size(); ++i)
+        QCOMPARE(stack->widget(i)->objectName(), kPages.at(i));
+}
+
+void MainFormTest::theWindowIsFramelessAndCentred()
+{
+    build();
+    QVERIFY(m_form->windowFlags() & Qt::FramelessWindowHint);
+    const QSize desktop = QGuiApplication::primaryScreen()->size();
+    QCOMPARE(m_form->pos(), QPoint((desktop.width() - m_form->width()) / 2,
+                                   (desktop.height() - m_form->height()) / 2));
+    const QSize available = QGuiApplication::primaryScreen()->availableSize();
+    QVERIFY(m_form->width() <= available.width() && m_form->height() <= available.height());
+    QCOMPARE(m_form->minimumSize(), QSize(400, 300));
+}
+
+void MainFormTest::theHostPointerEndsWithTheWindow()
+{
+    build();
+    QCOMPARE(pageHost(), m_form.get());
+    QCOMPARE(pageHost()->dialogParent(), m_form.get());
+    m_form.reset();
+    QVERIFY(!pageHost());
+}
+
+void MainFormTest::toolButtonsSwitchPagesAndIcons()
+{
+    showForm();
+    for (const ToolButton &button : kToolButtons) {
+        click(button.name);
+        QCOMPARE(page(), button.page);
+        expectIcons(button.name);
+    }
+    click("btnCameraMgr");
+    QCOMPARE(page(), 0);
+    expectIcons("btnCameraMgr");
+}
+
+void MainFormTest::toolButtonsHaveShortcuts()
+{
+    showForm();
+    m_form->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
+    QTest::keyClick(m_form.get(), Qt::Key_A, Qt::AltModifier);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), 3, kDeadline);
+    QTest::keyClick(m_form.get(), Qt::Key_C, Qt::AltModifier);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), 0, kDeadline);
+}
+
+void MainFormTest::otherSwitchesLeaveTheIcons()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    click("btnPhotoMgr");
+    m_form->showCameraMgr();
+    QCOMPARE(page(), 0);
+    expectIcons("btnPhotoMgr");
+    m_form->playCamera(Registry::cameras().at(0));
+    expectIcons("btnPhotoMgr");
+    m_form->showSearchCameraList();
+    QCOMPARE(page(), 7);
+    expectIcons("btnPhotoMgr");
+}
+
+void MainFormTest::playingACameraStartsItsStream()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    auto *tile = find<CCameraMgrItemForm>("CameraMgrItemForm");
+    QVERIFY(tile);
+    QTest::mouseDClick(tile, Qt::LeftButton);
+    QCOMPARE(page(), 1);
+    QCOMPARE(player("UID-1")->count("RtspPlayer_SetupP2PliveStream"), 1);
+    QVERIFY(player("UID-1")->window() != 0);
+}
+
+void MainFormTest::leavingStopsTheSingleView()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    m_form->playCamera(Registry::cameras().at(0));
+    player("UID-1")->probeOk();
+    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), kDeadline);
+    click("btnPhotoMgr");
+    QVERIFY(!Registry::cameras().at(0)->is_playing());
+    QCOMPARE(page(), 3);
+}
+
+void MainFormTest::multiLiveStartsAndStopsItsTiles()
+{
+    m_registry->add("UID-1", "Door", true);
+    m_registry->add("UID-2", "Yard", false);
+    showForm();
+    click("btnMultiLive");
+    QCOMPARE(page(), 2);
+    QCOMPARE(player("UID-1")->path(), std::string("/live/1/h264.sdp"));
+    QCOMPARE(player("UID-2")->count("RtspPlayer_SetupP2PliveStream"), 0);
+    player("UID-1")->probeOk();
+    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), kDeadline);
+    click("btnCameraMgr");
+    QVERIFY(!Registry::cameras().at(0)->is_playing());
+}
+
+void MainFormTest::backAndShowOperationsOnlySwitchThePage()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    m_form->playCamera(Registry::cameras().at(0));
+    const int stops = player("UID-1")->count("RtspPlayer_Stop");
+    m_form->backToPhotoMgr();
+    QCOMPARE(page(), 3);
+    m_form->backToVideoMgr();
+    QCOMPARE(page(), 5);
+    QCOMPARE(player("UID-1")->count("RtspPlayer_Stop"), stops);
+}
+
+void MainFormTest::videoWhileTheGridRecordsAsksForConfirmation()
+{
+    m_registry->add("UID-1", "Door", true);
+    showForm();
+    click("btnMultiLive");
+    QVERIFY(player("UID-1"));
+    player("UID-1")->probeOk();
+    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), kDeadline);
+    {
+        ModalScript script;
+        script.then([](QWidget *dialog) { press(dialog, "btnOK"); });
+        press(find<QWidget>("pageMultiLive"), "btnRecord");
+        QVERIFY(script.done());
+    }
+    ModalScript script;
+    script
+        .then([](QWidget *box) {
+            QCOMPARE(box->findChild<QLabel *>("labelMessage")->text(),
+                     QString("By changing view your recording will be stop."));
+            press(box, "btnCancel");
+        })
+        .then([](QWidget *box) { press(box, "btnOk"); });
+    click("btnVideoMgr");
+    QCOMPARE(page(), 2);
+    expectIcons("btnMultiLive");
+    click("btnVideoMgr");
+    QCOMPARE(page(), 5);
+    expectIcons("btnVideoMgr");
+    QVERIFY(script.done());
+}
+
+void MainFormTest::savePathIsTheOnlyMenuEntry()
+{
+    build();
+    auto *button = find<QToolButton>("btnMenu");
+    QCOMPARE(button->menu()->actions().size(), 1);
+    QCOMPARE(button->menu()->actions().at(0)->text(), QString("Save Path..."));
+    QVERIFY(button->styleSheet().endsWith("QToolButton:menu-indicator{image:url(none.jpg);}"));
+}
+
+void MainFormTest::savePathTakesTheChosenFolder()
+{
+    build();
+    FolderDesktop chooser;
+    chooser.answer = "C:\\Users\\owner\\My Album";
+    const QString before = Registry::settings().albumPath();
+    find<QToolButton>("btnMenu")->menu()->actions().at(0)->trigger();
+    QCOMPARE(chooser.title, QString("Selecte Path"));
+    QCOMPARE(chooser.start, before);
+    QCOMPARE(chooser.parent, m_form.get());
+    QCOMPARE(Registry::settings().albumPath(), QString("C:/Users/owner/My Album"));
+    QCOMPARE(m_registry->file(), QByteArray("ALBUMPATH=\"C:/Users/owner/My Album\"\n"));
+}
+
+void MainFormTest::aCancelledChooserChangesNothing()
+{
+    build();
+    FolderDesktop chooser;
+    const QString before = Registry::settings().albumPath();
+    const QByteArray file = m_registry->file();
+    m_form->slotSavePath();
+    QCOMPARE(Registry::settings().albumPath(), before);
+    QCOMPARE(m_registry->file(), file);
+}
+
+void MainFormTest::aFolderThatCannotBeUsedIsKeptAsItIs_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("missing") << "no/such/folder";
+    QTest::newRow("a file") << "file";
+    QTest::newRow("odd characters") << QString::fromUtf8("a;b#c=[d] 'e' Ä");
+}
+
+void MainFormTest::aFolderThatCannotBeUsedIsKeptAsItIs()
+{
+    QFETCH(QString, folder);
+    m_registry->add("UID-1", "Door");
+    build();
+    QFile file(m_registry->path("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    FolderDesktop chooser;
+    chooser.answer = m_registry->path(folder);
+    m_form->slotSavePath();
+    QCOMPARE(Registry::settings().albumPath(), chooser.answer);
+    QVERIFY(!QFileInfo(chooser.answer).isDir());
+    Registry::cameras().at(0)->take_thumb(); // the writers cope with it
+    const QString wanted = chooser.answer;
+    m_form.reset();
+    Registry::cameras().closing();
+    Registry::cameras().destroyAll();
+    Registry::settings().load();
+    QCOMPARE(Registry::settings().albumPath(), wanted);
+}
+
+void MainFormTest::maximizeTogglesGeometryAndButton()
+{
+    showForm();
+    const QRect normal = m_form->geometry();
+    auto *button = find<QToolButton>("btnMax");
+    QVERIFY(button->styleSheet().contains(":/images/sysbtn/maxbtn_default.png"));
+    click("btnMax");
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), m_form->screen()->availableGeometry(), kDeadline);
+    QVERIFY(button->styleSheet().contains(":/images/sysbtn/restorebtn_default.png"));
+    click("btnMax");
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), normal, kDeadline);
+    QVERIFY(button->styleSheet().contains(":/images/sysbtn/maxbtn_default.png"));
+}
+
+void MainFormTest::whileMaximizedEdgesAndTitleBarDoNothing()
+{
+    showForm();
+    for (const char *frame : {"frameLeft", "frameRight"})
+        QCOMPARE(find<QWidget>(frame)->cursor().shape(), Qt::SizeHorCursor);
+    for (const char *frame : {"frameTop", "frameBottom"})
+        QCOMPARE(find<QWidget>(frame)->cursor().shape(), Qt::SizeVerCursor);
+
+    m_form->slotMaximized();
+    const QRect full = m_form->geometry();
+    for (const char *frame : {"frameLeft", "frameRight", "frameTop", "frameBottom"})
+        QCOMPARE(find<QWidget>(frame)->cursor().shape(), Qt::ArrowCursor);
+    for (const QPoint &edge : {full.topLeft(), full.bottomRight(), QPoint(full.left(), 200),
+                               QPoint(200, full.bottom())}) {
+        hoverAt(edge);
+        QCOMPARE(m_form->cursor().shape(), Qt::ArrowCursor);
+        QCOMPARE(find<QWidget>("frameBottom")->cursor().shape(), Qt::ArrowCursor);
+        pressAt(edge);
+        dragTo(edge - QPoint(30, 30));
+        releaseAt(edge);
+        QCOMPARE(m_form->geometry(), full);
+    }
+    auto *strip = find<CTitleWidget>("frameTitle");
+    const QPoint start = strip->mapToGlobal(QPoint(200, 10));
+    QTest::mousePress(strip, Qt::LeftButton, {}, QPoint(200, 10));
+    QMouseEvent move(QEvent::MouseMove, QPoint(250, 60), start + QPoint(50, 50), Qt::NoButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(strip, &move);
+    QCOMPARE(m_form->geometry(), full);
+
+    m_form->slotMaximized();
+    QCOMPARE(find<QWidget>("frameLeft")->cursor().shape(), Qt::SizeHorCursor);
+    QCOMPARE(find<QWidget>("frameTop")->cursor().shape(), Qt::SizeVerCursor);
+}
+
+void MainFormTest::titleBarMovesTheWindow()
+{
+    showForm();
+    auto *strip = find<CTitleWidget>("frameTitle");
+    const QPoint start = strip->mapToGlobal(QPoint(200, 10));
+    QTest::mousePress(strip, Qt::LeftButton, {}, QPoint(200, 10));
+    QMouseEvent move(QEvent::MouseMove, QPoint(220, 40), start + QPoint(20, 30), Qt::NoButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(strip, &move);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->pos(), QPoint(120, 90), kDeadline);
+}
+
+void MainFormTest::draggingEdgesResizes_data()
+{
+    QTest::addColumn<QPoint>("from");
+    QTest::addColumn<QPoint>("by");
+    QTest::addColumn<QRect>("result");
+    // The window is left 100, top 60, right 599, bottom 459.
+    QTest::newRow("left") << QPoint(100, 250) << QPoint(-30, 5) << QRect(70, 60, 530, 400);
+    QTest::newRow("right") << QPoint(599, 250) << QPoint(40, 5) << QRect(100, 60, 540, 400);
+    QTest::newRow("top") << QPoint(300, 60) << QPoint(5, -20) << QRect(100, 40, 500, 420);
+    QTest::newRow("bottom") << QPoint(300, 459) << QPoint(5, 30) << QRect(100, 60, 500, 430);
+    QTest::newRow("corner") << QPoint(599, 459) << QPoint(60, 50) << QRect(100, 60, 560, 450);
+}
+
+void MainFormTest::draggingEdgesResizes()
+{
+    QFETCH(QPoint, from);
+    QFETCH(QPoint, by);
+    QFETCH(QRect, result);
+    showForm();
+    pressAt(from);
+    dragTo(from + by / 2);
+    dragTo(from + by);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), result, kDeadline);
+    releaseAt(from + by);
+    dragTo(from);
+    QCOMPARE(m_form->geometry(), result);
+}
+
+void MainFormTest::draggingTheLeftEdgeStopsAtWidth400()
+{
+    showForm();
+    pressAt(QPoint(100, 250));
+    for (const int x : {150, 300, 500, 599, 700, 2000}) {
+        dragTo(QPoint(x, 250));
+        QVERIFY2(m_form->width() >= 400, qPrintable(QString::number(m_form->width())));
+        QCOMPARE(m_form->geometry().right(), 599);
+    }
+    QCOMPARE(m_form->geometry(), QRect(200, 60, 400, 400));
+}
+
+void MainFormTest::hoveringChangesOnlyTheCursor()
+{
+    showForm();
+    const QRect before = m_form->geometry();
+    const std::pair<QPoint, Qt::CursorShape> steps[] = {
+        {{300, 62}, Qt::SizeVerCursor},  {{300, 250}, Qt::ArrowCursor},
+        {{101, 250}, Qt::SizeHorCursor}, {{598, 250}, Qt::SizeHorCursor},
+        {{300, 455}, Qt::SizeVerCursor}, {{580, 440}, Qt::SizeFDiagCursor},
+        {{300, 250}, Qt::ArrowCursor},
+    };
+    for (const auto &[pointer, cursor] : steps) {
+        hoverAt(pointer);
+        QCOMPARE(m_form->cursor().shape(), cursor);
+        QCOMPARE(m_form->geometry(), before);
+        const bool corner = cursor == Qt::SizeFDiagCursor;
+        QCOMPARE(find<QWidget>("frameBottom")->cursor().shape(),
+                 corner ? Qt::SizeFDiagCursor : Qt::SizeVerCursor);
+        QCOMPARE(find<QWidget>("frameRight")->cursor().shape(),
+                 corner ? Qt::SizeFDiagCursor : Qt::SizeHorCursor);
+        // The pages never take over a resize cursor.
+        QCOMPARE(find<QWidget>("stackedWidget")->cursor().shape(), Qt::ArrowCursor);
+    }
+}
+
+void MainFormTest::releaseOfAnotherButtonIsIgnored()
+{
+    showForm();
+    pressAt(QPoint(100, 250));
+    dragTo(QPoint(90, 250));
+    QVERIFY(!send(QEvent::MouseButtonRelease, QPoint(90, 250), Qt::RightButton, Qt::LeftButton));
+    dragTo(QPoint(80, 250));
+    QCOMPARE(m_form->geometry(), QRect(80, 60, 520, 400));
+    QVERIFY(send(QEvent::MouseButtonRelease, QPoint(80, 250), Qt::LeftButton, Qt::NoButton));
+}
+
+void MainFormTest::releaseRestoresTheArrow()
+{
+    showForm();
+    pressAt(QPoint(599, 459));
+    dragTo(QPoint(610, 470));
+    QCOMPARE(m_form->cursor().shape(), Qt::SizeFDiagCursor);
+    releaseAt(QPoint(610, 470));
+    QCOMPARE(m_form->cursor().shape(), Qt::ArrowCursor);
+    QCOMPARE(find<QWidget>("frameBottom")->cursor().shape(), Qt::SizeVerCursor);
+}
+
+void MainFormTest::aDragThatStartsInsideResizesOnceItReachesAnEdge()
+{
+    showForm();
+    pressAt(QPoint(300, 250));
+    dragTo(QPoint(300, 300));
+    QCOMPARE(m_form->geometry(), QRect(100, 60, 500, 400));
+    dragTo(QPoint(300, 456));
+    dragTo(QPoint(300, 480));
+    QCOMPARE(m_form->geometry(), QRect(100, 60, 500, 421));
+}
+
+void MainFormTest::closeEndsTheEventLoop()
+{
+    showForm();
+    QSignalSpy quitting(qApp, &QCoreApplication::aboutToQuit);
+    QTimer::singleShot(0, m_form.get(), [this] { click("btnClose"); });
+    QCOMPARE(QApplication::exec(), 0);
+    QCOMPARE(quitting.count(), 1);
+}
+
+void MainFormTest::minimizeMinimizes()
+{
+    showForm();
+    click("btnMin");
+    QTRY_VERIFY_WITH_TIMEOUT(m_form->isMinimized(), kDeadline);
+}
+
+void MainFormTest::discoverOpensThePicker()
+{
+    showForm();
+    bool opened = false;
+    QTimer look;
+    connect(&look, &QTimer::timeout, this, [&] {
+        QWidget *modal = QApplication::activeModalWidget();
+        if (auto *picker = qobject_cast<CSearchCameraForm *>(modal)) {
+            opened = true;
+            picker->reject();
+        } else if (auto *dialog = qobject_cast<CAddCameraForm *>(modal)) {
+            if (opened)
+                dialog->reject();
+            else
+                QTimer::singleShot(0, dialog, [dialog] { press(dialog, "btnDiscovery"); });
+        }
+    });
+    look.start(5);
+    click("btnAdd");
+    QVERIFY(opened);
+}
+
+QTEST_MAIN(MainFormTest)
+#include "tst_main_form.moc"

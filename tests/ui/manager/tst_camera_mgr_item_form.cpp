@@ -1,0 +1,347 @@
+#include "camera/camera.h"
+#include "tests/ui/manager/manager_fixture.h"
+#include "ui/common/style_url.h"
+#include "ui/manager/camera_mgr_item_form.h"
+
+#include <QDir>
+#include <QFrame>
+#include <QImage>
+#include <QLabel>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolButton>
+
+namespace {
+
+constexpr int kDeadline = 20000; // milliseconds
+
+void writePicture(const QString &path, QColor colour, QSize size = {64, 48})
+{
+    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(colour);
+    QVERIFY2(image.save(path, "BMP"), qPrintable(path));
+}
+
+QColor centreOf(QWidget *widget)
+{
+    const QImage image = widget->grab().toImage();
+    return image.pixelColor(image.width() / 2, image.height() / 2);
+}
+
+} // namespace
+
+class CameraMgrItemFormTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void showsUidAndName();
+    void oddTextsAreShownAsTheyAre();
+    void aLongNameDoesNotWidenTheTile();
+    void refusedPasswordIsShown();
+    void statusImageFollowsTheState();
+    void showsAThumbnailThatExists();
+    void showsTheDefaultPictureWithoutThumbnail();
+    void aPathThatTheSyntaxTakesStandsBare();
+    void thumbnailsOfOddAlbumPathsAreDrawn_data();
+    void thumbnailsOfOddAlbumPathsAreDrawn();
+    void aNewThumbnailUnderTheSamePathIsDrawn();
+    void aTileThatIsNotSeenHoldsNoPicture();
+    void aBrokenThumbnailLeavesTheTileUsable();
+    void menuHasExactlyPlayDeleteModify();
+    void menuActionsAskForThemselves();
+    void motionAndRebootOnlyThroughTheirSlots();
+    void leftDoubleClickPlays();
+    void otherDoubleClicksDoNotPlay();
+    void keysPlayAndDelete();
+    void aTileForgetsItsSession();
+
+private:
+    CCamera *camera() { return Registry::cameras().at(0); }
+    std::shared_ptr<fake_cammgr::Player> player() { return fake_cammgr::player("UID-1"); }
+    QString text(const char *label) { return find<QLabel>(label)->text(); }
+    template <typename Widget>
+    Widget *find(const char *name)
+    {
+        return m_tile->findChild<Widget *>(QLatin1String(name));
+    }
+    QString pictureStyle() { return find<QFrame>("frameCameraItem")->styleSheet(); }
+    QColor centre() { return centreOf(find<QFrame>("frameCameraItem")); }
+
+    std::unique_ptr<Registry> m_registry;
+    std::unique_ptr<CCameraMgrItemForm> m_tile;
+};
+
+void CameraMgrItemFormTest::init()
+{
+    m_registry = std::make_unique<Registry>();
+    m_registry->add("UID-1", "Front door");
+    m_registry->start();
+    m_tile = std::make_unique<CCameraMgrItemForm>();
+}
+
+void CameraMgrItemFormTest::cleanup()
+{
+    m_tile.reset();
+    m_registry.reset();
+}
+
+void CameraMgrItemFormTest::showsUidAndName()
+{
+    m_tile->setCamera(camera());
+    QCOMPARE(text("labelUid"), QString("UID-1"));
+    QCOMPARE(text("labelCameraName"), QString("Front door"));
+    QCOMPARE(text("labelStatusText"), QString());
+}
+
+void CameraMgrItemFormTest::oddTextsAreShownAsTheyAre()
+{
+    CameraRecord record;
+    record.hostname = "rtsp://10.0.0.1/a/b?c=<d>";
+    record.name = "<b>Häuschen</b> & \"Tür\"";
+    CCamera session;
+    session.set_info(&record);
+    m_tile->setCamera(&session);
+    QCOMPARE(text("labelUid"), record.hostname);
+    QCOMPARE(text("labelCameraName"), record.name);
+    QCOMPARE(find<QLabel>("labelCameraName")->textFormat(), Qt::PlainText);
+    m_tile->setCamera(nullptr);
+}
+
+void CameraMgrItemFormTest::aLongNameDoesNotWidenTheTile()
+{
+    const int width = m_tile->sizeHint().width();
+    CameraRecord record;
+    record.hostname = QString("X").repeated(500);
+    record.name = QString("long name ").repeated(100);
+    CCamera session;
+    session.set_info(&record);
+    m_tile->setCamera(&session);
+    m_tile->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
+    QCOMPARE(m_tile->width(), m_tile->minimumWidth());
+    QVERIFY(m_tile->sizeHint().width() <= width);
+    auto *menuButton = find<QToolButton>("btnMenu");
+    QVERIFY(m_tile->rect().contains(
+        QRect(menuButton->mapTo(m_tile.get(), QPoint(0, 0)), menuButton->size())));
+    m_tile->setCamera(nullptr);
+}
+
+void CameraMgrItemFormTest::refusedPasswordIsShown()
+{
+    m_tile->setCamera(camera());
+    player()->probeFailed(CAMMGR_ERROR_REFUSED);
+    QTRY_COMPARE_WITH_TIMEOUT(text("labelStatusText"), QString("Invalid Password!"), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(player()->probeOutstanding(), kDeadline);
+    player()->probeOk();
+    QTRY_COMPARE_WITH_TIMEOUT(text("labelStatusText"), QString(), kDeadline);
+}
+
+void CameraMgrItemFormTest::statusImageFollowsTheState()
+{
+    m_tile->setCamera(camera());
+    auto *image = find<QLabel>("labelStatusImage");
+    QCOMPARE(image->styleSheet(),
+             QString("border-image:url(:/images/cameraitem/disconnected.png);"));
+    player()->probeOk();
+    QTRY_COMPARE_WITH_TIMEOUT(image->styleSheet(),
+                              QString("border-image:url(:/images/cameraitem/connected.png);"),
+                              kDeadline);
+}
+
+void CameraMgrItemFormTest::showsAThumbnailThatExists()
+{
+    writePicture(camera()->thumb_path(), Qt::red);
+    m_tile->setCamera(camera());
+    QVERIFY(pictureStyle().startsWith("QFrame#frameCameraItem{border-image:url("));
+    QVERIFY(pictureStyle().contains(zelvaro::styleUrl(camera()->thumb_path())));
+    QCOMPARE(centre(), QColor(Qt::red));
+}
+
+void CameraMgrItemFormTest::showsTheDefaultPictureWithoutThumbnail()
+{
+    const QString before = pictureStyle();
+    QVERIFY(before.contains(":/images/cameraitem/novideo.png"));
+    m_tile->setCamera(camera());
+    QCOMPARE(pictureStyle(), before);
+    emit camera()->signalThumbChanged();
+    QCOMPARE(pictureStyle(), before);
+}
+
+void CameraMgrItemFormTest::aPathThatTheSyntaxTakesStandsBare()
+{
+    m_registry->settings().setAlbumPath(m_registry->path("album"));
+    writePicture(camera()->thumb_path(), Qt::red);
+    m_tile->setCamera(camera());
+    QCOMPARE(pictureStyle(), "QFrame#frameCameraItem{border-image:url(" +
+                                 m_registry->path("album/UID-1/thumb.jpeg") + ");}");
+}
+
+void CameraMgrItemFormTest::thumbnailsOfOddAlbumPathsAreDrawn_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("blank") << "My Album";
+    QTest::newRow("brackets") << "album (2) [x] {y}";
+    QTest::newRow("double quote") << "al\"bum";
+    QTest::newRow("single quote") << "al'bum";
+    QTest::newRow("not ASCII") << QString::fromUtf8("Альбом 写真");
+    QTest::newRow("percent") << "100%1 %2";
+    QTest::newRow("semicolon") << "a;b,c&d#e";
+}
+
+void CameraMgrItemFormTest::thumbnailsOfOddAlbumPathsAreDrawn()
+{
+    QFETCH(QString, folder);
+    m_registry->settings().setAlbumPath(m_registry->path(folder));
+    writePicture(camera()->thumb_path(), QColor(10, 200, 30));
+    m_tile->setCamera(camera());
+    QCOMPARE(centre(), QColor(10, 200, 30));
+}
+
+void CameraMgrItemFormTest::aNewThumbnailUnderTheSamePathIsDrawn()
+{
+    const QString path = camera()->thumb_path();
+    writePicture(path, Qt::red);
+    const QDateTime then = QFileInfo(path).lastModified();
+    m_tile->setCamera(camera());
+    m_tile->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
+    QCOMPARE(centre(), QColor(Qt::red));
+
+    // Same size and, within a second, the same time: a cache by path cannot see the difference.
+    writePicture(path, Qt::blue);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QVERIFY(file.setFileTime(then, QFileDevice::FileModificationTime));
+    file.close();
+    emit camera()->signalThumbChanged();
+    QCOMPARE(centre(), QColor(Qt::blue));
+}
+
+void CameraMgrItemFormTest::aTileThatIsNotSeenHoldsNoPicture()
+{
+    writePicture(camera()->thumb_path(), Qt::red);
+    m_tile->setCamera(camera());
+    m_tile->setThumbWanted(false);
+    QVERIFY(pictureStyle().contains("novideo.png"));
+    emit camera()->signalThumbChanged();
+    QVERIFY(pictureStyle().contains("novideo.png"));
+    m_tile->setThumbWanted(true);
+    QCOMPARE(centre(), QColor(Qt::red));
+}
+
+void CameraMgrItemFormTest::aBrokenThumbnailLeavesTheTileUsable()
+{
+    const QString path = camera()->thumb_path();
+    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("this is no picture");
+    file.close();
+    m_tile->setCamera(camera());
+    m_tile->grab();
+    QCOMPARE(text("labelUid"), QString("UID-1"));
+}
+
+void CameraMgrItemFormTest::menuHasExactlyPlayDeleteModify()
+{
+    auto *button = find<QToolButton>("btnMenu");
+    QStringList texts;
+    for (const QAction *action : button->menu()->actions())
+        texts += action->text();
+    QCOMPARE(texts, QStringList({"Play", "Delete", "Modify"}));
+    QVERIFY(button->styleSheet().endsWith("QToolButton:menu-indicator{image:url(none.jpg);}"));
+
+    m_tile->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(button->menu()->isVisible(), kDeadline);
+    QTest::keyClick(button->menu(), Qt::Key_Escape);
+    QTRY_VERIFY_WITH_TIMEOUT(!button->menu()->isVisible(), kDeadline);
+}
+
+void CameraMgrItemFormTest::menuActionsAskForThemselves()
+{
+    QSignalSpy play(m_tile.get(), &CCameraMgrItemForm::playCamera);
+    QSignalSpy remove(m_tile.get(), &CCameraMgrItemForm::deleteCamera);
+    QSignalSpy modify(m_tile.get(), &CCameraMgrItemForm::modifyCamera);
+    m_tile->setCamera(camera());
+    m_tile->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
+    QMenu *menu = find<QToolButton>("btnMenu")->menu();
+    for (QAction *action : menu->actions()) {
+        m_tile->slotMenu();
+        QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), kDeadline);
+        QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
+        QTRY_VERIFY_WITH_TIMEOUT(!menu->isVisible(), kDeadline);
+    }
+    for (QSignalSpy *spy : {&play, &remove, &modify}) {
+        QCOMPARE(spy->count(), 1);
+        QCOMPARE(spy->at(0).at(0).value<CCameraMgrItemForm *>(), m_tile.get());
+    }
+}
+
+void CameraMgrItemFormTest::motionAndRebootOnlyThroughTheirSlots()
+{
+    QSignalSpy motion(m_tile.get(), &CCameraMgrItemForm::motionCamera);
+    QSignalSpy reboot(m_tile.get(), &CCameraMgrItemForm::rebootCamera);
+    for (QAction *action : find<QToolButton>("btnMenu")->menu()->actions())
+        action->trigger();
+    QCOMPARE(motion.count() + reboot.count(), 0);
+    m_tile->slotMotion();
+    m_tile->slotReboot();
+    QCOMPARE(motion.count(), 1);
+    QCOMPARE(reboot.count(), 1);
+}
+
+void CameraMgrItemFormTest::leftDoubleClickPlays()
+{
+    QSignalSpy play(m_tile.get(), &CCameraMgrItemForm::playCamera);
+    m_tile->setCamera(camera());
+    m_tile->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
+    QTest::mouseDClick(find<QFrame>("frameCameraItem"), Qt::LeftButton);
+    QCOMPARE(play.count(), 1);
+    QTest::mouseDClick(find<QLabel>("labelCameraName"), Qt::LeftButton);
+    QCOMPARE(play.count(), 2);
+}
+
+void CameraMgrItemFormTest::otherDoubleClicksDoNotPlay()
+{
+    QSignalSpy play(m_tile.get(), &CCameraMgrItemForm::playCamera);
+    QTest::mouseDClick(m_tile.get(), Qt::RightButton);
+    QTest::mouseDClick(m_tile.get(), Qt::MiddleButton);
+    QTest::mouseClick(m_tile.get(), Qt::LeftButton);
+    QCOMPARE(play.count(), 0);
+}
+
+void CameraMgrItemFormTest::keysPlayAndDelete()
+{
+    QSignalSpy play(m_tile.get(), &CCameraMgrItemForm::playCamera);
+    QSignalSpy remove(m_tile.get(), &CCameraMgrItemForm::deleteCamera);
+    QTest::keyClick(m_tile.get(), Qt::Key_Return);
+    QTest::keyClick(m_tile.get(), Qt::Key_Enter);
+    QTest::keyClick(m_tile.get(), Qt::Key_A);
+    QCOMPARE(play.count(), 2);
+    QTest::keyClick(m_tile.get(), Qt::Key_Delete);
+    QCOMPARE(remove.count(), 1);
+}
+
+void CameraMgrItemFormTest::aTileForgetsItsSession()
+{
+    m_tile->setCamera(camera());
+    m_tile->setCamera(nullptr);
+    QVERIFY(!m_tile->camera());
+    emit camera()->signalStateChanged();
+    emit camera()->signalThumbChanged();
+    m_tile->slotCameraStatusChanged();
+    m_tile->slotCameraThumbChanged();
+}
+
+QTEST_MAIN(CameraMgrItemFormTest)
+#include "tst_camera_mgr_item_form.moc"
