@@ -1,7 +1,0 @@
-#include "ui/live/video_area_frame.h"
-
-void CVideoAreaFrame::resizeEvent(QResizeEvent *event)
-{
-    QFrame::resizeEvent(event);
-    emit signalResize();
-}
