@@ -139,7 +139,7 @@ RunningElement makeMicrophone(const GstCaps *packets)
                     "audio/x-raw,rate=8000,channels=1 ! ") +
         (muLaw ? "mulawenc ! rtppcmupay" : "alawenc ! rtppcmapay") +
         " min-ptime=20000000 max-ptime=20000000 pt=" + std::to_string(payload) +
-        " ! appsink name=out sync=true max-buffers=10 drop=true";
+        " ! appsink name=out sync=true max-buffers=10 drop=true enable-last-sample=false";
     GError *error = nullptr;
     RunningElement pipeline(gst_parse_launch(line.c_str(), &error));
     const ErrorPtr guard(error);
@@ -289,8 +289,8 @@ void TalkBack::Run::talk()
             continue;
         // Before the camera answered PLAY the packet is dropped there.
         GstFlowReturn flow = GST_FLOW_OK;
+        // Unlike most action signals this one takes the sample over.
         g_signal_emit_by_name(source, "push-backchannel-buffer", channel->stream, sample, &flow);
-        gst_sample_unref(sample);
     }
 }
 
