@@ -67,6 +67,7 @@ Camera::Camera(const Shared &shared, const Options &options, int index)
         m_backChannel = std::make_shared<BackChannel>();
     m_rtsp = std::make_unique<RtspServer>(
         RtspServer::Login{options.user, options.password}, options.transport,
+        options.sessionTimeout,
         StreamSet{m_mainVideo.get(), m_subVideo.get(), m_audio.get(), m_backChannel.get()},
         options.altPaths ? "/cam/main" : "/live/0/h264.sdp",
         options.altPaths ? "/cam/sub" : "/live/1/h264.sdp");

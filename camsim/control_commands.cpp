@@ -134,7 +134,7 @@ void heal(Camera &camera)
     faults.slowMs = 0;
     camera.forms().setFault(CommandForms::Fault::None);
     camera.setClockSkew(0);
-    camera.setListening(true);
+    camera.setPower(true);
 }
 
 const std::map<std::string, Command> &commands()

@@ -56,8 +56,10 @@ void Link::onEvents(Side &side, std::uint32_t events)
         else
             close();
     }
-    if (!m_closed)
-        updateEvents();
+    // What the policy handed on goes out in one piece.
+    flush(m_client);
+    flush(m_server);
+    updateEvents();
 }
 
 bool Link::read(Side &side)
@@ -87,16 +89,12 @@ bool Link::read(Side &side)
 void Link::toServer(std::string_view bytes)
 {
     m_server.out.append(bytes);
-    flush(m_server);
-    updateEvents();
 }
 
 void Link::toClient(std::string_view bytes, std::chrono::milliseconds delay)
 {
     if (delay.count() == 0 && m_delayed == 0) {
         m_client.out.append(bytes);
-        flush(m_client);
-        updateEvents();
         return;
     }
     ++m_delayed;

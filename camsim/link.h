@@ -36,6 +36,7 @@ public:
     Link &operator=(const Link &) = delete;
 
     void start();
+    // For the policy, while it looks at bytes:
     void toServer(std::string_view bytes);
     /// Bytes given with a delay arrive in order, after it.
     void toClient(std::string_view bytes, std::chrono::milliseconds delay = {});

@@ -53,13 +53,15 @@ void withElement(GstElement *bin, const char *name, Use use)
 
 } // namespace
 
-RtspServer::RtspServer(const Login &login, Transport transport, const StreamSet &streams,
-                       const std::string &mainPath, const std::string &subPath)
+RtspServer::RtspServer(const Login &login, Transport transport, int sessionTimeout,
+                       const StreamSet &streams, const std::string &mainPath,
+                       const std::string &subPath)
     : m_server(newRtspServer())
     , m_auth(gst_rtsp_auth_new())
     , m_login(login)
     , m_streams(streams)
     , m_transport(transport)
+    , m_sessionTimeout(sessionTimeout)
     , m_main{mainPath, streams.mainVideo, nullptr, this}
     , m_sub{subPath, streams.subVideo, nullptr, this}
 {
@@ -88,6 +90,12 @@ RtspServer::~RtspServer()
     g_object_unref(m_server);
 }
 
+void RtspServer::onSession(GstRTSPClient *, GstRTSPSession *session, gpointer self)
+{
+    const int seconds = static_cast<RtspServer *>(self)->m_sessionTimeout;
+    gst_rtsp_session_set_timeout(session, static_cast<guint>(seconds));
+}
+
 void RtspServer::onConnected(GstRTSPServer *, GstRTSPClient *client, gpointer data)
 {
     auto *self = static_cast<RtspServer *>(data);
@@ -96,6 +104,8 @@ void RtspServer::onConnected(GstRTSPServer *, GstRTSPClient *client, gpointer da
         ++self->m_clients;
     }
     g_signal_connect(client, "closed", G_CALLBACK(onClosed), self);
+    if (self->m_sessionTimeout > 0)
+        g_signal_connect(client, "new-session", G_CALLBACK(onSession), self);
 }
 
 void RtspServer::onClosed(GstRTSPClient *, gpointer data)

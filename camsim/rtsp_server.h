@@ -35,8 +35,9 @@ public:
     };
 
     /// The streams must outlive the server. Its clients must be disconnected before it goes.
-    RtspServer(const Login &login, Transport transport, const StreamSet &streams,
-               const std::string &mainPath, const std::string &subPath);
+    /// sessionTimeout: seconds, as it is told to clients; 0: the usual minute.
+    RtspServer(const Login &login, Transport transport, int sessionTimeout,
+               const StreamSet &streams, const std::string &mainPath, const std::string &subPath);
     ~RtspServer();
     RtspServer(const RtspServer &) = delete;
     RtspServer &operator=(const RtspServer &) = delete;
@@ -61,6 +62,7 @@ private:
     void unmount(Stream &stream);
     std::string launchLine(bool video) const;
     void waitForClients();
+    static void onSession(GstRTSPClient *client, GstRTSPSession *session, gpointer self);
     static void onConnected(GstRTSPServer *server, GstRTSPClient *client, gpointer self);
     static void onClosed(GstRTSPClient *client, gpointer self);
     static void configureMedia(GstRTSPMediaFactory *factory, GstRTSPMedia *media, gpointer stream);
@@ -70,6 +72,7 @@ private:
     Login m_login;
     const StreamSet m_streams;
     const Transport m_transport;
+    const int m_sessionTimeout;
     Stream m_main;
     Stream m_sub;
     guint m_source = 0;

@@ -209,15 +209,23 @@ TEST_F(Faults, TheCameraMovesToAnotherAddress)
     EXPECT_EQ(m_camsim.status()["address"], "127.0.0.77");
 }
 
-TEST(Sessions, OneWithoutRequestsEnds)
+TEST(Sessions, OneWithoutRequestsEndsAsItWasTold)
 {
-    const CamsimProcess camsim({"--session-timeout", "1", "--canned"});
+    const CamsimProcess camsim({"--session-timeout", "2", "--canned"});
     const SimulatedCamera &camera = camsim.camera();
     RawRtsp client(camera.address, camera.rtspPort, "/live/1/h264.sdp", camera.user,
                    camera.password);
     ASSERT_TRUE(client.play());
+    RawRtsp speaker(camera.address, camera.rtspPort, "/live/1/h264.sdp", camera.user,
+                    camera.password);
+    EXPECT_NE(speaker.ask("DESCRIBE").find("a=control:stream=0"), std::string::npos);
+    EXPECT_NE(
+        speaker.ask("SETUP", "Transport: RTP/AVP/TCP;unicast;interleaved=0-1\r\n", "/stream=0")
+            .find(";timeout=2"),
+        std::string::npos);
     client.connection().readUntil([](const std::string &) { return false; });
     EXPECT_TRUE(client.connection().isClosed());
+    EXPECT_TRUE(speaker.ask("OPTIONS").starts_with("RTSP/1.0 200"));
 }
 
 TEST(Process, EndsWithItsParentAndFreesItsPorts)
