@@ -9,7 +9,7 @@
 
 namespace camsim {
 
-/// The ONVIF device and media services of one camera (ONVIF Core and Media specifications,
+/// The ONVIF device and media services of one camera (ONVIF Core and Media,
 /// version 1 services): SOAP text in, SOAP text out. Main thread.
 class OnvifServer
 {
