@@ -1,5 +1,6 @@
 #include "app/main_form.h"
 
+#include "app/dialog_shadow.h"
 #include "settings/camera_settings.h"
 #include "ui/common/desktop.h"
 #include "ui/discovery/search_camera_form.h"
@@ -73,6 +74,7 @@ CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<U
     buildToolBar();
     trackEdges();
     CAddCameraForm::setUidPicker(pickFoundCamera);
+    new zelvaro::DialogShadow(this);
     resize(size().boundedTo(m_largest));
     centreOnDesktop();
 

@@ -172,7 +172,10 @@ void MessageBoxTest::longTextsWrap()
     auto *label = child<QLabel>(box, "labelMessage");
     QVERIFY2(box.width() < 600, qPrintable(QString::number(box.width())));
     QVERIFY2(label->height() >= label->heightForWidth(label->width()),
-             qPrintable(QString("%1x%2 needs %3").arg(label->width()).arg(label->height()).arg(label->heightForWidth(label->width()))));
+             qPrintable(QString("%1x%2 needs %3")
+                            .arg(label->width())
+                            .arg(label->height())
+                            .arg(label->heightForWidth(label->width()))));
     QVERIFY(label->height() > 3 * label->fontMetrics().height());
 }
 
