@@ -37,8 +37,8 @@ const QStringList Defaults{"1 0 0 639 479 60 70", "0 320 0 639 240 60 70", "0 0 
 
 std::string reply(const QStringList &values)
 {
-    const char *const keys[] = {"WINDOW", "ENABLE", "LEFT",      "TOP",
-                                "RIGHT",  "BOTTOM", "THRESHOLD", "SENSITIVITY"};
+    static const QStringList keys{"WINDOW", "ENABLE", "LEFT",      "TOP",
+                                  "RIGHT",  "BOTTOM", "THRESHOLD", "SENSITIVITY"};
     QString text = "000 Success\n";
     for (int i = 0; i < values.length(); ++i) {
         text += QString("%1=%2\n").arg(keys[i], values[i]);
@@ -211,7 +211,7 @@ void TstMotionDialog::answersFillTheControlsByPosition()
             reply({"1", "0", "1", "2", "3", "4", "5", "6"}),
             // The names are not looked at, and the echoed number neither.
             "000 Success\nA=9\nB=1\nC=11\nD=12\nE=13\nF=14\nG=15\nH=16\n",
-            reply({"3", "1", "21", "22", "23", "24", "25", "26", "27"}).append("more=1\n"),
+            reply({"3", "1", "21", "22", "23", "24", "25", "26"}).append("more=1\n"),
             reply({"4", "0", "639", "479", "639", "479", "100", "1"})};
     });
     const auto dialog = open();
