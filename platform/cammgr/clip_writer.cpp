@@ -6,6 +6,7 @@
 #include <gst/app/gstappsrc.h>
 
 #include <filesystem>
+#include <utility>
 
 namespace cammgr {
 
@@ -16,6 +17,8 @@ using namespace std::chrono_literals;
 // The muxer takes video only as far as it knows the audio; a camera that falls silent would hold
 // the video back.
 constexpr GstClockTime longestAudioGap = 2 * GST_SECOND;
+// When none came within this time, the file gets no audio track.
+constexpr GstClockTime longestAudioWait = 700 * GST_MSECOND;
 // What a disk may owe before it counts as dead.
 constexpr guint64 longestQueueBytes = 64 * 1024 * 1024;
 constexpr auto finishTimeout = 10s;
@@ -86,11 +89,15 @@ ClipWriter::~ClipWriter()
     m_closing->end();
 }
 
+/// Called with the lock.
 void ClipWriter::open()
 {
+    if (std::exchange(m_opening, true))
+        return;
     mediaWorkers().run([self = shared_from_this()] {
         std::lock_guard state(self->m_stateLock);
-        if (!self->m_pipeline && !self->build())
+        // A clip can be over before a worker comes to it.
+        if (!self->m_pipeline && !self->m_finished && !self->build())
             self->fail();
     });
 }
@@ -108,6 +115,7 @@ void ClipWriter::close()
         // A clip that ends before its file was made still becomes a file.
         if (!self->m_pipeline && !self->m_hasFailed)
             self->build();
+        self->m_finished = true;
         self->finish();
     });
 }
@@ -118,10 +126,13 @@ void ClipWriter::push(const AccessUnit &unit)
     std::lock_guard lock(m_lock);
     if (m_closeAsked || m_hasFailed)
         return;
-    if (m_pipeline)
+    if (m_pipeline) {
         sendVideo(unit);
-    else
-        m_waitingVideo.push_back(unit);
+        return;
+    }
+    m_waitingVideo.push_back(unit);
+    if (!m_format.audio || unit.time >= m_start + longestAudioWait)
+        open();
 }
 
 void ClipWriter::push(const AudioUnit &unit)
@@ -132,10 +143,12 @@ void ClipWriter::push(const AudioUnit &unit)
     std::lock_guard lock(m_lock);
     if (m_closeAsked || m_hasFailed)
         return;
-    if (m_pipeline)
+    if (m_pipeline) {
         sendAudio(unit);
-    else
-        m_waitingAudio.push_back(unit);
+        return;
+    }
+    m_waitingAudio.push_back(unit);
+    open();
 }
 
 /// On a media worker, with the state lock.
@@ -145,7 +158,12 @@ bool ClipWriter::build()
     if (m_format.reordered)
         chain += "h264timestamper ! ";
     chain += "mp4mux name=mux ! filesink name=file async=false";
-    const std::string audio = m_format.audio ? audioForMp4(m_format.audio.get()) : std::string();
+    bool withAudio = false;
+    {
+        std::lock_guard lock(m_lock);
+        withAudio = !m_waitingAudio.empty();
+    }
+    const std::string audio = withAudio ? audioForMp4(m_format.audio.get()) : std::string();
     if (!audio.empty())
         chain += " appsrc name=audio format=time max-bytes=0 ! " + audio + " ! mux.";
 
@@ -180,14 +198,12 @@ bool ClipWriter::build()
     std::lock_guard lock(m_lock);
     m_pipeline = std::move(fresh);
     m_audioEnded = !m_pipeline->audio;
-    while (!m_waitingAudio.empty()) {
-        sendAudio(m_waitingAudio.front());
-        m_waitingAudio.pop_front();
-    }
-    while (!m_waitingVideo.empty()) {
-        sendVideo(m_waitingVideo.front());
-        m_waitingVideo.pop_front();
-    }
+    for (const AudioUnit &unit : m_waitingAudio)
+        sendAudio(unit);
+    m_waitingAudio.clear();
+    for (const AccessUnit &unit : m_waitingVideo)
+        sendVideo(unit);
+    m_waitingVideo.clear();
     return true;
 }
 

@@ -4,11 +4,11 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace cammgr {
 
@@ -52,9 +52,8 @@ public:
     ClipWriter(const ClipWriter &) = delete;
     ClipWriter &operator=(const ClipWriter &) = delete;
 
-    /// Makes the file in the background.
-    void open();
-    /// Takes and keeps; never waits. Any thread.
+    /// Takes and keeps; never waits. Any thread. The file is made in the background as soon as it
+    /// is known whether there is audio for it: a track without a sample makes a file unreadable.
     void push(const AccessUnit &unit);
     void push(const AudioUnit &unit);
     /// Finishes the file in the background.
@@ -69,6 +68,7 @@ public:
 private:
     struct Pipeline;
 
+    void open();
     bool build();
     void finish();
     void removeWhatCannotPlay() const;
@@ -87,14 +87,16 @@ private:
     std::atomic<uint64_t> m_bytes = 0;
     std::atomic<bool> m_hasFailed = false;
 
-    std::mutex m_stateLock; ///< held while a media worker opens or finishes the file
+    std::mutex m_stateLock;  ///< held while a media worker opens or finishes the file
+    bool m_finished = false; ///< protected by it
 
     std::mutex m_lock; ///< protects everything below
     std::condition_variable m_written;
     std::unique_ptr<Pipeline> m_pipeline;
-    std::deque<AccessUnit> m_waitingVideo; ///< came before the file was open
-    std::deque<AudioUnit> m_waitingAudio;
+    std::vector<AccessUnit> m_waitingVideo; ///< came before the file was open
+    std::vector<AudioUnit> m_waitingAudio;
     GstClockTime m_lastAudio = 0;
+    bool m_opening = false;
     bool m_audioEnded = false;
     bool m_closeAsked = false;
     bool m_ended = false; ///< the muxer wrote its last byte, or cannot

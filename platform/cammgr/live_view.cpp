@@ -17,6 +17,8 @@ constexpr auto hopelessLimit = 400ms;
 // However much waits, something is drawn this often.
 constexpr auto longestUndrawn = 100ms;
 constexpr auto reopenPause = 1s;
+// A window that is seen again may take this long to catch up from a key frame far back.
+constexpr auto longestReplay = 2s;
 
 } // namespace
 
@@ -86,9 +88,14 @@ void LiveView::takeFrame(const AccessUnit &unit)
     if (m_waitForKey && !unit.key)
         return;
     m_waitForKey = false;
+    const bool replaying = !m_queue.empty() && m_queue.front().number <= m_replayEnd;
     m_queue.push_back(unit);
     m_lastQueued = unit.number;
-    shedLoad(unit.arrived);
+    // What comes while memory is replayed is caught up with, not left out.
+    if (replaying && unit.arrived - m_replayStart < longestReplay)
+        m_replayEnd = unit.number;
+    else
+        shedLoad(unit.arrived);
     schedule();
 }
 
@@ -132,6 +139,7 @@ bool LiveView::replayMemory()
     if (frames.empty())
         return false;
     m_lastQueued = m_replayEnd = frames.back().number;
+    m_replayStart = SteadyClock::now();
     return true;
 }
 
@@ -156,15 +164,13 @@ void LiveView::queueStep(std::shared_ptr<LiveView> self)
 /// Called with the lock, after a frame was queued.
 void LiveView::shedLoad(SteadyClock::time_point now)
 {
-    const auto live = std::find_if(m_queue.begin(), m_queue.end(), [this](const AccessUnit &unit) {
-        return unit.number > m_replayEnd;
-    });
-    if (live == m_queue.end() || now - live->arrived < lateLimit)
+    const auto late = [&] { return now - m_queue.front().arrived; };
+    if (late() < lateLimit)
         return;
-    m_queue.erase(
-        std::remove_if(live, m_queue.end(), [](const AccessUnit &unit) { return !unit.reference; }),
-        m_queue.end());
-    if (m_queue.empty() || now - m_queue.front().arrived < hopelessLimit)
+    m_queue.erase(std::remove_if(m_queue.begin(), m_queue.end(),
+                                 [](const AccessUnit &unit) { return !unit.reference; }),
+                  m_queue.end());
+    if (m_queue.empty() || late() < hopelessLimit)
         return;
     const auto key = std::find_if(m_queue.rbegin(), m_queue.rend(),
                                   [](const AccessUnit &unit) { return unit.key; });
@@ -192,7 +198,6 @@ LiveView::Step LiveView::nextStep()
         m_waitForKey = true;
         if (now - m_lastReopen < reopenPause) {
             m_scheduled = false;
-            m_broken = true;
             m_redraw = false;
             return next;
         }

@@ -90,6 +90,7 @@ private:
     uint64_t m_lastQueued = 0;
     uint64_t m_replayEnd = 0; ///< up to here pictures come from memory and are not shown
     uint64_t m_decoded = 0;
+    SteadyClock::time_point m_replayStart;
     SteadyClock::time_point m_lastShown;
     SteadyClock::time_point m_lastReopen;
 };

@@ -226,7 +226,6 @@ void Recorder::startClip(const AccessUnit &first)
                 recorder->clipFailed(failed.get());
         });
     *clip = m_clip;
-    m_clip->open();
     if (m_clipNumber > 1) {
         // The client makes the still of the first clip only.
         mediaWorkers().run([path, first, closing = m_closing] {

@@ -231,10 +231,11 @@ bool RtspSource::selectStream(GstCaps *caps)
     const char *encoding = gst_structure_get_string(format, "encoding-name");
     if (!media || gst_structure_has_field(format, "a-sendonly"))
         return false;
-    if (strcmp(media, "video") == 0 && isH264(encoding) && !m_videoSelected)
-        return m_videoSelected = true;
-    if (strcmp(media, "audio") == 0 && findRtpAudio(encoding) && !m_audioSelected)
-        return m_audioSelected = true;
+    // The first of each kind.
+    if (strcmp(media, "video") == 0 && isH264(encoding))
+        return !m_videoSelected.exchange(true);
+    if (strcmp(media, "audio") == 0 && findRtpAudio(encoding))
+        return !m_audioSelected.exchange(true);
     return false;
 }
 
@@ -290,10 +291,13 @@ void RtspSource::takeSample(GstSample *sample, bool video)
                                                           GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
     if (!GST_CLOCK_TIME_IS_VALID(time))
         return;
-    if (video)
-        m_client.sourceVideo(makeAccessUnit(buffer, caps, time, ++m_frames));
-    else
+    if (!video) {
         m_client.sourceAudio({BufferRef::share(buffer), CapsRef::share(caps), time});
+        return;
+    }
+    if (m_frames > 0 && GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DISCONT))
+        m_client.sourceLostPackets();
+    m_client.sourceVideo(makeAccessUnit(buffer, caps, time, ++m_frames));
 }
 
 void RtspSource::readMessage(GstMessage *message)

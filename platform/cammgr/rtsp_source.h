@@ -30,6 +30,8 @@ public:
         virtual void sourcePlays() = 0; ///< the camera answered PLAY
         virtual void sourceVideo(const AccessUnit &unit) = 0;
         virtual void sourceAudio(const AudioUnit &unit) = 0;
+        /// A packet of the video was lost on the way.
+        virtual void sourceLostPackets() = 0;
         /// May come more than once; the first counts.
         virtual void sourceEnded(StreamEnd reason) = 0;
         /// The camera wants another transport than the one that was asked for.
@@ -66,10 +68,10 @@ private:
     const Transport m_transport;
     ObjectPtr<GstElement> m_pipeline;
     GstElement *m_rtspsrc = nullptr; ///< owned by the pipeline
-    // Streaming threads of one pipeline; video and audio have one each.
-    bool m_videoSelected = false;
-    bool m_audioSelected = false;
-    uint64_t m_frames = 0;
+    uint64_t m_frames = 0; ///< the thread that delivers video
+    // Threads of the pipeline.
+    std::atomic<bool> m_videoSelected = false;
+    std::atomic<bool> m_audioSelected = false;
     std::atomic<bool> m_playing = false;
 };
 

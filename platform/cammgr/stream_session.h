@@ -58,6 +58,7 @@ private:
     void sourcePlays() override;
     void sourceVideo(const AccessUnit &unit) override;
     void sourceAudio(const AudioUnit &unit) override;
+    void sourceLostPackets() override { wantKeyFrame(); }
     void sourceEnded(StreamEnd reason) override;
     void sourceTransportRefused() override;
     void tick() override;

@@ -1,5 +1,7 @@
 #include "platform/cammgr/worker_pool.h"
 
+#include "platform/cammgr/process_limits.h"
+
 #include <gst/gst.h>
 
 #include <algorithm>
@@ -77,7 +79,10 @@ WorkerPool &decodeWorkers()
 void loadMediaFramework()
 {
     static std::once_flag once;
-    std::call_once(once, [] { gst_init(nullptr, nullptr); });
+    std::call_once(once, [] {
+        raiseHandleLimit();
+        gst_init(nullptr, nullptr);
+    });
 }
 
 } // namespace cammgr

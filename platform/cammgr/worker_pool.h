@@ -39,7 +39,8 @@ WorkerPool &mediaWorkers();
 /// picture, so that a large stream cannot starve the small ones. Never destroyed.
 WorkerPool &decodeWorkers();
 
-/// Loads the media framework once, on the calling thread. Every pool thread has done so.
+/// Loads the media framework once, on the calling thread, and lets the process have the file
+/// handles that a hundred streams need. Every pool thread has done so.
 void loadMediaFramework();
 
 } // namespace cammgr

@@ -246,6 +246,8 @@ TEST_F(CameraTest, LostPacketsDoNotEndTheStream)
     play();
     ASSERT_TRUE(m_camsim.tell(0, "loss 20"));
     EXPECT_FALSE(waitUntil([this] { return !m_stream.isPlaying(); }, 2s));
+    // A key frame would mend the picture.
+    EXPECT_TRUE(waitUntil([this] { return m_listener.keyFrameWishes() > 1; }));
     ASSERT_TRUE(m_camsim.tell(0, "loss 0"));
     EXPECT_TRUE(waitUntil([this] { return m_stream.frameRate() >= 12; }));
     EXPECT_TRUE(m_listener.ends().empty());

@@ -147,6 +147,43 @@ TEST_F(RecorderTest, CameraThatFallsSilentDoesNotHoldTheVideoBack)
     EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 250);
 }
 
+TEST_F(RecorderTest, AudioThatNeverComesAgainDoesNotHoldTheVideoBack)
+{
+    const auto units = EncodedStream::make({.frames = 250, .start = 2 * GST_SECOND});
+    feedAudio(GST_SECOND + 500 * GST_MSECOND, 20); // ends before the first picture
+    feed({units.begin(), units.begin() + 10});
+    m_recorder->begin(m_base, 0, true);
+    feed({units.begin() + 10, units.end()});
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 250);
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+}
+
+TEST_F(RecorderTest, OnePieceOfAudioMakesAReadableFile)
+{
+    const auto units = EncodedStream::make({.frames = 100});
+    feed({units.begin(), units.begin() + 1});
+    feedAudio(0, 1);
+    m_recorder->begin(m_base, 0, true);
+    feed({units.begin() + 1, units.end()});
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::codecs(clip(1)), "h264 aac");
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 100);
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+}
+
+TEST_F(RecorderTest, ClipOfOneFrameIsAFile)
+{
+    const auto units = EncodedStream::make({.frames = 1});
+    feed(units);
+    m_recorder->begin(m_base, 0, true);
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 1);
+}
+
 TEST_F(RecorderTest, LimitRollsOverWithoutALostFrame)
 {
     const auto units = EncodedStream::make({.frames = 500, .pattern = "snow"});

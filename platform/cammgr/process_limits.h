@@ -1,0 +1,9 @@
+#pragma once
+
+namespace cammgr {
+
+/// Raises the number of file handles that this process may have open as far as the system allows
+/// without privileges, up to what a full house of cameras needs. One source per system.
+void raiseHandleLimit();
+
+} // namespace cammgr
