@@ -79,6 +79,7 @@ private slots:
     void aWriteThatFailsIsNotReported();
     void aNameWithMarkupIsShownAsItIs();
     void thePageFitsTheSmallestWindow();
+    void thePanelDoesNotMoveWithTheFocus();
     void theKeyboardReachesEveryControl();
 
 private:
@@ -910,6 +911,20 @@ void tst_PlayCameraForm::thePageFitsTheSmallestWindow()
     QTRY_COMPARE_WITH_TIMEOUT(m_form->size(), QSize(380, 200), Deadline);
     for (const auto *button : m_form->findChildren<QToolButton *>())
         QVERIFY(button->visibleRegion().boundingRect() == button->rect());
+}
+
+void tst_PlayCameraForm::thePanelDoesNotMoveWithTheFocus()
+{
+    m_form->setStyleSheet(zelvaro::applicationStyleSheet());
+    m_form->activateWindow();
+    QTRY_COMPARE_WITH_TIMEOUT(child("frameButtonsCenter")->width(), 464, Deadline);
+    for (const char *name : {"btnSnapshot", "btnRecord", "btnBack", "btnMute"}) {
+        child(name)->setFocus();
+        QTRY_VERIFY_WITH_TIMEOUT(child(name)->hasFocus(), Deadline);
+        QCoreApplication::processEvents();
+        QCOMPARE(child("frameButtonsCenter")->width(), 464);
+        QCOMPARE(child("btnSnapshot")->size(), QSize(40, 40));
+    }
 }
 
 void tst_PlayCameraForm::theKeyboardReachesEveryControl()
