@@ -20,10 +20,10 @@ std::shared_ptr<Worker> Worker::acquire()
     return worker;
 }
 
-Worker::Worker()
-    : m_context(g_main_context_new())
-    , m_thread(g_thread_try_new("ndcp", threadMain, this, nullptr))
+Worker::Worker() : m_context(g_main_context_new())
 {
+    // Only now: the thread uses all members.
+    m_thread = g_thread_try_new("ndcp", threadMain, this, nullptr);
 }
 
 Worker::~Worker()
