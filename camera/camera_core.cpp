@@ -172,7 +172,12 @@ void CCameraCore::delete_player()
     RtspPlayer *const current = player();
     checkStopped();
     cam_to_delete = 1;
-    RtspPlayer_Delete(current);
+    if (RtspPlayer_Delete(current) < 0) {
+        // Nobody will answer.
+        RtspPlayer_DeleteSync(current);
+        m_pRtspPlayer = nullptr;
+        cam_to_delete = 0;
+    }
     while (cam_to_delete) {
         zelvaro::waitEvents(WaitStep);
     }

@@ -19,6 +19,7 @@ private slots:
     void deleteWithAProbeOut();
     void deleteWithoutStop();
     void deleteWhilePlaying();
+    void deleteWithoutAPlayer();
     void probeResultThatNobodyAskedFor();
     void deletedThatNobodyAskedFor();
     void stringsWithoutACount();
@@ -190,6 +191,16 @@ void TstCameraChecks::deleteWhilePlaying()
     session->stop();
     session->delete_sync();
     QCOMPARE(reports(), CheckLog::camera({"!is_playing()"}));
+}
+
+void TstCameraChecks::deleteWithoutAPlayer()
+{
+    const QStringList broken = CheckLog::camera({"m_pRtspPlayer", "cam_to_stop", "m_pRtspPlayer"});
+    Session session;
+    session->delete_player();
+    QCOMPARE(reports(), broken);
+    session->delete_sync();
+    QCOMPARE(reports(), broken);
 }
 
 void TstCameraChecks::probeResultThatNobodyAskedFor()

@@ -23,6 +23,7 @@ private slots:
     void waitingWorksWhenTheApplicationQuits();
     void deleteSyncTakesThePlayerAway();
     void deletePlayerWaitsForTheLibrary();
+    void deleteThatTheLibraryRefusesIsDoneAtOnce();
     void destructorDeletesThePlayer();
     void destructorWithoutAPlayerAsksNothing();
     void messageAfterTheEndIsDropped();
@@ -190,6 +191,18 @@ void TstCameraEnd::deletePlayerWaitsForTheLibrary()
     QVERIFY(player->deleted());
     QVERIFY(!session->has_player());
     QCOMPARE(session->get_state(), int(CAMERA_STATE_DISCONNECTED));
+}
+
+void TstCameraEnd::deleteThatTheLibraryRefusesIsDoneAtOnce()
+{
+    Session session;
+    session.startConnected();
+    session.stopAndWait();
+    const auto player = session.player();
+    player->change([](fake_cammgr::Script &s) { s.results["RtspPlayer_Delete"] = -1; });
+    session.camera.reset();
+    QCOMPARE(player->count("RtspPlayer_DeleteSync"), 1);
+    QVERIFY(player->deleted());
 }
 
 void TstCameraEnd::destructorDeletesThePlayer()
