@@ -48,7 +48,8 @@ struct MediaProbe
     /// What ffmpeg complains about while it decodes everything; empty when nothing.
     static std::string complaints(const std::string &path)
     {
-        return output("ffmpeg -v error -i '" + path + "' -f null - 2>&1");
+        return output("ffmpeg -v error -i '" + path +
+                      "' -fps_mode passthrough -enc_time_base -1 -f null - 2>&1");
     }
     /// Length and seekability as the media framework of the album sees them.
     struct Discovered
