@@ -12,7 +12,7 @@ namespace zelvaro {
 namespace {
 
 // How far the shadow of the frame images reaches (docs/look.md), and the radius of their corners.
-constexpr QMargins kShadow(10, 12, 10, 14);
+constexpr QMargins kShadow(10, 10, 10, 14);
 constexpr int kCornerRadius = 6;
 
 } // namespace
@@ -38,9 +38,11 @@ bool DialogShadow::eventFilter(QObject *watched, QEvent *event)
 
 QRegion DialogShadow::withoutShadow(const QSize &size)
 {
+    const QRect plate = QRect(QPoint(0, 0), size).marginsRemoved(kShadow);
+    if (!plate.isValid())
+        return {};
     QPainterPath shape;
-    shape.addRoundedRect(QRect(QPoint(0, 0), size).marginsRemoved(kShadow), kCornerRadius,
-                         kCornerRadius);
+    shape.addRoundedRect(plate, kCornerRadius, kCornerRadius);
     return QRegion(shape.toFillPolygon().toPolygon());
 }
 
