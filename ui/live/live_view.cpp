@@ -88,6 +88,9 @@ void LiveView::report()
         m_needLayout = false;
         streamChanged();
     } else {
+        // Some cameras change their picture without a break in the stream.
+        if (streamSize() != m_streamSize)
+            layOutStream();
         if (m_thumbnailCountdown < 1) {
             m_camera->take_thumb();
             m_thumbnailCountdown = ThumbnailPeriod;
@@ -105,12 +108,7 @@ void LiveView::streamChanged()
         applyVolume();
         applyRecording();
         m_thumbnailCountdown = FirstThumbnail;
-        const QSize size = streamSize();
-        m_widgets.surface->SetVideoSize(size.width(), size.height());
-        m_box.resetZoom();
-        calculateVideoSize();
-        if (!m_box.isFullScreen())
-            resizeVideoWindow();
+        layOutStream();
     } else {
         m_box.resetZoom();
         layOut();
@@ -152,6 +150,16 @@ void LiveView::toggleFullScreen()
 {
     m_box.toggleFullScreen();
     followWindow();
+}
+
+void LiveView::layOutStream()
+{
+    m_streamSize = streamSize();
+    m_widgets.surface->SetVideoSize(m_streamSize.width(), m_streamSize.height());
+    m_box.resetZoom();
+    calculateVideoSize();
+    if (!m_box.isFullScreen())
+        resizeVideoWindow();
 }
 
 void LiveView::layOut()
@@ -263,7 +271,7 @@ QSize LiveView::streamSize() const
 
 QString LiveView::madeFolder() const
 {
-    const QString folder = CameraSettings::instance().cameraFolder(m_camera->hostname());
+    QString folder = CameraSettings::instance().cameraFolder(m_camera->hostname());
     makeFolder(folder);
     return folder;
 }

@@ -81,6 +81,7 @@ public:
 private:
     void calculateVideoSize();
     void resizeVideoWindow();
+    void layOutStream();
     void layOut();
     void followWindow();
     void applyRecording();
@@ -99,6 +100,7 @@ private:
     QPointer<CCamera> m_camera;
     qint32 m_thumbnailCountdown = 0; // reports until the next thumbnail
     bool m_needLayout = false;       // the stream has not been seen playing since it was asked for
+    QSize m_streamSize;              // as last laid out
     int m_stream = 1;
     WId m_window = 0; // that the session draws on
 };

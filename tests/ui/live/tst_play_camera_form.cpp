@@ -46,6 +46,7 @@ private slots:
     void zoomWithoutAStreamHasNoEffectOnIt();
     void aResizeReturnsToTheNaturalZoom();
     void thePictureSizeIsTheSurfaceSize();
+    void aStreamThatChangesItsSizeIsLaidOutAnew();
     void debugLinesToTheLetter();
     void fullHdInItsArea();
     void aDoubleClickTogglesFullScreen();
@@ -478,6 +479,20 @@ void tst_PlayCameraForm::thePictureSizeIsTheSurfaceSize()
     QCOMPARE(child("frameVideoFrame")->geometry(), QRect(6, 5, 320, 180));
     QCOMPARE(surface()->size(), QSize(320, 180));
     QCOMPARE(child("framePanel")->geometry(), QRect(6, 185, 320, 18));
+}
+
+void tst_PlayCameraForm::aStreamThatChangesItsSizeIsLaidOutAnew()
+{
+    play(320, 180);
+    click("btnRecord");
+    m_live->change([](auto &script) {
+        script.width = 320;
+        script.height = 240;
+    });
+    m_live->report();
+    QCOMPARE(shownPicture(), QSize(320, 240));
+    QVERIFY(status().startsWith(QStringLiteral("320x240(100%)  ")));
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
 }
 
 void tst_PlayCameraForm::debugLinesToTheLetter()
