@@ -1,0 +1,49 @@
+#include "ui/album/click_video_player.h"
+
+#include <QMouseEvent>
+#include <QUrl>
+
+#include <phonon/mediaobject.h>
+#include <phonon/mediasource.h>
+#include <phonon/videowidget.h>
+
+ClickVideoPlayer::ClickVideoPlayer(QWidget *parent) : Phonon::VideoPlayer(parent) {}
+
+bool ClickVideoPlayer::hasBackEnd() const
+{
+    return mediaObject()->isValid();
+}
+
+bool ClickVideoPlayer::isAtEnd() const
+{
+    const Phonon::MediaSource::Type type = mediaObject()->currentSource().type();
+    const bool hasSource =
+        type != Phonon::MediaSource::Invalid && type != Phonon::MediaSource::Empty;
+    return hasSource && mediaObject()->remainingTime() == 0;
+}
+
+QSize ClickVideoPlayer::videoSizeHint() const
+{
+    const QSize hint = videoWidget()->sizeHint();
+    return hint.isEmpty() ? QSize() : hint;
+}
+
+// An address, because a bare name with a "%" or "#" in it would be taken apart.
+void ClickVideoPlayer::playFile(const QString &file)
+{
+    play(Phonon::MediaSource(QUrl::fromLocalFile(file)));
+}
+
+void ClickVideoPlayer::closeFile()
+{
+    stop();
+    mediaObject()->clear();
+}
+
+void ClickVideoPlayer::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        emit doubleClicked();
+    else
+        Phonon::VideoPlayer::mouseDoubleClickEvent(event);
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QSize>
+
+#include <phonon/videoplayer.h>
+
+/// The media framework's player, which tells of double clicks. GUI thread only.
+class ClickVideoPlayer : public Phonon::VideoPlayer
+{
+    Q_OBJECT
+
+public:
+    explicit ClickVideoPlayer(QWidget *parent = nullptr);
+
+    /// False when no back end of the media framework is installed: nothing will ever play.
+    bool hasBackEnd() const;
+    /// Whether there is a source and it has come to its end.
+    bool isAtEnd() const;
+    /// Size that the video asks for; empty while unknown. May be a default of the back end.
+    QSize videoSizeHint() const;
+    void playFile(const QString &file);
+    /// Stops, and lets go of the file.
+    void closeFile();
+
+signals:
+    /// A double click with the left button.
+    void doubleClicked();
+
+protected:
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+};

@@ -1,0 +1,77 @@
+#include "ui/album/sheet_picture.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QPixmap>
+#include <QPixmapCache>
+#include <QWidget>
+
+namespace zelvaro {
+
+namespace {
+
+// Other formats than JPEG are decoded whole before they are scaled.
+constexpr qint64 MostPixels = 32'000'000;
+constexpr qint64 MostJpegPixels = 250'000'000;
+
+bool mayDecode(const QImageReader &reader, QSize size)
+{
+    const qint64 pixels = static_cast<qint64>(size.width()) * size.height();
+    return pixels > 0 && pixels <= (reader.format() == "jpeg" ? MostJpegPixels : MostPixels);
+}
+
+QPixmap decoded(const QString &file, QSize shown)
+{
+    QImageReader reader(file);
+    const QSize size = reader.size();
+    if (mayDecode(reader, size)) {
+        const QSize covering = size.scaled(shown, Qt::KeepAspectRatioByExpanding);
+        if (covering.width() < size.width())
+            reader.setScaledSize(covering.expandedTo({1, 1}));
+        const QPixmap picture = QPixmap::fromImageReader(&reader);
+        if (!picture.isNull())
+            return picture;
+    }
+    QPixmap nothing(1, 1);
+    nothing.fill(Qt::transparent);
+    return nothing;
+}
+
+QString hexadecimal(quint64 value, int digits)
+{
+    QString text;
+    for (; digits > 0; --digits, value >>= 4)
+        text += QLatin1Char("0123456789abcdef"[value & 0xf]);
+    return text;
+}
+
+/// What QPixmap looks a file up by in the cache of the process. Where another Qt names it otherwise
+/// the picture is decoded whole: tests/ui/album tells.
+QString cacheKey(const QString &file)
+{
+    const QFileInfo info(file);
+    const auto time = static_cast<uint>(info.lastModified().toSecsSinceEpoch());
+    return QLatin1String("qt_pixmap") + info.absoluteFilePath() + hexadecimal(time, 8) +
+           hexadecimal(static_cast<quint64>(info.size()), 16) + hexadecimal(0, 8);
+}
+
+} // namespace
+
+QSize pictureSize(const QString &file)
+{
+    const QSize size = QImageReader(file).size();
+    return size.isEmpty() ? QSize(0, 0) : size;
+}
+
+void setPictureSheet(QWidget *widget, const QString &sheet, const QString &file, QSize shown)
+{
+    const QString key = cacheKey(file);
+    QPixmapCache::insert(key, decoded(file, shown));
+    widget->setStyleSheet(sheet);
+    widget->ensurePolished();
+    // Whoever asks for the file itself gets it at its own size.
+    QPixmapCache::remove(key);
+}
+
+} // namespace zelvaro
