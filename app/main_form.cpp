@@ -49,6 +49,13 @@ void setSystemButtonImages(QToolButton *button, const QString &family)
             .arg(family));
 }
 
+// Emptied and filled each time, so that cameras added or removed since the last visit appear.
+void openAlbum(CPhotoMgrForm &album, bool videoMode)
+{
+    album.cameraModel().removeRows(0, album.cameraModel().rowCount());
+    album.open(videoMode);
+}
+
 std::optional<QString> pickFoundCamera(QWidget *parent)
 {
     CSearchCameraForm picker(parent);
@@ -153,6 +160,9 @@ void CMainForm::leavePages()
 {
     m_ui->pagePlayCamera->StopPlay();
     m_ui->pageMultiLive->StopPlay();
+    m_ui->pagePlayVideo->stop(true);
+    m_ui->pageVideoMgr->leave();
+    m_ui->pagePhotoMgr->leave();
 }
 
 void CMainForm::showCameraMgr()
@@ -186,6 +196,7 @@ void CMainForm::showPhotoMgr()
 {
     leavePages();
     showPage(PagePhotoMgr);
+    openAlbum(*m_ui->pagePhotoMgr, false);
 }
 
 void CMainForm::backToPhotoMgr()
@@ -195,8 +206,8 @@ void CMainForm::backToPhotoMgr()
 
 void CMainForm::showPhoto(TileList *list, CPhotoMgrItemForm *current)
 {
-    Q_UNUSED(list)
-    Q_UNUSED(current)
+    m_ui->pagePlayPhoto->setList(list);
+    m_ui->pagePlayPhoto->showPhoto(current);
     showPage(PagePlayPhoto);
 }
 
@@ -204,6 +215,7 @@ void CMainForm::showVideoMgr()
 {
     leavePages();
     showPage(PageVideoMgr);
+    openAlbum(*m_ui->pageVideoMgr, true);
 }
 
 void CMainForm::backToVideoMgr()
@@ -213,8 +225,8 @@ void CMainForm::backToVideoMgr()
 
 void CMainForm::playVideo(TileList *list, CPhotoMgrItemForm *current)
 {
-    Q_UNUSED(list)
-    Q_UNUSED(current)
+    m_ui->pagePlayVideo->setList(list);
+    m_ui->pagePlayVideo->showVideo(current);
     showPage(PagePlayVideo);
 }
 
