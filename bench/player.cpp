@@ -16,19 +16,37 @@
 
 namespace {
 
-std::atomic<int> probes{0};
+enum class Probe
+{
+    Waiting,
+    Answered,
+    Failed
+};
+
+std::atomic<Probe> probe{Probe::Waiting};
 volatile std::sig_atomic_t ending = 0;
 
 void onMessage(int message, int, void *, char **)
 {
-    if (message == CAMMGR_MSG_PROBE_OK || message == CAMMGR_MSG_PROBE_FAILED)
-        ++probes;
+    if (message == CAMMGR_MSG_PROBE_OK)
+        probe = Probe::Answered;
+    else if (message == CAMMGR_MSG_PROBE_FAILED)
+        probe = Probe::Failed;
 }
 
-void waitUntil(bool (*condition)(), int deadlineMs)
+/// As in the client, the session has been probed long before somebody plays it.
+bool connectSession(RtspPlayer *player)
 {
-    for (int waited = 0; waited < deadlineMs && !condition() && !ending; ++waited)
-        poll(nullptr, 0, 1);
+    for (int attempt = 0; attempt < 10 && !ending; ++attempt) {
+        probe = Probe::Waiting;
+        RtspPlayer_TickAlive(player);
+        for (int waited = 0; waited < 10'000 && probe == Probe::Waiting && !ending; ++waited)
+            poll(nullptr, 0, 1);
+        if (probe == Probe::Answered)
+            return true;
+        poll(nullptr, 0, 500);
+    }
+    return false;
 }
 
 } // namespace
@@ -53,9 +71,8 @@ int main(int argc, char **argv)
     XSync(display, False);
 
     RtspPlayer *player = RtspPlayer_Create(argv[1], argv[2], argv[3], onMessage, nullptr);
-    // As in the client, the session has been probed long before somebody plays it.
-    RtspPlayer_TickAlive(player);
-    waitUntil([] { return probes > 0; }, 10000);
+    if (!connectSession(player))
+        std::fprintf(stderr, "bench_player: the camera does not answer\n");
 
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     std::printf(
