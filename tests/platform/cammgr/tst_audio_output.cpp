@@ -9,7 +9,13 @@ using namespace cammgr;
 
 namespace {
 
-/// What a sound device that is not there would have got.
+/// What a sound device got. Shared with it: a device is released behind the back of the test.
+struct Ear
+{
+    std::atomic<int> heard = 0;
+    std::atomic<int> loudest = 0;
+};
+
 class AudioOutputTest : public testing::Test
 {
 protected:
@@ -23,12 +29,15 @@ protected:
             return nullptr;
         GstElement *sink = gst_element_factory_make("fakesink", nullptr);
         g_object_set(sink, "signal-handoffs", TRUE, "sync", FALSE, nullptr);
-        g_signal_connect(sink, "handoff", G_CALLBACK(&AudioOutputTest::heard), this);
+        g_signal_connect_data(
+            sink, "handoff", G_CALLBACK(&AudioOutputTest::heard), new std::shared_ptr<Ear>(m_ear),
+            [](gpointer ear, GClosure *) { delete static_cast<std::shared_ptr<Ear> *>(ear); },
+            GConnectFlags(0));
         return sink;
     }
-    static void heard(GstElement *, GstBuffer *buffer, GstPad *, gpointer self)
+    static void heard(GstElement *, GstBuffer *buffer, GstPad *, gpointer data)
     {
-        auto *test = static_cast<AudioOutputTest *>(self);
+        const auto &ear = *static_cast<std::shared_ptr<Ear> *>(data);
         GstMapInfo map;
         gst_buffer_map(buffer, &map, GST_MAP_READ);
         int loudest = 0;
@@ -36,8 +45,8 @@ protected:
             loudest = std::max(loudest,
                                std::abs(static_cast<gint16>(map.data[i] | map.data[i + 1] << 8)));
         gst_buffer_unmap(buffer, &map);
-        test->m_loudest = loudest;
-        ++test->m_heard;
+        ear->loudest = loudest;
+        ++ear->heard;
     }
     /// 20 ms of G.711 at about a quarter of full scale.
     void feed()
@@ -55,8 +64,7 @@ protected:
     }
 
     std::atomic<int> m_sinksMade = 0;
-    std::atomic<int> m_heard = 0;
-    std::atomic<int> m_loudest = 0;
+    const std::shared_ptr<Ear> m_ear = std::make_shared<Ear>();
     std::atomic<bool> m_deviceMissing = false;
     CapsRef m_caps = [] {
         gst_init(nullptr, nullptr);
@@ -79,26 +87,28 @@ TEST_F(AudioOutputTest, SilentStreamOpensNoDevice)
 TEST_F(AudioOutputTest, VolumeIsPercentOfTheSource)
 {
     m_output->setVolume(100);
-    ASSERT_TRUE(feedUntil([this] { return m_heard > 0 && m_loudest > 0; }));
-    const int level = m_loudest;
+    ASSERT_TRUE(feedUntil([this] { return m_ear->heard > 0 && m_ear->loudest > 0; }));
+    const int level = m_ear->loudest;
     m_output->setVolume(200);
-    EXPECT_TRUE(feedUntil([&] { return std::abs(m_loudest - 2 * level) <= 2; })) << m_loudest;
+    EXPECT_TRUE(feedUntil([&] { return std::abs(m_ear->loudest - 2 * level) <= 2; }))
+        << m_ear->loudest;
     m_output->setVolume(50);
-    EXPECT_TRUE(feedUntil([&] { return std::abs(m_loudest - level / 2) <= 2; })) << m_loudest;
+    EXPECT_TRUE(feedUntil([&] { return std::abs(m_ear->loudest - level / 2) <= 2; }))
+        << m_ear->loudest;
     EXPECT_EQ(m_sinksMade, 1);
 }
 
 TEST_F(AudioOutputTest, DeviceIsReleasedWhenSilentAndBackWhenNot)
 {
     m_output->setVolume(100);
-    ASSERT_TRUE(feedUntil([this] { return m_heard > 0; }));
+    ASSERT_TRUE(feedUntil([this] { return m_ear->heard > 0; }));
     m_output->setVolume(0);
     feed();
     const int made = m_sinksMade;
     m_output->setVolume(80);
     EXPECT_TRUE(feedUntil([&] { return m_sinksMade > made; }));
-    const int heard = m_heard;
-    EXPECT_TRUE(feedUntil([&] { return m_heard > heard; }));
+    const int heard = m_ear->heard;
+    EXPECT_TRUE(feedUntil([&] { return m_ear->heard > heard; }));
 }
 
 TEST_F(AudioOutputTest, MissingDeviceIsNotTriedForEachPacket)
@@ -112,13 +122,13 @@ TEST_F(AudioOutputTest, MissingDeviceIsNotTriedForEachPacket)
             return m_sinksMade > 1;
         },
         500ms));
-    EXPECT_EQ(m_heard, 0);
+    EXPECT_EQ(m_ear->heard, 0);
 }
 
 TEST_F(AudioOutputTest, NothingIsPlayedAfterClose)
 {
     m_output->setVolume(100);
-    ASSERT_TRUE(feedUntil([this] { return m_heard > 0; }));
+    ASSERT_TRUE(feedUntil([this] { return m_ear->heard > 0; }));
     m_output->close();
     feed();
     EXPECT_FALSE(waitUntil(
