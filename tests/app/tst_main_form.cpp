@@ -5,13 +5,16 @@
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/manager/manager_fixture.h"
+#include "ui/album/photo_mgr_item_form.h"
 #include "ui/common/desktop.h"
 #include "ui/discovery/search_camera_form.h"
 #include "ui/manager/add_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QLabel>
+#include <QListView>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QScreen>
@@ -92,6 +95,11 @@ private slots:
     void multiLiveStartsAndStopsItsTiles();
     void backAndShowOperationsOnlySwitchThePage();
     void videoWhileTheGridRecordsAsksForConfirmation();
+    void albumShowsThePhotosOfTheFirstCamera();
+    void photoViewerOpensFromTheAlbumAndGoesBack();
+    void recordingOpensFromTheAlbumAndGoesBack();
+    void anAlbumThatIsOpenedAgainShowsNewCameras();
+    void anotherPageLeavesTheAlbum();
 
     void savePathIsTheOnlyMenuEntry();
     void savePathTakesTheChosenFolder();
@@ -139,6 +147,18 @@ private:
                           Qt::NoModifier);
         QApplication::sendEvent(m_form.get(), &event);
         return event.isAccepted();
+    }
+    // Those of a former fill live until the event loop runs.
+    QList<CPhotoMgrItemForm *> albumTiles(const char *album)
+    {
+        return find<QWidget>(album)->findChildren<CPhotoMgrItemForm *>();
+    }
+    void writeFile(const QString &name)
+    {
+        const QString path = Registry::settings().albumPath() + "/" + name;
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
     }
     void pressAt(QPoint global)
     {
@@ -374,6 +394,77 @@ void MainFormTest::videoWhileTheGridRecordsAsksForConfirmation()
     QCOMPARE(page(), 5);
     expectIcons("btnVideoMgr");
     QVERIFY(script.done());
+}
+
+void MainFormTest::albumShowsThePhotosOfTheFirstCamera()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    writeFile("UID-1/20240305_070809.jpg");
+    writeFile("UID-1/20240305_070810.jpg");
+    writeFile("UID-1/20240305_070811.mp4");
+    click("btnPhotoMgr");
+    QCOMPARE(page(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 2, kDeadline);
+    click("btnVideoMgr");
+    QCOMPARE(page(), 5);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, kDeadline);
+}
+
+void MainFormTest::photoViewerOpensFromTheAlbumAndGoesBack()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    writeFile("UID-1/20240305_070809.jpg");
+    click("btnPhotoMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, kDeadline);
+    QTest::mouseDClick(albumTiles("pagePhotoMgr").at(0), Qt::LeftButton);
+    QCOMPARE(page(), 4);
+    expectIcons("btnPhotoMgr");
+    press(find<QWidget>("pagePlayPhoto"), "btnBack");
+    QCOMPARE(page(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, kDeadline);
+}
+
+void MainFormTest::recordingOpensFromTheAlbumAndGoesBack()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    writeFile("UID-1/20240305_070809.mp4");
+    click("btnVideoMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, kDeadline);
+    QTest::mouseDClick(albumTiles("pageVideoMgr").at(0), Qt::LeftButton);
+    QCOMPARE(page(), 6);
+    press(find<QWidget>("pagePlayVideo"), "btnBack");
+    QCOMPARE(page(), 5);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, kDeadline);
+}
+
+void MainFormTest::anAlbumThatIsOpenedAgainShowsNewCameras()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    const auto rows = [this] {
+        return find<QWidget>("pagePhotoMgr")->findChild<QListView *>()->model()->rowCount();
+    };
+    click("btnPhotoMgr");
+    QCOMPARE(rows(), 1);
+    Registry::cameras().create()->set_info(
+        Registry::settings().addRecord(CAMERA_TYPE_P2P, "UID-2", "admin", "", "Yard", false));
+    click("btnPhotoMgr");
+    QCOMPARE(rows(), 2);
+    Registry::cameras().remove(Registry::cameras().at(1));
+}
+
+void MainFormTest::anotherPageLeavesTheAlbum()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    writeFile("UID-1/20240305_070809.jpg");
+    click("btnPhotoMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, kDeadline);
+    click("btnCameraMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 0, kDeadline);
 }
 
 void MainFormTest::savePathIsTheOnlyMenuEntry()
