@@ -56,7 +56,7 @@ void CameraSession::tick()
         return;
     m_probing = Probing::Finding;
     const unsigned number = ++m_probeNumber;
-    if (m_control.isStreamPlaying()) {
+    if (isAnsweredByStream()) {
         m_probe.disconnect();
         probed(ProbeOutcome::Answered);
     } else if (!m_schedule.isDue(Clock::now())) {
@@ -71,6 +71,15 @@ void CameraSession::tick()
                 probed(ProbeOutcome::Silent);
         });
     }
+}
+
+bool CameraSession::isAnsweredByStream()
+{
+    const StreamPhase phase = m_control.streamPhase();
+    // A stream that starts is a probe by itself, and will not stay there for longer than its
+    // watchdog lets it. Describing the stream beside it makes some cameras hold it up.
+    const bool wasThere = m_schedule.remembered() == ProbeOutcome::Answered;
+    return phase == StreamPhase::Playing || (phase == StreamPhase::Starting && wasThere);
 }
 
 void CameraSession::stopConnecting()

@@ -24,12 +24,20 @@ struct StreamOrder
     uintptr_t window = 0;
 };
 
+/// What the live stream of a player does.
+enum class StreamPhase
+{
+    Idle,
+    Starting,
+    Playing
+};
+
 /// What a session asks of its player, from the I/O thread.
 class StreamControl
 {
 public:
     /// Never waits.
-    virtual bool isStreamPlaying() = 0;
+    virtual StreamPhase streamPhase() = 0;
     /// Starts the stream when ticket is still the last one.
     virtual void startStream(uint64_t ticket, const StreamRequest &request) = 0;
     /// Starts talking when ticket is still the last one; gives up without a request.
@@ -84,6 +92,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void report(int message, int value, char **strings = nullptr);
+    bool isAnsweredByStream();
     void describe();
     void probed(ProbeOutcome outcome);
     void finishProbe(ProbeOutcome outcome);

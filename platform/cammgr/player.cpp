@@ -8,6 +8,7 @@ using cammgr::CameraSession;
 using cammgr::IoThread;
 using cammgr::LiveStream;
 using cammgr::StreamEnd;
+using cammgr::StreamPhase;
 using cammgr::StreamRequest;
 
 namespace {
@@ -96,13 +97,17 @@ void RtspPlayer::voidOrder()
     m_stream.stop();
 }
 
-bool RtspPlayer::isStreamPlaying()
+StreamPhase RtspPlayer::streamPhase()
 {
     // A snapshot or a stop under way holds the lock; the other cameras need not wait for it.
     const std::unique_lock lock(m_mutex, std::try_to_lock);
-    if (lock.owns_lock())
-        m_wasPlaying = m_stream.isPlaying();
-    return m_wasPlaying;
+    if (!lock.owns_lock())
+        return m_lastPhase;
+    if (m_stream.isPlaying())
+        m_lastPhase = StreamPhase::Playing;
+    else
+        m_lastPhase = m_stream.isActive() ? StreamPhase::Starting : StreamPhase::Idle;
+    return m_lastPhase;
 }
 
 void RtspPlayer::startStream(uint64_t ticket, const StreamRequest &request)

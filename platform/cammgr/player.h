@@ -54,7 +54,7 @@ public:
     }
 
 private:
-    bool isStreamPlaying() override;
+    cammgr::StreamPhase streamPhase() override;
     void startStream(uint64_t ticket, const cammgr::StreamRequest &request) override;
     void startTalk(uint64_t ticket, const cammgr::StreamRequest *request) override;
     void voidOrder();
@@ -69,7 +69,7 @@ private:
     std::atomic<uint64_t> m_talkTicket{0};
     std::atomic<bool> m_talkPending{false}; ///< from talk() to startTalk()
 
-    bool m_wasPlaying = false; ///< I/O thread
+    cammgr::StreamPhase m_lastPhase = cammgr::StreamPhase::Idle; ///< I/O thread
 
     mutable std::mutex m_mutex;  ///< for the two below
     cammgr::LiveStream m_stream; ///< its listener only posts, so stop() may wait for it
