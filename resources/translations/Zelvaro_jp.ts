@@ -249,6 +249,26 @@
         <source>Selecte Path</source>
         <translation>保存先の選択</translation>
     </message>
+    <message>
+        <source>Alt+C</source>
+        <translation>Alt+C</translation>
+    </message>
+    <message>
+        <source>Alt+M</source>
+        <translation>Alt+M</translation>
+    </message>
+    <message>
+        <source>Alt+V</source>
+        <translation>Alt+V</translation>
+    </message>
+    <message>
+        <source>Alt+A</source>
+        <translation>Alt+A</translation>
+    </message>
+    <message>
+        <source>Alt+S</source>
+        <translation>Alt+S</translation>
+    </message>
 </context>
 <context>
     <name>CMessageBox</name>
@@ -297,6 +317,13 @@
     </message>
 </context>
 <context>
+    <name>CMultiLiveFrame</name>
+    <message>
+        <source>No camera is selected for this view.</source>
+        <translation>このビューにはカメラが選択されていません。</translation>
+    </message>
+</context>
+<context>
     <name>CMultiLiveItemForm</name>
     <message>
         <source>Live picture</source>
@@ -313,6 +340,51 @@
     <message>
         <source>Recording</source>
         <translation>録画中</translation>
+    </message>
+</context>
+<context>
+    <name>CPhotoMgrForm</name>
+    <message>
+        <source>Camera List</source>
+        <translation>カメラ一覧</translation>
+    </message>
+    <message>
+        <source>Photos</source>
+        <translation>写真</translation>
+    </message>
+    <message>
+        <source>Videos</source>
+        <translation>ビデオ</translation>
+    </message>
+</context>
+<context>
+    <name>CPhotoMgrFrame</name>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Delete video?</source>
+        <translation>ビデオを削除しますか？</translation>
+    </message>
+    <message>
+        <source>Delete photo?</source>
+        <translation>写真を削除しますか？</translation>
+    </message>
+</context>
+<context>
+    <name>CPhotoMgrItemForm</name>
+    <message>
+        <source>Photo Name</source>
+        <translation>写真の名前</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>再生</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>削除</translation>
     </message>
 </context>
 <context>
@@ -372,6 +444,128 @@
     <message>
         <source>Back</source>
         <translation>戻る</translation>
+    </message>
+</context>
+<context>
+    <name>CPlayPhotoForm</name>
+    <message>
+        <source>Photo</source>
+        <translation>写真</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>ダブルクリックまたは Esc キーで全画面表示を切り替えます。</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>前へ</translation>
+    </message>
+    <message>
+        <source>Next</source>
+        <translation>次へ</translation>
+    </message>
+    <message>
+        <source>ZoomIn</source>
+        <translation>拡大</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>拡大</translation>
+    </message>
+    <message>
+        <source>ZoomOut</source>
+        <translation>縮小</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>縮小</translation>
+    </message>
+    <message>
+        <source>FullScreen</source>
+        <translation>全画面</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>全画面</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>削除</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>戻る</translation>
+    </message>
+</context>
+<context>
+    <name>CPlayVideoForm</name>
+    <message>
+        <source>Video</source>
+        <translation>ビデオ</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>ダブルクリックまたは Esc キーで全画面表示を切り替えます。</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>前へ</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>再生</translation>
+    </message>
+    <message>
+        <source>Next</source>
+        <translation>次へ</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>再生位置</translation>
+    </message>
+    <message>
+        <source>ZoomIn</source>
+        <translation>拡大</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>拡大</translation>
+    </message>
+    <message>
+        <source>ZoomOut</source>
+        <translation>縮小</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>縮小</translation>
+    </message>
+    <message>
+        <source>FullScreen</source>
+        <translation>全画面</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>全画面</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>削除</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>戻る</translation>
+    </message>
+    <message>
+        <source>Recordings cannot be played: no back end of Phonon is installed.</source>
+        <translation>録画を再生できません。Phonon のバックエンドがインストールされていません。</translation>
+    </message>
+    <message>
+        <source>This recording cannot be played.</source>
+        <translation>この録画は再生できません。</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>一時停止</translation>
     </message>
 </context>
 <context>

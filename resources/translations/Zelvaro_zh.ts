@@ -249,6 +249,26 @@
         <source>Selecte Path</source>
         <translation>选择路径</translation>
     </message>
+    <message>
+        <source>Alt+C</source>
+        <translation>Alt+C</translation>
+    </message>
+    <message>
+        <source>Alt+M</source>
+        <translation>Alt+M</translation>
+    </message>
+    <message>
+        <source>Alt+V</source>
+        <translation>Alt+V</translation>
+    </message>
+    <message>
+        <source>Alt+A</source>
+        <translation>Alt+A</translation>
+    </message>
+    <message>
+        <source>Alt+S</source>
+        <translation>Alt+S</translation>
+    </message>
 </context>
 <context>
     <name>CMessageBox</name>
@@ -297,6 +317,13 @@
     </message>
 </context>
 <context>
+    <name>CMultiLiveFrame</name>
+    <message>
+        <source>No camera is selected for this view.</source>
+        <translation>此视图未选择摄像机。</translation>
+    </message>
+</context>
+<context>
     <name>CMultiLiveItemForm</name>
     <message>
         <source>Live picture</source>
@@ -313,6 +340,51 @@
     <message>
         <source>Recording</source>
         <translation>正在录像</translation>
+    </message>
+</context>
+<context>
+    <name>CPhotoMgrForm</name>
+    <message>
+        <source>Camera List</source>
+        <translation>摄像机列表</translation>
+    </message>
+    <message>
+        <source>Photos</source>
+        <translation>照片</translation>
+    </message>
+    <message>
+        <source>Videos</source>
+        <translation>视频</translation>
+    </message>
+</context>
+<context>
+    <name>CPhotoMgrFrame</name>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Delete video?</source>
+        <translation>要删除视频吗？</translation>
+    </message>
+    <message>
+        <source>Delete photo?</source>
+        <translation>要删除照片吗？</translation>
+    </message>
+</context>
+<context>
+    <name>CPhotoMgrItemForm</name>
+    <message>
+        <source>Photo Name</source>
+        <translation>照片名称</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>播放</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
     </message>
 </context>
 <context>
@@ -372,6 +444,128 @@
     <message>
         <source>Back</source>
         <translation>返回</translation>
+    </message>
+</context>
+<context>
+    <name>CPlayPhotoForm</name>
+    <message>
+        <source>Photo</source>
+        <translation>照片</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>双击或按 Esc 键可切换全屏。</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>上一个</translation>
+    </message>
+    <message>
+        <source>Next</source>
+        <translation>下一个</translation>
+    </message>
+    <message>
+        <source>ZoomIn</source>
+        <translation>放大</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>放大</translation>
+    </message>
+    <message>
+        <source>ZoomOut</source>
+        <translation>缩小</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>缩小</translation>
+    </message>
+    <message>
+        <source>FullScreen</source>
+        <translation>全屏</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>全屏</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>返回</translation>
+    </message>
+</context>
+<context>
+    <name>CPlayVideoForm</name>
+    <message>
+        <source>Video</source>
+        <translation>视频</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>双击或按 Esc 键可切换全屏。</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>上一个</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>播放</translation>
+    </message>
+    <message>
+        <source>Next</source>
+        <translation>下一个</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>播放位置</translation>
+    </message>
+    <message>
+        <source>ZoomIn</source>
+        <translation>放大</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>放大</translation>
+    </message>
+    <message>
+        <source>ZoomOut</source>
+        <translation>缩小</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>缩小</translation>
+    </message>
+    <message>
+        <source>FullScreen</source>
+        <translation>全屏</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>全屏</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>删除</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>返回</translation>
+    </message>
+    <message>
+        <source>Recordings cannot be played: no back end of Phonon is installed.</source>
+        <translation>无法播放录像：未安装 Phonon 后端。</translation>
+    </message>
+    <message>
+        <source>This recording cannot be played.</source>
+        <translation>无法播放此录像。</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>暂停</translation>
     </message>
 </context>
 <context>

@@ -249,6 +249,26 @@
         <source>Selecte Path</source>
         <translation>Выбор папки</translation>
     </message>
+    <message>
+        <source>Alt+C</source>
+        <translation>Alt+C</translation>
+    </message>
+    <message>
+        <source>Alt+M</source>
+        <translation>Alt+M</translation>
+    </message>
+    <message>
+        <source>Alt+V</source>
+        <translation>Alt+V</translation>
+    </message>
+    <message>
+        <source>Alt+A</source>
+        <translation>Alt+A</translation>
+    </message>
+    <message>
+        <source>Alt+S</source>
+        <translation>Alt+S</translation>
+    </message>
 </context>
 <context>
     <name>CMessageBox</name>
@@ -297,6 +317,13 @@
     </message>
 </context>
 <context>
+    <name>CMultiLiveFrame</name>
+    <message>
+        <source>No camera is selected for this view.</source>
+        <translation>Для этого вида не выбрана камера.</translation>
+    </message>
+</context>
+<context>
     <name>CMultiLiveItemForm</name>
     <message>
         <source>Live picture</source>
@@ -313,6 +340,51 @@
     <message>
         <source>Recording</source>
         <translation>Идёт запись</translation>
+    </message>
+</context>
+<context>
+    <name>CPhotoMgrForm</name>
+    <message>
+        <source>Camera List</source>
+        <translation>Список камер</translation>
+    </message>
+    <message>
+        <source>Photos</source>
+        <translation>Фото</translation>
+    </message>
+    <message>
+        <source>Videos</source>
+        <translation>Видео</translation>
+    </message>
+</context>
+<context>
+    <name>CPhotoMgrFrame</name>
+    <message>
+        <source>Warning</source>
+        <translation>Предупреждение</translation>
+    </message>
+    <message>
+        <source>Delete video?</source>
+        <translation>Удалить видео?</translation>
+    </message>
+    <message>
+        <source>Delete photo?</source>
+        <translation>Удалить фото?</translation>
+    </message>
+</context>
+<context>
+    <name>CPhotoMgrItemForm</name>
+    <message>
+        <source>Photo Name</source>
+        <translation>Имя фото</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Воспроизвести</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Удалить</translation>
     </message>
 </context>
 <context>
@@ -372,6 +444,128 @@
     <message>
         <source>Back</source>
         <translation>Назад</translation>
+    </message>
+</context>
+<context>
+    <name>CPlayPhotoForm</name>
+    <message>
+        <source>Photo</source>
+        <translation>Фото</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>Двойной щелчок или клавиша Esc переключает полноэкранный режим.</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>Предыдущее</translation>
+    </message>
+    <message>
+        <source>Next</source>
+        <translation>Следующее</translation>
+    </message>
+    <message>
+        <source>ZoomIn</source>
+        <translation>Увеличить</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>Увеличить</translation>
+    </message>
+    <message>
+        <source>ZoomOut</source>
+        <translation>Уменьшить</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>Уменьшить</translation>
+    </message>
+    <message>
+        <source>FullScreen</source>
+        <translation>Во весь экран</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>Во весь экран</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Удалить</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>Назад</translation>
+    </message>
+</context>
+<context>
+    <name>CPlayVideoForm</name>
+    <message>
+        <source>Video</source>
+        <translation>Видео</translation>
+    </message>
+    <message>
+        <source>A double click or Escape toggles the full screen.</source>
+        <translation>Двойной щелчок или клавиша Esc переключает полноэкранный режим.</translation>
+    </message>
+    <message>
+        <source>Previous</source>
+        <translation>Предыдущее</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Воспроизвести</translation>
+    </message>
+    <message>
+        <source>Next</source>
+        <translation>Следующее</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>Положение</translation>
+    </message>
+    <message>
+        <source>ZoomIn</source>
+        <translation>Увеличить</translation>
+    </message>
+    <message>
+        <source>Zoom in</source>
+        <translation>Увеличить</translation>
+    </message>
+    <message>
+        <source>ZoomOut</source>
+        <translation>Уменьшить</translation>
+    </message>
+    <message>
+        <source>Zoom out</source>
+        <translation>Уменьшить</translation>
+    </message>
+    <message>
+        <source>FullScreen</source>
+        <translation>Во весь экран</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>Во весь экран</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Удалить</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>Назад</translation>
+    </message>
+    <message>
+        <source>Recordings cannot be played: no back end of Phonon is installed.</source>
+        <translation>Записи нельзя воспроизвести: не установлен модуль воспроизведения Phonon.</translation>
+    </message>
+    <message>
+        <source>This recording cannot be played.</source>
+        <translation>Эту запись невозможно воспроизвести.</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Пауза</translation>
     </message>
 </context>
 <context>
