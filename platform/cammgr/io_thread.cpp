@@ -3,10 +3,20 @@
 #include <pthread.h>
 
 #include <condition_variable>
-#include <memory>
 #include <mutex>
 
 namespace cammgr {
+namespace {
+
+GSourceFuncs postedFunctions = {
+    .prepare = nullptr,
+    .check = nullptr,
+    .dispatch = [](GSource *, GSourceFunc callback, gpointer data) { return callback(data); },
+    .finalize = nullptr,
+    .closure_callback = nullptr,
+    .closure_marshal = nullptr};
+
+} // namespace
 
 IoThread &IoThread::instance()
 {
@@ -15,7 +25,20 @@ IoThread &IoThread::instance()
     return *thread;
 }
 
-IoThread::IoThread() : m_context(g_main_context_new()), m_thread([this] { run(); }) {}
+IoThread::IoThread()
+    : m_context(g_main_context_new())
+    , m_posted(g_source_new(&postedFunctions, sizeof(GSource)))
+{
+    g_source_set_callback(
+        m_posted,
+        [](gpointer self) -> gboolean {
+            static_cast<IoThread *>(self)->runPosted();
+            return G_SOURCE_CONTINUE;
+        },
+        this, nullptr);
+    g_source_attach(m_posted, m_context);
+    m_thread = std::thread([this] { run(); });
+}
 
 void IoThread::run()
 {
@@ -32,18 +55,21 @@ bool IoThread::isCurrent() const
 
 void IoThread::post(std::function<void()> work)
 {
-    GSource *source = g_idle_source_new();
-    g_source_set_priority(source, G_PRIORITY_DEFAULT);
-    g_source_set_callback(
-        source,
-        [](gpointer data) -> gboolean {
-            (*static_cast<std::function<void()> *>(data))();
-            return G_SOURCE_REMOVE;
-        },
-        new std::function<void()>(std::move(work)),
-        [](gpointer data) { delete static_cast<std::function<void()> *>(data); });
-    g_source_attach(source, m_context);
-    g_source_unref(source);
+    const std::lock_guard lock(m_mutex);
+    m_work.push_back(std::move(work));
+    g_source_set_ready_time(m_posted, 0);
+}
+
+void IoThread::runPosted()
+{
+    std::vector<std::function<void()>> work;
+    {
+        const std::lock_guard lock(m_mutex);
+        g_source_set_ready_time(m_posted, -1);
+        work.swap(m_work);
+    }
+    for (const std::function<void()> &each : work)
+        each();
 }
 
 void IoThread::postAndWait(const std::function<void()> &work)

@@ -4,7 +4,9 @@
 
 #include <chrono>
 #include <functional>
+#include <mutex>
 #include <thread>
+#include <vector>
 
 namespace cammgr {
 
@@ -30,8 +32,12 @@ public:
 private:
     IoThread();
     void run();
+    void runPosted();
 
-    GMainContext *m_context;
+    GMainContext *const m_context;
+    GSource *const m_posted; ///< ready while something is posted
+    std::mutex m_mutex;
+    std::vector<std::function<void()>> m_work; ///< guarded by m_mutex
     std::thread m_thread;
 };
 
