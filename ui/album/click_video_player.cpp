@@ -7,7 +7,12 @@
 #include <phonon/mediasource.h>
 #include <phonon/videowidget.h>
 
-ClickVideoPlayer::ClickVideoPlayer(QWidget *parent) : Phonon::VideoPlayer(parent) {}
+// Who places this widget keeps the ratio. The back end, asked to do it, takes the ratio from a size
+// of the video that it does not know yet.
+ClickVideoPlayer::ClickVideoPlayer(QWidget *parent) : Phonon::VideoPlayer(parent)
+{
+    videoWidget()->setAspectRatio(Phonon::VideoWidget::AspectRatioWidget);
+}
 
 bool ClickVideoPlayer::hasBackEnd() const
 {

@@ -1,6 +1,7 @@
 #include "ui/album/photo_frame.h"
 
 #include "ui/album/sheet_picture.h"
+#include "ui/common/picture_layout.h"
 #include "ui/common/style_url.h"
 
 #include <QFrame>
@@ -49,18 +50,9 @@ void CPhotoFrame::clear()
     m_size = {};
 }
 
-QRect CPhotoFrame::pictureRect() const
-{
-    if (m_size.isEmpty())
-        return rect();
-    QRect picture({0, 0}, m_size.scaled(size(), Qt::KeepAspectRatio));
-    picture.moveTopLeft({(width() - picture.width()) / 2, (height() - picture.height()) / 2});
-    return picture;
-}
-
 void CPhotoFrame::placePicture()
 {
-    const QRect place = pictureRect();
+    const QRect place = zelvaro::fittedRect(size(), m_size);
     if (m_picture->geometry() == place)
         return;
     m_picture->hide();

@@ -30,7 +30,6 @@ protected:
     void keyReleaseEvent(QKeyEvent *event) override;
 
 private:
-    QRect pictureRect() const;
     void placePicture();
 
     QFrame *m_picture;

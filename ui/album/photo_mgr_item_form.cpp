@@ -51,6 +51,7 @@ void CPhotoMgrItemForm::setItem(const QString &fileName, const QString &fullPath
     m_fileName = fileName;
     m_fullPath = fullPath;
     setAccessibleName(fileName);
+    setToolTip(fileName);
     if (m_ui)
         m_ui->labelPhotoName->setText(fileName);
 }

@@ -81,6 +81,7 @@ void CPlayVideoForm::showVideo(CPhotoMgrItemForm *tile)
 {
     stopPlayer();
     showPlaying(false);
+    m_ui->framePlayer->setVideoSize(kUnknownSize);
     m_view->show(tile, kUnknownSize);
     repaintPlayer();
     m_startTimer.start();
@@ -177,6 +178,7 @@ void CPlayVideoForm::adoptVideoSize()
         size = m_player->videoSizeHint();
     if (size.isEmpty() || size == m_view->pictureSize())
         return;
+    m_ui->framePlayer->setVideoSize(size);
     m_view->setPictureSize(size);
     repaintPlayer();
 }

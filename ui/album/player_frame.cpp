@@ -1,5 +1,7 @@
 #include "ui/album/player_frame.h"
 
+#include "ui/common/picture_layout.h"
+
 #include <QKeyEvent>
 
 namespace zelvaro {
@@ -17,15 +19,26 @@ void PlayerFrame::setPlayer(QWidget *player)
 {
     m_player = player;
     m_player->setParent(this);
-    m_player->setGeometry(rect());
+    placePlayer();
     m_player->show();
+}
+
+void PlayerFrame::setVideoSize(QSize size)
+{
+    m_videoSize = size;
+    placePlayer();
+}
+
+void PlayerFrame::placePlayer()
+{
+    if (m_player)
+        m_player->setGeometry(fittedRect(QWidget::size(), m_videoSize));
 }
 
 void PlayerFrame::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    if (m_player)
-        m_player->setGeometry(rect());
+    placePlayer();
 }
 
 void PlayerFrame::keyReleaseEvent(QKeyEvent *event)

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <QSize>
 #include <QWidget>
 
 namespace zelvaro {
 
-/// The surface that a video player stands in: black, and filled by the player, which keeps its
-/// place there when the surface goes to the full screen and back. GUI thread only.
+/// The surface that a video player stands in: black, and filled by the player as far as the
+/// video's ratio lets it, also when the surface goes to the full screen and back. GUI thread only.
 class PlayerFrame : public QWidget
 {
     Q_OBJECT
@@ -13,8 +14,10 @@ class PlayerFrame : public QWidget
 public:
     explicit PlayerFrame(QWidget *parent = nullptr);
 
-    /// The widget that fills the surface; becomes its child.
+    /// Becomes a child of the surface.
     void setPlayer(QWidget *player);
+    /// The player keeps the ratio of that size. Empty: unknown, it takes the whole surface.
+    void setVideoSize(QSize size);
 
 signals:
     /// Escape was released.
@@ -25,7 +28,10 @@ protected:
     void keyReleaseEvent(QKeyEvent *event) override;
 
 private:
+    void placePlayer();
+
     QWidget *m_player = nullptr;
+    QSize m_videoSize;
 };
 
 } // namespace zelvaro

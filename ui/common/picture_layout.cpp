@@ -107,4 +107,11 @@ PictureLayout layoutPicture(QSize area, QSize picture, int zoom)
     return layout;
 }
 
+QRect fittedRect(QSize area, QSize picture)
+{
+    QRect rect({0, 0}, picture.isEmpty() ? area : picture.scaled(area, Qt::KeepAspectRatio));
+    rect.moveTopLeft({(area.width() - rect.width()) / 2, (area.height() - rect.height()) / 2});
+    return rect;
+}
+
 } // namespace zelvaro

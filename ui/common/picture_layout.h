@@ -39,4 +39,8 @@ struct PictureLayout
 /// @param zoom    percent
 PictureLayout layoutPicture(QSize area, QSize picture, int zoom);
 
+/// The largest place in the middle of an area that has the ratio of the picture: the full width for
+/// one that is relatively wider, else the full height. The whole area for an empty picture.
+QRect fittedRect(QSize area, QSize picture);
+
 } // namespace zelvaro
