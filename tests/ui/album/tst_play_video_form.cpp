@@ -1,0 +1,302 @@
+#include "resources/resources.h"
+#include "tests/ui/album/album_fixture.h"
+#include "ui/album/click_video_player.h"
+#include "ui/album/play_video_form.h"
+#include "ui/album/player_frame.h"
+
+#include <QLabel>
+#include <QSlider>
+#include <QToolButton>
+
+#include <phonon/mediaobject.h>
+#include <phonon/seekslider.h>
+
+/// The page without a picture: what it does with the states that a player goes through, and with
+/// files that are no recordings. Playback itself is in tst_playback.
+class tst_PlayVideoForm : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void theStatusSaysTheDefaultUntilTheSizeIsKnown();
+    void zoomAndSizeStartAnewForEachRecording();
+    void statesChangeThePlayButton();
+    void previousAndNextStopAtTheEnds();
+    void deletingShowsTheNeighbour();
+    void deletingTheOnlyRecordingReturnsToTheAlbum();
+    void deletingLeavesTheStill();
+    void leavingBeforeTheStartDoesNotStart();
+    void leavingTwiceAndBeforeAnyRecordingIsSafe();
+    void backReturnsToTheAlbum();
+    void aLeftDoubleClickTogglesFullScreen();
+    void escapeLeavesFullScreen();
+    void filesThatAreNoRecordings_data();
+    void filesThatAreNoRecordings();
+    void theSeekSliderFollowsTheRecording();
+    void thePlayerKeepsTheRatio();
+
+private:
+    void add(const QString &name, const QByteArray &bytes = "no recording")
+    {
+        auto *tile = new CPhotoMgrItemForm(m_owner.get());
+        tile->setItem(name, m_album->write("A", name, bytes));
+        m_list << tile;
+    }
+    void show(int index = 0);
+    QString status() { return m_page->findChild<QLabel *>("labelStatus")->text(); }
+    QToolButton *button(const char *name) { return m_page->findChild<QToolButton *>(name); }
+    void click(const char *name) { QTest::mouseClick(button(name), Qt::LeftButton); }
+    bool showsPause()
+    {
+        const QImage pause = QIcon(":/images/panelbtn/pausebtn.png").pixmap(32, 32).toImage();
+        return button("btnPlay")->icon().pixmap(32, 32).toImage() == pause;
+    }
+    zelvaro::PlayerFrame *surface() { return m_page->findChild<zelvaro::PlayerFrame *>(); }
+
+    std::unique_ptr<AlbumFixture> m_album;
+    std::unique_ptr<QWidget> m_owner;
+    std::unique_ptr<CPlayVideoForm> m_page;
+    PageHost::TileList m_list;
+};
+
+void tst_PlayVideoForm::initTestCase()
+{
+    zelvaro::initResources();
+}
+
+void tst_PlayVideoForm::init()
+{
+    m_album = std::make_unique<AlbumFixture>();
+    m_owner = std::make_unique<QWidget>();
+    m_page = std::make_unique<CPlayVideoForm>();
+    m_page->resize(900, 700);
+}
+
+void tst_PlayVideoForm::cleanup()
+{
+    m_page.reset();
+    m_list.clear();
+    m_owner.reset();
+    m_album.reset();
+}
+
+void tst_PlayVideoForm::show(int index)
+{
+    m_page->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_page.get()));
+    m_page->setList(&m_list);
+    m_page->showVideo(m_list.at(index));
+}
+
+void tst_PlayVideoForm::theStatusSaysTheDefaultUntilTheSizeIsKnown()
+{
+    add("a.mp4");
+    show();
+    QCOMPARE(status(), QString("a.mp4  640x480(100%)"));
+}
+
+void tst_PlayVideoForm::zoomAndSizeStartAnewForEachRecording()
+{
+    add("a.mp4");
+    add("b.mp4");
+    show();
+    click("btnZoomOut");
+    QCOMPARE(m_page->zoom(), 75);
+    click("btnNext");
+    QCOMPARE(m_page->zoom(), 100);
+    QCOMPARE(status(), QString("b.mp4  640x480(100%)"));
+}
+
+void tst_PlayVideoForm::statesChangeThePlayButton()
+{
+    add("a.mp4");
+    show();
+    QVERIFY(!showsPause());
+    m_page->slotStateChanged(Phonon::PlayingState, Phonon::PausedState);
+    QVERIFY(showsPause());
+    QCOMPARE(button("btnPlay")->accessibleName(), QString("Pause"));
+    m_page->slotStateChanged(Phonon::BufferingState, Phonon::PlayingState);
+    QVERIFY(showsPause());
+    m_page->slotStateChanged(Phonon::PausedState, Phonon::PlayingState);
+    QVERIFY(!showsPause());
+    QCOMPARE(button("btnPlay")->accessibleName(), QString("Play"));
+    m_page->slotStateChanged(Phonon::PlayingState, Phonon::PausedState);
+    m_page->slotStateChanged(Phonon::StoppedState, Phonon::PlayingState);
+    QVERIFY(!showsPause());
+    m_page->slotStateChanged(Phonon::ErrorState, Phonon::StoppedState);
+    QVERIFY(status().contains("cannot be played"));
+}
+
+void tst_PlayVideoForm::previousAndNextStopAtTheEnds()
+{
+    add("a.mp4");
+    add("b.mp4");
+    show();
+    click("btnPrev");
+    QVERIFY(status().startsWith("a.mp4"));
+    click("btnNext");
+    click("btnNext");
+    QVERIFY(status().startsWith("b.mp4"));
+    QTest::keyClick(surface(), Qt::Key_Left);
+    QVERIFY(status().startsWith("a.mp4"));
+}
+
+void tst_PlayVideoForm::deletingShowsTheNeighbour()
+{
+    add("a.mp4");
+    add("b.mp4");
+    add("c.mp4");
+    show(2);
+    click("btnDelete");
+    QVERIFY(status().startsWith("b.mp4"));
+    QVERIFY(!QFile::exists(m_album->path("A", "c.mp4")));
+    click("btnPrev");
+    click("btnDelete");
+    QVERIFY(status().startsWith("b.mp4"));
+    QCOMPARE(m_list.size(), 1);
+    QVERIFY(m_album->host.pages.isEmpty());
+}
+
+void tst_PlayVideoForm::deletingTheOnlyRecordingReturnsToTheAlbum()
+{
+    add("a.mp4");
+    show();
+    click("btnDelete");
+    QVERIFY(m_list.isEmpty());
+    QVERIFY(!m_page->player()->isPlaying());
+    QCOMPARE(m_album->host.pages, QStringList({"back to videos"}));
+    QVERIFY(!QFile::exists(m_album->path("A", "a.mp4")));
+}
+
+void tst_PlayVideoForm::deletingLeavesTheStill()
+{
+    add("a.mp4");
+    const QString still = m_album->writePicture("A", "a.mp4.jpeg", Qt::red);
+    show();
+    click("btnDelete");
+    QVERIFY(QFile::exists(still));
+}
+
+void tst_PlayVideoForm::leavingBeforeTheStartDoesNotStart()
+{
+    add("a.mp4");
+    show();
+    m_page->stop(true);
+    // Longer than the delay of the start: a timer of ours that was begun after it.
+    QTimer later;
+    QSignalSpy fired(&later, &QTimer::timeout);
+    later.setSingleShot(true);
+    later.start(400);
+    QVERIFY(fired.wait(AlbumFixture::Deadline));
+    QCOMPARE(m_page->player()->mediaObject()->currentSource().type(), Phonon::MediaSource::Empty);
+}
+
+void tst_PlayVideoForm::leavingTwiceAndBeforeAnyRecordingIsSafe()
+{
+    m_page->stop(true);
+    m_page->slotPlay();
+    click("btnPlay");
+    click("btnNext");
+    click("btnZoomIn");
+    QVERIFY(!m_page->player());
+    add("a.mp4");
+    show();
+    m_page->stop(true);
+    m_page->stop(false);
+    m_page->setList(&m_list);
+    m_page->showVideo(m_list.first());
+    QVERIFY(status().startsWith("a.mp4"));
+}
+
+void tst_PlayVideoForm::backReturnsToTheAlbum()
+{
+    add("a.mp4");
+    show();
+    click("btnBack");
+    QCOMPARE(m_album->host.pages, QStringList({"back to videos"}));
+}
+
+void tst_PlayVideoForm::aLeftDoubleClickTogglesFullScreen()
+{
+    add("a.mp4");
+    show();
+    QSignalSpy doubleClicked(m_page->player(), &ClickVideoPlayer::doubleClicked);
+    QTest::mouseDClick(m_page->player(), Qt::RightButton);
+    QCOMPARE(doubleClicked.size(), 0);
+    QTest::mouseDClick(m_page->player(), Qt::LeftButton);
+    QCOMPARE(doubleClicked.size(), 1);
+    QVERIFY(m_page->isVideoFullScreen());
+    QVERIFY(surface()->isWindow());
+    QTest::mouseDClick(m_page->player(), Qt::LeftButton);
+    QVERIFY(!m_page->isVideoFullScreen());
+    QVERIFY(!surface()->isWindow());
+}
+
+void tst_PlayVideoForm::escapeLeavesFullScreen()
+{
+    add("a.mp4");
+    show();
+    click("btnFullScreen");
+    QVERIFY(m_page->isVideoFullScreen());
+    QTest::keyClick(surface(), Qt::Key_Escape);
+    QVERIFY(!m_page->isVideoFullScreen());
+    click("btnFullScreen");
+    m_page->stop(true);
+    QVERIFY(!m_page->isVideoFullScreen());
+}
+
+void tst_PlayVideoForm::filesThatAreNoRecordings_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("zero bytes") << QByteArray();
+    QTest::newRow("text") << QByteArray("this is no recording at all");
+    QTest::newRow("zeros") << QByteArray(5000, 0);
+    QTest::newRow("cut off") << QByteArray("\0\0\0\x18"
+                                           "ftypisom\0\0\0\0isomavc1\0\0\x10\0moov",
+                                           32);
+}
+
+void tst_PlayVideoForm::filesThatAreNoRecordings()
+{
+    QFETCH(QByteArray, bytes);
+    add("bad.mp4", bytes);
+    add("b.mp4");
+    show();
+    QTRY_VERIFY_WITH_TIMEOUT(status().contains("cannot be played") || status().contains("Phonon"),
+                             AlbumFixture::Deadline);
+    QVERIFY(!showsPause());
+    click("btnNext");
+    QCOMPARE(status(), QString("b.mp4  640x480(100%)"));
+    click("btnBack");
+    QCOMPARE(m_album->host.pages, QStringList({"back to videos"}));
+}
+
+void tst_PlayVideoForm::theSeekSliderFollowsTheRecording()
+{
+    add("a.mp4");
+    show();
+    auto *slider = m_page->findChild<Phonon::SeekSlider *>("sliderSeek");
+    QCOMPARE(slider->mediaObject(), m_page->player()->mediaObject());
+    QVERIFY(!slider->hasTracking());
+    QVERIFY(!slider->toolTip().isEmpty() && !slider->accessibleName().isEmpty());
+}
+
+void tst_PlayVideoForm::thePlayerKeepsTheRatio()
+{
+    zelvaro::PlayerFrame frame;
+    auto *player = new QWidget;
+    frame.resize(300, 300);
+    frame.setPlayer(player);
+    frame.show();
+    QCOMPARE(player->geometry(), QRect(0, 0, frame.width(), frame.height()));
+    frame.setVideoSize({400, 100});
+    QCOMPARE(player->height(), frame.width() / 4);
+    QCOMPARE(player->width(), frame.width());
+}
+
+QTEST_MAIN(tst_PlayVideoForm)
+#include "tst_play_video_form.moc"

@@ -1,0 +1,89 @@
+#include "tests/ui/album/album_fixture.h"
+#include "ui/album/sheet_picture.h"
+#include "ui/common/style_url.h"
+
+#include <QFrame>
+#include <QPixmap>
+
+class tst_SheetPicture : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theSheetTakesTheSmallPicture();
+    void theFileItselfStaysAtItsSize();
+    void noPictureDrawsNothing();
+    void sizesComeFromTheHeader();
+};
+
+namespace {
+
+QString sheetOf(const QString &file)
+{
+    return "QFrame#framePicture{border-image:url(" + zelvaro::styleUrl(file) + ");}";
+}
+
+} // namespace
+
+// One pixel of white in a large black picture: drawn at its own size it stays a dot; drawn from a
+// small picture it is a blur, or gone.
+void tst_SheetPicture::theSheetTakesTheSmallPicture()
+{
+    AlbumFixture album;
+    QDir().mkpath(album.root() + "/A");
+    const QString file = album.path("A", "dots.png");
+    QImage image(800, 600, QImage::Format_RGB32);
+    for (int y = 0; y < 600; ++y) {
+        for (int x = 0; x < 800; ++x)
+            image.setPixel(x, y, (x + y) % 2 ? 0xffffffff : 0xff000000);
+    }
+    QVERIFY(image.save(file, "PNG"));
+    QFrame frame;
+    frame.setObjectName("framePicture");
+    frame.resize(800, 600);
+    zelvaro::setPictureSheet(&frame, sheetOf(file), file, {80, 60});
+    const QColor middle = frame.grab().toImage().pixelColor(400, 300);
+    QVERIFY2(middle.red() > 60 && middle.red() < 200, qPrintable(middle.name()));
+}
+
+void tst_SheetPicture::theFileItselfStaysAtItsSize()
+{
+    AlbumFixture album;
+    const QString file = album.writePicture("A", "a.jpg", Qt::red, {800, 600});
+    QFrame frame;
+    frame.setObjectName("framePicture");
+    zelvaro::setPictureSheet(&frame, sheetOf(file), file, {80, 60});
+    QCOMPARE(QPixmap(file).size(), QSize(800, 600));
+    QVERIFY(alike(centreOf(&frame), Qt::red));
+}
+
+void tst_SheetPicture::noPictureDrawsNothing()
+{
+    AlbumFixture album;
+    const QString file = album.write("A", "a.jpg", "text");
+    QFrame frame;
+    frame.setObjectName("framePicture");
+    frame.setAutoFillBackground(true);
+    QPalette palette;
+    palette.setColor(QPalette::Window, Qt::yellow);
+    frame.setPalette(palette);
+    for (const QString &path : {file, album.path("A", "missing.jpg"), QString()}) {
+        zelvaro::setPictureSheet(&frame, sheetOf(path), path, {80, 60});
+        const QImage image = frame.grab().toImage();
+        QVERIFY(!image.isNull());
+        QCOMPARE(image.pixelColor(0, 0), image.pixelColor(image.width() / 2, image.height() / 2));
+    }
+}
+
+void tst_SheetPicture::sizesComeFromTheHeader()
+{
+    AlbumFixture album;
+    QCOMPARE(zelvaro::pictureSize(album.writePicture("A", "a.jpg", Qt::red, {321, 123})),
+             QSize(321, 123));
+    QCOMPARE(zelvaro::pictureSize(album.write("A", "b.jpg", "text")), QSize(0, 0));
+    QCOMPARE(zelvaro::pictureSize(album.path("A", "missing.jpg")), QSize(0, 0));
+    QCOMPARE(zelvaro::pictureSize({}), QSize(0, 0));
+}
+
+QTEST_MAIN(tst_SheetPicture)
+#include "tst_sheet_picture.moc"
