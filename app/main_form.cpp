@@ -76,6 +76,7 @@ CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<U
 
     m_ui->setupUi(this);
     m_ui->frameTitle->attach(this, true);
+    m_ui->pageCameraMgr->fill();
 
     buildSystemButtons();
     buildToolBar();

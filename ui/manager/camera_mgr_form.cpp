@@ -12,9 +12,16 @@ CCameraMgrForm::CCameraMgrForm(QWidget *parent)
     m_ui->scrollCameraMgr->viewport()->installEventFilter(this);
     connect(m_ui->scrollCameraMgr->verticalScrollBar(), &QScrollBar::valueChanged, this,
             &CCameraMgrForm::tellVisibleRows);
+    // Before the first show, which makes a window of the window system of whatever is not hidden.
+    tellVisibleRows();
 }
 
 CCameraMgrForm::~CCameraMgrForm() = default;
+
+void CCameraMgrForm::fill()
+{
+    m_ui->frameCameraMgr->fill();
+}
 
 // The viewport is what the user sees of the grid: it also narrows when a scroll bar comes.
 bool CCameraMgrForm::eventFilter(QObject *watched, QEvent *event)

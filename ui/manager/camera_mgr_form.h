@@ -17,6 +17,10 @@ public:
     explicit CCameraMgrForm(QWidget *parent = nullptr);
     ~CCameraMgrForm() override;
 
+    /// Makes a tile for each session that there is. Call once, when the page stands in its window:
+    /// a page that gets another parent is styled anew with all its tiles.
+    void fill();
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:

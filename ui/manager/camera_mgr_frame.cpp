@@ -20,7 +20,7 @@ namespace {
 constexpr int kMostCameras = 100;
 constexpr int kSpacing = 20; // pixels between tiles
 
-// A hidden row on either side keeps its pictures, so that a short scroll shows them at once.
+// A row beyond what is seen is ready on either side: the next scroll, or the Tab key, finds it.
 constexpr int kRowsAhead = 1;
 
 QGridLayout *makeGrid(QWidget *parent)
@@ -39,10 +39,15 @@ CCameraMgrFrame::CCameraMgrFrame(QWidget *parent)
     , m_addButton(new CAddButtonForm(this))
 {
     connect(m_addButton, &CAddButtonForm::clicked, this, &CCameraMgrFrame::slotAddButtonClicked);
+    m_visibleWidth = m_addButton->minimumWidth();
+    layoutAgain();
+}
+
+void CCameraMgrFrame::fill()
+{
     const CCameraList &cameras = CCameraList::instance();
     for (int i = 0; i < cameras.count(); ++i)
         addTile(cameras.at(i));
-    m_visibleWidth = m_addButton->minimumWidth();
     layoutAgain();
 }
 
@@ -55,14 +60,14 @@ void CCameraMgrFrame::layoutTiles(int visibleWidth)
     QWidgetList widgets = zelvaro::asWidgets(m_tiles);
     widgets.append(m_addButton);
     m_grid.place(widgets, m_columns, 1);
-    holdVisibleThumbs();
+    showNearTiles();
 }
 
 void CCameraMgrFrame::setVisibleRows(int top, int bottom)
 {
     m_visibleTop = top;
     m_visibleBottom = bottom;
-    holdVisibleThumbs();
+    showNearTiles();
 }
 
 void CCameraMgrFrame::layoutAgain()
@@ -71,7 +76,7 @@ void CCameraMgrFrame::layoutAgain()
 }
 
 // The place of a row follows from its number: the layout itself moves the tiles later.
-void CCameraMgrFrame::holdVisibleThumbs()
+void CCameraMgrFrame::showNearTiles()
 {
     if (m_visibleBottom < m_visibleTop)
         return;
@@ -80,7 +85,7 @@ void CCameraMgrFrame::holdVisibleThumbs()
     const int lastRow = m_visibleBottom / rowHeight + kRowsAhead;
     for (int i = 0; i < m_tiles.size(); ++i) {
         const int row = i / m_columns;
-        m_tiles.at(i)->setThumbWanted(firstRow <= row && row <= lastRow);
+        m_tiles.at(i)->setNear(firstRow <= row && row <= lastRow);
     }
 }
 
@@ -99,7 +104,7 @@ void CCameraMgrFrame::addTile(CCamera *camera)
     connect(tile, &CCameraMgrItemForm::motionCamera, this, &CCameraMgrFrame::slotMotionCamera);
     connect(tile, &CCameraMgrItemForm::rebootCamera, this, &CCameraMgrFrame::slotRebootCamera);
     m_tiles.append(tile);
-    setTabOrder(tile, m_addButton);
+    setTabOrder(tile->lastInTabOrder(), m_addButton);
     tile->show();
 }
 

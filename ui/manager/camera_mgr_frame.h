@@ -18,14 +18,16 @@ class CCameraMgrFrame : public QWidget
     Q_OBJECT
 
 public:
-    /// Makes a tile for each session that there is.
     explicit CCameraMgrFrame(QWidget *parent = nullptr);
+
+    /// Makes a tile for each session that there is. Call once.
+    void fill();
 
     /// Flows the tiles into as many columns as fit into that width (pixels). A width under one
     /// tile leaves the arrangement as it is.
     void layoutTiles(int visibleWidth);
-    /// Tells which rows can be seen (pixels from the top of this frame), so that only their tiles
-    /// hold pictures.
+    /// Tells which rows can be seen (pixels from the top of this frame): only their tiles, and the
+    /// rows next to them, are windows of the window system and hold pictures.
     void setVisibleRows(int top, int bottom);
 
     const QList<CCameraMgrItemForm *> &tiles() const { return m_tiles; }
@@ -46,7 +48,7 @@ private:
     /// Ends the session and forgets tile, session and record. The file is not saved.
     void takeDown(CCameraMgrItemForm *item);
     void layoutAgain();
-    void holdVisibleThumbs();
+    void showNearTiles();
     QWidget *dialogParent();
 
     zelvaro::TileGrid m_grid;

@@ -5,6 +5,7 @@
 #include "ui/common/style_url.h"
 #include "ui_camera_mgr_item_form.h"
 
+#include <QApplication>
 #include <QContextMenuEvent>
 #include <QFileInfo>
 #include <QKeyEvent>
@@ -34,6 +35,9 @@ CCameraMgrItemForm::CCameraMgrItemForm(QWidget *parent)
     m_ui->setupUi(this);
     m_defaultPicture = m_ui->frameCameraItem->styleSheet();
     m_ui->labelStatusText->hide();
+    QSizePolicy policy = sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    setSizePolicy(policy);
     showFocus(false);
     buildMenu();
 }
@@ -68,12 +72,20 @@ void CCameraMgrItemForm::setCamera(CCamera *camera)
             &CCameraMgrItemForm::slotCameraThumbChanged);
 }
 
-void CCameraMgrItemForm::setThumbWanted(bool wanted)
+void CCameraMgrItemForm::setNear(bool isNear)
 {
-    if (m_thumbWanted == wanted)
+    // Hiding what has the focus would give it to another tile, and the page would scroll there.
+    const bool focused = isAncestorOf(QApplication::focusWidget()) || hasFocus();
+    setVisible(isNear || focused);
+    if (m_near == isNear)
         return;
-    m_thumbWanted = wanted;
+    m_near = isNear;
     showThumb();
+}
+
+QWidget *CCameraMgrItemForm::lastInTabOrder() const
+{
+    return m_ui->btnMenu;
 }
 
 void CCameraMgrItemForm::slotDelete()
@@ -159,7 +171,7 @@ void CCameraMgrItemForm::showTexts()
 
 void CCameraMgrItemForm::showThumb()
 {
-    if (!m_camera || !m_thumbWanted || !m_camera->has_thumb()) {
+    if (!m_camera || !m_near || !m_camera->has_thumb()) {
         m_ui->frameCameraItem->setStyleSheet(m_defaultPicture);
         return;
     }

@@ -25,9 +25,13 @@ public:
     void setCamera(CCamera *camera);
     CCamera *camera() const { return m_camera; }
 
-    /// Whether the picture is to be held. A tile that cannot be seen lets go of it: a picture in a
-    /// style sheet takes its full size in memory, 8 MB from a 1080p camera.
-    void setThumbWanted(bool wanted);
+    /// Whether the tile stands in what the user sees, or next to it. One that does not is hidden
+    /// unless it has the focus, and lets go of its picture: each widget of a tile is a window of
+    /// the window system, and a picture in a style sheet takes its full size in memory, 8 MB from
+    /// a 1080p camera. Its place in the grid stays.
+    void setNear(bool isNear);
+    /// The last of the tile's widgets that the Tab key reaches.
+    QWidget *lastInTabOrder() const;
 
 signals:
     void deleteCamera(CCameraMgrItemForm *item);
@@ -64,6 +68,6 @@ private:
     std::unique_ptr<Ui::CCameraMgrItemForm> m_ui;
     CCamera *m_camera = nullptr;
     QString m_defaultPicture; // style sheet of the picture frame without a thumbnail
-    bool m_thumbWanted = true;
+    bool m_near = true;
     ThumbStamp m_thumbStamp{0, -1};
 };

@@ -80,6 +80,8 @@ private slots:
     void aPageNarrowerThanOneTileKeepsItsArrangement();
     void resizingThePageLaysOutAgain();
     void onlyTilesThatAreSeenHoldPictures();
+    void theTabKeyReachesEveryTile();
+    void scrollingAwayFromTheFocusDoesNotScrollBack();
 
     void addingACameraRegistersSavesAndStarts();
     void cancellingTheAddDialogChangesNothing();
@@ -114,6 +116,7 @@ private:
         m_registry->addMany(cameras);
         m_registry->start();
         m_frame = std::make_unique<CCameraMgrFrame>();
+        m_frame->fill();
     }
     Cell cellOf(QWidget *widget) const
     {
@@ -224,6 +227,7 @@ void CameraMgrFrameTest::resizingThePageLaysOutAgain()
     m_registry->addMany(6);
     m_registry->start();
     CCameraMgrForm page;
+    page.fill();
     page.resize(1000, 600);
     page.show();
     QVERIFY(QTest::qWaitForWindowExposed(&page));
@@ -257,6 +261,7 @@ void CameraMgrFrameTest::onlyTilesThatAreSeenHoldPictures()
         QVERIFY(image.save(file, "JPEG"));
     }
     CCameraMgrForm page;
+    page.fill();
     page.resize(1000, 600);
     page.show();
     QVERIFY(QTest::qWaitForWindowExposed(&page));
@@ -275,6 +280,49 @@ void CameraMgrFrameTest::onlyTilesThatAreSeenHoldPictures()
     bar->setValue(bar->maximum());
     QVERIFY(holds(99));
     QVERIFY(!holds(0));
+}
+
+void CameraMgrFrameTest::theTabKeyReachesEveryTile()
+{
+    m_registry->addMany(30);
+    m_registry->start();
+    CCameraMgrForm page;
+    page.fill();
+    page.resize(500, 400);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowActive(&page));
+    auto *frame = page.findChild<CCameraMgrFrame *>("frameCameraMgr");
+    frame->tiles().at(0)->setFocus();
+    for (CCameraMgrItemForm *tile : frame->tiles()) {
+        QCOMPARE(page.focusWidget(), tile);
+        QVERIFY(!tile->visibleRegion().isEmpty());
+        QTest::keyClick(page.focusWidget(), Qt::Key_Tab);
+        QCOMPARE(page.focusWidget()->objectName(), QString("btnMenu"));
+        QTest::keyClick(page.focusWidget(), Qt::Key_Tab);
+    }
+    QCOMPARE(page.focusWidget()->objectName(), QString("btnAdd"));
+}
+
+void CameraMgrFrameTest::scrollingAwayFromTheFocusDoesNotScrollBack()
+{
+    m_registry->addMany(60);
+    m_registry->start();
+    CCameraMgrForm page;
+    page.fill();
+    page.resize(500, 400);
+    page.show();
+    QVERIFY(QTest::qWaitForWindowActive(&page));
+    auto *frame = page.findChild<CCameraMgrFrame *>("frameCameraMgr");
+    auto *bar = page.findChild<QScrollArea *>("scrollCameraMgr")->verticalScrollBar();
+    frame->tiles().at(0)->setFocus();
+    const int end = bar->maximum();
+    QVERIFY(end > 1000);
+    bar->setValue(end);
+    QCOMPARE(bar->maximum(), end);
+    QCOMPARE(bar->value(), end);
+    QCOMPARE(page.focusWidget(), frame->tiles().at(0));
+    QVERIFY(frame->tiles().at(1)->isHidden());
+    QVERIFY(frame->tiles().at(59)->isVisible());
 }
 
 void CameraMgrFrameTest::addingACameraRegistersSavesAndStarts()
@@ -504,6 +552,7 @@ void CameraMgrFrameTest::modifyingOnlyThePasswordMovesTheCameraToTheEnd()
     m_registry->add("B", "b", true);
     m_registry->start();
     m_frame = std::make_unique<CCameraMgrFrame>();
+    m_frame->fill();
     ModalScript script;
     script.then([](QWidget *dialog) { enter(dialog, {"A", "admin", "other", "a"}); });
     m_frame->tiles().at(0)->slotModify();
@@ -549,6 +598,7 @@ void CameraMgrFrameTest::modifyingAnIpCameraMakesItP2P()
     Registry::settings().addRecord(CAMERA_TYPE_IP, "10.0.0.9", "admin", "x", "Old", true);
     m_registry->start();
     m_frame = std::make_unique<CCameraMgrFrame>();
+    m_frame->fill();
     ModalScript script;
     script.then([](QWidget *dialog) { enter(dialog, {"10.0.0.9", "admin", "x", "New"}); });
     m_frame->tiles().at(0)->slotModify();

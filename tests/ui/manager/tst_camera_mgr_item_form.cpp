@@ -52,6 +52,7 @@ private slots:
     void thumbnailsOfOddAlbumPathsAreDrawn();
     void aNewThumbnailUnderTheSamePathIsDrawn();
     void aTileThatIsNotSeenHoldsNoPicture();
+    void aTileWithTheFocusStays();
     void aBrokenThumbnailLeavesTheTileUsable();
     void menuHasExactlyPlayDeleteModify();
     void menuActionsAskForThemselves();
@@ -227,12 +228,30 @@ void CameraMgrItemFormTest::aTileThatIsNotSeenHoldsNoPicture()
 {
     writePicture(camera()->thumb_path(), Qt::red);
     m_tile->setCamera(camera());
-    m_tile->setThumbWanted(false);
+    m_tile->setNear(false);
+    QVERIFY(m_tile->isHidden());
     QVERIFY(pictureStyle().contains("novideo.png"));
     emit camera()->signalThumbChanged();
     QVERIFY(pictureStyle().contains("novideo.png"));
-    m_tile->setThumbWanted(true);
+    m_tile->setNear(true);
+    QVERIFY(!m_tile->isHidden());
     QCOMPARE(centre(), QColor(Qt::red));
+}
+
+void CameraMgrItemFormTest::aTileWithTheFocusStays()
+{
+    m_tile->setCamera(camera());
+    m_tile->show();
+    QVERIFY(QTest::qWaitForWindowActive(m_tile.get()));
+    m_tile->setFocus();
+    m_tile->setNear(false);
+    QVERIFY(!m_tile->isHidden());
+    find<QToolButton>("btnMenu")->setFocus();
+    m_tile->setNear(false);
+    QVERIFY(!m_tile->isHidden());
+    find<QToolButton>("btnMenu")->clearFocus();
+    m_tile->setNear(false);
+    QVERIFY(m_tile->isHidden());
 }
 
 void CameraMgrItemFormTest::aBrokenThumbnailLeavesTheTileUsable()
