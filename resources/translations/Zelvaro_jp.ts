@@ -574,12 +574,6 @@
         <source>Searching...</source>
         <translation>検索中...</translation>
     </message>
-    <message numerus="yes">
-        <source>%n camera(s) found</source>
-        <translation>
-            <numerusform>%n 台のカメラが見つかりました</numerusform>
-        </translation>
-    </message>
     <message>
         <source>Error</source>
         <translation>エラー</translation>
@@ -587,6 +581,10 @@
     <message>
         <source>Please select a camera.</source>
         <translation>カメラを選択してください。</translation>
+    </message>
+    <message>
+        <source>Cameras found: %1</source>
+        <translation>見つかったカメラ: %1 台</translation>
     </message>
 </context>
 <context>

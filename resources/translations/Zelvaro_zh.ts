@@ -574,12 +574,6 @@
         <source>Searching...</source>
         <translation>正在搜索...</translation>
     </message>
-    <message numerus="yes">
-        <source>%n camera(s) found</source>
-        <translation>
-            <numerusform>找到 %n 台摄像机</numerusform>
-        </translation>
-    </message>
     <message>
         <source>Error</source>
         <translation>错误</translation>
@@ -587,6 +581,10 @@
     <message>
         <source>Please select a camera.</source>
         <translation>请选择一台摄像机。</translation>
+    </message>
+    <message>
+        <source>Cameras found: %1</source>
+        <translation>找到的摄像机：%1</translation>
     </message>
 </context>
 <context>

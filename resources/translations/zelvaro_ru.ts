@@ -574,14 +574,6 @@
         <source>Searching...</source>
         <translation>Поиск...</translation>
     </message>
-    <message numerus="yes">
-        <source>%n camera(s) found</source>
-        <translation>
-            <numerusform>Найдена %n камера</numerusform>
-            <numerusform>Найдено %n камеры</numerusform>
-            <numerusform>Найдено %n камер</numerusform>
-        </translation>
-    </message>
     <message>
         <source>Error</source>
         <translation>Ошибка</translation>
@@ -589,6 +581,10 @@
     <message>
         <source>Please select a camera.</source>
         <translation>Выберите камеру.</translation>
+    </message>
+    <message>
+        <source>Cameras found: %1</source>
+        <translation>Найдено камер: %1</translation>
     </message>
 </context>
 <context>
