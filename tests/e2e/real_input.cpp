@@ -11,6 +11,22 @@ struct RealInput::Private
 {
     Display *display = nullptr;
 
+    /// Where the server has the point now: the window manager may have moved the window since Qt
+    /// last heard of it.
+    QPoint globalPoint(const QWidget *widget, QPoint point) const
+    {
+        if (point.x() < 0)
+            point = widget->rect().center();
+        const QWidget *native = widget->internalWinId() ? widget : widget->nativeParentWidget();
+        if (native != widget)
+            point = widget->mapTo(native, point);
+        int x = 0, y = 0;
+        Window unused = 0;
+        XTranslateCoordinates(display, native->internalWinId(), DefaultRootWindow(display),
+                              point.x(), point.y(), &x, &y, &unused);
+        return {x, y};
+    }
+
     void motion(QPoint global)
     {
         XTestFakeMotionEvent(display, -1, global.x(), global.y(), CurrentTime);
@@ -48,15 +64,6 @@ struct RealInput::Private
     }
 };
 
-namespace {
-
-QPoint globalPoint(const QWidget *widget, QPoint point)
-{
-    return widget->mapToGlobal(point.x() < 0 ? widget->rect().center() : point);
-}
-
-} // namespace
-
 RealInput::RealInput() : d(std::make_unique<Private>())
 {
     d->display = XOpenDisplay(nullptr);
@@ -81,7 +88,7 @@ bool RealInput::isValid() const
 
 void RealInput::moveTo(const QWidget *widget, QPoint point)
 {
-    d->motion(globalPoint(widget, point));
+    d->motion(d->globalPoint(widget, point));
 }
 
 void RealInput::click(const QWidget *widget, QPoint point)
@@ -101,8 +108,8 @@ void RealInput::drag(const QWidget *widget, QPoint from, QPoint to)
 {
     constexpr int steps = 8;
     // The widget may move with the pointer: the way is fixed before the button goes down.
-    const QPoint start = widget->mapToGlobal(from);
-    const QPoint end = widget->mapToGlobal(to);
+    const QPoint start = d->globalPoint(widget, from);
+    const QPoint end = d->globalPoint(widget, to);
     d->motion(start);
     d->button(true);
     for (int step = 1; step <= steps; ++step)

@@ -34,7 +34,7 @@ void CSearchCameraForm::setSearching(bool searching)
     m_ui->btnOk->setEnabled(!searching);
     m_ui->btnCancel->setEnabled(!searching);
     m_ui->labelStatus->setText(searching ? tr("Searching...")
-                                         : tr("%n camera(s) found", nullptr, m_model.rowCount()));
+                                         : tr("Cameras found: %1").arg(m_model.rowCount()));
 }
 
 void CSearchCameraForm::slotNDCPEvent(int nMsg, int nErrorCode)
