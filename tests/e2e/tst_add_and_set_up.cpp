@@ -1,0 +1,272 @@
+#include "app/main_form.h"
+#include "app/message_box.h"
+#include "tests/e2e/modal_queue.h"
+#include "tests/e2e/program_run.h"
+#include "ui/discovery/address_edit.h"
+#include "ui/discovery/camera_set_up.h"
+#include "ui/discovery/search_camera_form.h"
+#include "ui/discovery/search_camera_list_form.h"
+#include "ui/live/play_camera_form.h"
+#include "ui/manager/add_button_form.h"
+#include "ui/manager/add_camera_form.h"
+#include "ui/manager/camera_mgr_item_form.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenu>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QTableView>
+#include <QTest>
+#include <QToolButton>
+
+using zelvaro::test::CamsimProcess;
+
+namespace {
+
+constexpr int kPatience = 40'000; // milliseconds for anything that needs a camera
+
+} // namespace
+
+/// A camera that the network answers with is added, watched, renamed, moved to another address,
+/// found again there, and deleted; the settings file is compared after each step.
+class TestAddAndSetUp : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cameraIsFoundAddedChangedMovedAndDeleted();
+
+private:
+    void add();
+    void watch();
+    void rename();
+    void moveToOtherAddress();
+    void remove();
+
+    QList<CCameraMgrItemForm *> tiles() const
+    {
+        return m_window->findChildren<CCameraMgrItemForm *>();
+    }
+    bool isConnected() const
+    {
+        return tiles().size() == 1 &&
+               tiles().first()->findChild<QWidget *>("labelStatusImage")->toolTip() == "Connected";
+    }
+    int page() const
+    {
+        return m_window->findChild<QStackedWidget *>("stackedWidget")->currentIndex();
+    }
+    template <typename Page>
+    void clickOn(Page *parent, const char *name)
+    {
+        m_input->click(parent->template findChild<QWidget *>(QLatin1String(name)));
+    }
+    void enter(QWidget *parent, const char *name, const QString &text)
+    {
+        auto *edit = parent->findChild<QLineEdit *>(QLatin1String(name));
+        m_input->click(edit);
+        QTRY_VERIFY_WITH_TIMEOUT(edit->hasFocus(), kPatience);
+        m_input->selectAll();
+        m_input->type(text);
+        QTRY_COMPARE_WITH_TIMEOUT(edit->text(), text, kPatience);
+    }
+    void chooseFromMenu(const QString &text);
+    void playAndGoBack();
+    QByteArray settingsWith(const QByteArray &name) const
+    {
+        return "ALBUMPATH=" + m_run->albumFolder().toUtf8() +
+               "\n[0]\nTYPE=P2P\nHOSTNAME=" + QByteArray::fromStdString(m_uid) +
+               "\nUSERNAME=admin\nPASSWORD=secret\nNAME=" + name + "\nMULTILIVE=0\n";
+    }
+
+    ProgramRun *m_run = nullptr;
+    RealInput *m_input = nullptr;
+    CamsimProcess *m_cameras = nullptr;
+    CMainForm *m_window = nullptr;
+    std::string m_uid;
+};
+
+void TestAddAndSetUp::cameraIsFoundAddedChangedMovedAndDeleted()
+{
+    RealInput input;
+    if (!input.isValid())
+        QSKIP("The display has no XTEST extension.");
+    CamsimProcess cameras({"--count", "1", "--user", "admin", "--password", "secret", "--name",
+                           "Porch camera", "--main-size", "640x360", "--main-bitrate", "800000"});
+    ProgramRun run;
+    ProgramRun::makeFindable(cameras);
+    m_run = &run;
+    m_input = &input;
+    m_cameras = &cameras;
+    m_uid = cameras.camera().uid;
+    bool finished = false;
+    const int code = run.run([&](CMainForm &window) {
+        m_window = &window;
+        for (const auto step :
+             {&TestAddAndSetUp::add, &TestAddAndSetUp::watch, &TestAddAndSetUp::rename,
+              &TestAddAndSetUp::moveToOtherAddress, &TestAddAndSetUp::remove}) {
+            (this->*step)();
+            if (QTest::currentTestFailed())
+                return;
+        }
+        finished = true;
+    });
+    QVERIFY(finished);
+    QCOMPARE(code, 0);
+}
+
+void TestAddAndSetUp::add()
+{
+    QVERIFY(QTest::qWaitForWindowActive(m_window, kPatience));
+    ModalQueue modals;
+    modals
+        .then<CAddCameraForm>([this](CAddCameraForm *dialog) {
+            QCOMPARE(dialog->findChild<QLabel *>("labelTitle")->text(),
+                     QStringLiteral("Add Camera"));
+            clickOn(dialog, "btnDiscovery");
+        })
+        .then<CSearchCameraForm>([this](CSearchCameraForm *picker) {
+            auto *list = picker->findChild<QListView *>("listCameraList");
+            QTRY_COMPARE_WITH_TIMEOUT(list->model()->rowCount(), 1, kPatience);
+            const QModelIndex row = list->model()->index(0, 0);
+            QVERIFY(row.data().toString().endsWith(
+                QStringLiteral("  (%1)").arg(QString::fromStdString(m_uid))));
+            m_input->click(list->viewport(), list->visualRect(row).center());
+            QTRY_COMPARE_WITH_TIMEOUT(list->currentIndex(), row, kPatience);
+            clickOn(picker, "btnOk");
+        })
+        .then<CAddCameraForm>([this](CAddCameraForm *dialog) {
+            QCOMPARE(dialog->findChild<QLineEdit *>("editUid")->text(),
+                     QString::fromStdString(m_uid));
+            enter(dialog, "editUserName", "admin");
+            enter(dialog, "editPassword", "secret");
+            enter(dialog, "editCameraName", "Porch");
+            clickOn(dialog, "btnOk");
+        });
+    clickOn(m_window->findChild<CAddButtonForm *>(), "btnAdd");
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(isConnected(), kPatience);
+    QCOMPARE(m_run->settings(), settingsWith("Porch"));
+}
+
+void TestAddAndSetUp::watch()
+{
+    playAndGoBack();
+    QCOMPARE(m_run->settings(), settingsWith("Porch"));
+}
+
+void TestAddAndSetUp::playAndGoBack()
+{
+    m_input->doubleClick(tiles().first()->findChild<QWidget *>("frameCameraItem"));
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), kPatience);
+    auto *live = m_window->findChild<CPlayCameraForm *>();
+    QTRY_VERIFY_WITH_TIMEOUT(
+        live->findChild<QLabel *>("labelStatus")->text().startsWith("640x360("), 2 * kPatience);
+    clickOn(live, "btnBack");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), kPatience);
+}
+
+void TestAddAndSetUp::chooseFromMenu(const QString &text)
+{
+    auto *button = tiles().first()->findChild<QToolButton *>("btnMenu");
+    m_input->click(button);
+    QTRY_VERIFY_WITH_TIMEOUT(button->menu()->isVisible(), kPatience);
+    for (QAction *action : button->menu()->actions()) {
+        if (action->text() == text) {
+            m_input->click(button->menu(), button->menu()->actionGeometry(action).center());
+            return;
+        }
+    }
+    QFAIL("no such action");
+}
+
+void TestAddAndSetUp::rename()
+{
+    ModalQueue modals;
+    modals.then<CAddCameraForm>([this](CAddCameraForm *dialog) {
+        QCOMPARE(dialog->findChild<QLabel *>("labelTitle")->text(),
+                 QStringLiteral("Modify Camera"));
+        enter(dialog, "editCameraName", "Back porch");
+        clickOn(dialog, "btnOk");
+    });
+    chooseFromMenu("Modify");
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_run->settings(), settingsWith("\"Back porch\""), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(isConnected(), kPatience);
+    QCOMPARE(tiles().first()->findChild<QLabel *>("labelCameraName")->text(),
+             QStringLiteral("Back porch"));
+}
+
+void TestAddAndSetUp::moveToOtherAddress()
+{
+    clickOn(m_window, "btnSetUp");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageSearchCameraList), kPatience);
+    auto *search = m_window->findChild<CSearchCameraListForm *>();
+    auto *table = search->findChild<QTableView *>("tableView");
+    clickOn(search, "btnSearch");
+    QTRY_COMPARE_WITH_TIMEOUT(table->model()->rowCount(), 1, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == nullptr, kPatience);
+    QCOMPARE(table->model()->index(0, 3).data().toString(), QStringLiteral("127.0.0.1"));
+    m_input->click(table->viewport(), table->visualRect(table->model()->index(0, 0)).center());
+    QTRY_COMPARE_WITH_TIMEOUT(table->currentIndex().row(), 0, kPatience);
+
+    ModalQueue modals;
+    modals.then<CCameraSetUp>([this](CCameraSetUp *dialog) {
+        enter(dialog, "editUserName", "admin");
+        enter(dialog, "editPassword", "secret");
+        QSignalSpy read(dialog, &CCameraSetUp::signalGetConfFinished);
+        clickOn(dialog, "btnQuery");
+        QTRY_COMPARE_WITH_TIMEOUT(read.count(), 1, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(dialog->findChild<QLineEdit *>("editDeviceName")->text(),
+                                  QStringLiteral("Porch camera"), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, kPatience);
+        auto *manual = dialog->findChild<QCheckBox *>("checkAssignIp");
+        if (!manual->isChecked())
+            m_input->click(manual, QPoint(12, manual->height() / 2));
+        QTRY_VERIFY_WITH_TIMEOUT(manual->isChecked(), kPatience);
+        auto *ip = dialog->findChild<CAddressEdit *>("addressIp");
+        enter(ip, "octet1", "127");
+        enter(ip, "octet2", "0");
+        enter(ip, "octet3", "0");
+        enter(ip, "octet4", "2");
+        auto *mask = dialog->findChild<CAddressEdit *>("addressMask");
+        enter(mask, "octet1", "255");
+        QSignalSpy written(dialog, &CCameraSetUp::signalSetConfFinished);
+        clickOn(dialog, "btnApply");
+        QTRY_COMPARE_WITH_TIMEOUT(written.count(), 1, kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(m_cameras->status()["address"] == "127.0.0.2", kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, kPatience);
+        clickOn(dialog, "btnExit");
+    });
+    clickOn(search, "btnOk");
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * kPatience);
+    QCOMPARE(table->model()->index(0, 3).data().toString(), QStringLiteral("127.0.0.2"));
+
+    // Nobody told the session: it finds the camera by its UID.
+    clickOn(m_window, "btnCameraMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), kPatience);
+    playAndGoBack();
+    QCOMPARE(m_run->settings(), settingsWith("\"Back porch\""));
+}
+
+void TestAddAndSetUp::remove()
+{
+    ModalQueue modals;
+    modals.then<CMessageBox>([this](CMessageBox *box) {
+        QCOMPARE(box->findChild<QLabel *>("labelMessage")->text(),
+                 QStringLiteral("Delete camera?"));
+        clickOn(box, "btnOk");
+    });
+    chooseFromMenu("Delete");
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done() && tiles().isEmpty(), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_run->settings(),
+                              QByteArray("ALBUMPATH=" + m_run->albumFolder().toUtf8() + "\n"),
+                              kPatience);
+}
+
+QTEST_APPLESS_MAIN(TestAddAndSetUp)
+#include "tst_add_and_set_up.moc"
