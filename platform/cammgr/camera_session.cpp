@@ -9,7 +9,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The caller is promised 15 s.
+/// The caller is promised 15 s for both.
+constexpr std::chrono::milliseconds probeLimit = 14s;
 constexpr std::chrono::milliseconds commandLimit = 14s;
 constexpr std::chrono::milliseconds leastCommandTime = 1s;
 
@@ -38,6 +39,7 @@ void CameraSession::close(bool reportProbe)
     IoServices::instance().unwatchNetwork(m_watch);
     if (reportProbe)
         stopConnecting();
+    m_probeLimit.stop();
     m_commands.cancel();
     m_probe.cancel();
     m_probe.disconnect();
@@ -62,6 +64,10 @@ void CameraSession::tick()
     } else if (!m_schedule.isDue(Clock::now())) {
         finishProbe(m_schedule.remembered());
     } else {
+        m_probeLimit.start(probeLimit, [this] {
+            m_probe.cancel();
+            probed(ProbeOutcome::Silent);
+        });
         m_resolver->find([this, number](bool found) {
             if (number != m_probeNumber || m_probing != Probing::Finding)
                 return;
@@ -128,6 +134,7 @@ void CameraSession::probed(ProbeOutcome outcome)
 void CameraSession::finishProbe(ProbeOutcome outcome)
 {
     m_probing = Probing::Idle;
+    m_probeLimit.stop();
     if (outcome == ProbeOutcome::Answered)
         report(CAMMGR_MSG_PROBE_OK, 0);
     else if (outcome == ProbeOutcome::LoginRefused)

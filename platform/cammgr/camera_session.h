@@ -2,6 +2,7 @@
 
 #include "platform/cammgr/cammgr.h"
 #include "platform/cammgr/command_batch.h"
+#include "platform/cammgr/io_thread.h"
 #include "platform/cammgr/live_stream.h"
 #include "platform/cammgr/probe_schedule.h"
 #include "platform/cammgr/resolver.h"
@@ -116,6 +117,7 @@ private:
     };
     Probing m_probing = Probing::Idle;
     unsigned m_probeNumber = 0; ///< tells a late answer from the one that is waited for
+    Timer m_probeLimit;
     ProbeSchedule m_schedule;
     StreamPaths m_paths;
     StreamOrder m_order;

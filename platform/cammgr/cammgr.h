@@ -11,8 +11,11 @@
  * one JPEG takes), RtspPlayer_Stop (until nothing draws on the window any more) and
  * RtspPlayer_DeleteSync (until the player is gone).
  *
- * Results: 0 or positive for success, negative for failure, where nothing else is said.
- * Texts are NUL-terminated; the library copies what it keeps.
+ * Results: 0 or positive for success, negative for failure, where nothing else is said. A call with
+ * a handle that is null or was deleted does nothing: it returns a negative number, or 0 where the
+ * result is an answer (RtspPlayer_GetMode: 1).
+ * Texts are NUL-terminated; the library copies what it keeps. What is not valid UTF-8 is taken as
+ * Latin-1.
  */
 #ifndef ZELVARO_CAMMGR_H
 #define ZELVARO_CAMMGR_H
@@ -56,7 +59,10 @@ typedef void (*RtspPlayerCallback)(int message, int count_or_error, void *contex
 /*
  * Makes a player. hostname is an address ("192.168.1.20", "cam.lan:8554", "[fe80::1]"), a full
  * rtsp:// or rtsps:// address, or a UID as discovery shows it, which is resolved on the local
- * network. Nothing is sent yet. Returns NULL when no player can be made.
+ * network, and again whenever the camera does not answer any more. The path of a full address
+ * stands for both streams; its user name and password are taken when the other two are empty.
+ * Nothing is sent yet. Returns NULL when no player can be made (no hostname); one whose hostname
+ * means nothing is made, and its probes fail.
  */
 CAMMGR_API RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username,
                                          const char *password, RtspPlayerCallback callback,
@@ -64,25 +70,32 @@ CAMMGR_API RtspPlayer *RtspPlayer_Create(const char *hostname, const char *usern
 
 /*
  * Asks for one keep-alive probe, answered later by exactly one CAMMGR_MSG_PROBE_ message, also
- * when the player is stopped in between. A probe that is outstanding is not doubled.
+ * when the player is stopped in between, within 15 s. A probe that is outstanding is not doubled.
+ * A stream that plays answers it; so does memory for a while after a refused login (3 s, 6 s, up
+ * to 60 s, so that no camera locks the account) and for a host that is silent (up to 15 s, or
+ * until the network changes).
  */
 CAMMGR_API int RtspPlayer_TickAlive(RtspPlayer *player);
 
 /* Ends an outstanding probe early; it is then answered with CAMMGR_MSG_PROBE_FAILED. */
 CAMMGR_API int RtspPlayer_Stop_Connecting(RtspPlayer *player);
 
-/* Which stream suits a large picture: 0 the main stream, 1 the sub stream. */
+/* Which stream suits a large picture: 0 the main stream, of a camera that answered and has one;
+ * else 1, the sub stream. */
 CAMMGR_API int RtspPlayer_GetMode(RtspPlayer *player);
 
 /*
  * Chooses the stream (path "/live/0/h264.sdp" main, "/live/1/h264.sdp" sub) and the native window
- * that it is drawn on. The window must live until RtspPlayer_Stop has returned or another window
- * was set up. A stream that plays is moved to the new path and window at the next play.
+ * that it is drawn on; 0 plays without drawing. The window must live until RtspPlayer_Stop has
+ * returned or another window was set up. A stream that plays ends here, with its recording, when
+ * the path or the window is another one than before; the next play starts it there. A camera that
+ * does not know the path (404) is played from its largest or smallest ONVIF profile.
  */
 CAMMGR_API int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path,
                                              uintptr_t native_window);
 
-/* Starts the stream that was set up; nothing when it plays or is being started. Never waits. */
+/* Starts the stream that was set up; nothing when it plays or is being started, or while a refused
+ * login is not to be tried again. Never waits. */
 CAMMGR_API int RtspPlayer_Play(RtspPlayer *player);
 
 /* Ends the stream, its recording and its talk-back; the session goes on. Nothing draws on the
@@ -93,10 +106,12 @@ CAMMGR_API int RtspPlayer_Stop(RtspPlayer *player);
  * came for 5 s. */
 CAMMGR_API int RtspPlayer_IsPlaying(RtspPlayer *player);
 
-/* Asynchronous delete: CAMMGR_MSG_DELETED tells the end. Needs a stopped player. */
+/* Asynchronous delete: the handle is invalid from here on, an outstanding probe is still answered,
+ * and CAMMGR_MSG_DELETED is the last message. A player that plays is stopped first. */
 CAMMGR_API int RtspPlayer_Delete(RtspPlayer *player);
 
-/* Deletes at once; no callback runs during or after the call. Needs a stopped player. */
+/* Deletes at once; no callback runs during or after the call, nor does an outstanding probe get
+ * its answer. A player that plays is stopped first. Negative when called from a callback. */
 CAMMGR_API int RtspPlayer_DeleteSync(RtspPlayer *player);
 
 /* Non-zero when the stream that plays has video, audio. */
@@ -137,12 +152,16 @@ CAMMGR_API int RtspPlayer_GetVideoHeight(RtspPlayer *player);
 /*
  * Sends count request texts to the camera's HTTP port, in order, and answers later with one
  * CAMMGR_MSG_COMMAND_REPLIES that holds count reply bodies, within 15 s. A request that could not
- * be carried is answered with a failure text. One batch at a time; negative while one is out.
+ * be carried is answered with a failure text, whose first line is not "000 Success". The port is
+ * that of the camera's ONVIF service, else 80. One batch at a time, of at most 1,000 requests;
+ * negative while one is out.
  */
 CAMMGR_API int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requests,
                                                 int count);
 
-/* Talk-back: microphone to camera. Play never waits; IsPlaying is non-zero while it runs. */
+/* Talk-back: microphone to camera, over the ONVIF back channel. Play never waits; IsPlaying is
+ * non-zero from then on until Stop, RtspPlayer_Stop, or a failure (no microphone, a camera that
+ * takes no sound), which does not touch the stream. */
 CAMMGR_API int AudioUpload_Play(RtspPlayer *player);
 CAMMGR_API int AudioUpload_Stop(RtspPlayer *player);
 CAMMGR_API int AudioUpload_IsPlaying(RtspPlayer *player);
