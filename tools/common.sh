@@ -46,7 +46,8 @@ ensure_packages() {
 build() {
     local preset=$1 log
     shift
-    export CCACHE_BASEDIR=$root
+    # Objects of one clone serve every other.
+    export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
     export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
     log=$(mktemp)
     if ! (cd "$root" && cmake --preset "$preset") >"$log" 2>&1; then
