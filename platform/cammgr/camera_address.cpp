@@ -60,14 +60,6 @@ std::optional<uint16_t> parsePort(std::string_view text)
     return static_cast<uint16_t>(value);
 }
 
-bool isIpv6(std::string_view text)
-{
-    // The zone ("%eth0") is not part of what GLib's parser takes for granted everywhere.
-    const std::string address(text.substr(0, text.find('%')));
-    const ObjectPtr<GInetAddress> parsed(g_inet_address_new_from_string(address.c_str()));
-    return parsed && g_inet_address_get_family(parsed.get()) == G_SOCKET_FAMILY_IPV6;
-}
-
 bool isHostName(std::string_view text)
 {
     if (text.empty() || text.size() > maxHost || text.front() == '.' || text.front() == '-')
@@ -75,6 +67,17 @@ bool isHostName(std::string_view text)
     return std::all_of(text.begin(), text.end(), [](char c) {
         return g_ascii_isalnum(c) || c == '.' || c == '-' || c == '_';
     });
+}
+
+bool isIpv6(std::string_view text)
+{
+    // The zone ("%eth0") is not part of what GLib's parser takes for granted everywhere.
+    const size_t percent = text.find('%');
+    if (percent != std::string_view::npos && !isHostName(text.substr(percent + 1)))
+        return false;
+    const std::string address(text.substr(0, percent));
+    const ObjectPtr<GInetAddress> parsed(g_inet_address_new_from_string(address.c_str()));
+    return parsed && g_inet_address_get_family(parsed.get()) == G_SOCKET_FAMILY_IPV6;
 }
 
 /// host, host:port, [v6], [v6]:port or a bare IPv6 address.

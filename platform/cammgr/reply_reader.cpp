@@ -203,8 +203,10 @@ ReplyReader::State ReplyReader::readChunks()
 {
     for (;;) {
         const size_t feed = m_buffer.find('\n');
+        if (std::min(feed, m_buffer.size()) > m_limits.headerBytes)
+            return broken();
         if (feed == std::string::npos)
-            return m_buffer.size() > m_limits.headerBytes ? broken() : State::Incomplete;
+            return State::Incomplete;
         const std::string_view line = std::string_view(m_buffer).substr(0, feed);
         const std::optional<size_t> size = parseSize(trimmed(line.substr(0, line.find(';'))), 16);
         if (!size || *size + m_reply.body.size() > m_limits.bodyBytes)
@@ -212,16 +214,20 @@ ReplyReader::State ReplyReader::readChunks()
         if (*size == 0) {
             // Trailers are headers after the last chunk; nobody here needs them.
             const size_t end = headEnd(std::string_view(m_buffer));
+            if (std::min(end, m_buffer.size()) > m_limits.headerBytes)
+                return broken();
             if (end == std::string::npos)
-                return m_buffer.size() > m_limits.headerBytes ? broken() : State::Incomplete;
+                return State::Incomplete;
             m_buffer.erase(0, end);
             m_part = Part::Done;
             return State::Complete;
         }
         const size_t dataEnd = feed + 1 + *size;
         const size_t next = m_buffer.find('\n', dataEnd);
+        if (std::min(next, m_buffer.size()) > dataEnd + 1)
+            return broken();
         if (next == std::string::npos)
-            return m_buffer.size() > dataEnd + 2 ? broken() : State::Incomplete;
+            return State::Incomplete;
         m_reply.body.append(m_buffer, feed + 1, *size);
         m_buffer.erase(0, next + 1);
     }

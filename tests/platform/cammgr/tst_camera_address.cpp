@@ -111,6 +111,8 @@ TEST(CameraAddress, RefusesGarbage)
                              "rtsp://cam:port",
                              "rtsp://ca\r\nm/",
                              "rtsp://[::1/a",
+                             "rtsp://0::1%eth0]:58x",
+                             "[fe80::1%]",
                              "http://cam.lan",
                              ".x/",
                              "\xc3\xa4\xc3\xb6",

@@ -342,8 +342,9 @@ TEST(CammgrWithCamera, TheCameraHearsTheMicrophone)
         ASSERT_TRUE(player.until(
             30s, [&] { return cameras.statusNumber("back_channel_packets") > before + 10; }));
         // 20 ms of G.711 in each packet.
-        EXPECT_EQ(cameras.statusNumber("back_channel_bytes"),
-                  160 * cameras.statusNumber("back_channel_packets"));
+        const auto heard = cameras.status();
+        EXPECT_EQ(std::stol(heard.at("back_channel_bytes")),
+                  160 * std::stol(heard.at("back_channel_packets")));
         EXPECT_NE(AudioUpload_IsPlaying(player), 0);
         EXPECT_EQ(AudioUpload_Stop(player), 0);
         EXPECT_EQ(AudioUpload_IsPlaying(player), 0);

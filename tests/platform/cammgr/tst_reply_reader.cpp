@@ -63,6 +63,21 @@ TEST(ReplyReader, JoinsChunks)
     EXPECT_TRUE(reply.keepsConnection);
 }
 
+TEST(ReplyReader, AChunkEndsWhereItSays)
+{
+    for (const size_t piece : {1u, 1000u}) {
+        std::string_view text = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
+                                "4\r\n000 more\r\n0\r\n\r\n";
+        ReplyReader reader(Protocol::Http);
+        State state = State::Incomplete;
+        while (!text.empty() && state == State::Incomplete) {
+            state = reader.feed(text.substr(0, piece));
+            text.remove_prefix(std::min(piece, text.size()));
+        }
+        EXPECT_EQ(state, State::Broken) << piece;
+    }
+}
+
 TEST(ReplyReader, TheEndOfTheConnectionEndsABodyWithoutLength)
 {
     ReplyReader reader(Protocol::Http);

@@ -1,0 +1,56 @@
+#include "fuzz/expect.h"
+#include "platform/cammgr/reply_reader.h"
+#include "platform/cammgr/rtsp_login.h"
+
+#include <cstdint>
+
+using cammgr::Reply;
+using cammgr::ReplyReader;
+
+namespace {
+
+constexpr ReplyReader::Limits limits{.headerBytes = 512, .bodyBytes = 2048};
+
+void check(const Reply &reply)
+{
+    FUZZ_EXPECT(reply.status >= 100 && reply.status <= 999);
+    FUZZ_EXPECT(reply.body.size() <= limits.bodyBytes);
+    cammgr::RtspLogin login("admin", "secret");
+    if (login.takeChallenge(reply.all("WWW-Authenticate"))) {
+        const std::string answer = login.authorization("DESCRIBE", "rtsp://camera/live");
+        FUZZ_EXPECT(!answer.empty() && answer.find_first_of("\r\n") == std::string::npos);
+    }
+}
+
+/// What comes out in the end, when the bytes come in pieces of that size.
+int read(ReplyReader::Protocol protocol, std::string_view data, size_t piece)
+{
+    ReplyReader reader(protocol, limits);
+    int replies = 0;
+    auto state = ReplyReader::State::Incomplete;
+    while (!data.empty() && state != ReplyReader::State::Broken) {
+        state = reader.feed(data.substr(0, piece));
+        data.remove_prefix(std::min(piece, data.size()));
+        for (; state == ReplyReader::State::Complete; state = reader.feed({})) {
+            check(reader.take());
+            ++replies;
+        }
+    }
+    if (reader.end() == ReplyReader::State::Complete) {
+        check(reader.take());
+        ++replies;
+    }
+    return replies;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char *>(data), size);
+    for (const auto protocol : {ReplyReader::Protocol::Rtsp, ReplyReader::Protocol::Http}) {
+        const int whole = read(protocol, text, text.size());
+        FUZZ_EXPECT(read(protocol, text, 1) >= whole);
+    }
+    return 0;
+}
