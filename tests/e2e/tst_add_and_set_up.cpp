@@ -1,5 +1,6 @@
 #include "app/main_form.h"
 #include "app/message_box.h"
+#include "camera/motion_dialog.h"
 #include "tests/e2e/modal_queue.h"
 #include "tests/e2e/program_run.h"
 #include "ui/discovery/address_edit.h"
@@ -16,6 +17,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMenu>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStackedWidget>
@@ -44,6 +46,8 @@ private:
     void add();
     void watch();
     void rename();
+    void changeMotionWindows();
+    void reboot();
     void moveToOtherAddress();
     void remove();
 
@@ -199,6 +203,49 @@ void TestAddAndSetUp::rename()
     QTRY_VERIFY_WITH_TIMEOUT(isConnected(), kPatience);
     QCOMPARE(tiles().first()->findChild<QLabel *>("labelCameraName")->text(),
              QStringLiteral("Back porch"));
+}
+
+// The page keeps the motion and reboot flows behind slots that no control is connected to.
+void TestAddAndSetUp::changeMotionWindows()
+{
+    ModalQueue modals;
+    modals.then<Motion_Dialog>([this](Motion_Dialog *dialog) {
+        enter(dialog, "sens1", "42");
+        clickOn(dialog, "btnApply");
+        QTRY_VERIFY_WITH_TIMEOUT(
+            QString::fromStdString(m_cameras->status()["command_log"]).contains("SENSITIVITY=42"),
+            kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, kPatience);
+        dialog->findChild<QLineEdit *>("sens1")->clear();
+        clickOn(dialog, "btnQuery");
+        QTRY_COMPARE_WITH_TIMEOUT(dialog->findChild<QLineEdit *>("sens1")->text(),
+                                  QStringLiteral("42"), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, kPatience);
+        clickOn(dialog, "btnExit");
+    });
+    QMetaObject::invokeMethod(tiles().first(), "slotMotion", Qt::QueuedConnection);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * kPatience);
+}
+
+void TestAddAndSetUp::reboot()
+{
+    ModalQueue modals;
+    modals
+        .then<CMessageBox>([this](CMessageBox *question) {
+            QCOMPARE(question->findChild<QLabel *>("labelMessage")->text(),
+                     QStringLiteral("Reboot camera?"));
+            const QPointer<CMessageBox> asked(question);
+            clickOn(question, "btnOk");
+            QTRY_VERIFY_WITH_TIMEOUT(!asked || !asked->isVisible(), kPatience);
+        })
+        .then<CMessageBox>([this](CMessageBox *result) {
+            QCOMPARE(result->findChild<QLabel *>("labelMessage")->text(),
+                     QStringLiteral("Reboot success. Please wait a few minutes and re-connect."));
+            clickOn(result, "btnOk");
+        });
+    QMetaObject::invokeMethod(tiles().first(), "slotReboot", Qt::QueuedConnection);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == nullptr, kPatience);
 }
 
 void TestAddAndSetUp::moveToOtherAddress()
