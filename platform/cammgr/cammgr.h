@@ -36,7 +36,8 @@ extern "C" {
 typedef struct RtspPlayer RtspPlayer;
 
 /* First argument of the callback. */
-enum {
+enum
+{
     CAMMGR_MSG_PROBE_OK = 0,       /* a probe was answered; count is 0, strings NULL */
     CAMMGR_MSG_PROBE_FAILED = 1,   /* a probe failed; the second argument is the error code:
                                       CAMMGR_ERROR_REFUSED or CAMMGR_ERROR_UNREACHABLE */
@@ -45,7 +46,8 @@ enum {
 };
 
 /* Second argument of CAMMGR_MSG_PROBE_FAILED. */
-enum {
+enum
+{
     CAMMGR_ERROR_UNREACHABLE = 0, /* no usable answer */
     CAMMGR_ERROR_REFUSED = 1      /* the camera refused the user name or password */
 };

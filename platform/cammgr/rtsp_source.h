@@ -68,7 +68,7 @@ private:
     const Transport m_transport;
     ObjectPtr<GstElement> m_pipeline;
     GstElement *m_rtspsrc = nullptr; ///< owned by the pipeline
-    uint64_t m_frames = 0; ///< the thread that delivers video
+    uint64_t m_frames = 0;           ///< the thread that delivers video
     // Threads of the pipeline.
     std::atomic<bool> m_videoSelected = false;
     std::atomic<bool> m_audioSelected = false;

@@ -22,25 +22,28 @@ extern "C" {
 #endif
 
 /* First argument of the callback. */
-enum {
+enum
+{
     NDCP_EVENT_DISCOVERY = 1, /* a search has finished; the device table may be read */
     NDCP_EVENT_GET_CONF = 2,  /* ndcpclient_get_conf has finished */
     NDCP_EVENT_SET_CONF = 3   /* ndcpclient_set_conf has finished */
 };
 
 /* Second argument of the callback; 0 is success. */
-enum {
-    NDCP_ERROR_NETWORK = -1,      /* no answer */
+enum
+{
+    NDCP_ERROR_NETWORK = -1,       /* no answer */
     NDCP_ERROR_AUTHORIZATION = -2, /* user name or password refused */
-    NDCP_ERROR_GET_CONF = -3,     /* the device could not tell its configuration */
-    NDCP_ERROR_SET_CONF = -4      /* the device did not take the configuration */
+    NDCP_ERROR_GET_CONF = -3,      /* the device could not tell its configuration */
+    NDCP_ERROR_SET_CONF = -4       /* the device did not take the configuration */
 };
 
 /*
  * One device, 408 bytes. Texts are NUL-terminated and cut to their fields. Numbers are in host
  * order; addresses are IPv4 as 32-bit numbers (127.0.0.1 is 0x7F000001), 0 when unknown.
  */
-typedef struct ndcp_device {
+typedef struct ndcp_device
+{
     uint8_t mac[6];
     uint8_t reserved[10];
     uint32_t ip;
