@@ -67,7 +67,11 @@ std::optional<std::uint32_t> ScreenReader::read()
 
 void ScreenReader::clear()
 {
-    XClearArea(d->display, DefaultRootWindow(d->display), 0, 0, 0, 0, False);
+    // Painted, not cleared: a root window without a background keeps what stood there.
+    const int screen = DefaultScreen(d->display);
+    XSetForeground(d->display, DefaultGC(d->display, screen), BlackPixel(d->display, screen));
+    XFillRectangle(d->display, DefaultRootWindow(d->display), DefaultGC(d->display, screen), 0, 0,
+                   static_cast<unsigned>(d->width), static_cast<unsigned>(d->height));
     XSync(d->display, False);
 }
 
