@@ -60,9 +60,11 @@ std::optional<std::uint32_t> ScreenReader::read()
 {
     if (!XShmGetImage(d->display, DefaultRootWindow(d->display), d->image, 0, 0, AllPlanes))
         return std::nullopt;
-    return camsim::timecode::readRgb(reinterpret_cast<const std::uint8_t *>(d->image->data),
-                                     d->image->bytes_per_line, d->image->bits_per_pixel / 8,
-                                     d->width, d->height);
+    const auto code = camsim::timecode::readRgb(
+        reinterpret_cast<const std::uint8_t *>(d->image->data), d->image->bytes_per_line,
+        d->image->bits_per_pixel / 8, d->width, d->height);
+    // A black place reads as zero with fitting check bits.
+    return code == 0U ? std::nullopt : code;
 }
 
 void ScreenReader::clear()
