@@ -2,37 +2,67 @@
 
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/common/status_text.h"
+#include "ui/common/video_area_frame.h"
 
 #include <QFile>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QToolButton>
 
 namespace zelvaro {
 
-AlbumView::AlbumView(QWidget *area, QWidget *box, QWidget *surface, QLabel *status)
-    : m_box(area, box, surface)
-    , m_status(status)
-{
-}
+AlbumView::AlbumView(QWidget *parent) : QWidget(parent) {}
 
 AlbumView::~AlbumView() = default;
+
+void AlbumView::setUp(const Widgets &widgets)
+{
+    m_box = std::make_unique<PictureBox>(widgets.area, widgets.box, widgets.surface);
+    m_surface = widgets.surface;
+    m_status = widgets.status;
+    m_surface->installEventFilter(this);
+    connect(widgets.area, &CVideoAreaFrame::signalResize, this, &AlbumView::slotPhotoAreaResize);
+    connect(widgets.previous, &QToolButton::clicked, this, &AlbumView::slotPrev);
+    connect(widgets.next, &QToolButton::clicked, this, &AlbumView::slotNext);
+    connect(widgets.zoomIn, &QToolButton::clicked, this, &AlbumView::slotZoomIn);
+    connect(widgets.zoomOut, &QToolButton::clicked, this, &AlbumView::slotZoomOut);
+    connect(widgets.remove, &QToolButton::clicked, this, &AlbumView::slotDelete);
+    connect(widgets.fullScreen, &QToolButton::clicked, this, &AlbumView::slotFullScreen);
+    connect(widgets.back, &QToolButton::clicked, this, &AlbumView::slotBack);
+}
+
+// --- the tiles -----------------------------------------------------------------------------------
 
 int AlbumView::currentIndex() const
 {
     return m_list && m_current ? static_cast<int>(m_list->indexOf(m_current)) : -1;
 }
 
-CPhotoMgrItemForm *AlbumView::previous() const
+void AlbumView::slotPrev()
 {
     const int index = currentIndex();
-    return index > 0 ? m_list->at(index - 1) : nullptr;
+    if (index > 0)
+        showTile(m_list->at(index - 1));
 }
 
-CPhotoMgrItemForm *AlbumView::next() const
+void AlbumView::slotNext()
 {
     const int index = currentIndex();
-    return index >= 0 && index + 1 < m_list->size() ? m_list->at(index + 1) : nullptr;
+    if (index >= 0 && index + 1 < m_list->size())
+        showTile(m_list->at(index + 1));
 }
 
+void AlbumView::slotDelete()
+{
+    closeFile();
+    if (CPhotoMgrItemForm *tile = deleteCurrent())
+        showTile(tile);
+    else
+        slotBack();
+}
+
+/// Nothing is deleted for a tile that is not in the list.
+/// @return the tile to show now; null when the list is empty
 CPhotoMgrItemForm *AlbumView::deleteCurrent()
 {
     const int index = currentIndex();
@@ -48,12 +78,22 @@ CPhotoMgrItemForm *AlbumView::deleteCurrent()
     return m_list->at(qBound(0, index, static_cast<int>(m_list->size()) - 1));
 }
 
-void AlbumView::show(CPhotoMgrItemForm *tile, QSize picture)
+void AlbumView::slotBack()
+{
+    leaveFullScreen();
+    leave();
+    if (PageHost *host = pageHost())
+        backToAlbum(*host);
+}
+
+// --- the picture on the page ---------------------------------------------------------------------
+
+void AlbumView::setCurrent(CPhotoMgrItemForm *tile, QSize picture)
 {
     m_current = tile;
     m_picture = picture;
     m_note.clear();
-    m_box.resetZoom();
+    m_box->resetZoom();
     place();
 }
 
@@ -69,47 +109,54 @@ void AlbumView::setNote(const QString &note)
     showStatus();
 }
 
-void AlbumView::areaResized()
+void AlbumView::slotPhotoAreaResize()
 {
-    m_box.resetZoom();
+    m_box->resetZoom();
     place();
 }
 
-void AlbumView::zoomIn()
+void AlbumView::slotZoomIn()
 {
-    m_box.zoomIn();
+    m_box->zoomIn();
     place();
 }
 
-void AlbumView::zoomOut()
+void AlbumView::slotZoomOut()
 {
-    m_box.zoomOut();
+    m_box->zoomOut();
     place();
 }
 
-void AlbumView::enterFullScreen()
+void AlbumView::slotFullScreen()
 {
-    m_box.enterFullScreen();
-    showStatus();
+    m_box->enterFullScreen();
+    moved();
 }
 
 void AlbumView::leaveFullScreen()
 {
-    m_box.leaveFullScreen();
-    showStatus();
+    m_box->leaveFullScreen();
+    moved();
 }
 
-void AlbumView::toggleFullScreen()
+void AlbumView::slotPhotoDoubleClicked()
 {
-    m_box.toggleFullScreen();
-    showStatus();
+    m_box->toggleFullScreen();
+    moved();
 }
 
 void AlbumView::place()
 {
-    m_box.calculate(m_picture);
-    m_box.position();
+    m_box->calculate(m_picture);
+    m_box->position();
+    moved();
+}
+
+void AlbumView::moved()
+{
     showStatus();
+    if (!isPictureFullScreen())
+        pictureMoved();
 }
 
 void AlbumView::showStatus()
@@ -119,10 +166,52 @@ void AlbumView::showStatus()
         return;
     }
     QString text = m_current->fileName() + QLatin1String(StatusGap) +
-                   scaledSizeText(m_picture, m_box.layout().videoRect.width());
+                   scaledSizeText(m_picture, m_box->layout().videoRect.width());
     if (!m_note.isEmpty())
         text += QLatin1String(StatusGap) + m_note;
     m_status->setText(text);
+}
+
+// --- keys ----------------------------------------------------------------------------------------
+
+// The picture in full screen is a window of its own, whose keys do not come to the page.
+bool AlbumView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_surface && event->type() == QEvent::KeyPress &&
+        handleKey(static_cast<QKeyEvent *>(event)->key()))
+        return true;
+    return QWidget::eventFilter(watched, event);
+}
+
+void AlbumView::keyPressEvent(QKeyEvent *event)
+{
+    if (!handleKey(event->key()))
+        QWidget::keyPressEvent(event);
+}
+
+bool AlbumView::handleKey(int key)
+{
+    switch (key) {
+    case Qt::Key_Left:
+    case Qt::Key_PageUp:
+        slotPrev();
+        return true;
+    case Qt::Key_Right:
+    case Qt::Key_PageDown:
+        slotNext();
+        return true;
+    case Qt::Key_Plus:
+        slotZoomIn();
+        return true;
+    case Qt::Key_Minus:
+        slotZoomOut();
+        return true;
+    case Qt::Key_Delete:
+        slotDelete();
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace zelvaro

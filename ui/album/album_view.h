@@ -5,57 +5,104 @@
 
 #include <QPointer>
 #include <QSize>
+#include <QWidget>
 
+#include <memory>
+
+class CVideoAreaFrame;
 class QLabel;
+class QToolButton;
 
 namespace zelvaro {
 
-/// What photo viewer and video player have in common: the tiles of the album that they step
-/// through, the picture's place on the page, and the status line. GUI thread only; list, tiles and
+/// What photo viewer and video player have in common: a page that shows one file of the album,
+/// steps through the album's tiles with buttons and keys, places the picture, takes it to the full
+/// screen, tells its size in the status line and deletes the file. GUI thread only; list, tiles and
 /// widgets are not owned.
-class AlbumView
+class AlbumView : public QWidget
 {
-public:
-    /// area, box, surface: as for PictureBox.
-    AlbumView(QWidget *area, QWidget *box, QWidget *surface, QLabel *status);
-    ~AlbumView();
+    Q_OBJECT
 
-    /// The album's own list; it outlives this.
-    void setList(PageHost::TileList *list) { m_list = list; }
+public:
+    explicit AlbumView(QWidget *parent = nullptr);
+    ~AlbumView() override;
+
+    /// The album's own list; it outlives this page.
+    virtual void setList(PageHost::TileList *list) { m_list = list; }
     /// Null before the first show, and when the album has dropped the tile.
     CPhotoMgrItemForm *current() const { return m_current; }
-    /// The neighbours of the current tile; null at the ends, there is no wrap-around.
-    CPhotoMgrItemForm *previous() const;
-    CPhotoMgrItemForm *next() const;
-    /// Takes the current tile out of the album's list and deletes its file and the tile. Nothing
-    /// for a tile that is not in the list.
-    /// @return the tile to show now; null when the list is empty
-    CPhotoMgrItemForm *deleteCurrent();
+    /// Percent of the picture's own size.
+    int zoom() const { return m_box->zoom(); }
+    bool isPictureFullScreen() const { return m_box->isFullScreen(); }
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+public slots:
+    void slotPhotoAreaResize();
+    /// Previous and next do nothing at the ends: there is no wrap-around.
+    void slotPrev();
+    void slotNext();
+    void slotZoomIn();
+    void slotZoomOut();
+    /// Does not ask. Shows the neighbour; behind the last one goes back to the album.
+    void slotDelete();
+    /// Enters the full screen, never leaves it.
+    void slotFullScreen();
+    void slotPhotoDoubleClicked();
+    void slotBack();
+
+protected:
+    struct Widgets
+    {
+        CVideoAreaFrame *area; ///< area, box and surface: as for PictureBox
+        QWidget *box;
+        QWidget *surface;
+        QLabel *status;
+        QToolButton *previous, *next, *zoomIn, *zoomOut, *remove, *fullScreen, *back;
+    };
+    /// The widgets of a page's form: the forms of both pages name them alike.
+    template <typename Form>
+    static Widgets widgetsOf(const Form &form, QWidget *surface)
+    {
+        return {form.framePhotoArea, form.framePhotoWindow, surface,        form.labelStatus,
+                form.btnPrev,        form.btnNext,          form.btnZoomIn, form.btnZoomOut,
+                form.btnDelete,      form.btnFullScreen,    form.btnBack};
+    }
+    /// Called once, when the page has made its form.
+    void setUp(const Widgets &widgets);
 
     /// Makes the tile the current one, with a picture of that size (pixels) at its natural zoom.
-    void show(CPhotoMgrItemForm *tile, QSize picture);
+    void setCurrent(CPhotoMgrItemForm *tile, QSize picture);
     /// The size turns out to be another; the zoom stays.
     void setPictureSize(QSize picture);
+    QSize pictureSize() const { return m_picture; }
     /// What the status line says behind the size: why there is nothing to see. Empty for nothing.
     void setNote(const QString &note);
-
-    void areaResized();
-    void zoomIn();
-    void zoomOut();
-    void enterFullScreen();
     void leaveFullScreen();
-    void toggleFullScreen();
-    bool isFullScreen() const { return m_box.isFullScreen(); }
-    int zoom() const { return m_box.zoom(); }
-    QSize pictureSize() const { return m_picture; }
+
+    virtual void showTile(CPhotoMgrItemForm *tile) = 0;
+    /// Lets go of the file: some systems do not delete one that is open.
+    virtual void closeFile() {}
+    /// The page is about to be left for the album.
+    virtual void leave() = 0;
+    virtual void backToAlbum(PageHost &host) = 0;
+    /// The picture stands elsewhere on the page, or has another size.
+    virtual void pictureMoved() {}
+    /// @return whether the key means something here
+    virtual bool handleKey(int key);
+
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     int currentIndex() const;
+    CPhotoMgrItemForm *deleteCurrent();
     void place();
+    void moved();
     void showStatus();
 
-    PictureBox m_box;
-    QLabel *m_status;
+    std::unique_ptr<PictureBox> m_box; // made after the widgets that it places
+    QWidget *m_surface = nullptr;
+    QLabel *m_status = nullptr;
     PageHost::TileList *m_list = nullptr;
     QPointer<CPhotoMgrItemForm> m_current;
     QSize m_picture;

@@ -45,6 +45,12 @@ void ClickVideoPlayer::closeFile()
     mediaObject()->clear();
 }
 
+void ClickVideoPlayer::clearVideo()
+{
+    if (mediaObject()->hasVideo())
+        mediaObject()->clear();
+}
+
 void ClickVideoPlayer::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton)

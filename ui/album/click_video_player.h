@@ -21,6 +21,8 @@ public:
     void playFile(const QString &file);
     /// Stops, and lets go of the file.
     void closeFile();
+    /// Takes the last picture away. Nothing when there is none.
+    void clearVideo();
 
 signals:
     /// A double click with the left button.

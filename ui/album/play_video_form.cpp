@@ -1,12 +1,10 @@
 #include "ui/album/play_video_form.h"
 
-#include "ui/album/album_view.h"
 #include "ui/album/click_video_player.h"
 #include "ui/album/clip_size.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui_play_video_form.h"
 
-#include <QKeyEvent>
 #include <QSlider>
 
 #include <phonon/mediaobject.h>
@@ -21,13 +19,11 @@ constexpr int kStartLimit = 5000;       // milliseconds until a recording must b
 } // namespace
 
 CPlayVideoForm::CPlayVideoForm(QWidget *parent)
-    : QWidget(parent)
+    : AlbumView(parent)
     , m_ui(std::make_unique<Ui::CPlayVideoForm>())
 {
     m_ui->setupUi(this);
-    m_view = std::make_unique<zelvaro::AlbumView>(m_ui->framePhotoArea, m_ui->framePhotoWindow,
-                                                  m_ui->framePlayer, m_ui->labelStatus);
-    m_ui->framePlayer->installEventFilter(this);
+    setUp(widgetsOf(*m_ui, m_ui->framePlayer));
     m_ui->sliderSeek->setIconVisible(false);
     // A seek for each pixel of a drag is more than the back end keeps up with.
     m_ui->sliderSeek->setTracking(false);
@@ -39,16 +35,7 @@ CPlayVideoForm::CPlayVideoForm(QWidget *parent)
     m_watchTimer.setInterval(kStartLimit);
     connect(&m_watchTimer, &QTimer::timeout, this, &CPlayVideoForm::watchStart);
 
-    connect(m_ui->framePhotoArea, &CVideoAreaFrame::signalResize, this,
-            &CPlayVideoForm::slotPhotoAreaResize);
-    connect(m_ui->btnPrev, &QToolButton::clicked, this, &CPlayVideoForm::slotPrev);
     connect(m_ui->btnPlay, &QToolButton::clicked, this, &CPlayVideoForm::slotPlay);
-    connect(m_ui->btnNext, &QToolButton::clicked, this, &CPlayVideoForm::slotNext);
-    connect(m_ui->btnZoomIn, &QToolButton::clicked, this, &CPlayVideoForm::slotZoomIn);
-    connect(m_ui->btnZoomOut, &QToolButton::clicked, this, &CPlayVideoForm::slotZoomOut);
-    connect(m_ui->btnDelete, &QToolButton::clicked, this, &CPlayVideoForm::slotDelete);
-    connect(m_ui->btnFullScreen, &QToolButton::clicked, this, &CPlayVideoForm::slotFullScreen);
-    connect(m_ui->btnBack, &QToolButton::clicked, this, &CPlayVideoForm::slotBack);
     connect(m_ui->framePlayer, &zelvaro::PlayerFrame::escaped, this,
             &CPlayVideoForm::slotPhotoDoubleClicked);
 }
@@ -70,7 +57,7 @@ void CPlayVideoForm::makePlayer()
 
 void CPlayVideoForm::setList(PageHost::TileList *list)
 {
-    m_view->setList(list);
+    AlbumView::setList(list);
     if (!m_player)
         makePlayer();
     connect(m_player->mediaObject(), &Phonon::MediaObject::stateChanged, this,
@@ -82,8 +69,7 @@ void CPlayVideoForm::showVideo(CPhotoMgrItemForm *tile)
     stopPlayer();
     showPlaying(false);
     m_ui->framePlayer->setVideoSize(kUnknownSize);
-    m_view->show(tile, kUnknownSize);
-    repaintPlayer();
+    setCurrent(tile, kUnknownSize);
     m_startTimer.start();
     m_ui->framePlayer->setFocus();
 }
@@ -94,11 +80,11 @@ void CPlayVideoForm::stop(bool clear)
         return;
     disconnect(m_player->mediaObject(), &Phonon::MediaObject::stateChanged, this,
                &CPlayVideoForm::slotStateChanged);
-    m_view->leaveFullScreen();
+    leaveFullScreen();
     stopPlayer();
     showPlaying(false);
-    if (clear && m_player->mediaObject()->hasVideo())
-        m_player->mediaObject()->clear();
+    if (clear)
+        m_player->clearVideo();
 }
 
 void CPlayVideoForm::stopPlayer()
@@ -108,24 +94,14 @@ void CPlayVideoForm::stopPlayer()
     m_player->stop();
 }
 
-int CPlayVideoForm::zoom() const
-{
-    return m_view->zoom();
-}
-
-bool CPlayVideoForm::isVideoFullScreen() const
-{
-    return m_view->isFullScreen();
-}
-
 // --- playback ------------------------------------------------------------------------------------
 
 void CPlayVideoForm::slotPlay()
 {
-    if (!m_player || !m_view->current())
+    if (!m_player || !current())
         return;
     if (!m_player->hasBackEnd()) {
-        m_view->setNote(tr("Recordings cannot be played: no back end of Phonon is installed."));
+        setNote(tr("Recordings cannot be played: no back end of Phonon is installed."));
         return;
     }
     if (m_player->isPlaying()) {
@@ -133,9 +109,9 @@ void CPlayVideoForm::slotPlay()
     } else if (m_player->isPaused()) {
         m_player->play();
     } else {
-        m_view->setNote({});
+        setNote({});
         m_watchTimer.start();
-        m_player->playFile(m_view->current()->fullPath());
+        m_player->playFile(current()->fullPath());
     }
 }
 
@@ -160,7 +136,7 @@ void CPlayVideoForm::slotStateChanged(Phonon::State newstate, Phonon::State olds
     case Phonon::ErrorState:
         m_watchTimer.stop();
         showPlaying(false);
-        m_view->setNote(tr("This recording cannot be played."));
+        setNote(tr("This recording cannot be played."));
         break;
     case Phonon::LoadingState:
     case Phonon::BufferingState:
@@ -171,23 +147,22 @@ void CPlayVideoForm::slotStateChanged(Phonon::State newstate, Phonon::State olds
 // The back end's hint is a default before the first frame, and may be a scaled size after it.
 void CPlayVideoForm::adoptVideoSize()
 {
-    if (!m_view->current())
+    if (!current())
         return;
-    QSize size = zelvaro::clipSize(m_view->current()->fullPath());
+    QSize size = zelvaro::clipSize(current()->fullPath());
     if (size.isEmpty())
         size = m_player->videoSizeHint();
-    if (size.isEmpty() || size == m_view->pictureSize())
+    if (size.isEmpty() || size == pictureSize())
         return;
     m_ui->framePlayer->setVideoSize(size);
-    m_view->setPictureSize(size);
-    repaintPlayer();
+    setPictureSize(size);
 }
 
 void CPlayVideoForm::watchStart()
 {
     if (m_player->isPlaying() || m_player->isPaused() || m_player->mediaObject()->hasVideo())
         return;
-    m_view->setNote(tr("This recording cannot be played."));
+    setNote(tr("This recording cannot be played."));
 }
 
 void CPlayVideoForm::showPlaying(bool playing)
@@ -199,121 +174,34 @@ void CPlayVideoForm::showPlaying(bool playing)
     m_ui->btnPlay->setAccessibleName(name);
 }
 
-// --- the picture on the page ---------------------------------------------------------------------
+// --- the page ------------------------------------------------------------------------------------
 
-void CPlayVideoForm::repaintPlayer()
+void CPlayVideoForm::pictureMoved()
 {
-    if (m_player && !m_view->isFullScreen())
+    if (m_player)
         m_player->repaint();
 }
 
-void CPlayVideoForm::slotPhotoAreaResize()
+void CPlayVideoForm::closeFile()
 {
-    m_view->areaResized();
-    repaintPlayer();
+    if (!m_player)
+        return;
+    stopPlayer();
+    m_player->closeFile();
 }
 
-void CPlayVideoForm::slotZoomIn()
+void CPlayVideoForm::leave()
 {
-    m_view->zoomIn();
-    repaintPlayer();
-}
-
-void CPlayVideoForm::slotZoomOut()
-{
-    m_view->zoomOut();
-    repaintPlayer();
-}
-
-void CPlayVideoForm::slotFullScreen()
-{
-    m_view->enterFullScreen();
-}
-
-void CPlayVideoForm::slotPhotoDoubleClicked()
-{
-    m_view->toggleFullScreen();
-    repaintPlayer();
-}
-
-// --- the album -----------------------------------------------------------------------------------
-
-void CPlayVideoForm::slotPrev()
-{
-    if (CPhotoMgrItemForm *tile = m_view->previous())
-        showVideo(tile);
-}
-
-void CPlayVideoForm::slotNext()
-{
-    if (CPhotoMgrItemForm *tile = m_view->next())
-        showVideo(tile);
-}
-
-void CPlayVideoForm::slotDelete()
-{
-    // Some systems do not delete a file that is open.
-    if (m_player) {
-        stopPlayer();
-        m_player->closeFile();
-    }
-    if (CPhotoMgrItemForm *tile = m_view->deleteCurrent())
-        showVideo(tile);
-    else
-        slotBack();
-}
-
-void CPlayVideoForm::slotBack()
-{
-    if (m_player) {
-        m_view->leaveFullScreen();
-        stopPlayer();
-        if (m_player->mediaObject()->hasVideo())
-            m_player->mediaObject()->clear();
-    }
-    if (PageHost *host = pageHost())
-        host->backToVideoMgr();
-}
-
-// The video in full screen is a window of its own, whose keys do not come to the page.
-bool CPlayVideoForm::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == m_ui->framePlayer && event->type() == QEvent::KeyPress &&
-        handleKey(static_cast<QKeyEvent *>(event)->key()))
-        return true;
-    return QWidget::eventFilter(watched, event);
-}
-
-void CPlayVideoForm::keyPressEvent(QKeyEvent *event)
-{
-    if (!handleKey(event->key()))
-        QWidget::keyPressEvent(event);
+    if (!m_player)
+        return;
+    stopPlayer();
+    m_player->clearVideo();
 }
 
 bool CPlayVideoForm::handleKey(int key)
 {
-    switch (key) {
-    case Qt::Key_Left:
-    case Qt::Key_PageUp:
-        slotPrev();
-        return true;
-    case Qt::Key_Right:
-    case Qt::Key_PageDown:
-        slotNext();
-        return true;
-    case Qt::Key_Space:
-        slotPlay();
-        return true;
-    case Qt::Key_Plus:
-        slotZoomIn();
-        return true;
-    case Qt::Key_Minus:
-        slotZoomOut();
-        return true;
-    case Qt::Key_Delete:
-        slotDelete();
-        return true;
-    default:
-        return false;
-    }
+    if (key != Qt::Key_Space)
+        return AlbumView::handleKey(key);
+    slotPlay();
+    return true;
 }

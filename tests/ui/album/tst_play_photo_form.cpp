@@ -287,12 +287,12 @@ void tst_PlayPhotoForm::aLeftDoubleClickTogglesFullScreen()
     add("a.jpg");
     show();
     QTest::mouseDClick(m_frame, Qt::RightButton);
-    QVERIFY(!m_page->isPhotoFullScreen());
+    QVERIFY(!m_page->isPictureFullScreen());
     QTest::mouseDClick(m_frame, Qt::LeftButton);
-    QVERIFY(m_page->isPhotoFullScreen());
+    QVERIFY(m_page->isPictureFullScreen());
     QVERIFY(m_frame->isWindow() && m_frame->isFullScreen());
     QTest::mouseDClick(m_frame, Qt::LeftButton);
-    QVERIFY(!m_page->isPhotoFullScreen());
+    QVERIFY(!m_page->isPictureFullScreen());
     QVERIFY(!m_frame->isWindow());
     QCOMPARE(m_frame->parentWidget(), window());
 }
@@ -302,11 +302,11 @@ void tst_PlayPhotoForm::releasingEscapeLeavesFullScreen()
     add("a.jpg");
     show();
     click("btnFullScreen");
-    QVERIFY(m_page->isPhotoFullScreen());
+    QVERIFY(m_page->isPictureFullScreen());
     QTest::keyPress(m_frame, Qt::Key_Escape);
-    QVERIFY(m_page->isPhotoFullScreen());
+    QVERIFY(m_page->isPictureFullScreen());
     QTest::keyRelease(m_frame, Qt::Key_Escape);
-    QVERIFY(!m_page->isPhotoFullScreen());
+    QVERIFY(!m_page->isPictureFullScreen());
 }
 
 void tst_PlayPhotoForm::theFullScreenButtonOnlyEnters()
@@ -315,7 +315,7 @@ void tst_PlayPhotoForm::theFullScreenButtonOnlyEnters()
     show();
     m_page->slotFullScreen();
     m_page->slotFullScreen();
-    QVERIFY(m_page->isPhotoFullScreen());
+    QVERIFY(m_page->isPictureFullScreen());
     QCOMPARE(status(), QString("a.jpg  320x240(100%)"));
 }
 
@@ -327,10 +327,10 @@ void tst_PlayPhotoForm::keysStepInFullScreen()
     m_page->slotFullScreen();
     QTest::keyClick(m_frame, Qt::Key_Right);
     QVERIFY(status().startsWith("b.jpg"));
-    QVERIFY(m_page->isPhotoFullScreen());
+    QVERIFY(m_page->isPictureFullScreen());
     QTest::keyClick(m_frame, Qt::Key_Delete);
     QTest::keyClick(m_frame, Qt::Key_Delete);
-    QVERIFY(!m_page->isPhotoFullScreen());
+    QVERIFY(!m_page->isPictureFullScreen());
     QCOMPARE(m_album->host.pages, QStringList({"back to photos"}));
 }
 

@@ -229,10 +229,10 @@ void tst_PlayVideoForm::aLeftDoubleClickTogglesFullScreen()
     QCOMPARE(doubleClicked.size(), 0);
     QTest::mouseDClick(m_page->player(), Qt::LeftButton);
     QCOMPARE(doubleClicked.size(), 1);
-    QVERIFY(m_page->isVideoFullScreen());
+    QVERIFY(m_page->isPictureFullScreen());
     QVERIFY(surface()->isWindow());
     QTest::mouseDClick(m_page->player(), Qt::LeftButton);
-    QVERIFY(!m_page->isVideoFullScreen());
+    QVERIFY(!m_page->isPictureFullScreen());
     QVERIFY(!surface()->isWindow());
 }
 
@@ -241,12 +241,12 @@ void tst_PlayVideoForm::escapeLeavesFullScreen()
     add("a.mp4");
     show();
     click("btnFullScreen");
-    QVERIFY(m_page->isVideoFullScreen());
+    QVERIFY(m_page->isPictureFullScreen());
     QTest::keyClick(surface(), Qt::Key_Escape);
-    QVERIFY(!m_page->isVideoFullScreen());
+    QVERIFY(!m_page->isPictureFullScreen());
     click("btnFullScreen");
     m_page->stop(true);
-    QVERIFY(!m_page->isVideoFullScreen());
+    QVERIFY(!m_page->isPictureFullScreen());
 }
 
 void tst_PlayVideoForm::filesThatAreNoRecordings_data()
