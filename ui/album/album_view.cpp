@@ -33,6 +33,11 @@ void AlbumView::setUp(const Widgets &widgets)
 
 // --- the tiles -----------------------------------------------------------------------------------
 
+CPhotoMgrItemForm *AlbumView::current() const
+{
+    return m_current;
+}
+
 int AlbumView::currentIndex() const
 {
     return m_list && m_current ? static_cast<int>(m_list->indexOf(m_current)) : -1;

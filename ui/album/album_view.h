@@ -29,8 +29,6 @@ public:
 
     /// The album's own list; it outlives this page.
     virtual void setList(PageHost::TileList *list) { m_list = list; }
-    /// Null before the first show, and when the album has dropped the tile.
-    CPhotoMgrItemForm *current() const { return m_current; }
     /// Percent of the picture's own size.
     int zoom() const { return m_box->zoom(); }
     bool isPictureFullScreen() const { return m_box->isFullScreen(); }
@@ -71,6 +69,8 @@ protected:
     /// Called once, when the page has made its form.
     void setUp(const Widgets &widgets);
 
+    /// Null before the first show, and when the album has dropped the tile.
+    CPhotoMgrItemForm *current() const;
     /// Makes the tile the current one, with a picture of that size (pixels) at its natural zoom.
     void setCurrent(CPhotoMgrItemForm *tile, QSize picture);
     /// The size turns out to be another; the zoom stays.
