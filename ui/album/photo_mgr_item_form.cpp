@@ -5,9 +5,6 @@
 #include "ui/common/style_url.h"
 #include "ui_photo_mgr_item_form.h"
 
-#include <QKeyEvent>
-#include <QMouseEvent>
-
 namespace {
 
 const QString kFrameHovered = QStringLiteral(
@@ -18,15 +15,11 @@ const QString kFrameHovered = QStringLiteral(
 } // namespace
 
 CPhotoMgrItemForm::CPhotoMgrItemForm(QWidget *parent, Content content)
-    : QWidget(parent)
+    : TileForm(parent)
     , m_near(content == Content::AtOnce)
 {
     setObjectName(QStringLiteral("PhotoMgrItemForm"));
     setFixedSize(Width, Height);
-    setFocusPolicy(Qt::StrongFocus);
-    QSizePolicy policy = sizePolicy();
-    policy.setRetainSizeWhenHidden(true); // a tile that is out of sight keeps its place
-    setSizePolicy(policy);
     if (m_near)
         build();
     else
@@ -97,43 +90,6 @@ void CPhotoMgrItemForm::slotDelete()
 void CPhotoMgrItemForm::slotPlay()
 {
     emit playPhoto(this);
-}
-
-void CPhotoMgrItemForm::mouseDoubleClickEvent(QMouseEvent *event)
-{
-    if (event->button() != Qt::LeftButton) {
-        QWidget::mouseDoubleClickEvent(event);
-        return;
-    }
-    event->accept();
-    emit playPhoto(this);
-}
-
-void CPhotoMgrItemForm::keyPressEvent(QKeyEvent *event)
-{
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        slotPlay();
-        break;
-    case Qt::Key_Delete:
-        slotDelete();
-        break;
-    default:
-        QWidget::keyPressEvent(event);
-    }
-}
-
-void CPhotoMgrItemForm::focusInEvent(QFocusEvent *event)
-{
-    QWidget::focusInEvent(event);
-    showFocus(true);
-}
-
-void CPhotoMgrItemForm::focusOutEvent(QFocusEvent *event)
-{
-    QWidget::focusOutEvent(event);
-    showFocus(false);
 }
 
 void CPhotoMgrItemForm::showFocus(bool focused)

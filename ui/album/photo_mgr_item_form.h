@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/common/tile_form.h"
 
 #include <memory>
 
@@ -10,7 +10,7 @@ class CPhotoMgrItemForm;
 
 /// One photo or recording of the album: its picture, its name, and buttons that open and delete it.
 /// GUI thread only.
-class CPhotoMgrItemForm : public QWidget
+class CPhotoMgrItemForm : public zelvaro::TileForm
 {
     Q_OBJECT
 
@@ -56,14 +56,12 @@ public slots:
     void slotPlay();
 
 protected:
-    void mouseDoubleClickEvent(QMouseEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
-    void focusInEvent(QFocusEvent *event) override;
-    void focusOutEvent(QFocusEvent *event) override;
+    void openItem() override { slotPlay(); }
+    void deleteItem() override { slotDelete(); }
+    void showFocus(bool focused) override;
 
 private:
     void build();
-    void showFocus(bool focused);
 
     std::unique_ptr<Ui::CPhotoMgrItemForm> m_ui; // null until the content is made
     QString m_fileName;

@@ -8,9 +8,7 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QFileInfo>
-#include <QKeyEvent>
 #include <QMenu>
-#include <QMouseEvent>
 #include <QPixmapCache>
 
 namespace {
@@ -29,15 +27,12 @@ QString tileFrameStyle(const char *state)
 } // namespace
 
 CCameraMgrItemForm::CCameraMgrItemForm(QWidget *parent)
-    : QWidget(parent)
+    : TileForm(parent)
     , m_ui(std::make_unique<Ui::CCameraMgrItemForm>())
 {
     m_ui->setupUi(this);
     m_defaultPicture = m_ui->frameCameraItem->styleSheet();
     m_ui->labelStatusText->hide();
-    QSizePolicy policy = sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    setSizePolicy(policy);
     showFocus(false);
     buildMenu();
 }
@@ -186,45 +181,8 @@ void CCameraMgrItemForm::showFocus(bool focused)
     m_ui->frameCameraItemBk->setStyleSheet(tileFrameStyle(focused ? "hover" : "default"));
 }
 
-void CCameraMgrItemForm::mouseDoubleClickEvent(QMouseEvent *event)
-{
-    if (event->button() != Qt::LeftButton) {
-        QWidget::mouseDoubleClickEvent(event);
-        return;
-    }
-    event->accept();
-    emit playCamera(this);
-}
-
-void CCameraMgrItemForm::keyPressEvent(QKeyEvent *event)
-{
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        slotPlay();
-        break;
-    case Qt::Key_Delete:
-        slotDelete();
-        break;
-    default:
-        QWidget::keyPressEvent(event);
-    }
-}
-
 void CCameraMgrItemForm::contextMenuEvent(QContextMenuEvent *event)
 {
     event->accept();
     slotMenu();
-}
-
-void CCameraMgrItemForm::focusInEvent(QFocusEvent *event)
-{
-    QWidget::focusInEvent(event);
-    showFocus(true);
-}
-
-void CCameraMgrItemForm::focusOutEvent(QFocusEvent *event)
-{
-    QWidget::focusOutEvent(event);
-    showFocus(false);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include "ui/common/tile_form.h"
 
 #include <memory>
 #include <utility>
@@ -13,7 +13,7 @@ class CCameraMgrItemForm;
 
 /// One camera on the camera page: its latest picture, name, UID and state, and a menu. A tile is
 /// taken away before its session is destroyed. GUI thread only.
-class CCameraMgrItemForm : public QWidget
+class CCameraMgrItemForm : public zelvaro::TileForm
 {
     Q_OBJECT
 
@@ -51,11 +51,10 @@ public slots:
     void slotCameraThumbChanged();
 
 protected:
-    void mouseDoubleClickEvent(QMouseEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
+    void openItem() override { slotPlay(); }
+    void deleteItem() override { slotDelete(); }
+    void showFocus(bool focused) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
-    void focusInEvent(QFocusEvent *event) override;
-    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     using ThumbStamp = std::pair<qint64, qint64>; // the file's time in seconds, and its size
@@ -63,7 +62,6 @@ private:
     void buildMenu();
     void showTexts();
     void showThumb();
-    void showFocus(bool focused);
 
     std::unique_ptr<Ui::CCameraMgrItemForm> m_ui;
     CCamera *m_camera = nullptr;
