@@ -1,6 +1,7 @@
 #include "app/main_form.h"
 #include "app/message_box.h"
 #include "tests/e2e/program_run.h"
+#include "tests/support/modal_script.h"
 #include "ui/live/play_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
@@ -238,17 +239,11 @@ void TestFirstLight::deleteSecondCamera()
             remove = action;
     }
     QVERIFY(remove);
-    QTimer answer;
-    connect(&answer, &QTimer::timeout, this, [this, &answer] {
-        auto *box = qobject_cast<CMessageBox *>(QApplication::activeModalWidget());
-        if (box == nullptr || !box->isVisible() || !box->windowHandle()->isExposed())
-            return;
-        answer.stop();
+    ModalScript modals([this](CMessageBox *box) {
         QCOMPARE(box->findChild<QLabel *>("labelMessage")->text(),
                  QStringLiteral("Delete camera?"));
         m_input->click(box->findChild<QPushButton *>("btnOk"));
     });
-    answer.start(50);
     m_input->click(menu, menu->actionGeometry(remove).center());
     QTRY_COMPARE_WITH_TIMEOUT(m_window->findChildren<CCameraMgrItemForm *>().size(), 1, kPatience);
     const QByteArray expected = "ALBUMPATH=" + m_run->albumFolder().toUtf8() +

@@ -1,57 +1,111 @@
 #pragma once
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QPointer>
+#include <QProgressDialog>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 
 #include <deque>
 #include <functional>
 
-/// Answers modal windows while the code under test runs them: each step gets one new window, in
-/// the order in which they come up. A window that nobody expects is closed, so that the test ends,
-/// and done() tells.
+/// Answers modal windows while the code under test runs them: each step gets one window that has
+/// come up, in the order of the steps. A step takes a pointer to the class of window that it is
+/// for (QWidget for any). Made before the call that shows the first window; GUI thread only.
+///
+/// A progress dialog that no step is for is left alone: it goes by itself; so is a window that was
+/// open before. Any other window that nobody expects is closed, so that the test ends, and done()
+/// tells.
 class ModalScript : public QObject
 {
 public:
-    using Step = std::function<void(QWidget *)>;
-
     ModalScript()
     {
-        m_timer.setInterval(5);
+        for (QWidget *window : QApplication::topLevelWidgets()) {
+            if (window->isModal() && window->isVisible())
+                m_known.append(window);
+        }
         connect(&m_timer, &QTimer::timeout, this, &ModalScript::look);
-        m_timer.start();
+        m_timer.start(kInterval);
+        m_sinceStep.start();
     }
 
+    template <typename Step>
+    explicit ModalScript(Step step) : ModalScript()
+    {
+        then(std::move(step));
+    }
+
+    template <typename Step>
     ModalScript &then(Step step)
     {
-        m_steps.push_back(std::move(step));
+        return append(std::function(std::move(step)));
+    }
+
+    /// Every step has come to its end and no other window came.
+    bool done() const { return m_steps.empty() && m_running == 0 && !m_surprised; }
+
+private:
+    struct Step
+    {
+        std::function<bool(const QWidget *)> isFor;
+        std::function<void(QWidget *)> act;
+    };
+
+    template <typename Window>
+    ModalScript &append(std::function<void(Window *)> step)
+    {
+        m_steps.push_back(
+            {[](const QWidget *window) { return qobject_cast<const Window *>(window); },
+             [step = std::move(step)](QWidget *window) { step(qobject_cast<Window *>(window)); }});
         return *this;
     }
 
-    /// Every step has run and no other window came.
-    bool done() const { return m_steps.empty() && !m_surprised; }
-
-private:
     void look()
     {
         QWidget *modal = QApplication::activeModalWidget();
-        if (!modal || !modal->isVisible() || modal == m_answered)
+        if (!modal || !modal->isVisible())
             return;
-        m_answered = modal;
-        if (m_steps.empty()) {
+        if (m_sinceStep.hasExpired(kPatience) && !QTest::currentTestFailed())
+            QTest::qFail("a window is open and what should close it does not come", __FILE__,
+                         __LINE__);
+        // The test waits behind the window: after a failed check nobody else would close it.
+        if (QTest::currentTestFailed())
+            modal->hide();
+        else if (modal == m_answered || !modal->windowHandle()->isExposed())
+            return;
+        else if (!m_steps.empty() && m_steps.front().isFor(modal))
+            answer(modal);
+        else if (!m_known.contains(modal) && !qobject_cast<QProgressDialog *>(modal)) {
             m_surprised = true;
             modal->close();
-            return;
         }
-        const Step step = m_steps.front();
-        m_steps.pop_front();
-        step(modal);
     }
 
+    void answer(QWidget *modal)
+    {
+        m_answered = modal;
+        m_known.append(modal);
+        const Step step = m_steps.front();
+        m_steps.pop_front();
+        ++m_running;
+        m_sinceStep.restart();
+        step.act(modal);
+        m_sinceStep.restart();
+        --m_running;
+    }
+
+    static constexpr int kInterval = 5;       // milliseconds
+    static constexpr int kPatience = 120'000; // milliseconds; a step may wait for a camera
+
     QTimer m_timer;
+    QElapsedTimer m_sinceStep;
     std::deque<Step> m_steps;
     QPointer<QWidget> m_answered;
+    QList<QPointer<QWidget>> m_known;
+    int m_running = 0; ///< a step may show the window that the next step answers
     bool m_surprised = false;
 };
 

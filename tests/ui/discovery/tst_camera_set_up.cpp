@@ -1,6 +1,6 @@
 #include "app/message_box.h"
 #include "tests/fakes/fake_ndcp.h"
-#include "tests/support/modal_action.h"
+#include "tests/support/modal_script.h"
 #include "ui/common/busy_dialog.h"
 #include "ui/discovery/address_edit.h"
 #include "ui/discovery/camera_set_up.h"
@@ -57,7 +57,7 @@ private:
     QString messageOf(const std::function<void()> &act)
     {
         QString text;
-        ModalAction<CMessageBox> box([&](CMessageBox *shown) {
+        ModalScript box([&](CMessageBox *shown) {
             text = shown->findChild<QLabel *>("labelTitle")->text() + ": " +
                    shown->findChild<QLabel *>("labelMessage")->text();
             shown->accept();
@@ -164,7 +164,7 @@ void TestCameraSetUp::queryAsksWithTypedCredentials()
     std::strcpy(conf.name, "Renamed");
     fake_ndcp::setConf(conf);
     QString waitText;
-    ModalAction<BusyDialog> wait([&](BusyDialog *dialog) {
+    ModalScript wait([&](BusyDialog *dialog) {
         waitText = dialog->labelText();
         fake_ndcp::finish(NDCP_EVENT_GET_CONF);
     });
@@ -191,7 +191,7 @@ void TestCameraSetUp::applyWritesAndUpdatesThePage()
     child<QLineEdit>("editDeviceName")->setText(QStringLiteral("Gate"));
     child<CAddressEdit>("addressIp")->setAddress(0xC0A80163);
     QString waitText;
-    ModalAction<BusyDialog> wait([&](BusyDialog *dialog) {
+    ModalScript wait([&](BusyDialog *dialog) {
         waitText = dialog->labelText();
         QCOMPARE(table->model()->index(0, 1).data().toString(), QStringLiteral("Door"));
         fake_ndcp::finish(NDCP_EVENT_SET_CONF);

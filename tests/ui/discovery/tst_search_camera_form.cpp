@@ -1,6 +1,6 @@
 #include "app/message_box.h"
 #include "tests/fakes/fake_ndcp.h"
-#include "tests/support/modal_action.h"
+#include "tests/support/modal_script.h"
 #include "ui/discovery/search_camera_form.h"
 
 #include <QLabel>
@@ -99,7 +99,7 @@ void TestSearchCameraForm::noSelectionTellsTheUser()
     form.open();
     findTwo(form);
     QString title, text;
-    ModalAction<CMessageBox> box([&](CMessageBox *shown) {
+    ModalScript box([&](CMessageBox *shown) {
         title = shown->findChild<QLabel *>(QStringLiteral("labelTitle"))->text();
         text = shown->findChild<QLabel *>(QStringLiteral("labelMessage"))->text();
         QTest::mouseClick(shown->findChild<QPushButton *>(QStringLiteral("btnOk")), Qt::LeftButton);

@@ -1,6 +1,6 @@
 #include "app/message_box.h"
 #include "tests/fakes/fake_ndcp.h"
-#include "tests/support/modal_action.h"
+#include "tests/support/modal_script.h"
 #include "ui/common/busy_dialog.h"
 #include "ui/common/desktop.h"
 #include "ui/discovery/camera_set_up.h"
@@ -119,7 +119,7 @@ void TestSearchCameraListForm::tableHasSevenColumns()
 void TestSearchCameraListForm::searchWaitsForTheEventOnly()
 {
     QString text;
-    ModalAction<BusyDialog> wait([&](BusyDialog *dialog) {
+    ModalScript wait([&](BusyDialog *dialog) {
         text = dialog->labelText();
         QTest::keyClick(dialog, Qt::Key_Escape);
         dialog->close();
@@ -183,7 +183,7 @@ void TestSearchCameraListForm::researchKeepsUserNameAndPassword()
     search({device});
     clickRow(0);
     fake_ndcp::answerGetConf(0);
-    ModalAction<CCameraSetUp> dialog([](CCameraSetUp *shown) { shown->reject(); });
+    ModalScript dialog([](CCameraSetUp *shown) { shown->reject(); });
     QTest::mouseClick(button("btnOk"), Qt::LeftButton);
     QVERIFY(dialog.done());
     QCOMPARE(fake_ndcp::asked().size(), std::size_t(1));
@@ -218,7 +218,7 @@ void TestSearchCameraListForm::noSelectionTellsTheUser()
     QFETCH(QString, name);
     search({fake_ndcp::device("uid-1", "Door", 1)});
     QString text;
-    ModalAction<CMessageBox> box([&](CMessageBox *shown) {
+    ModalScript box([&](CMessageBox *shown) {
         text = shown->findChild<QLabel *>("labelTitle")->text() + ": " +
                shown->findChild<QLabel *>("labelMessage")->text();
         shown->accept();
@@ -248,17 +248,18 @@ void TestSearchCameraListForm::setupReadsThenOpensTheDialog()
     fake_ndcp::setConf(conf);
     clickRow(0);
     QString waitText, location;
-    ModalAction<BusyDialog> wait([&](BusyDialog *dialog) {
-        waitText = dialog->labelText();
-        fake_ndcp::finish(NDCP_EVENT_GET_CONF);
-    });
-    ModalAction<CCameraSetUp> dialog([&](CCameraSetUp *shown) {
-        location = shown->findChild<QLineEdit *>("editLocation")->text();
-        shown->reject();
-    });
+    ModalScript script;
+    script
+        .then([&](BusyDialog *dialog) {
+            waitText = dialog->labelText();
+            fake_ndcp::finish(NDCP_EVENT_GET_CONF);
+        })
+        .then([&](CCameraSetUp *shown) {
+            location = shown->findChild<QLineEdit *>("editLocation")->text();
+            shown->reject();
+        });
     QTest::mouseClick(button("btnOk"), Qt::LeftButton);
-    QVERIFY(wait.done());
-    QVERIFY(dialog.done());
+    QVERIFY(script.done());
     QCOMPARE(waitText, QStringLiteral("Please wait for get onfiguration..."));
     QCOMPARE(location, QStringLiteral("Read from the device"));
     QCOMPARE(fake_ndcp::clients(), 1);
@@ -270,7 +271,7 @@ void TestSearchCameraListForm::setupOpensAfterFailedRead()
     clickRow(0);
     fake_ndcp::answerGetConf(NDCP_ERROR_AUTHORIZATION);
     QString name;
-    ModalAction<CCameraSetUp> dialog([&](CCameraSetUp *shown) {
+    ModalScript dialog([&](CCameraSetUp *shown) {
         name = shown->findChild<QLineEdit *>("editDeviceName")->text();
         shown->reject();
     });
@@ -292,7 +293,7 @@ void TestSearchCameraListForm::clearForgetsEverything()
     QCOMPARE(table()->model()->rowCount(), 1);
     clickRow(0);
     fake_ndcp::answerGetConf(0);
-    ModalAction<CCameraSetUp> dialog([](CCameraSetUp *shown) { shown->reject(); });
+    ModalScript dialog([](CCameraSetUp *shown) { shown->reject(); });
     QTest::mouseClick(button("btnOk"), Qt::LeftButton);
     QCOMPARE(fake_ndcp::asked().back().username, "");
 }

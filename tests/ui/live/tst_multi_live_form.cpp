@@ -2,7 +2,7 @@
 
 #include "app/message_box.h"
 #include "resources/resources.h"
-#include "tests/support/modal_action.h"
+#include "tests/support/modal_script.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/live/multi_live_frame.h"
 #include "ui/live/multi_live_item_form.h"
@@ -103,11 +103,11 @@ void tst_MultiLiveForm::play(int index)
 
 void tst_MultiLiveForm::record(const QList<int> &chosen)
 {
-    ModalAction<CSelectCameraRecordingForm> choose([&](CSelectCameraRecordingForm *dialog) {
+    ModalScript choose([&](CSelectCameraRecordingForm *dialog) {
         for (int index : chosen)
             QTest::mousePress(dialog->findChild<zelvaro::SelectionFrame *>()->tiles().at(index),
                               Qt::LeftButton);
-        QTest::mouseClick(dialog->findChild<QWidget *>(QStringLiteral("btnOK")), Qt::LeftButton);
+        press(dialog, "btnOK");
     });
     click("btnRecord");
     QVERIFY(choose.done());
@@ -198,10 +198,10 @@ void tst_MultiLiveForm::recordCancelledTogglesNothing()
 {
     show({QStringLiteral("A")});
     play(0);
-    ModalAction<CSelectCameraRecordingForm> cancel([](CSelectCameraRecordingForm *dialog) {
+    ModalScript cancel([](CSelectCameraRecordingForm *dialog) {
         QTest::mousePress(dialog->findChild<zelvaro::SelectionFrame *>()->tiles().at(0),
                           Qt::LeftButton);
-        QTest::mouseClick(dialog->findChild<QWidget *>(QStringLiteral("btnClose")), Qt::LeftButton);
+        press(dialog, "btnClose");
     });
     click("btnRecord");
     QVERIFY(cancel.done());
@@ -251,10 +251,10 @@ void tst_MultiLiveForm::selectReloadsTheGrid()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     QTest::mouseClick(frame()->tiles().at(0), Qt::LeftButton, {}, QPoint(3, 3));
-    ModalAction<CSelectCameraForm> choose([](CSelectCameraForm *dialog) {
+    ModalScript choose([](CSelectCameraForm *dialog) {
         QTest::mousePress(dialog->findChild<zelvaro::SelectionFrame *>()->tiles().at(0),
                           Qt::LeftButton);
-        QTest::mouseClick(dialog->findChild<QWidget *>(QStringLiteral("btnOK")), Qt::LeftButton);
+        press(dialog, "btnOK");
     });
     click("btnSelect");
     QVERIFY(choose.done());
@@ -271,10 +271,10 @@ void tst_MultiLiveForm::selectCancelledLeavesThePage()
     show({QStringLiteral("A"), QStringLiteral("B")});
     QTest::mouseClick(frame()->tiles().at(0), Qt::LeftButton, {}, QPoint(3, 3));
     const QList<CMultiLiveItemForm *> before = frame()->tiles();
-    ModalAction<CSelectCameraForm> cancel([](CSelectCameraForm *dialog) {
+    ModalScript cancel([](CSelectCameraForm *dialog) {
         QTest::mousePress(dialog->findChild<zelvaro::SelectionFrame *>()->tiles().at(0),
                           Qt::LeftButton);
-        QTest::mouseClick(dialog->findChild<QWidget *>(QStringLiteral("btnClose")), Qt::LeftButton);
+        press(dialog, "btnClose");
     });
     click("btnSelect");
     QVERIFY(cancel.done());
@@ -289,13 +289,13 @@ void tst_MultiLiveForm::changingTheViewWhileRecordingAsks()
     show({QStringLiteral("A")});
     play(0);
     record({0});
-    ModalAction<CMessageBox> look([](CMessageBox *box) {
+    ModalScript look([](CMessageBox *box) {
         QCOMPARE(box->windowTitle(), QStringLiteral("Warning"));
         QCOMPARE(box->findChild<QLabel *>(QStringLiteral("labelMessage"))->text(),
                  QStringLiteral("By changing view your recording will be stop."));
         QVERIFY(box->findChild<QWidget *>(QStringLiteral("btnOk"))->isVisible());
         QVERIFY(box->findChild<QWidget *>(QStringLiteral("btnCancel"))->isVisible());
-        QTest::mouseClick(box->findChild<QWidget *>(QStringLiteral("btnCancel")), Qt::LeftButton);
+        press(box, "btnCancel");
     });
     click("btnSelect");
     QVERIFY(look.done());
@@ -308,7 +308,7 @@ void tst_MultiLiveForm::cancelInTheWarningLeavesRecordingsAndGridUnchanged()
     play(1);
     record({0, 1});
     const QList<CMultiLiveItemForm *> before = frame()->tiles();
-    ModalAction<CMessageBox> cancel([](CMessageBox *box) { box->reject(); });
+    ModalScript cancel([](CMessageBox *box) { box->reject(); });
     click("btnSelect");
     QVERIFY(cancel.done());
     QVERIFY(recordButtonIsDown());
@@ -324,13 +324,12 @@ void tst_MultiLiveForm::okInTheWarningStopsTheRecordings()
     show({QStringLiteral("A")});
     play(0);
     record({0});
-    ModalAction<CMessageBox> ok([](CMessageBox *box) {
-        QTest::mouseClick(box->findChild<QWidget *>(QStringLiteral("btnOk")), Qt::LeftButton);
+    ModalScript script;
+    script.then([](CMessageBox *box) { press(box, "btnOk"); }).then([](CSelectCameraForm *dialog) {
+        dialog->reject();
     });
-    ModalAction<CSelectCameraForm> cancel([](CSelectCameraForm *dialog) { dialog->reject(); });
     click("btnSelect");
-    QVERIFY(ok.done());
-    QVERIFY(cancel.done());
+    QVERIFY(script.done());
     QVERIFY(!recordButtonIsDown());
     QCOMPARE(m_live->count("RtspPlayer_EndWriting"), 1);
     QVERIFY(m_live->camera()->is_playing());
@@ -343,11 +342,11 @@ void tst_MultiLiveForm::mayLeaveAsksOnlyWhileRecording()
     QVERIFY(m_form->MayLeave());
     record({0});
     {
-        ModalAction<CMessageBox> cancel([](CMessageBox *box) { box->reject(); });
+        ModalScript cancel([](CMessageBox *box) { box->reject(); });
         QVERIFY(!m_form->MayLeave());
         QVERIFY(cancel.done());
     }
-    ModalAction<CMessageBox> ok([](CMessageBox *box) { box->accept(); });
+    ModalScript ok([](CMessageBox *box) { box->accept(); });
     QVERIFY(m_form->MayLeave());
     QVERIFY(ok.done());
     QVERIFY(m_form->MayLeave());
@@ -372,19 +371,21 @@ void tst_MultiLiveForm::theDialogStandsOverTheMainWindow()
     QWidget mainWindow;
     m_live->host.parent = &mainWindow;
     QWidget *parent = nullptr;
-    ModalAction<CSelectCameraForm> look([&](CSelectCameraForm *dialog) {
-        parent = dialog->parentWidget();
-        dialog->reject();
-    });
+    ModalScript script;
+    script
+        .then([&](CSelectCameraForm *dialog) {
+            parent = dialog->parentWidget();
+            dialog->reject();
+        })
+        .then([&](CSelectCameraRecordingForm *dialog) {
+            parent = dialog->parentWidget();
+            dialog->reject();
+        });
     click("btnSelect");
     QCOMPARE(parent, &mainWindow);
-
-    ModalAction<CSelectCameraRecordingForm> lookAgain([&](CSelectCameraRecordingForm *dialog) {
-        parent = dialog->parentWidget();
-        dialog->reject();
-    });
     click("btnRecord");
     QCOMPARE(parent, frame());
+    QVERIFY(script.done());
 }
 
 void tst_MultiLiveForm::escapeInADialogDoesNotReachThePicture()
@@ -394,8 +395,7 @@ void tst_MultiLiveForm::escapeInADialogDoesNotReachThePicture()
     auto *picture = frame()->tiles().at(0)->findChild<QWidget *>(QStringLiteral("frameVideoFrame"));
     picture->setFocus();
     QTRY_VERIFY_WITH_TIMEOUT(picture->hasFocus(), Deadline);
-    ModalAction<CSelectCameraForm> escape(
-        [](CSelectCameraForm *dialog) { QTest::keyPress(dialog, Qt::Key_Escape); });
+    ModalScript escape([](CSelectCameraForm *dialog) { QTest::keyPress(dialog, Qt::Key_Escape); });
     click("btnSelect");
     QVERIFY(escape.done());
     // The key is released where the focus went back to: on the button that was clicked.

@@ -4,7 +4,7 @@
 
 #include "app/title_widget.h"
 #include "resources/resources.h"
-#include "tests/support/modal_action.h"
+#include "tests/support/modal_script.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/live/shown_cameras.h"
 
@@ -95,12 +95,9 @@ void tst_SelectionDialogs::okAcceptsAndCloseRejects()
 {
     for (const char *button : {"btnOK", "btnClose"}) {
         CSelectCameraForm dialog;
-        ModalAction<QDialog> press([button](QDialog *shown) {
-            QTest::mouseClick(shown->findChild<QWidget *>(QString::fromLatin1(button)),
-                              Qt::LeftButton);
-        });
+        ModalScript script([button](QDialog *shown) { press(shown, button); });
         QCOMPARE(dialog.exec(), qstrcmp(button, "btnOK") == 0 ? 1 : 0);
-        QVERIFY(press.done());
+        QVERIFY(script.done());
     }
 }
 
@@ -109,7 +106,7 @@ void tst_SelectionDialogs::escapeRejectsAndEnterAccepts()
     m_live->addCameras({QStringLiteral("A")});
     for (Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
         CSelectCameraForm dialog;
-        ModalAction<QDialog> press([key](QDialog *shown) {
+        ModalScript script([key](QDialog *shown) {
             QWidget *focus = shown->focusWidget();
             QTest::keyClick(focus ? focus : shown, key);
         });
