@@ -2,14 +2,13 @@
 
 #include "platform/cammgr/access_unit.h"
 #include "platform/cammgr/rtp_audio.h"
+#include "platform/cammgr/stream_description.h"
 
 #include <gst/app/gstappsink.h>
-#include <gst/sdp/gstsdpmessage.h>
 
 #include <cstring>
 #include <initializer_list>
 #include <iterator>
-#include <strings.h>
 
 namespace cammgr {
 
@@ -54,11 +53,6 @@ bool startBranch(GstPad *pad, std::initializer_list<GstElement *> chain)
     return gst_pad_link(pad, target.get()) == GST_PAD_LINK_OK;
 }
 
-bool isH264(const char *encoding)
-{
-    return encoding && strcasecmp(encoding, "H264") == 0;
-}
-
 int statusOf(const GstStructure *details)
 {
     int status = 0;
@@ -80,9 +74,9 @@ struct RtspSource::Callbacks
         return GST_BUS_DROP;
     }
 
-    static void description(GstElement *, GstSDPMessage *sdp, gpointer self)
+    static void description(GstElement *, GstSDPMessage *description, gpointer self)
     {
-        static_cast<RtspSource *>(self)->readDescription(sdp);
+        static_cast<RtspSource *>(self)->readDescription(description);
     }
 
     static gboolean select(GstElement *, guint, GstCaps *caps, gpointer self)
@@ -196,31 +190,11 @@ void RtspSource::keepAlive()
     gst_promise_unref(promise);
 }
 
-void RtspSource::readDescription(const void *sdp)
+void RtspSource::readDescription(const GstSDPMessage *description)
 {
-    const auto *message = static_cast<const GstSDPMessage *>(sdp);
-    bool hasVideo = false;
-    bool hasAudio = false;
-    for (guint i = 0; i < gst_sdp_message_medias_len(message); ++i) {
-        const GstSDPMedia *media = gst_sdp_message_get_media(message, i);
-        const char *kind = gst_sdp_media_get_media(media);
-        // On a back channel the camera listens (RFC 4566: the direction is the offerer's view).
-        if (!kind || gst_sdp_media_get_attribute_val(media, "sendonly"))
-            continue;
-        for (guint j = 0; j < gst_sdp_media_formats_len(media); ++j) {
-            const int payload = atoi(gst_sdp_media_get_format(media, j));
-            GstCaps *caps = gst_sdp_media_get_caps_from_media(media, payload);
-            if (!caps)
-                continue;
-            const GstStructure *format = gst_caps_get_structure(caps, 0);
-            const char *encoding = gst_structure_get_string(format, "encoding-name");
-            hasVideo |= strcmp(kind, "video") == 0 && isH264(encoding);
-            hasAudio |= strcmp(kind, "audio") == 0 && findRtpAudio(encoding) != nullptr;
-            gst_caps_unref(caps);
-        }
-    }
-    m_client.sourceDescribed(hasVideo, hasAudio);
-    if (!hasVideo)
+    const OfferedMedia offered = readOfferedMedia(description);
+    m_client.sourceDescribed(offered.hasVideo, offered.hasAudio);
+    if (!offered.hasVideo)
         m_client.sourceEnded(StreamEnd::NoVideo);
 }
 
@@ -228,7 +202,7 @@ bool RtspSource::selectStream(GstCaps *caps)
 {
     const GstStructure *format = gst_caps_get_structure(caps, 0);
     const char *media = gst_structure_get_string(format, "media");
-    const char *encoding = gst_structure_get_string(format, "encoding-name");
+    const char *encoding = encodingNameOf(format);
     if (!media || gst_structure_has_field(format, "a-sendonly"))
         return false;
     // The first of each kind.
@@ -245,7 +219,7 @@ void RtspSource::addBranch(GstPad *pad)
     if (!caps)
         return;
     const GstStructure *format = gst_caps_get_structure(caps.get(), 0);
-    const char *encoding = gst_structure_get_string(format, "encoding-name");
+    const char *encoding = encodingNameOf(format);
     const bool linked = isH264(encoding) ? addVideoBranch(pad) : addAudioBranch(pad, encoding);
     if (!linked)
         g_log("cammgr", G_LOG_LEVEL_WARNING, "no use for a stream of %s",

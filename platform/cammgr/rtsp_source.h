@@ -3,6 +3,8 @@
 #include "platform/cammgr/frame_taker.h"
 #include "platform/cammgr/live_stream.h"
 
+#include <gst/sdp/gstsdpmessage.h>
+
 #include <atomic>
 
 namespace cammgr {
@@ -58,7 +60,7 @@ private:
     bool addVideoBranch(GstPad *pad);
     bool addAudioBranch(GstPad *pad, const char *encoding);
     bool selectStream(GstCaps *caps);
-    void readDescription(const void *sdp);
+    void readDescription(const GstSDPMessage *description);
     void readMessage(GstMessage *message);
     void readError(GstMessage *message);
     void takeSample(GstSample *sample, bool video);

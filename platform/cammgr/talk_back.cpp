@@ -2,6 +2,7 @@
 
 #include "platform/cammgr/glib_ptr.h"
 #include "platform/cammgr/gst_ref.h"
+#include "platform/cammgr/stream_description.h"
 
 #include <gst/app/gstappsink.h>
 #include <gst/gst.h>
@@ -70,7 +71,7 @@ private:
 std::optional<CapsRef> packetCaps(const GstCaps *offered)
 {
     const GstStructure *media = gst_caps_get_structure(offered, 0);
-    const char *encoding = gst_structure_get_string(media, "encoding-name");
+    const char *encoding = encodingNameOf(media);
     if (!encoding || (g_strcmp0(encoding, "PCMU") != 0 && g_strcmp0(encoding, "PCMA") != 0))
         return std::nullopt;
     int payload = g_strcmp0(encoding, "PCMU") == 0 ? 0 : 8;
