@@ -36,6 +36,8 @@ int read(ReplyReader::Protocol protocol, std::string_view data, size_t piece)
             ++replies;
         }
     }
+    if (protocol == ReplyReader::Protocol::Http && reader.isBareText())
+        FUZZ_EXPECT(!reader.takeBareText().empty());
     if (reader.end() == ReplyReader::State::Complete) {
         check(reader.take());
         ++replies;
