@@ -125,6 +125,7 @@ std::string Camera::describe(int controlPort) const
         .add("address", m_active.address)
         .add("rtsp_port", m_active.rtspPort)
         .add("http_port", m_active.httpPort)
+        .add("rebooting", int{m_isRebooting})
         .add("discovery", m_options.bind + ":" + std::to_string(m_discovery.port()))
         .add("main", streamUri(StreamKind::Main))
         .add("sub", streamUri(StreamKind::Sub))
