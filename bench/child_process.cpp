@@ -83,7 +83,7 @@ ChildProcess::~ChildProcess()
 {
     if (m_output >= 0)
         close(m_output);
-    kill(m_pid, SIGTERM);
+    askToEnd();
     const auto deadline = Clock::now() + kPatience;
     while (waitpid(m_pid, nullptr, WNOHANG) == 0) {
         if (Clock::now() > deadline) {
@@ -93,6 +93,11 @@ ChildProcess::~ChildProcess()
         }
         poll(nullptr, 0, 10);
     }
+}
+
+void ChildProcess::askToEnd() const
+{
+    kill(m_pid, SIGTERM);
 }
 
 bool ChildProcess::isRunning() const
@@ -111,7 +116,7 @@ std::string ChildProcess::readLine(std::chrono::milliseconds deadline)
             m_pending.erase(0, newline + 1);
             return line;
         }
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now());
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
         pollfd waiting{m_output, POLLIN, 0};
         if (left.count() <= 0 || poll(&waiting, 1, static_cast<int>(left.count())) <= 0)
             return {};

@@ -22,6 +22,8 @@ public:
 
     Clock::time_point started() const { return m_started; }
     bool isRunning() const;
+    /// Asks it to end, and does not wait.
+    void askToEnd() const;
 
     /// Next line of its output; empty after the deadline or at the end.
     std::string readLine(std::chrono::milliseconds deadline);

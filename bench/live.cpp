@@ -5,6 +5,7 @@
 
 #include "bench/child_process.h"
 #include "bench/latency_probe.h"
+#include "bench/peers.h"
 #include "bench/screen_reader.h"
 #include "bench/statistics.h"
 #include "tests/support/camsim_process.h"
@@ -27,7 +28,7 @@ constexpr int kStarts = 5; // first pictures measured for each player
 struct Player
 {
     std::string name;
-    std::vector<std::string> command;
+    bench::Command command;
     bool tellsPlay = false; // prints when play was asked for, after its start-up
 };
 
@@ -41,40 +42,16 @@ struct Result
     int threads = 0;
 };
 
-std::string number(int value)
-{
-    return std::to_string(value);
-}
-
 std::vector<Player> players(const zelvaro::test::SimulatedCamera &camera)
 {
     const std::string url = camera.urlWithLogin(camera.subUrl);
+    const bench::Rectangle place{0, 0, kWidth, kHeight};
     std::vector<Player> all;
-    all.push_back({"zelvaro engine",
-                   {BENCH_PLAYER, camera.uid, camera.user, camera.password, "/live/1/h264.sdp",
-                    number(kWidth), number(kHeight)},
-                   true});
-    if (bench::isInstalled("mpv")) {
-        all.push_back({"mpv, low latency",
-                       {"mpv", "--no-config", "--profile=low-latency", "--untimed", "--no-audio",
-                        "--rtsp-transport=tcp", "--vo=x11", "--no-border", "--no-osc",
-                        "--geometry=" + number(kWidth) + "x" + number(kHeight) + "+0+0", url}});
-    }
-    if (bench::isInstalled("ffplay")) {
-        all.push_back({"ffplay, tuned", {"ffplay",    "-hide_banner",
-                                         "-an",       "-fflags",
-                                         "nobuffer",  "-flags",
-                                         "low_delay", "-probesize",
-                                         "32",        "-analyzeduration",
-                                         "0",         "-sync",
-                                         "ext",       "-rtsp_transport",
-                                         "tcp",       "-noborder",
-                                         "-left",     "0",
-                                         "-top",      "0",
-                                         "-x",        number(kWidth),
-                                         "-y",        number(kHeight),
-                                         url}});
-    }
+    all.push_back({"zelvaro engine", bench::enginePlayer({camera}, {place}), true});
+    if (bench::isInstalled("mpv"))
+        all.push_back({"mpv, low latency", bench::mpv(url, place)});
+    if (bench::isInstalled("ffplay"))
+        all.push_back({"ffplay, tuned", bench::ffplay(url, place)});
     return all;
 }
 

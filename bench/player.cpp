@@ -1,48 +1,53 @@
-// The stream engine alone: plays one camera in a plain window at the top left of the screen,
-// through the C interface that the client uses, and prints when play was asked for.
+// The stream engine alone: plays cameras in plain windows, through the C interface that the client
+// uses, and prints when play was asked for.
 //
-// bench_player HOST USER PASSWORD PATH WIDTH HEIGHT
+// bench_player USER PASSWORD PATH {HOST X Y WIDTH HEIGHT}...: one window for each camera.
 
-#include "platform/cammgr/cammgr.h"
+#include "bench/engine_session.h"
 
 #include <X11/Xlib.h>
 
-#include <atomic>
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <poll.h>
+#include <vector>
 
 namespace {
 
-enum class Probe
-{
-    Waiting,
-    Answered,
-    Failed
-};
+using bench::EngineSession;
+using Sessions = std::vector<std::unique_ptr<EngineSession>>;
 
-std::atomic<Probe> probe{Probe::Waiting};
+constexpr int wordsBeforeCameras = 4;
+constexpr int wordsOfCamera = 5;
+
 volatile std::sig_atomic_t ending = 0;
 
-void onMessage(int message, int, void *, char **)
+Window openWindow(Display *display, char **place)
 {
-    if (message == CAMMGR_MSG_PROBE_OK)
-        probe = Probe::Answered;
-    else if (message == CAMMGR_MSG_PROBE_FAILED)
-        probe = Probe::Failed;
+    const Window window =
+        XCreateSimpleWindow(display, DefaultRootWindow(display), std::atoi(place[0]),
+                            std::atoi(place[1]), static_cast<unsigned>(std::atoi(place[2])),
+                            static_cast<unsigned>(std::atoi(place[3])), 0, 0, 0);
+    XMapRaised(display, window);
+    return window;
 }
 
-/// As in the client, the session has been probed long before somebody plays it.
-bool connectSession(RtspPlayer *player)
+/// As in the client, sessions have been probed long before somebody plays them.
+bool connectSessions(const Sessions &sessions)
 {
     for (int attempt = 0; attempt < 10 && !ending; ++attempt) {
-        probe = Probe::Waiting;
-        RtspPlayer_TickAlive(player);
-        for (int waited = 0; waited < 10'000 && probe == Probe::Waiting && !ending; ++waited)
+        for (const auto &session : sessions) {
+            if (!session->isConnected())
+                session->probe();
+        }
+        const auto probing = [](const auto &session) { return session->isProbing(); };
+        while (!ending && std::any_of(sessions.begin(), sessions.end(), probing))
             poll(nullptr, 0, 1);
-        if (probe == Probe::Answered)
+        if (std::all_of(sessions.begin(), sessions.end(),
+                        [](const auto &session) { return session->isConnected(); }))
             return true;
         poll(nullptr, 0, 500);
     }
@@ -53,8 +58,8 @@ bool connectSession(RtspPlayer *player)
 
 int main(int argc, char **argv)
 {
-    if (argc != 7) {
-        std::fprintf(stderr, "usage: bench_player HOST USER PASSWORD PATH WIDTH HEIGHT\n");
+    if (argc <= wordsBeforeCameras || (argc - wordsBeforeCameras) % wordsOfCamera != 0) {
+        std::fprintf(stderr, "usage: bench_player USER PASSWORD PATH {HOST X Y WIDTH HEIGHT}...\n");
         return 2;
     }
     XInitThreads();
@@ -63,31 +68,33 @@ int main(int argc, char **argv)
         return 1;
     std::signal(SIGTERM, [](int) { ending = 1; });
 
-    const auto width = static_cast<unsigned>(std::atoi(argv[5]));
-    const auto height = static_cast<unsigned>(std::atoi(argv[6]));
-    const Window window =
-        XCreateSimpleWindow(display, DefaultRootWindow(display), 0, 0, width, height, 0, 0, 0);
-    XMapRaised(display, window);
+    Sessions sessions;
+    std::vector<Window> windows;
+    for (char **camera = argv + wordsBeforeCameras; camera < argv + argc; camera += wordsOfCamera) {
+        windows.push_back(openWindow(display, camera + 1));
+        sessions.push_back(std::make_unique<EngineSession>(camera[0], argv[1], argv[2]));
+    }
     XSync(display, False);
-
-    RtspPlayer *player = RtspPlayer_Create(argv[1], argv[2], argv[3], onMessage, nullptr);
-    if (!connectSession(player))
-        std::fprintf(stderr, "bench_player: the camera does not answer\n");
+    if (!connectSessions(sessions))
+        std::fprintf(stderr, "bench_player: a camera does not answer\n");
 
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     std::printf(
         "play %lld\n",
         static_cast<long long>(std::chrono::duration_cast<std::chrono::microseconds>(now).count()));
     std::fflush(stdout);
-    RtspPlayer_SetupP2PliveStream(player, argv[4], window);
-    RtspPlayer_SetVolume(player, 0);
-    RtspPlayer_Play(player);
-    while (!ending)
-        poll(nullptr, 0, 100);
+    for (std::size_t i = 0; i < sessions.size(); ++i)
+        sessions[i]->setUp(argv[3], windows[i]);
+    // Again and again, as the client does: a stream that broke off is started anew.
+    while (!ending) {
+        for (const auto &session : sessions)
+            session->play();
+        poll(nullptr, 0, 1000);
+    }
 
-    RtspPlayer_Stop_Connecting(player);
-    RtspPlayer_Stop(player);
-    RtspPlayer_DeleteSync(player);
+    for (const auto &session : sessions)
+        session->stop();
+    sessions.clear();
     XCloseDisplay(display);
     return 0;
 }
