@@ -1,6 +1,7 @@
 #include "platform/cammgr/clip_writer.h"
 
 #include "platform/cammgr/audio_codec.h"
+#include "platform/cammgr/clip_room.h"
 #include "platform/cammgr/worker_pool.h"
 
 #include <gst/app/gstappsrc.h>
@@ -250,10 +251,13 @@ void ClipWriter::finish()
     m_audioEnded = true;
     if (!m_written.wait_for(lock, finishTimeout, [this] { return m_ended; }))
         g_log("cammgr", G_LOG_LEVEL_WARNING, "%s: not finished in time", m_path.c_str());
+    const bool whole = m_ended && !m_hasFailed;
     auto old = std::move(m_pipeline);
     lock.unlock();
     old.reset();
-    if (m_hasFailed)
+    if (whole)
+        giveBackIndexRoom(m_path);
+    else if (m_hasFailed)
         removeWhatCannotPlay();
 }
 

@@ -1,13 +1,10 @@
 #include "platform/cammgr/still_picture.h"
 
 #include "platform/cammgr/pad_feed.h"
+#include "platform/cammgr/part_file.h"
 #include "platform/cammgr/worker_pool.h"
 
 #include <gst/video/video.h>
-
-#include <atomic>
-#include <cstdio>
-#include <fstream>
 
 namespace cammgr {
 
@@ -66,14 +63,6 @@ private:
     SampleRef m_picture;
 };
 
-bool writeFile(const std::string &path, const void *data, size_t size)
-{
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file.write(static_cast<const char *>(data), static_cast<std::streamsize>(size));
-    file.close();
-    return file.good();
-}
-
 } // namespace
 
 SampleRef decodeLast(const std::vector<AccessUnit> &units, std::chrono::milliseconds budget)
@@ -109,15 +98,11 @@ int writeJpeg(const SampleRef &picture, const std::string &path)
     GstMapInfo map;
     if (!buffer || !gst_buffer_map(buffer, &map, GST_MAP_READ))
         return -1;
-    static std::atomic<unsigned> counter = 0;
-    const std::string beside = path + "." + std::to_string(++counter) + ".part";
-    const bool written = writeFile(beside, map.data, map.size);
+    // Not flushed: the caller waits, and a power failure costs no more than this picture.
+    PartFile file(path);
+    file.write(map.data, map.size);
     gst_buffer_unmap(buffer, &map);
-    // Paths are given as bytes of the file system; replaces a file that is there.
-    if (written && std::rename(beside.c_str(), path.c_str()) == 0)
-        return 0;
-    std::remove(beside.c_str());
-    return -1;
+    return file.putInPlace() ? 0 : -1;
 }
 
 } // namespace cammgr

@@ -45,6 +45,11 @@ struct MediaProbe
             all += (all.empty() ? "" : " ") + line;
         return all;
     }
+    /// Time, size and check sum of every packet of all streams, as text.
+    static std::string packets(const std::string &path)
+    {
+        return output("ffmpeg -v error -i '" + path + "' -map 0 -c copy -f framemd5 -");
+    }
     /// What ffmpeg complains about while it decodes everything; empty when nothing.
     static std::string complaints(const std::string &path)
     {

@@ -90,6 +90,23 @@ TEST_F(RecorderTest, StartsAtTheKeyFrameBeforeTheButton)
     EXPECT_EQ(m_keyFrameWishes, 0);
 }
 
+TEST_F(RecorderTest, FinishedClipHasNoRoomLeftInIt)
+{
+    const auto units = EncodedStream::make({.frames = 75});
+    uintmax_t pictures = 0;
+    for (const AccessUnit &unit : units)
+        pictures += unit.size();
+    feed({units.begin(), units.begin() + 1});
+    EXPECT_EQ(m_recorder->begin(m_base, 104857600, false), 0);
+    feed({units.begin() + 1, units.end()});
+    EXPECT_EQ(m_recorder->end(), 0);
+    ASSERT_TRUE(waitUntilClosed());
+    constexpr uintmax_t index = 8 * 1024; // of three seconds
+    EXPECT_LT(std::filesystem::file_size(clip(1)), pictures + index);
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 75);
+    EXPECT_TRUE(MediaProbe::indexFirst(clip(1)));
+}
+
 TEST_F(RecorderTest, WaitsForAKeyFrameWhenThereWasNone)
 {
     const auto units = EncodedStream::make({.frames = 50});
