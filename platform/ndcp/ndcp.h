@@ -4,6 +4,9 @@
  *
  * Threads: a client is used from one thread (the client program's GUI thread). The callback runs
  * on a thread of the library and must not call it. No call waits for the network.
+ *
+ * Requests (discover, get_conf, set_conf) give 0 when they have started: then their event comes
+ * once. Negative means that they have not, and no event follows.
  */
 #ifndef ZELVARO_NDCP_H
 #define ZELVARO_NDCP_H
@@ -71,10 +74,11 @@ typedef void (*ndcp_callback)(int message, int error, void *user);
 /* Makes a client; NULL when none can be made. */
 NDCP_API ndcp_client *ndcpclient_create(ndcp_callback callback, void *user);
 
-/* Starts a search and returns at once; NDCP_EVENT_DISCOVERY tells the end, after about 3 s. */
+/* Starts a search and returns at once; NDCP_EVENT_DISCOVERY tells the end, after about 3 s. A
+ * second search while one is under way shares its end and its one event. */
 NDCP_API int ndcpclient_discover(ndcp_client *client);
 
-/* Number of devices that the last finished search found. */
+/* Number of devices that the last finished search found, at most 1,000. */
 NDCP_API int32_t ndcpclient_getcnt(ndcp_client *client);
 
 /* Device at index (from 0), NULL past the end. Owned by the client, valid until the next search. */
@@ -82,11 +86,13 @@ NDCP_API const ndcp_device *ndcpclient_getdev(ndcp_client *client, int32_t index
 
 /*
  * Reads the network configuration of the device into the record, with the record's user name and
- * password. The record must stay valid until NDCP_EVENT_GET_CONF.
+ * password. The library writes to the record on its own thread, just before NDCP_EVENT_GET_CONF
+ * and only on success: until then it must stay valid and be left alone.
  */
 NDCP_API int ndcpclient_get_conf(ndcp_client *client, ndcp_device *device);
 
-/* Writes the record's network configuration to the device; ends with NDCP_EVENT_SET_CONF. */
+/* Writes the record's network configuration to the device; ends with NDCP_EVENT_SET_CONF. The
+ * record is copied before the call returns. */
 NDCP_API int ndcpclient_set_conf(ndcp_client *client, ndcp_device *device);
 
 /* Destroys the client. No callback runs during or after the call. */
