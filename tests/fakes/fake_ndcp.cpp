@@ -24,6 +24,7 @@ struct Library
     std::mutex mutex; ///< protects all below and the clients' fields
     std::vector<std::unique_ptr<ndcp_client>> clients;
     std::vector<ndcp_device> devices;
+    std::optional<std::int32_t> count;
     ndcp_device conf{};
     std::map<int, int> answers; ///< event to error
     std::map<std::string, int> results;
@@ -130,6 +131,7 @@ void reset()
     const std::lock_guard lock(lib.mutex);
     lib.clients.clear();
     lib.devices.clear();
+    lib.count.reset();
     lib.conf = {};
     lib.answers.clear();
     lib.results.clear();
@@ -161,6 +163,12 @@ void setDevices(const std::vector<ndcp_device> &devices)
 {
     const std::lock_guard lock(library().mutex);
     library().devices = devices;
+}
+
+void setCount(std::optional<std::int32_t> count)
+{
+    const std::lock_guard lock(library().mutex);
+    library().count = count;
 }
 
 void setConf(const ndcp_device &conf)
@@ -268,7 +276,10 @@ int ndcpclient_discover(ndcp_client *client)
 int32_t ndcpclient_getcnt(ndcp_client *client)
 {
     const std::lock_guard lock(library().mutex);
-    return enter("getcnt", client) ? int32_t(client->found.size()) : 0;
+    if (!enter("getcnt", client)) {
+        return 0;
+    }
+    return library().count.value_or(int32_t(client->found.size()));
 }
 
 const ndcp_device *ndcpclient_getdev(ndcp_client *client, int32_t index)

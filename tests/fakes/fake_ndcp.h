@@ -24,6 +24,8 @@ ndcp_device device(const std::string &uid, const std::string &name, std::uint32_
 
 /// What the next finished search finds.
 void setDevices(const std::vector<ndcp_device> &devices);
+/// What ndcpclient_getcnt says, right or wrong; unset, the default: how many were found.
+void setCount(std::optional<std::int32_t> count);
 /// Network configuration that get_conf fills into the record: addresses, name and location, not
 /// the user name, the password and the UID.
 void setConf(const ndcp_device &conf);

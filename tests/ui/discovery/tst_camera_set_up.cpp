@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
 
@@ -25,6 +26,8 @@ class TestCameraSetUp : public QObject
 private slots:
     void init();
     void cleanup();
+    void textsStandAsWritten_data();
+    void textsStandAsWritten();
     void showsTheRecord();
     void checkBoxesGovernTheirEditsIndependently();
     void octetAndPortEditsHaveLimits();
@@ -35,6 +38,8 @@ private slots:
     void portOutOfRangeIsRefused();
     void validationKeepsInput();
     void automaticAddressIsTheOneThatAnswered();
+    void automaticAddressIsTheOneThatAnsweredAlsoWhenRead();
+    void onlyTheMatchingEventEndsTheWait();
     void errorsByCode_data();
     void errorsByCode();
     void unknownErrorIsADeveloperCheck();
@@ -102,13 +107,59 @@ void TestCameraSetUp::cleanup()
     QVERIFY(fake_ndcp::breaches().empty());
 }
 
+void TestCameraSetUp::textsStandAsWritten_data()
+{
+    QTest::addColumn<QString>("object");
+    QTest::addColumn<QString>("text");
+    const QStringList rows = {"labelEditDeviceName",
+                              "Device Name",
+                              "labelEditLocation",
+                              "Device Location",
+                              "labelEditHttpPort",
+                              "HttpPort",
+                              "checkAssignIp",
+                              "Assigned IP Address Manually",
+                              "labelAddressIp",
+                              "IP",
+                              "labelAddressMask",
+                              "Mask",
+                              "labelAddressGateway",
+                              "Default Getway",
+                              "checkAssignDns",
+                              "Assigned DNS Manually",
+                              "labelAddressDns1",
+                              "Primary DNS",
+                              "labelAddressDns2",
+                              "Sencondary DNS",
+                              "labelEditUserName",
+                              "User Name",
+                              "labelEditPassword",
+                              "Password",
+                              "btnQuery",
+                              "Query",
+                              "btnApply",
+                              "Apply",
+                              "btnExit",
+                              "Exit"};
+    for (int i = 0; i < rows.size(); i += 2)
+        QTest::newRow(qPrintable(rows[i])) << rows[i] << rows[i + 1];
+}
+
+void TestCameraSetUp::textsStandAsWritten()
+{
+    QFETCH(QString, object);
+    open(manualDevice());
+    QCOMPARE(m_dialog->objectName(), QStringLiteral("CameraSetUp"));
+    const auto *widget = m_dialog->findChild<QWidget *>(object);
+    QVERIFY(widget);
+    QTEST(widget->property("text").toString(), "text");
+}
+
 void TestCameraSetUp::showsTheRecord()
 {
     open(manualDevice());
     QCOMPARE(m_dialog->windowTitle(), QStringLiteral("Camera Setup"));
     QCOMPARE(child<QGroupBox>("groupSettings")->title(), QStringLiteral("Camera Settings"));
-    QCOMPARE(child<QLabel>("labelAddressGateway")->text(), QStringLiteral("Default Getway"));
-    QCOMPARE(child<QLabel>("labelAddressDns2")->text(), QStringLiteral("Sencondary DNS"));
     QCOMPARE(child<QLineEdit>("editDeviceName")->text(), QStringLiteral("Door"));
     QCOMPARE(child<QLineEdit>("editLocation")->text(), QStringLiteral("House"));
     QCOMPARE(child<QLineEdit>("editHttpPort")->text(), QStringLiteral("8080"));
@@ -224,6 +275,8 @@ void TestCameraSetUp::longNameIsShownAsStored()
     QCOMPARE(child<QLineEdit>("editDeviceName")->text(), QString(31, QLatin1Char('n')));
     QCOMPARE(child<QLineEdit>("editLocation")->text(), QStringLiteral("House"));
     QCOMPARE(fake_ndcp::written().back().location, "House");
+    QCOMPARE(fake_ndcp::written().back().username, "admin");
+    QCOMPARE(fake_ndcp::written().back().password, "secret");
 }
 
 void TestCameraSetUp::portOutOfRangeIsRefused()
@@ -266,6 +319,38 @@ void TestCameraSetUp::automaticAddressIsTheOneThatAnswered()
     QCOMPARE(fake_ndcp::written().size(), std::size_t(1));
     QCOMPARE(child<CAddressEdit>("addressIp")->address(), 0xC0A80114U);
     QCOMPARE(m_record.ip, 0xC0A80114U);
+}
+
+void TestCameraSetUp::automaticAddressIsTheOneThatAnsweredAlsoWhenRead()
+{
+    open(manualDevice());
+    ndcp_device conf = manualDevice();
+    conf.manual_ip = 0;
+    conf.ip = 0;
+    fake_ndcp::setConf(conf);
+    fake_ndcp::answerGetConf(0);
+    click("btnQuery");
+    QCOMPARE(child<CAddressEdit>("addressIp")->address(), 0xC0A80114U);
+    QVERIFY(child<CAddressEdit>("addressIp")->isReadOnly());
+    QCOMPARE(m_record.ip, 0xC0A80114U);
+    QCOMPARE(m_record.manual_ip, 0U);
+}
+
+void TestCameraSetUp::onlyTheMatchingEventEndsTheWait()
+{
+    open(manualDevice());
+    fake_ndcp::setConf(manualDevice());
+    QSignalSpy written(m_dialog.get(), &CCameraSetUp::signalSetConfFinished);
+    QSignalSpy read(m_dialog.get(), &CCameraSetUp::signalGetConfFinished);
+    ModalScript wait([&](BusyDialog *dialog) {
+        fake_ndcp::finish(NDCP_EVENT_SET_CONF);
+        QTRY_COMPARE_WITH_TIMEOUT(written.size(), 1, 20000);
+        QVERIFY(dialog->isVisible());
+        fake_ndcp::finish(NDCP_EVENT_GET_CONF);
+    });
+    click("btnQuery");
+    QVERIFY(wait.done());
+    QCOMPARE(read.size(), 1);
 }
 
 void TestCameraSetUp::errorsByCode_data()

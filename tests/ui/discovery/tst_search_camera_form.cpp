@@ -1,4 +1,5 @@
 #include "app/message_box.h"
+#include "resources/resources.h"
 #include "tests/fakes/fake_ndcp.h"
 #include "tests/support/modal_script.h"
 #include "ui/discovery/search_camera_form.h"
@@ -14,7 +15,12 @@ class TestSearchCameraForm : public QObject
 
 private slots:
     void init();
+    void looksAsDescribed();
     void searchesOnceAsItOpens();
+    void anyEventEndsTheSearch();
+    void findingNothingIsNoError();
+    void wrongCountsEndTheWalk_data();
+    void wrongCountsEndTheWalk();
     void okReturnsChosenUid();
     void doubleClickAccepts();
     void noSelectionTellsTheUser();
@@ -51,7 +57,62 @@ private:
 
 void TestSearchCameraForm::init()
 {
+    zelvaro::initResources();
     fake_ndcp::reset();
+}
+
+void TestSearchCameraForm::looksAsDescribed()
+{
+    CSearchCameraForm form;
+    QCOMPARE(form.windowTitle(), QStringLiteral("Search Camera"));
+    QCOMPARE(form.findChild<QLabel *>("labelTitle")->text(), QStringLiteral("Search Camera"));
+    QCOMPARE(form.findChild<QLabel *>("labelSelectCamera")->text(),
+             QStringLiteral("Select Camera"));
+    QCOMPARE(button(form, "btnOk")->text(), QStringLiteral("OK"));
+    QCOMPARE(button(form, "btnCancel")->text(), QStringLiteral("Cancel"));
+    QCOMPARE(list(form)->selectionMode(), QAbstractItemView::SingleSelection);
+    QCOMPARE(list(form)->editTriggers(), QAbstractItemView::NoEditTriggers);
+}
+
+void TestSearchCameraForm::anyEventEndsTheSearch()
+{
+    CSearchCameraForm form;
+    fake_ndcp::finish(NDCP_EVENT_SET_CONF, NDCP_ERROR_NETWORK);
+    QTRY_VERIFY_WITH_TIMEOUT(button(form, "btnOk")->isEnabled(), 20000);
+    QVERIFY(button(form, "btnCancel")->isEnabled());
+}
+
+void TestSearchCameraForm::findingNothingIsNoError()
+{
+    CSearchCameraForm form;
+    form.open();
+    ModalScript nothing;
+    fake_ndcp::finish(NDCP_EVENT_DISCOVERY);
+    QTRY_VERIFY_WITH_TIMEOUT(button(form, "btnOk")->isEnabled(), 20000);
+    QCOMPARE(list(form)->model()->rowCount(), 0);
+    QVERIFY(form.isVisible());
+    QVERIFY(nothing.done());
+}
+
+void TestSearchCameraForm::wrongCountsEndTheWalk_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<int>("rows");
+    QTest::newRow("more than there are") << 5 << 2;
+    QTest::newRow("fewer than there are") << 1 << 1;
+    QTest::newRow("negative") << -1 << 0;
+}
+
+void TestSearchCameraForm::wrongCountsEndTheWalk()
+{
+    QFETCH(int, count);
+    CSearchCameraForm form;
+    fake_ndcp::setDevices({fake_ndcp::device("uid-1", "Door", 0xC0A80114),
+                           fake_ndcp::device("uid-2", "Yard", 0xC0A80115)});
+    fake_ndcp::setCount(count);
+    fake_ndcp::finish(NDCP_EVENT_DISCOVERY);
+    QTRY_VERIFY_WITH_TIMEOUT(button(form, "btnOk")->isEnabled(), 20000);
+    QTEST(list(form)->model()->rowCount(), "rows");
 }
 
 void TestSearchCameraForm::searchesOnceAsItOpens()
@@ -147,22 +208,21 @@ void TestSearchCameraForm::currentRowHasOtherIcon()
     CSearchCameraForm form;
     form.open();
     findTwo(form);
-    const auto iconKey = [&](int row) {
-        return list(form)
-            ->model()
-            ->index(row, 0)
-            .data(Qt::DecorationRole)
-            .value<QIcon>()
-            .cacheKey();
+    const auto icon = [](const QIcon &from) { return from.pixmap(24).toImage(); };
+    const auto iconOf = [&](int row) {
+        return icon(list(form)->model()->index(row, 0).data(Qt::DecorationRole).value<QIcon>());
     };
-    const qint64 first = iconKey(0), second = iconKey(1);
+    const QImage plain = icon(QIcon(QStringLiteral(":/images/photomgr/cameraicon.png")));
+    const QImage down = icon(QIcon(QStringLiteral(":/images/photomgr/cameraicon_down.png")));
+    QVERIFY(!plain.isNull() && !down.isNull() && plain != down);
+    QCOMPARE(iconOf(0), plain);
+    QCOMPARE(iconOf(1), plain);
     clickRow(form, 1);
-    const qint64 chosen = iconKey(1);
-    QVERIFY(chosen != second);
-    QVERIFY(iconKey(0) != chosen);
+    QCOMPARE(iconOf(0), plain);
+    QCOMPARE(iconOf(1), down);
     clickRow(form, 0);
-    QVERIFY(iconKey(0) != first);
-    QCOMPARE(list(form)->currentIndex().row(), 0);
+    QCOMPARE(iconOf(0), down);
+    QCOMPARE(iconOf(1), plain);
 }
 
 void TestSearchCameraForm::refusedSearchLeavesButtonsUsable()

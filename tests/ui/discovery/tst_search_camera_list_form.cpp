@@ -41,16 +41,20 @@ class TestSearchCameraListForm : public QObject
 private slots:
     void init();
     void cleanup();
+    void looksAsDescribed();
     void tableHasSevenColumns();
     void searchWaitsForTheEventOnly();
     void rowShowsTheRecord();
     void deviceAnsweringTwiceAppearsOnce();
+    void uidsAreComparedByteByByte();
+    void wrongCountsEndTheWalk();
     void portAbove32767IsShownNegative();
     void researchKeepsUserNameAndPassword();
     void devicesNotFoundAgainStay();
     void recordsWithoutUidNeverAppear();
     void noSelectionTellsTheUser_data();
     void noSelectionTellsTheUser();
+    void selectedRowStaysSelectedAfterASearch();
     void browserOpensTheWebPage();
     void setupReadsThenOpensTheDialog();
     void setupOpensAfterFailedRead();
@@ -102,6 +106,15 @@ void TestSearchCameraListForm::cleanup()
     setDesktop(nullptr);
     QCOMPARE(fake_ndcp::clients(), 0);
     QVERIFY(fake_ndcp::breaches().empty());
+}
+
+void TestSearchCameraListForm::looksAsDescribed()
+{
+    QCOMPARE(m_form->objectName(), QStringLiteral("SearchCameraListForm"));
+    QCOMPARE(button("btnSearch")->text(), QStringLiteral("Search"));
+    QCOMPARE(button("btnBrowser")->text(), QStringLiteral("Browser"));
+    QCOMPARE(button("btnClean")->text(), QStringLiteral("Clear"));
+    QCOMPARE(button("btnOk")->text(), QStringLiteral("Setup"));
 }
 
 void TestSearchCameraListForm::tableHasSevenColumns()
@@ -163,6 +176,23 @@ void TestSearchCameraListForm::deviceAnsweringTwiceAppearsOnce()
     QCOMPARE(cell(0, 3), QStringLiteral("192.168.1.21"));
 }
 
+void TestSearchCameraListForm::uidsAreComparedByteByByte()
+{
+    search({fake_ndcp::device("uid-1", "Door", 0xC0A80114),
+            fake_ndcp::device("UID-1", "Yard", 0xC0A80115)});
+    QCOMPARE(table()->model()->rowCount(), 2);
+}
+
+void TestSearchCameraListForm::wrongCountsEndTheWalk()
+{
+    fake_ndcp::setCount(-1);
+    search({fake_ndcp::device("uid-1", "Door", 0xC0A80114)});
+    QCOMPARE(table()->model()->rowCount(), 0);
+    fake_ndcp::setCount(1000);
+    search({fake_ndcp::device("uid-1", "Door", 0xC0A80114)});
+    QCOMPARE(table()->model()->rowCount(), 1);
+}
+
 void TestSearchCameraListForm::portAbove32767IsShownNegative()
 {
     search({fake_ndcp::device("uid-1", "Door", 0xC0A80114, 65535)});
@@ -209,14 +239,23 @@ void TestSearchCameraListForm::recordsWithoutUidNeverAppear()
 void TestSearchCameraListForm::noSelectionTellsTheUser_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("Browser") << "btnBrowser";
-    QTest::newRow("Setup") << "btnOk";
+    QTest::addColumn<bool>("current");
+    QTest::newRow("Browser") << "btnBrowser" << false;
+    QTest::newRow("Setup") << "btnOk" << false;
+    QTest::newRow("Browser, current but not selected") << "btnBrowser" << true;
+    QTest::newRow("Setup, current but not selected") << "btnOk" << true;
 }
 
 void TestSearchCameraListForm::noSelectionTellsTheUser()
 {
     QFETCH(QString, name);
+    QFETCH(bool, current);
     search({fake_ndcp::device("uid-1", "Door", 1)});
+    if (current) {
+        clickRow(0);
+        table()->selectionModel()->clearSelection();
+        QVERIFY(table()->currentIndex().isValid());
+    }
     QString text;
     ModalScript box([&](CMessageBox *shown) {
         text = shown->findChild<QLabel *>("labelTitle")->text() + ": " +
@@ -228,6 +267,18 @@ void TestSearchCameraListForm::noSelectionTellsTheUser()
     QCOMPARE(text, QStringLiteral("Error: Please select a camera."));
     QVERIFY(m_desktop.opened.isEmpty());
     QCOMPARE(fake_ndcp::count("get_conf"), 0);
+}
+
+void TestSearchCameraListForm::selectedRowStaysSelectedAfterASearch()
+{
+    const ndcp_device first = fake_ndcp::device("uid-1", "Door", 0xC0A80114);
+    const ndcp_device second = fake_ndcp::device("uid-2", "Yard", 0xC0A80115);
+    search({first, second});
+    clickRow(1);
+    search({second, first, fake_ndcp::device("uid-3", "Gate", 0xC0A80116)});
+    QCOMPARE(table()->model()->rowCount(), 3);
+    QTest::mouseClick(button("btnBrowser"), Qt::LeftButton);
+    QCOMPARE(m_desktop.opened, QStringList({"http://192.168.1.21:80"}));
 }
 
 void TestSearchCameraListForm::browserOpensTheWebPage()
