@@ -1,0 +1,492 @@
+#include "app/main_form.h"
+#include "app/message_box.h"
+#include "tests/e2e/program_run.h"
+#include "tests/support/modal_script.h"
+#include "ui/album/click_video_player.h"
+#include "ui/album/photo_frame.h"
+#include "ui/album/photo_mgr_form.h"
+#include "ui/album/photo_mgr_item_form.h"
+#include "ui/album/play_photo_form.h"
+#include "ui/album/play_video_form.h"
+#include "ui/album/player_frame.h"
+#include "ui/live/play_camera_form.h"
+#include "ui/manager/camera_mgr_item_form.h"
+
+#include <QFrame>
+#include <QLabel>
+#include <QListView>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QSlider>
+#include <QStackedWidget>
+#include <QTest>
+#include <QToolButton>
+
+#include <phonon/mediaobject.h>
+#include <phonon/seekslider.h>
+
+#include <X11/keysym.h>
+
+using zelvaro::test::CamsimProcess;
+
+namespace {
+
+constexpr int kPatience = 60'000;     // milliseconds for anything that needs a camera or a decoder
+constexpr qint64 kClipLength = 6'000; // milliseconds that each clip lasts at least
+
+/// Share of points that two pictures of any size show alike, 0 to 1. JPEG, scaling and the tile's
+/// border change some.
+double likeness(const QImage &a, const QImage &b)
+{
+    constexpr QSize Raster(32, 18);
+    const QImage left = a.scaled(Raster, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QImage right = b.scaled(Raster, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    int alike = 0;
+    for (int y = 0; y < Raster.height(); ++y) {
+        for (int x = 0; x < Raster.width(); ++x) {
+            const QColor p = left.pixelColor(x, y), q = right.pixelColor(x, y);
+            alike +=
+                qAbs(p.red() - q.red()) + qAbs(p.green() - q.green()) + qAbs(p.blue() - q.blue()) <
+                90;
+        }
+    }
+    return double(alike) / (Raster.width() * Raster.height());
+}
+
+/// What stands on the screen where the widget is.
+QImage onScreen(const QWidget *widget)
+{
+    const QPoint corner = widget->mapToGlobal(QPoint(0, 0));
+    return widget->screen()
+        ->grabWindow(0, corner.x(), corner.y(), widget->width(), widget->height())
+        .toImage();
+}
+
+bool shows(const QWidget *widget, const QString &pictureFile)
+{
+    return likeness(onScreen(widget), QImage(pictureFile)) > 0.9;
+}
+
+} // namespace
+
+/// The album from the first photo to the last deletion: what the live view has stored is found,
+/// opened, stepped through, played and deleted with mouse and keys, and the folder holds after each
+/// step what it should.
+class TestAlbum : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void whatTheLiveViewStoresIsFoundShownAndDeleted();
+
+private:
+    void steps();
+    void fillTheAlbum();
+    void takePhotos(int count);
+    void recordClips(int count);
+    void findThePhotos();
+    void stepThroughThePhotos();
+    void deletePhotoInTheViewer();
+    void deletePhotosInTheGrid();
+    void playAndPause();
+    void seek();
+    void stepAndZoomTheRecordings();
+    void deleteWhatPlays();
+    void leaveByTheToolBar();
+    void deleteRecordingInTheGrid();
+    void quit();
+
+    int page() const
+    {
+        return m_window->findChild<QStackedWidget *>("stackedWidget")->currentIndex();
+    }
+    template <typename Page>
+    Page *pageNamed(const char *name) const
+    {
+        return m_window->findChild<Page *>(QLatin1String(name));
+    }
+    QWidget *live() const { return m_window->findChild<CPlayCameraForm *>(); }
+    CPhotoMgrForm *photos() const { return pageNamed<CPhotoMgrForm>("pagePhotoMgr"); }
+    CPhotoMgrForm *videos() const { return pageNamed<CPhotoMgrForm>("pageVideoMgr"); }
+    CPlayPhotoForm *viewer() const { return pageNamed<CPlayPhotoForm>("pagePlayPhoto"); }
+    CPlayVideoForm *player() const { return pageNamed<CPlayVideoForm>("pagePlayVideo"); }
+
+    /// The pointer's way through the server is shorter than that of what Qt has just moved.
+    RealInput &settledInput() const
+    {
+        QGuiApplication::sync();
+        return *m_input;
+    }
+    void click(const QWidget *parent, const char *button)
+    {
+        settledInput().click(parent->findChild<QToolButton *>(QLatin1String(button)));
+    }
+    static QString status(const QWidget *page)
+    {
+        return page->findChild<QLabel *>("labelStatus")->text();
+    }
+    /// The tiles that can be seen, in the order of their files.
+    static QList<CPhotoMgrItemForm *> tiles(const QWidget *album)
+    {
+        QList<CPhotoMgrItemForm *> seen;
+        for (auto *tile : album->findChildren<CPhotoMgrItemForm *>()) {
+            if (tile->isVisible())
+                seen << tile;
+        }
+        std::sort(seen.begin(), seen.end(),
+                  [](auto *a, auto *b) { return a->fileName() < b->fileName(); });
+        return seen;
+    }
+    static QStringList names(const QWidget *album)
+    {
+        QStringList result;
+        for (const CPhotoMgrItemForm *tile : tiles(album))
+            result << tile->fileName();
+        return result;
+    }
+
+    QString path(const QString &name) const
+    {
+        return m_run->albumFolder() + "/" + QString::fromStdString(m_uid) + "/" + name;
+    }
+    /// What the folder holds, without the picture of the camera's own tile.
+    QStringList folder() const
+    {
+        QStringList files = m_run->album(m_uid);
+        files.removeAll("thumb.jpeg");
+        return files;
+    }
+    QStringList filesLike(const QString &pattern) const
+    {
+        return folder().filter(QRegularExpression(QRegularExpression::anchoredPattern(pattern)));
+    }
+    QStringList photoFiles() const { return filesLike("\\d{8}_\\d{6}\\.jpg"); }
+    QStringList clipFiles() const { return filesLike("\\d{8}_\\d{6}\\.mp4"); }
+
+    void answerQuestion(const QString &text, const char *button, const QWidget *deleteButton);
+    Phonon::MediaObject *media() const { return player()->player()->mediaObject(); }
+    QWidget *videoSurface() const { return player()->findChild<zelvaro::PlayerFrame *>(); }
+    bool playButtonSays(const char *text) const
+    {
+        return player()->findChild<QToolButton *>("btnPlay")->accessibleName() ==
+               QLatin1String(text);
+    }
+    /// At its true size; how large it is shown depends on the window.
+    bool plays(const QString &clip) const
+    {
+        const QRegularExpression line("^" + QRegularExpression::escape(clip) +
+                                      "  640x360\\(\\d+%\\)$");
+        return line.match(status(player())).hasMatch() && playButtonSays("Pause");
+    }
+
+    ProgramRun *m_run = nullptr;
+    RealInput *m_input = nullptr;
+    CMainForm *m_window = nullptr;
+    std::string m_uid;
+    QStringList m_photos; // file names, as the test expects them in the folder
+    QStringList m_clips;
+};
+
+void TestAlbum::whatTheLiveViewStoresIsFoundShownAndDeleted()
+{
+    RealInput input;
+    if (!input.isValid())
+        QSKIP("The display has no XTEST extension.");
+    CamsimProcess cameras({"--count", "2", "--user", "admin", "--password", "secret", "--name",
+                           "Front door", "--name", "Garage", "--main-size", "640x360",
+                           "--main-bitrate", "800000"});
+    ProgramRun run;
+    run.registerCameras(cameras);
+    m_run = &run;
+    m_input = &input;
+    m_uid = cameras.camera(0).uid;
+    bool finished = false;
+    const int code = run.run([&](CMainForm &window) {
+        m_window = &window;
+        steps();
+        finished = !QTest::currentTestFailed();
+    });
+    QVERIFY(finished);
+    QCOMPARE(code, 0);
+}
+
+void TestAlbum::steps()
+{
+    QVERIFY(QTest::qWaitForWindowExposed(m_window));
+    using Step = void (TestAlbum::*)();
+    for (const Step step :
+         {&TestAlbum::fillTheAlbum, &TestAlbum::findThePhotos, &TestAlbum::stepThroughThePhotos,
+          &TestAlbum::deletePhotoInTheViewer, &TestAlbum::deletePhotosInTheGrid,
+          &TestAlbum::playAndPause, &TestAlbum::seek, &TestAlbum::stepAndZoomTheRecordings,
+          &TestAlbum::deleteWhatPlays, &TestAlbum::leaveByTheToolBar,
+          &TestAlbum::deleteRecordingInTheGrid, &TestAlbum::quit}) {
+        (this->*step)();
+        if (QTest::currentTestFailed())
+            return;
+    }
+}
+
+// --- the live view -------------------------------------------------------------------------------
+
+void TestAlbum::fillTheAlbum()
+{
+    const auto tile = [this] { return m_window->findChildren<CCameraMgrItemForm *>().value(0); };
+    QTRY_VERIFY_WITH_TIMEOUT(
+        tile() && tile()->findChild<QWidget *>("labelStatusImage")->toolTip() == "Connected",
+        kPatience);
+    settledInput().doubleClick(tile()->findChild<QWidget *>("frameCameraItem"));
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), kPatience);
+    PictureWatch picture(*live()->findChild<QWidget *>("frameVideoFrame"));
+    QTRY_VERIFY_WITH_TIMEOUT(status(live()).startsWith("640x360") && picture.hasMoved(), kPatience);
+    takePhotos(3);
+    if (!QTest::currentTestFailed())
+        recordClips(2);
+    click(live(), "btnBack");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), kPatience);
+}
+
+void TestAlbum::takePhotos(int count)
+{
+    for (int taken = 1; taken <= count; ++taken) {
+        // A photo is named by its second.
+        const QDateTime second = QDateTime::currentDateTime();
+        QTRY_VERIFY_WITH_TIMEOUT(second.secsTo(QDateTime::currentDateTime()) >= 1, kPatience);
+        click(live(), "btnSnapshot");
+        QTRY_COMPARE_WITH_TIMEOUT(photoFiles().size(), taken, kPatience);
+    }
+    m_photos = photoFiles();
+}
+
+void TestAlbum::recordClips(int count)
+{
+    auto *mark = live()->findChild<QLabel *>("labelRecording");
+    for (int recorded = 1; recorded <= count; ++recorded) {
+        click(live(), "btnRecord");
+        QTRY_COMPARE_WITH_TIMEOUT(clipFiles().size(), recorded, kPatience);
+        const QString clip = clipFiles().last();
+        QVERIFY(mark->styleSheet().contains("recordbtn_down"));
+        QElapsedTimer clock;
+        clock.start();
+        QTRY_VERIFY_WITH_TIMEOUT(clock.hasExpired(kClipLength), kPatience);
+        click(live(), "btnRecord");
+        QTRY_VERIFY_WITH_TIMEOUT(mark->styleSheet().isEmpty(), kPatience);
+        m_clips << clip;
+    }
+    QStringList expected = m_photos + m_clips;
+    for (const QString &clip : qAsConst(m_clips))
+        expected << clip + ".jpeg";
+    expected.sort();
+    QTRY_COMPARE_WITH_TIMEOUT(folder(), expected, kPatience);
+}
+
+// --- photos --------------------------------------------------------------------------------------
+
+void TestAlbum::findThePhotos()
+{
+    click(m_window, "btnPhotoMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePhotoMgr), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, kPatience);
+
+    auto *list = photos()->findChild<QListView *>("listCameraList");
+    const auto clickCamera = [this, list](int row) {
+        settledInput().click(list->viewport(),
+                             list->visualRect(list->model()->index(row, 0)).center());
+    };
+    clickCamera(1);
+    QTRY_VERIFY_WITH_TIMEOUT(names(photos()).isEmpty(), kPatience);
+    QCOMPARE(list->currentIndex().data().toString(), QStringLiteral("Garage"));
+    clickCamera(0);
+    QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, kPatience);
+    for (const CPhotoMgrItemForm *tile : tiles(photos()))
+        QTRY_VERIFY_WITH_TIMEOUT(
+            shows(tile->findChild<QFrame *>("framePhotoItem"), tile->fullPath()), kPatience);
+}
+
+void TestAlbum::stepThroughThePhotos()
+{
+    settledInput().doubleClick(tiles(photos()).first()->findChild<QFrame *>("framePhotoItem"));
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayPhoto), kPatience);
+    const auto *picture = viewer()->findChild<CPhotoFrame *>("framePhoto");
+    const auto isShown = [&](int index) {
+        return status(viewer()).startsWith(m_photos.at(index) + "  640x360(") &&
+               shows(picture, path(m_photos.at(index)));
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(0), kPatience);
+    click(viewer(), "btnNext");
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(1), kPatience);
+    settledInput().key(XK_Right);
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(2), kPatience);
+    settledInput().key(XK_Right); // there is no way round
+    click(viewer(), "btnPrev");
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(1), kPatience);
+
+    click(viewer(), "btnZoomOut");
+    QTRY_COMPARE_WITH_TIMEOUT(status(viewer()), m_photos.at(1) + "  640x360(75%)", kPatience);
+    settledInput().doubleClick(picture);
+    QTRY_VERIFY_WITH_TIMEOUT(picture->isFullScreen() && picture->isActiveWindow(), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(picture->size(), picture->screen()->size(), kPatience);
+    settledInput().key(XK_Escape);
+    QTRY_VERIFY_WITH_TIMEOUT(!picture->isWindow() && isShown(1), kPatience);
+    QCOMPARE(photoFiles(), m_photos);
+}
+
+void TestAlbum::deletePhotoInTheViewer()
+{
+    click(viewer(), "btnDelete");
+    m_photos.removeAt(1);
+    QTRY_COMPARE_WITH_TIMEOUT(photoFiles(), m_photos, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(status(viewer()).startsWith(m_photos.at(1)), kPatience);
+    click(viewer(), "btnBack");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePhotoMgr), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, kPatience);
+}
+
+void TestAlbum::answerQuestion(const QString &text, const char *button, const QWidget *deleteButton)
+{
+    ModalScript modals([&](CMessageBox *box) {
+        QCOMPARE(box->findChild<QLabel *>("labelMessage")->text(), text);
+        settledInput().click(box->findChild<QPushButton *>(QLatin1String(button)));
+    });
+    settledInput().click(deleteButton);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done() && !QApplication::activeModalWidget(), kPatience);
+}
+
+void TestAlbum::deletePhotosInTheGrid()
+{
+    const auto deleteButton = [this] {
+        return tiles(photos()).first()->findChild<QToolButton *>("btnDelete");
+    };
+    answerQuestion("Delete photo?", "btnCancel", deleteButton());
+    QCOMPARE(photoFiles(), m_photos);
+    QCOMPARE(names(photos()), m_photos);
+    while (!m_photos.isEmpty() && !QTest::currentTestFailed()) {
+        answerQuestion("Delete photo?", "btnOk", deleteButton());
+        m_photos.removeFirst();
+        QTRY_COMPARE_WITH_TIMEOUT(photoFiles(), m_photos, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, kPatience);
+    }
+    QCOMPARE(folder(), QStringList({m_clips.at(0), m_clips.at(0) + ".jpeg", m_clips.at(1),
+                                    m_clips.at(1) + ".jpeg"}));
+}
+
+// --- recordings ----------------------------------------------------------------------------------
+
+void TestAlbum::playAndPause()
+{
+    click(m_window, "btnVideoMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageVideoMgr), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(videos()), m_clips, kPatience);
+    for (const CPhotoMgrItemForm *tile : tiles(videos()))
+        QTRY_VERIFY_WITH_TIMEOUT(
+            shows(tile->findChild<QFrame *>("framePhotoItem"), tile->fullPath() + ".jpeg"),
+            kPatience);
+
+    click(tiles(videos()).first(), "btnPlay");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayVideo), kPatience);
+    if (!player()->player()->hasBackEnd())
+        QSKIP("No back end of Phonon is installed.");
+    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.at(0)), kPatience);
+    PictureWatch picture(*videoSurface());
+    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), kPatience);
+    QVERIFY(media()->totalTime() > kClipLength / 2);
+
+    click(player(), "btnPlay");
+    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Play"), kPatience);
+    QCOMPARE(media()->state(), Phonon::PausedState);
+}
+
+void TestAlbum::seek()
+{
+    auto *slider = player()->findChild<Phonon::SeekSlider *>()->findChild<QSlider *>();
+    QVERIFY(slider && slider->isVisible());
+    const auto handleAt = [slider](double share) {
+        constexpr int Margin = 8; // half of the handle
+        return QPoint(Margin + int(share * (slider->width() - 2 * Margin)), slider->height() / 2);
+    };
+    const double before = double(media()->currentTime()) / media()->totalTime();
+    const QImage picture = onScreen(videoSurface());
+    const double target = before < 0.5 ? 0.8 : 0.1;
+    settledInput().drag(slider, handleAt(before), handleAt(target));
+    QTRY_VERIFY2_WITH_TIMEOUT(
+        qAbs(double(media()->currentTime()) / media()->totalTime() - target) < 0.15,
+        qPrintable(QString("%1 of %2 ms").arg(media()->currentTime()).arg(media()->totalTime())),
+        kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(onScreen(videoSurface()) != picture, kPatience);
+    click(player(), "btnPlay");
+    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Pause"), kPatience);
+    // At the end the same button starts again.
+    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Play"), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(media()->state(), Phonon::StoppedState, kPatience);
+    click(player(), "btnPlay");
+    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Pause"), kPatience);
+}
+
+void TestAlbum::stepAndZoomTheRecordings()
+{
+    click(player(), "btnPrev");
+    click(player(), "btnNext");
+    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.at(1)), kPatience);
+    click(player(), "btnZoomOut");
+    QTRY_COMPARE_WITH_TIMEOUT(status(player()), m_clips.at(1) + "  640x360(75%)", kPatience);
+    settledInput().doubleClick(videoSurface());
+    QTRY_VERIFY_WITH_TIMEOUT(videoSurface()->isFullScreen() && videoSurface()->isActiveWindow(),
+                             kPatience);
+    settledInput().key(XK_Escape);
+    QTRY_VERIFY_WITH_TIMEOUT(!videoSurface()->isWindow(), kPatience);
+    click(player(), "btnPrev");
+    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.at(0)), kPatience);
+    QCOMPARE(clipFiles(), m_clips);
+}
+
+void TestAlbum::deleteWhatPlays()
+{
+    const QString deleted = m_clips.takeFirst();
+    click(player(), "btnDelete");
+    // The still stays: only the album's grid deletes it.
+    QTRY_COMPARE_WITH_TIMEOUT(
+        folder(), QStringList({deleted + ".jpeg", m_clips.first(), m_clips.first() + ".jpeg"}),
+        kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.first()), kPatience);
+    click(player(), "btnBack");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageVideoMgr), kPatience);
+    QCOMPARE(media()->state(), Phonon::StoppedState);
+    QTRY_COMPARE_WITH_TIMEOUT(names(videos()), m_clips, kPatience);
+}
+
+void TestAlbum::leaveByTheToolBar()
+{
+    settledInput().doubleClick(tiles(videos()).first()->findChild<QFrame *>("framePhotoItem"));
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayVideo), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(media()->state(), Phonon::PlayingState, kPatience);
+    click(m_window, "btnVideoMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageVideoMgr), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(media()->state(), Phonon::StoppedState, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(videos()), m_clips, kPatience);
+}
+
+void TestAlbum::deleteRecordingInTheGrid()
+{
+    const auto deleteButton = [this] {
+        return tiles(videos()).first()->findChild<QToolButton *>("btnDelete");
+    };
+    const QStringList before = folder();
+    answerQuestion("Delete video?", "btnCancel", deleteButton());
+    QCOMPARE(folder(), before);
+    answerQuestion("Delete video?", "btnOk", deleteButton());
+    QTRY_COMPARE_WITH_TIMEOUT(folder().size(), 1, kPatience); // the still that was left behind
+    QTRY_VERIFY_WITH_TIMEOUT(names(videos()).isEmpty(), kPatience);
+    QVERIFY(clipFiles().isEmpty());
+}
+
+void TestAlbum::quit()
+{
+    auto *close = m_window->findChild<QToolButton *>("btnClose");
+    QSignalSpy clicked(close, &QToolButton::clicked);
+    settledInput().click(close);
+    QTRY_COMPARE_WITH_TIMEOUT(clicked.count(), 1, kPatience);
+}
+
+QTEST_APPLESS_MAIN(TestAlbum)
+#include "tst_album.moc"
