@@ -152,6 +152,7 @@ std::string Camera::status() const
         .add("watching", m_faults->watching.load())
         .add("encoding", int{m_mainVideo->isFeeding()} + int{m_subVideo->isFeeding()})
         .add("rtsp_requests", m_faults->requests.load())
+        .add("video_frames", m_faults->videoFrames.load())
         .add("key_frame_requests", m_http->onvif().keyFrameRequests())
         .add("back_channel_packets", heard.packets)
         .add("back_channel_bytes", heard.bytes)

@@ -11,6 +11,13 @@ using Kind = MessageSplitter::Kind;
 constexpr std::size_t kPacketHead = 4;
 constexpr std::size_t kRtpHead = 12;
 
+/// The last packet of a picture carries the marker (RFC 6184 5.1). The picture is described first,
+/// so that clients give it the first channel.
+bool endsPicture(const std::string &packet)
+{
+    return packet.size() > kPacketHead + 1 && packet[1] == 0 && (packet[kPacketHead + 1] & 0x80);
+}
+
 /// Cuts after two letters of the first header.
 std::size_t middleOfWord(const std::string &message)
 {
@@ -133,6 +140,7 @@ void RtspPolicy::onPacket(std::string packet, Link &link)
         std::generate(packet.begin() + kPacketHead + kRtpHead, packet.end(),
                       [this] { return static_cast<char>(m_random() >> 8); });
     }
+    m_faults->videoFrames += endsPicture(packet) ? 1 : 0;
     link.toClient(packet, std::chrono::milliseconds(m_faults->slowMs));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/cammgr/live_stream.h"
+#include "tests/platform/cammgr/wait_until.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -69,19 +70,3 @@ private:
     int m_keyFrameWishes = 0;
     std::vector<cammgr::StreamEnd> m_ends;
 };
-
-/// Waits until a condition holds that nobody signals; false when it does not within the deadline.
-inline bool waitUntil(const std::function<bool()> &condition,
-                      std::chrono::milliseconds deadline = 30s)
-{
-    std::mutex lock;
-    std::condition_variable never;
-    std::unique_lock held(lock);
-    const auto end = std::chrono::steady_clock::now() + deadline;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() >= end)
-            return condition();
-        never.wait_for(held, 10ms, [] { return false; });
-    }
-    return true;
-}

@@ -12,14 +12,14 @@
 class TestWindow
 {
 public:
-    TestWindow(int width, int height) : m_display(XOpenDisplay(nullptr))
+    TestWindow(int width, int height, int x = 0, int y = 0) : m_display(XOpenDisplay(nullptr))
     {
         if (!m_display)
             return;
         const Window root = DefaultRootWindow(m_display);
         XSetWindowAttributes attributes = {};
         attributes.override_redirect = True;
-        m_parent = XCreateWindow(m_display, root, 0, 0, width, height, 0, CopyFromParent,
+        m_parent = XCreateWindow(m_display, root, x, y, width, height, 0, CopyFromParent,
                                  InputOutput, nullptr, CWOverrideRedirect, &attributes);
         m_window = XCreateSimpleWindow(m_display, m_parent, 0, 0, width, height, 0, 0,
                                        WhitePixel(m_display, DefaultScreen(m_display)));

@@ -1,6 +1,7 @@
 #include "platform/cammgr/cammgr.h"
 
 #include "tests/platform/cammgr/player_messages.h"
+#include "tests/platform/cammgr/wait_until.h"
 #include "tests/support/camsim_process.h"
 
 #include <glib.h>
@@ -60,45 +61,26 @@ public:
     /// Probes until one has that result.
     bool probeUntil(int kind, int value, std::chrono::seconds limit = 60s)
     {
-        return until(limit, [&] {
-            const auto message = probe();
-            return message && message->kind == kind && message->value == value;
-        });
+        return waitUntil(
+            [&] {
+                const auto message = probe();
+                return message && message->kind == kind && message->value == value;
+            },
+            limit);
     }
     bool playUntilPictures(std::chrono::seconds limit = 30s)
     {
-        return until(limit, [&] {
-            RtspPlayer_Play(m_player);
-            return RtspPlayer_IsPlaying(m_player) != 0;
-        });
-    }
-    /// Looks at condition again and again, with the pause of a message that does not come.
-    bool until(std::chrono::seconds limit, const std::function<bool()> &condition)
-    {
-        const auto deadline = std::chrono::steady_clock::now() + limit;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > deadline)
-                return false;
-            m_pause.wait();
-        }
-        return true;
+        return waitUntil(
+            [&] {
+                RtspPlayer_Play(m_player);
+                return RtspPlayer_IsPlaying(m_player) != 0;
+            },
+            limit);
     }
 
 private:
-    struct Pause
-    {
-        std::mutex mutex;
-        std::condition_variable never;
-        void wait()
-        {
-            std::unique_lock lock(mutex);
-            never.wait_for(lock, 50ms);
-        }
-    };
-
     PlayerMessages m_messages;
     RtspPlayer *m_player;
-    Pause m_pause;
 };
 
 TEST(CammgrWithCamera, ProbesACameraAtItsAddress)
@@ -201,7 +183,7 @@ TEST(CammgrWithCamera, PlaysBothStreamsAndStops)
     }
     EXPECT_EQ(RtspPlayer_Stop(player), 0);
     EXPECT_EQ(RtspPlayer_IsPlaying(player), 0);
-    EXPECT_TRUE(player.until(30s, [&] { return cameras.statusNumber("watching") == 0; }));
+    EXPECT_TRUE(waitUntil([&] { return cameras.statusNumber("watching") == 0; }));
 }
 
 TEST(CammgrWithCamera, AStreamThatPlaysIsItsOwnProof)
@@ -219,7 +201,7 @@ TEST(CammgrWithCamera, AStreamThatPlaysIsItsOwnProof)
     }
     // The stream itself may keep its session alive meanwhile.
     EXPECT_LE(cameras.statusNumber("rtsp_requests"), requests + 5);
-    EXPECT_TRUE(player.until(30s, [&] { return cameras.statusNumber("connections") == 1; }))
+    EXPECT_TRUE(waitUntil([&] { return cameras.statusNumber("connections") == 1; }))
         << "the idle probe connection is given up";
 }
 
@@ -279,7 +261,7 @@ TEST(CammgrWithCamera, AsksForAKeyFrameWhenItStarts)
     ASSERT_TRUE(player.probeUntil(CAMMGR_MSG_PROBE_OK, 0));
     RtspPlayer_SetupP2PliveStream(player, subPath, 0);
     ASSERT_TRUE(player.playUntilPictures());
-    EXPECT_TRUE(player.until(30s, [&] { return cameras.statusNumber("key_frame_requests") > 0; }));
+    EXPECT_TRUE(waitUntil([&] { return cameras.statusNumber("key_frame_requests") > 0; }));
 }
 
 std::string formRequest(const std::string &command)
@@ -339,8 +321,8 @@ TEST(CammgrWithCamera, TheCameraHearsTheMicrophone)
         const long before = cameras.statusNumber("back_channel_packets");
         EXPECT_EQ(AudioUpload_Play(player), 0);
         EXPECT_NE(AudioUpload_IsPlaying(player), 0);
-        ASSERT_TRUE(player.until(
-            30s, [&] { return cameras.statusNumber("back_channel_packets") > before + 10; }));
+        ASSERT_TRUE(
+            waitUntil([&] { return cameras.statusNumber("back_channel_packets") > before + 10; }));
         // 20 ms of G.711 in each packet.
         const auto heard = cameras.status();
         EXPECT_EQ(std::stol(heard.at("back_channel_bytes")),
@@ -358,12 +340,11 @@ TEST(CammgrWithCamera, TalkBackIsPacedByTheClock)
     g_setenv("ZELVARO_TALKBACK_SOURCE", "audiotestsrc is-live=false", TRUE);
     Player player(cameras.camera().host());
     AudioUpload_Play(player);
-    ASSERT_TRUE(
-        player.until(30s, [&] { return cameras.statusNumber("back_channel_packets") > 0; }));
+    ASSERT_TRUE(waitUntil([&] { return cameras.statusNumber("back_channel_packets") > 0; }));
     const auto begin = std::chrono::steady_clock::now();
     const long first = cameras.statusNumber("back_channel_packets");
-    ASSERT_TRUE(player.until(
-        30s, [&] { return cameras.statusNumber("back_channel_packets") > first + 100; }));
+    ASSERT_TRUE(
+        waitUntil([&] { return cameras.statusNumber("back_channel_packets") > first + 100; }));
     EXPECT_GT(std::chrono::steady_clock::now() - begin, 1500ms) << "2 s of sound";
 }
 
@@ -389,7 +370,7 @@ TEST(CammgrWithCamera, WithoutBackChannelOrMicrophoneOnlyTalkBackEnds)
         RtspPlayer_SetupP2PliveStream(player, subPath, 0);
         ASSERT_TRUE(player.playUntilPictures());
         EXPECT_EQ(AudioUpload_Play(player), 0);
-        EXPECT_TRUE(player.until(30s, [&] { return AudioUpload_IsPlaying(player) == 0; }));
+        EXPECT_TRUE(waitUntil([&] { return AudioUpload_IsPlaying(player) == 0; }));
         EXPECT_NE(RtspPlayer_IsPlaying(player), 0);
         EXPECT_EQ(cameras.statusNumber("back_channel_packets"), 0);
     }

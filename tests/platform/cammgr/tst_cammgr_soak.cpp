@@ -2,14 +2,12 @@
 
 #include "tests/platform/cammgr/player_messages.h"
 #include "tests/platform/cammgr/process_figures.h"
+#include "tests/platform/cammgr/wait_until.h"
 #include "tests/support/camsim_process.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <condition_variable>
-#include <functional>
-#include <memory>
 #include <random>
 
 using zelvaro::test::CamsimProcess;
@@ -19,21 +17,6 @@ namespace {
 
 constexpr int cameraCount = 4;
 constexpr int steps = 200;
-
-/// Looks at condition again and again; false when it never holds in time.
-bool until(std::chrono::seconds limit, const std::function<bool()> &condition)
-{
-    std::mutex mutex;
-    std::condition_variable never;
-    const auto deadline = std::chrono::steady_clock::now() + limit;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline)
-            return false;
-        std::unique_lock lock(mutex);
-        never.wait_for(lock, 50ms);
-    }
-    return true;
-}
 
 class Soak : public testing::Test
 {
@@ -68,7 +51,7 @@ protected:
             // Half of them are stopped before the first picture. The others are asked to play for
             // as long as they do not, as a client does.
             if (pick(2)) {
-                EXPECT_TRUE(until(30s, [&] {
+                EXPECT_TRUE(waitUntil([&] {
                     RtspPlayer_Play(player);
                     return RtspPlayer_IsPlaying(player) != 0;
                 }));
@@ -83,7 +66,7 @@ protected:
         for (RtspPlayer *player : m_players)
             RtspPlayer_Stop(player);
         m_isOn = {};
-        EXPECT_TRUE(until(30s, [&] {
+        EXPECT_TRUE(waitUntil([&] {
             long watching = 0;
             for (int i = 0; i < cameraCount; ++i)
                 watching += m_cameras.statusNumber("watching", i);
@@ -91,12 +74,17 @@ protected:
         }));
         ProcessFigures last = ProcessFigures::now();
         // Threads and handles go a moment after the streams.
-        until(10s, [&] {
-            const ProcessFigures figures = ProcessFigures::now();
-            const bool same = figures.threads == last.threads && figures.handles == last.handles;
-            last = figures;
-            return same;
-        });
+        auto lastChange = std::chrono::steady_clock::now();
+        waitUntil(
+            [&] {
+                const auto now = std::chrono::steady_clock::now();
+                const ProcessFigures figures = ProcessFigures::now();
+                if (figures.threads != last.threads || figures.handles != last.handles)
+                    lastChange = now;
+                last = figures;
+                return now - lastChange > 100ms;
+            },
+            10s);
         return last;
     }
 
@@ -122,11 +110,13 @@ TEST_F(Soak, PlayingAndStoppingInAnyOrderLeavesNothingBehind)
     // of streams would be there for good.
     constexpr size_t allowance = 1024 * 1024;
     ProcessFigures after = quiet();
-    const bool isBack = until(60s, [&] {
-        after = ProcessFigures::now();
-        return after.threads <= before.threads && after.handles <= before.handles &&
-               after.heapBytes <= before.heapBytes + allowance;
-    });
+    const bool isBack = waitUntil(
+        [&] {
+            after = ProcessFigures::now();
+            return after.threads <= before.threads && after.handles <= before.handles &&
+                   after.heapBytes <= before.heapBytes + allowance;
+        },
+        60s);
     EXPECT_TRUE(isBack) << "threads " << before.threads << " -> " << after.threads << ", handles "
                         << before.handles << " -> " << after.handles << ", heap "
                         << before.heapBytes << " -> " << after.heapBytes;
