@@ -278,7 +278,7 @@ void TestAlbum::recordClips(int count)
     for (const QString &clip : qAsConst(m_clips))
         expected << clip + ".jpeg";
     expected.sort();
-    QTRY_COMPARE_WITH_TIMEOUT(folder(), expected, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(folder().join(' '), expected.join(' '), kPatience);
 }
 
 // --- photos --------------------------------------------------------------------------------------

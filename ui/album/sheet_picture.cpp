@@ -1,5 +1,7 @@
 #include "ui/album/sheet_picture.h"
 
+#include "ui/album/progressive_jpeg.h"
+
 #include <QDateTime>
 #include <QFileInfo>
 #include <QImageReader>
@@ -11,14 +13,17 @@ namespace zelvaro {
 
 namespace {
 
-// Other formats than JPEG are decoded whole before they are scaled.
+// A JPEG in one scan is made smaller while it is read; all else is held whole before.
 constexpr qint64 MostPixels = 32'000'000;
-constexpr qint64 MostJpegPixels = 250'000'000;
+constexpr qint64 MostScannedPixels = 120'000'000;
 
 bool mayDecode(const QImageReader &reader, QSize size)
 {
     const qint64 pixels = static_cast<qint64>(size.width()) * size.height();
-    return pixels > 0 && pixels <= (reader.format() == "jpeg" ? MostJpegPixels : MostPixels);
+    if (pixels <= MostPixels)
+        return pixels > 0;
+    return pixels <= MostScannedPixels && reader.format() == "jpeg" &&
+           !isProgressiveJpeg(reader.fileName());
 }
 
 QPixmap decoded(const QString &file, QSize shown)

@@ -253,7 +253,7 @@ void tst_PlayVideoForm::filesThatAreNoRecordings_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("zero bytes") << QByteArray();
-    QTest::newRow("text") << QByteArray("this is no recording at all");
+    QTest::newRow("no MP4") << QByteArray("this is no recording at all");
     QTest::newRow("zeros") << QByteArray(5000, 0);
     QTest::newRow("cut off") << QByteArray("\0\0\0\x18"
                                            "ftypisom\0\0\0\0isomavc1\0\0\x10\0moov",

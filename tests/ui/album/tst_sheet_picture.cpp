@@ -3,6 +3,7 @@
 #include "ui/common/style_url.h"
 
 #include <QFrame>
+#include <QImageWriter>
 #include <QPixmap>
 
 class tst_SheetPicture : public QObject
@@ -14,6 +15,8 @@ private slots:
     void theFileItselfStaysAtItsSize();
     void noPictureDrawsNothing();
     void sizesComeFromTheHeader();
+    void aPictureTooLargeToHoldIsLeftOut_data();
+    void aPictureTooLargeToHoldIsLeftOut();
 };
 
 namespace {
@@ -83,6 +86,40 @@ void tst_SheetPicture::sizesComeFromTheHeader()
     QCOMPARE(zelvaro::pictureSize(album.write("A", "b.jpg", "text")), QSize(0, 0));
     QCOMPARE(zelvaro::pictureSize(album.path("A", "missing.jpg")), QSize(0, 0));
     QCOMPARE(zelvaro::pictureSize({}), QSize(0, 0));
+}
+
+void tst_SheetPicture::aPictureTooLargeToHoldIsLeftOut_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<bool>("progressive");
+    QTest::addColumn<bool>("drawn");
+    QTest::newRow("one scan") << QByteArray("JPG") << false << true;
+    QTest::newRow("several scans") << QByteArray("JPG") << true << false;
+    QTest::newRow("PNG") << QByteArray("PNG") << false << false;
+}
+
+void tst_SheetPicture::aPictureTooLargeToHoldIsLeftOut()
+{
+    QFETCH(QByteArray, format);
+    QFETCH(bool, progressive);
+    QFETCH(bool, drawn);
+    AlbumFixture album;
+    const QString file = album.write("A", "large.jpg");
+    QImage image(6000, 5500, QImage::Format_Grayscale8);
+    image.fill(Qt::gray);
+    QImageWriter writer(file, format);
+    writer.setProgressiveScanWrite(progressive);
+    QVERIFY(writer.write(image));
+    QFrame frame;
+    frame.setObjectName("framePicture");
+    frame.setAutoFillBackground(true);
+    QPalette yellow;
+    yellow.setColor(QPalette::Window, Qt::yellow);
+    frame.setPalette(yellow);
+    zelvaro::setPictureSheet(&frame, sheetOf(file), file, {80, 60});
+    QCOMPARE(alike(centreOf(&frame), Qt::gray), drawn);
+    QCOMPARE(alike(centreOf(&frame), Qt::yellow), !drawn);
+    QCOMPARE(zelvaro::pictureSize(file), image.size());
 }
 
 QTEST_MAIN(tst_SheetPicture)
