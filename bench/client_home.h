@@ -1,0 +1,27 @@
+#pragma once
+
+#include "tests/support/camsim_process.h"
+
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// Settings and album of the client under measurement, in a folder of its own that goes with this
+/// object. Sets the environment so that the client finds them.
+class ClientHome
+{
+public:
+    ClientHome();
+    ~ClientHome();
+    ClientHome(const ClientHome &) = delete;
+    ClientHome &operator=(const ClientHome &) = delete;
+
+    /// Writes the settings: these cameras, all of them in the grid.
+    void registerCameras(const std::vector<zelvaro::test::SimulatedCamera> &cameras);
+
+private:
+    std::string m_folder;
+};
+
+} // namespace bench
