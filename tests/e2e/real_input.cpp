@@ -1,5 +1,6 @@
 #include "tests/e2e/real_input.h"
 
+#include <QTest>
 #include <QWidget>
 
 #include <X11/XKBlib.h>
@@ -7,6 +8,19 @@
 #include <X11/extensions/XTest.h>
 #include <X11/keysym.h>
 
+namespace {
+
+constexpr int kPatience = 20'000; // milliseconds until a widget can be pointed at
+
+const QWidget *nativeAncestor(const QWidget *widget)
+{
+    return widget->internalWinId() ? widget : widget->nativeParentWidget();
+}
+
+} // namespace
+
+/// The events of one gesture are queued and sent at once: the server stamps them with its own
+/// time, so a test that is held up in the middle of a double click does not make it two clicks.
 struct RealInput::Private
 {
     Display *display = nullptr;
@@ -17,7 +31,7 @@ struct RealInput::Private
     {
         if (point.x() < 0)
             point = widget->rect().center();
-        const QWidget *native = widget->internalWinId() ? widget : widget->nativeParentWidget();
+        const QWidget *native = nativeAncestor(widget);
         if (native != widget)
             point = widget->mapTo(native, point);
         int x = 0, y = 0;
@@ -27,16 +41,44 @@ struct RealInput::Private
         return {x, y};
     }
 
+    /// Whether an event at the point would go to the widget: its window is mapped, and no other
+    /// window, such as a dialog that is just being closed, is above it.
+    bool isOnTop(const QWidget *widget, QPoint global) const
+    {
+        const Window root = DefaultRootWindow(display);
+        const Window wanted = nativeAncestor(widget)->internalWinId();
+        int x = 0, y = 0;
+        for (Window window = root, child = 0; window != wanted; window = child) {
+            if (!XTranslateCoordinates(display, root, window, global.x(), global.y(), &x, &y,
+                                       &child) ||
+                child == 0)
+                return false;
+        }
+        return true;
+    }
+
+    QPoint aim(const QWidget *widget, QPoint point) const
+    {
+        QPoint global;
+        const auto found = [&] {
+            global = globalPoint(widget, point);
+            return isOnTop(widget, global);
+        };
+        if (!QTest::qWaitFor(found, kPatience)) {
+            QTest::qFail(qPrintable("nobody can point at " + widget->objectName()), __FILE__,
+                         __LINE__);
+        }
+        return global;
+    }
+
     void motion(QPoint global)
     {
         XTestFakeMotionEvent(display, -1, global.x(), global.y(), CurrentTime);
-        XSync(display, False);
     }
 
     void button(bool press)
     {
         XTestFakeButtonEvent(display, Button1, press ? True : False, CurrentTime);
-        XSync(display, False);
     }
 
     void click()
@@ -48,7 +90,6 @@ struct RealInput::Private
     void keyCode(KeyCode code, bool press)
     {
         XTestFakeKeyEvent(display, code, press ? True : False, CurrentTime);
-        XSync(display, False);
     }
 
     void stroke(KeySym symbol, KeySym modifier = NoSymbol)
@@ -62,6 +103,9 @@ struct RealInput::Private
         if (held != 0)
             keyCode(held, false);
     }
+
+    /// Sends what is queued; the server has taken it when this returns.
+    void send() { XSync(display, False); }
 };
 
 RealInput::RealInput() : d(std::make_unique<Private>())
@@ -88,33 +132,37 @@ bool RealInput::isValid() const
 
 void RealInput::moveTo(const QWidget *widget, QPoint point)
 {
-    d->motion(d->globalPoint(widget, point));
+    d->motion(d->aim(widget, point));
+    d->send();
 }
 
 void RealInput::click(const QWidget *widget, QPoint point)
 {
-    moveTo(widget, point);
+    d->motion(d->aim(widget, point));
     d->click();
+    d->send();
 }
 
 void RealInput::doubleClick(const QWidget *widget, QPoint point)
 {
-    moveTo(widget, point);
+    d->motion(d->aim(widget, point));
     d->click();
     d->click();
+    d->send();
 }
 
 void RealInput::drag(const QWidget *widget, QPoint from, QPoint to)
 {
     constexpr int steps = 8;
     // The widget may move with the pointer: the way is fixed before the button goes down.
-    const QPoint start = d->globalPoint(widget, from);
+    const QPoint start = d->aim(widget, from);
     const QPoint end = d->globalPoint(widget, to);
     d->motion(start);
     d->button(true);
     for (int step = 1; step <= steps; ++step)
         d->motion(start + (end - start) * step / steps);
     d->button(false);
+    d->send();
 }
 
 void RealInput::type(const QString &text)
@@ -126,14 +174,17 @@ void RealInput::type(const QString &text)
         const bool shifted = XkbKeycodeToKeysym(d->display, code, 0, 0) != symbol;
         d->stroke(symbol, shifted ? XK_Shift_L : NoSymbol);
     }
+    d->send();
 }
 
 void RealInput::key(unsigned long keySymbol)
 {
     d->stroke(keySymbol);
+    d->send();
 }
 
 void RealInput::selectAll()
 {
     d->stroke(XK_a, XK_Control_L);
+    d->send();
 }

@@ -10,8 +10,9 @@ class QWidget;
 
 /// Mouse and keyboard as the X server gives them to every program: the events of these calls take
 /// the same way as a person's, through the server, the window manager and Qt's platform plug-in.
-/// GUI thread only. Each call returns when the server has taken the events; what they cause is
-/// waited for by the test, on a condition.
+/// GUI thread only. A call that points at a widget waits until the
+/// server would give it the event, and fails the test when that does not come. Each call returns
+/// when the server has taken the events; what they cause is waited for by the test, on a condition.
 class RealInput
 {
 public:

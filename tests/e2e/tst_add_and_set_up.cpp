@@ -165,14 +165,8 @@ void TestAddAndSetUp::watch()
 
 void TestAddAndSetUp::playAndGoBack()
 {
-    const auto isShown = [this] { return page() == int(CMainForm::PagePlayCamera); };
-    // The window manager may still be giving the pointer back from the dialog that has closed.
-    for (int attempt = 0; attempt < 5 && !isShown(); ++attempt) {
-        m_input->doubleClick(tiles().first()->findChild<QWidget *>("frameCameraItem"));
-        if (QTest::qWaitFor(isShown, kPatience / 5))
-            break;
-    }
-    QVERIFY(isShown());
+    m_input->doubleClick(tiles().first()->findChild<QWidget *>("frameCameraItem"));
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), kPatience);
     auto *live = m_window->findChild<CPlayCameraForm *>();
     QTRY_VERIFY_WITH_TIMEOUT(
         live->findChild<QLabel *>("labelStatus")->text().startsWith("640x360("), 2 * kPatience);
@@ -250,6 +244,7 @@ void TestAddAndSetUp::reboot()
     QMetaObject::invokeMethod(tiles().first(), "slotReboot", Qt::QueuedConnection);
     QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * kPatience);
     QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == nullptr, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_cameras->statusNumber("rebooting"), 0L, kPatience);
 }
 
 void TestAddAndSetUp::moveToOtherAddress()
