@@ -309,7 +309,7 @@ void CCameraCore::playerCallback(int message, int countOrError, void *context, c
     });
 }
 
-void CCameraCore::slotCameraEvent(int nMsg, int nErrORcnt, QStringList result)
+void CCameraCore::slotCameraEvent(int nMsg, int nErrORcnt, const QStringList &result)
 {
     check(m_pRtspPlayer, "m_pRtspPlayer");
     switch (nMsg) {

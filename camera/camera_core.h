@@ -120,7 +120,7 @@ signals:
     void signalP2PConfFinished();
 
 public slots:
-    void slotCameraEvent(int nMsg, int nErrORcnt, QStringList result);
+    void slotCameraEvent(int nMsg, int nErrORcnt, const QStringList &result);
     void slotCameraTickAlive();
 
 private:

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <sstream>
+#include <utility>
 
 namespace camsim {
 
@@ -51,7 +52,7 @@ Run withNumber(Number low, Number high, std::function<void(Camera &, Number)> ru
 /// A command that stands alone (on) or is followed by "on" or "off".
 Run withSwitch(std::function<void(Camera &, bool)> run)
 {
-    return [run](Camera &camera, const Arguments &arguments) {
+    return [run = std::move(run)](Camera &camera, const Arguments &arguments) {
         const bool off = arguments == Arguments{"off"};
         if (!arguments.empty() && !off && arguments != Arguments{"on"})
             return kWrong;
@@ -62,7 +63,7 @@ Run withSwitch(std::function<void(Camera &, bool)> run)
 
 Run plain(std::function<void(Camera &)> run)
 {
-    return [run](Camera &camera, const Arguments &arguments) {
+    return [run = std::move(run)](Camera &camera, const Arguments &arguments) {
         if (!arguments.empty())
             return kWrong;
         run(camera);

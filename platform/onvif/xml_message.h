@@ -16,7 +16,7 @@ class XmlMessage
 {
 public:
     /// The longest message that is read, in bytes.
-    static constexpr std::size_t maxBytes = 1024 * 1024;
+    static constexpr std::size_t maxBytes = std::size_t{1024} * 1024;
     /// How deep and how many elements a message may have.
     static constexpr int maxDepth = 64;
     static constexpr int maxNodes = 50'000;
