@@ -6,8 +6,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QPixmap>
-#include <QScreen>
 #include <QTimer>
 
 ProgramRun::ProgramRun()
@@ -42,6 +40,15 @@ QStringList ProgramRun::album(const std::string &uid) const
     return QDir(albumFolder() + "/" + QString::fromStdString(uid)).entryList(QDir::Files);
 }
 
+QStringList ProgramRun::albumFiles(const std::string &uid, const QString &pattern) const
+{
+    const QRegularExpression wanted(QRegularExpression::anchoredPattern(pattern));
+    QStringList files;
+    for (const QString &name : album(uid).filter(wanted))
+        files << albumFolder() + "/" + QString::fromStdString(uid) + "/" + name;
+    return files;
+}
+
 void ProgramRun::makeFindable(const zelvaro::test::CamsimProcess &cameras)
 {
     QByteArrayList targets;
@@ -50,7 +57,7 @@ void ProgramRun::makeFindable(const zelvaro::test::CamsimProcess &cameras)
     qputenv("ZELVARO_DISCOVERY_TARGETS", targets.join(','));
 }
 
-void ProgramRun::registerCameras(const zelvaro::test::CamsimProcess &cameras)
+void ProgramRun::registerCameras(const zelvaro::test::CamsimProcess &cameras, bool multiLive)
 {
     makeFindable(cameras);
     QFile file(settingsFile());
@@ -59,11 +66,12 @@ void ProgramRun::registerCameras(const zelvaro::test::CamsimProcess &cameras)
     int index = 0;
     for (const auto &camera : cameras.cameras()) {
         file.write(QStringLiteral("[%1]\nTYPE=P2P\nHOSTNAME=%2\nUSERNAME=%3\nPASSWORD=%4\n"
-                                  "NAME=\"%5\"\nMULTILIVE=1\n")
+                                  "NAME=\"%5\"\nMULTILIVE=%6\n")
                        .arg(index++)
                        .arg(QString::fromStdString(camera.uid), QString::fromStdString(camera.user),
                             QString::fromStdString(camera.password),
                             QString::fromStdString(camera.name))
+                       .arg(int(multiLive))
                        .toUtf8());
     }
 }
@@ -80,17 +88,4 @@ int ProgramRun::run(const std::function<void(CMainForm &)> &steps)
             QCoreApplication::exit(0);
         });
     });
-}
-
-bool PictureWatch::hasMoved()
-{
-    const QPoint corner = m_widget.mapToGlobal(QPoint(0, 0));
-    const QImage now =
-        m_widget.screen()
-            ->grabWindow(0, corner.x(), corner.y(), m_widget.width(), m_widget.height())
-            .toImage();
-    if (m_first.size() != now.size())
-        m_first = now; // the first look, or the window went to another size
-    m_moved = m_moved || m_first != now;
-    return m_moved;
 }

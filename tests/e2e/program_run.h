@@ -1,9 +1,9 @@
 #pragma once
 
 #include "tests/e2e/real_input.h"
+#include "tests/e2e/screen.h"
 #include "tests/support/camsim_process.h"
 
-#include <QImage>
 #include <QString>
 #include <QTemporaryDir>
 #include <QWidget>
@@ -20,7 +20,8 @@ public:
 
     /// Writes the settings file with these cameras and tells the libraries where they are. All
     /// network traffic stays on loopback.
-    void registerCameras(const zelvaro::test::CamsimProcess &cameras);
+    /// multiLive: the grid of live pictures shows them.
+    void registerCameras(const zelvaro::test::CamsimProcess &cameras, bool multiLive = true);
     /// Lets the libraries find these cameras; none is registered.
     static void makeFindable(const zelvaro::test::CamsimProcess &cameras);
 
@@ -29,6 +30,8 @@ public:
     QByteArray settings() const;
     /// Files in the album folder of a camera, by name.
     QStringList album(const std::string &uid) const;
+    /// Paths of those whose names match a regular expression.
+    QStringList albumFiles(const std::string &uid, const QString &pattern) const;
 
     /// Runs the program from its entry to its end; steps run in its event loop, and when they
     /// return while it still runs it is asked to quit.
@@ -49,18 +52,3 @@ Widget *visibleChild(const QWidget &parent, const char *name)
     }
     return nullptr;
 }
-
-/// Watches a widget's place on the screen, for live pictures that other threads draw.
-class PictureWatch
-{
-public:
-    explicit PictureWatch(const QWidget &widget) : m_widget(widget) {}
-
-    /// Whether the picture has changed since the first look.
-    bool hasMoved();
-
-private:
-    const QWidget &m_widget;
-    QImage m_first;
-    bool m_moved = false;
-};

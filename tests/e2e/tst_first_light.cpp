@@ -1,5 +1,6 @@
 #include "app/main_form.h"
 #include "app/message_box.h"
+#include "tests/e2e/clip_check.h"
 #include "tests/e2e/program_run.h"
 #include "tests/support/modal_script.h"
 #include "ui/live/play_camera_form.h"
@@ -9,7 +10,6 @@
 #include <QImage>
 #include <QLabel>
 #include <QMenu>
-#include <QProcess>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSignalSpy>
@@ -25,29 +25,6 @@ using zelvaro::test::CamsimProcess;
 namespace {
 
 constexpr int kPatience = 40'000; // milliseconds for anything that needs a camera
-
-QStringList shell(const QStringList &command)
-{
-    QProcess process;
-    process.start(command.first(), command.mid(1));
-    if (!process.waitForFinished(kPatience))
-        return {};
-    return QString::fromUtf8(process.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
-}
-
-/// Video frames in a clip, counted by decoding them; 0 when it is none.
-int frames(const QString &clip)
-{
-    return shell({"ffprobe", "-v", "error", "-select_streams", "v", "-count_frames",
-                  "-show_entries", "stream=nb_read_frames", "-of", "csv=p=0", clip})
-        .value(0)
-        .toInt();
-}
-
-QStringList named(const QStringList &files, const QString &pattern)
-{
-    return files.filter(QRegularExpression(QRegularExpression::anchoredPattern(pattern)));
-}
 
 } // namespace
 
@@ -161,28 +138,25 @@ void TestFirstLight::watch()
 void TestFirstLight::takePhoto()
 {
     clickLive("btnSnapshot");
-    const QString pattern = "\\d{8}_\\d{6}\\.jpg";
-    QTRY_COMPARE_WITH_TIMEOUT(named(m_run->album(m_uid), pattern).size(), 1, kPatience);
-    const QImage photo(m_run->albumFolder() + "/" + QString::fromStdString(m_uid) + "/" +
-                       named(m_run->album(m_uid), pattern).first());
-    QCOMPARE(photo.size(), QSize(640, 360));
+    const auto photos = [this] { return m_run->albumFiles(m_uid, "\\d{8}_\\d{6}\\.jpg"); };
+    QTRY_COMPARE_WITH_TIMEOUT(photos().size(), 1, kPatience);
+    QCOMPARE(QImage(photos().first()).size(), QSize(640, 360));
 }
 
 void TestFirstLight::record()
 {
     clickLive("btnRecord");
-    const QString folder = m_run->albumFolder() + "/" + QString::fromStdString(m_uid) + "/";
-    const auto clips = [this] { return named(m_run->album(m_uid), "\\d{8}_\\d{6}\\.mp4"); };
+    const auto clips = [this] { return m_run->albumFiles(m_uid, "\\d{8}_\\d{6}\\.mp4"); };
     QTRY_COMPARE_WITH_TIMEOUT(clips().size(), 1, kPatience);
-    const QString clip = folder + clips().first();
+    const QString clip = clips().first();
     QVERIFY(live()->findChild<QLabel *>("labelRecording")->styleSheet().contains("recordbtn_down"));
-    QCOMPARE(named(m_run->album(m_uid), "\\d{8}_\\d{6}\\.mp4\\.jpeg").size(), 1);
+    QCOMPARE(m_run->albumFiles(m_uid, "\\d{8}_\\d{6}\\.mp4\\.jpeg").size(), 1);
     // Every second is safe on disk, so another program can count it while it is written.
-    QTRY_VERIFY_WITH_TIMEOUT(frames(clip) > 30, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(decodedFrames(clip) > 30, kPatience);
     clickLive("btnRecord");
     QTRY_VERIFY(live()->findChild<QLabel *>("labelRecording")->styleSheet().isEmpty());
     // The file is finished behind the button.
-    QTRY_VERIFY_WITH_TIMEOUT(frames(clip) >= 35, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(decodedFrames(clip) >= 35, kPatience);
 }
 
 void TestFirstLight::zoomAndFullScreen()

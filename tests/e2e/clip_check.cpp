@@ -1,0 +1,115 @@
+#include "tests/e2e/clip_check.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int kPatience = 60'000; // milliseconds
+
+struct Result
+{
+    bool good = false; ///< ended by itself, with exit code 0
+    QString output;
+    QString errors;
+};
+
+Result run(const QString &program, const QStringList &arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(kPatience))
+        return {};
+    return {process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
+            QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
+QString readWithFfprobe(const QString &file, const QStringList &options)
+{
+    const QStringList common{"-v", "error", "-select_streams", "v", "-of", "csv=p=0"};
+    return run("ffprobe", common + options + QStringList{file}).output;
+}
+
+} // namespace
+
+ClipFacts clipFacts(const QString &file)
+{
+    std::vector<double> times;
+    for (const QString &line : readWithFfprobe(file, {"-show_entries", "packet=pts_time"})
+                                   .split(QRegularExpression("[\\n,]+"), Qt::SkipEmptyParts))
+        times.push_back(line.toDouble());
+    ClipFacts facts;
+    facts.frames = static_cast<int>(times.size());
+    if (times.size() < 2)
+        return facts;
+    std::sort(times.begin(), times.end());
+    for (std::size_t i = 1; i < times.size(); ++i)
+        facts.longestGap = std::max(facts.longestGap, times[i] - times[i - 1]);
+    const double shown = times.back() - times.front();
+    facts.seconds = shown + shown / static_cast<double>(times.size() - 1);
+    return facts;
+}
+
+int decodedFrames(const QString &file)
+{
+    return readWithFfprobe(file, {"-count_frames", "-show_entries", "stream=nb_read_frames"})
+        .trimmed()
+        .toInt();
+}
+
+QString decodingErrors(const QString &file)
+{
+    const Result result = run("ffmpeg", {"-nostdin", "-v", "error", "-i", file, "-f", "null", "-"});
+    return result.good ? result.errors : result.errors + "ffmpeg failed";
+}
+
+bool playsInMpv(const QString &file, int frames)
+{
+    return run("mpv", {"--no-config", "--vo=null", "--ao=null", "--untimed",
+                       "--frames=" + QString::number(frames), file})
+        .good;
+}
+
+bool hasVlc()
+{
+    return !QStandardPaths::findExecutable("vlc").isEmpty();
+}
+
+int framesShownByVlc(const QString &file)
+{
+    // A folder that whoever VLC runs as may read and write.
+    QTemporaryDir folder;
+    const QString clip = folder.filePath("clip.mp4");
+    QFile::copy(file, clip);
+    QFile::setPermissions(folder.path(), QFile::Permissions(0x7777));
+    QFile::setPermissions(clip, QFile::Permissions(0x6666));
+    QStringList command{"vlc",
+                        "--intf=dummy",
+                        "--no-audio",
+                        "--vout=dummy",
+                        "--video-filter=scene",
+                        "--scene-ratio=10",
+                        "--scene-format=png",
+                        "--scene-prefix=shown",
+                        "--scene-path=" + folder.path(),
+                        "--rate=8",
+                        "--play-and-exit",
+                        clip};
+    if (geteuid() == 0) {
+        command = QStringList{"setpriv",        "--reuid=65534", "--regid=65534",
+                              "--clear-groups", "env",           "HOME=" + folder.path()} +
+                  command;
+    }
+    run(command.first(), command.mid(1));
+    return QDir(folder.path()).entryList({"shown*.png"}).size();
+}

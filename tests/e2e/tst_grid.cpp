@@ -1,0 +1,317 @@
+#include "app/main_form.h"
+#include "app/message_box.h"
+#include "camera/camera.h"
+#include "tests/e2e/clip_check.h"
+#include "tests/e2e/program_run.h"
+#include "tests/e2e/sound_tap.h"
+#include "tests/support/modal_script.h"
+#include "ui/live/multi_live_form.h"
+#include "ui/live/multi_live_frame.h"
+#include "ui/live/multi_live_item_form.h"
+#include "ui/live/select_camera_form.h"
+#include "ui/live/select_camera_item_form.h"
+#include "ui/live/select_camera_recording_form.h"
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QTest>
+#include <QToolButton>
+
+#include <X11/keysym.h>
+
+#include <algorithm>
+
+using zelvaro::test::CamsimProcess;
+
+namespace {
+
+constexpr int kPatience = 60'000; // milliseconds for anything that needs all cameras
+constexpr int kCameras = 16;
+constexpr int kFrameRate = 10;
+constexpr int kRecorded = 10'000; // milliseconds
+
+const QString kStamp = QStringLiteral("\\d{8}_\\d{6}");
+const QSize kPicture(320, 180);
+
+} // namespace
+
+/// Sixteen cameras side by side, as a person uses them: chosen, watched, heard, photographed and
+/// recorded; what comes out is judged by other programs.
+class TestGrid : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void camerasAreChosenWatchedHeardAndRecorded();
+
+private:
+    void choose();
+    void watch();
+    void hear();
+    void takePhotos();
+    void beginRecording();
+    void fullScreenOfATile();
+    void changeOfViewAsksFirst();
+    void judgeClips();
+    void quit();
+
+    CMultiLiveForm *page() const { return m_window->findChild<CMultiLiveForm *>(); }
+    CMultiLiveFrame *grid() const { return m_window->findChild<CMultiLiveFrame *>(); }
+    CMultiLiveItemForm *tile(int index) const { return grid()->tiles().at(index); }
+    QWidget *picture(int index) const
+    {
+        return tile(index)->findChild<QWidget *>("frameVideoFrame");
+    }
+    bool isSelected(int index) const
+    {
+        return tile(index)
+            ->findChild<QWidget *>("frameCameraItemBk")
+            ->styleSheet()
+            .contains("multiliveitemframe_hover");
+    }
+    bool allWriting(bool writing) const
+    {
+        return std::all_of(m_recorded.begin(), m_recorded.end(), [this, writing](int index) {
+            return bool(tile(index)->camera()->is_writing()) == writing;
+        });
+    }
+    void click(const QWidget *parent, const char *name)
+    {
+        m_input->click(parent->findChild<QWidget *>(QLatin1String(name)));
+    }
+    void tick(QWidget *dialog, const QList<int> &wanted);
+    /// Every picture on the screen moves: no stream stands still.
+    void expectAllAlive();
+
+    const QList<int> m_recorded{0, 5, 10, 15};
+    ProgramRun *m_run = nullptr;
+    RealInput *m_input = nullptr;
+    CamsimProcess *m_cameras = nullptr;
+    CMainForm *m_window = nullptr;
+    QElapsedTimer m_recording;
+    double m_recordedSeconds = 0;
+};
+
+void TestGrid::camerasAreChosenWatchedHeardAndRecorded()
+{
+    RealInput input;
+    if (!input.isValid())
+        QSKIP("The display has no XTEST extension.");
+    soundtap::listen();
+    CamsimProcess cameras({"--count", QByteArray::number(kCameras).toStdString(), "--user", "admin",
+                           "--password", "secret", "--canned", "--sub-size", "320x180", "--sub-fps",
+                           QByteArray::number(kFrameRate).toStdString(), "--sub-bitrate", "200000",
+                           "--main-size", "320x180", "--key-interval", "0.5"});
+    ProgramRun run;
+    run.registerCameras(cameras, false);
+    m_run = &run;
+    m_input = &input;
+    m_cameras = &cameras;
+    bool finished = false;
+    const int code = run.run([&](CMainForm &window) {
+        m_window = &window;
+        for (const auto step :
+             {&TestGrid::choose, &TestGrid::watch, &TestGrid::hear, &TestGrid::takePhotos,
+              &TestGrid::beginRecording, &TestGrid::fullScreenOfATile,
+              &TestGrid::changeOfViewAsksFirst, &TestGrid::judgeClips, &TestGrid::quit}) {
+            (this->*step)();
+            if (QTest::currentTestFailed())
+                return;
+        }
+        finished = true;
+    });
+    QVERIFY(finished);
+    QCOMPARE(code, 0);
+}
+
+/// The first tile with the mouse, the others with the keyboard, which also scrolls to them.
+void TestGrid::tick(QWidget *dialog, const QList<int> &wanted)
+{
+    const auto tiles = dialog->findChild<zelvaro::SelectionFrame *>()->tiles();
+    QCOMPARE(tiles.size(), kCameras);
+    m_input->click(tiles.first());
+    for (int i = 0; i < tiles.size(); ++i) {
+        QTRY_VERIFY_WITH_TIMEOUT(tiles.at(i)->hasFocus(), kPatience);
+        if (i > 0 && wanted.contains(i))
+            m_input->key(XK_space);
+        QTRY_COMPARE_WITH_TIMEOUT(tiles.at(i)->isChecked(), wanted.contains(i), kPatience);
+        m_input->key(XK_Tab);
+    }
+    click(dialog, "btnOK");
+}
+
+void TestGrid::choose()
+{
+    QVERIFY(QTest::qWaitForWindowActive(m_window, kPatience));
+    click(m_window, "btnMax");
+    QTRY_COMPARE_WITH_TIMEOUT(m_window->size(), m_window->screen()->availableSize(), kPatience);
+    click(m_window, "btnMultiLive");
+    QTRY_COMPARE_WITH_TIMEOUT(
+        m_window->findChild<QStackedWidget *>("stackedWidget")->currentIndex(),
+        int(CMainForm::PageMultiLive), kPatience);
+    QCOMPARE(grid()->tiles().size(), 0);
+
+    QList<int> all;
+    for (int i = 0; i < kCameras; ++i)
+        all << i;
+    ModalScript script([&](CSelectCameraForm *dialog) { tick(dialog, all); });
+    click(page(), "btnSelect");
+    QTRY_VERIFY_WITH_TIMEOUT(script.done(), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(grid()->tiles().size(), kCameras, kPatience);
+    QCOMPARE(m_run->settings().count("MULTILIVE=1"), kCameras);
+}
+
+void TestGrid::watch()
+{
+    QCOMPARE(grid()->shape().rows, 4);
+    QCOMPARE(grid()->shape().columns, 4);
+    QVERIFY(qAbs(grid()->shape().width * 3 - grid()->shape().height * 4) < 4);
+    for (int i = 0; i < kCameras; ++i) {
+        QCOMPARE(tile(i)->camera()->hostname(), QString::fromStdString(m_cameras->camera(i).uid));
+        QTRY_VERIFY_WITH_TIMEOUT(
+            tile(i)->findChild<QLabel *>("labelStatus")->text().startsWith("320x180  "), kPatience);
+    }
+    expectAllAlive();
+    QCOMPARE(soundtap::openDevices(), 0);
+}
+
+void TestGrid::expectAllAlive()
+{
+    std::vector<PictureWatch> watches;
+    for (int i = 0; i < kCameras; ++i)
+        watches.emplace_back(*picture(i));
+    const auto allMoved = [&watches] {
+        const auto moved = [](PictureWatch &watch) { return watch.hasMoved(); };
+        return std::count_if(watches.begin(), watches.end(), moved) == kCameras;
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(allMoved(), kPatience);
+}
+
+void TestGrid::hear()
+{
+    for (const int index : {5, 10}) {
+        m_input->click(picture(index));
+        QTRY_VERIFY_WITH_TIMEOUT(isSelected(index), kPatience);
+        QCOMPARE(grid()->selectedTile(), tile(index));
+        QTRY_VERIFY_WITH_TIMEOUT(soundtap::pitch() == soundtap::pitchOf(index) &&
+                                     soundtap::openDevices() == 1,
+                                 kPatience);
+    }
+    QVERIFY(!isSelected(5));
+    click(page(), "btnMute");
+    QTRY_COMPARE_WITH_TIMEOUT(soundtap::openDevices(), 0, kPatience);
+    click(page(), "btnMute");
+    QTRY_COMPARE_WITH_TIMEOUT(soundtap::pitch(), soundtap::pitchOf(10), kPatience);
+}
+
+void TestGrid::takePhotos()
+{
+    click(page(), "btnSnapshot");
+    for (const auto &camera : m_cameras->cameras()) {
+        const auto photos = [&] { return m_run->albumFiles(camera.uid, kStamp + "\\.jpg"); };
+        QTRY_COMPARE_WITH_TIMEOUT(photos().size(), 1, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(QImage(photos().first()).size(), kPicture, kPatience);
+    }
+}
+
+void TestGrid::beginRecording()
+{
+    ModalScript script([this](CSelectCameraRecordingForm *dialog) {
+        tick(dialog, m_recorded);
+        m_recording.start();
+    });
+    click(page(), "btnRecord");
+    QTRY_VERIFY_WITH_TIMEOUT(script.done() && allWriting(true), kPatience);
+    for (int i = 0; i < kCameras; ++i) {
+        const bool marked = m_recorded.contains(i);
+        QCOMPARE(
+            tile(i)->findChild<QLabel *>("labelRecording")->styleSheet().contains("recordbtn_down"),
+            marked);
+        QCOMPARE(bool(tile(i)->camera()->is_writing()), marked);
+    }
+}
+
+void TestGrid::fullScreenOfATile()
+{
+    QWidget *surface = picture(5);
+    m_input->doubleClick(surface);
+    QTRY_VERIFY_WITH_TIMEOUT(surface->isFullScreen() && surface->isActiveWindow(), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(surface->size(), surface->screen()->size(), kPatience);
+    PictureWatch large(*surface);
+    QTRY_VERIFY_WITH_TIMEOUT(large.hasMoved(), kPatience);
+    m_input->key(XK_Escape);
+    QTRY_VERIFY_WITH_TIMEOUT(!surface->isFullScreen() && !surface->isWindow(), kPatience);
+    expectAllAlive();
+}
+
+void TestGrid::changeOfViewAsksFirst()
+{
+    QTRY_VERIFY_WITH_TIMEOUT(m_recording.elapsed() > kRecorded, kPatience);
+    const QList<CMultiLiveItemForm *> before = grid()->tiles();
+    const auto isTheQuestion = [](const CMessageBox *box) {
+        return box->findChild<QLabel *>("labelMessage")->text() ==
+               "By changing view your recording will be stop.";
+    };
+    {
+        ModalScript script([&](CMessageBox *box) {
+            QVERIFY(isTheQuestion(box));
+            click(box, "btnCancel");
+        });
+        click(page(), "btnSelect");
+        QTRY_VERIFY_WITH_TIMEOUT(script.done() && !QApplication::activeModalWidget(), kPatience);
+        QCOMPARE(grid()->tiles(), before);
+        QVERIFY(allWriting(true));
+    }
+    ModalScript script;
+    script
+        .then([&](CMessageBox *box) {
+            QVERIFY(isTheQuestion(box));
+            click(box, "btnOk");
+        })
+        .then([this](CSelectCameraForm *dialog) {
+            m_recordedSeconds = static_cast<double>(m_recording.elapsed()) / 1000;
+            QVERIFY(allWriting(false));
+            click(dialog, "btnClose");
+        });
+    click(page(), "btnSelect");
+    QTRY_VERIFY_WITH_TIMEOUT(script.done() && !QApplication::activeModalWidget(), kPatience);
+    QCOMPARE(grid()->tiles(), before);
+}
+
+void TestGrid::judgeClips()
+{
+    for (int i = 0; i < kCameras; ++i) {
+        const std::string &uid = m_cameras->camera(i).uid;
+        const QStringList clips = m_run->albumFiles(uid, kStamp + "\\.mp4");
+        QCOMPARE(clips.size(), m_recorded.contains(i) ? 1 : 0);
+        if (clips.isEmpty())
+            continue;
+        const QString clip = clips.first();
+        QVERIFY(QFile::exists(clip + ".jpeg"));
+        // It is finished behind the button.
+        QTRY_VERIFY_WITH_TIMEOUT(qAbs(clipFacts(clip).seconds - m_recordedSeconds) < 1 &&
+                                     decodingErrors(clip).isEmpty(),
+                                 kPatience);
+        QVERIFY(clipFacts(clip).longestGap < 2.1 / kFrameRate);
+        QVERIFY(playsInMpv(clip, 5 * kFrameRate));
+    }
+    if (hasVlc())
+        QVERIFY(framesShownByVlc(m_run->albumFiles(m_cameras->camera(0).uid, ".*\\.mp4").first()) >
+                5);
+    else
+        qWarning("VLC is not installed: no clip was played in it.");
+}
+
+void TestGrid::quit()
+{
+    auto *close = m_window->findChild<QToolButton *>("btnClose");
+    QSignalSpy clicked(close, &QToolButton::clicked);
+    m_input->click(close);
+    QTRY_COMPARE_WITH_TIMEOUT(clicked.count(), 1, kPatience);
+}
+
+QTEST_APPLESS_MAIN(TestGrid)
+#include "tst_grid.moc"
