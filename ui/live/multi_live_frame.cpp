@@ -13,6 +13,8 @@
 namespace {
 
 constexpr int Spacing = 10;
+// With the border of the well around the grid as wide as the spacing.
+constexpr int Margin = 4;
 // What a tile leaves free of its cell, for the spacing and the margins of the grid.
 constexpr int CellFreeWidth = 20;
 constexpr int CellFreeHeight = 30;
@@ -131,7 +133,7 @@ void CMultiLiveFrame::layOutGrid()
                                  static_cast<int>(m_tiles.size()));
     m_layout = new QGridLayout(this);
     m_layout->setSpacing(Spacing);
-    m_layout->setContentsMargins(Spacing, Spacing, Spacing, Spacing);
+    m_layout->setContentsMargins(Margin, Margin, Margin, Margin);
     const QSize tileSize =
         QSize(m_shape.width - CellFreeWidth, m_shape.height - CellFreeHeight).expandedTo({0, 0});
     for (int i = 0; i < m_tiles.size(); ++i) {
