@@ -33,9 +33,11 @@ constexpr ToolButtonIcons kToolButtons[] = {
     {"btnSetUp", ":/images/toolbarbtn/SetUp.png", ":/images/toolbarbtn/Setupbtn_pressed.png"},
 };
 
-// One pixel more than a zone is wide, because the zones include both of their bounds.
-constexpr int kEdgeThickness = 7;
-constexpr int kSideThickness = 3;
+// A window lower than this leaves its height to the page: tool buttons without their texts, and no
+// status row.
+constexpr int kCompactHeight = 420;
+constexpr int kToolButtonHeight = 68;
+constexpr int kCompactToolButtonHeight = 44;
 
 // The buttons carry their words for assistive programs; the eye sees the image only.
 void setSystemButtonImages(QToolButton *button, const QString &family)
@@ -70,20 +72,17 @@ CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<U
 {
     setWindowFlags(windowFlags() | Qt::FramelessWindowHint);
     setMouseTracking(true);
-    recordCorners();
-    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
-    m_largest = available.size();
-
+    const QSize largest = QGuiApplication::primaryScreen()->availableSize();
     m_ui->setupUi(this);
     m_ui->frameTitle->attach(this, true);
     m_ui->pageCameraMgr->fill();
 
     buildSystemButtons();
     buildToolBar();
-    trackEdges();
+    trackEdges(largest);
     CAddCameraForm::setUidPicker(pickFoundCamera);
     new zelvaro::DialogShadow(this);
-    resize(size().boundedTo(m_largest));
+    resize(size().boundedTo(largest));
     centreOnDesktop();
 
     leavePages();
@@ -129,19 +128,18 @@ void CMainForm::buildToolBar()
 
 // Without a button held, moves reach the window only through widgets that track the mouse. What
 // does not track has a cursor of its own, so that it never inherits a resize cursor.
-void CMainForm::trackEdges()
+void CMainForm::trackEdges(QSize largest)
 {
-    for (QWidget *widget :
-         {static_cast<QWidget *>(m_ui->frameMain), static_cast<QWidget *>(m_ui->frameStatus),
-          static_cast<QWidget *>(m_ui->labelStatus), static_cast<QWidget *>(m_ui->labelVersion),
-          static_cast<QWidget *>(m_ui->frameTop), static_cast<QWidget *>(m_ui->frameBottom),
-          static_cast<QWidget *>(m_ui->frameLeft), static_cast<QWidget *>(m_ui->frameRight)})
+    for (QWidget *widget : std::initializer_list<QWidget *>{m_ui->frameMain, m_ui->frameStatus,
+                                                            m_ui->labelStatus, m_ui->labelVersion})
         widget->setMouseTracking(true);
     m_ui->frameTitle->setCursor(Qt::ArrowCursor);
     m_ui->frameButtons->setCursor(Qt::ArrowCursor);
     m_ui->stackedWidget->setCursor(Qt::ArrowCursor);
-    restoreEdgeCursors();
-    placeEdgeFrames();
+    m_edges.emplace(this,
+                    zelvaro::EdgeResize::Frames{m_ui->frameLeft, m_ui->frameRight, m_ui->frameTop,
+                                                m_ui->frameBottom},
+                    largest);
 }
 
 void CMainForm::centreOnDesktop()
@@ -315,9 +313,7 @@ void CMainForm::slotMaximized()
         setGeometry(m_normalGeometry);
     }
     m_ui->frameTitle->setMovable(!m_maximized);
-    m_dragged = m_pressed = zelvaro::Edge::None;
-    setCursor(Qt::ArrowCursor);
-    restoreEdgeCursors();
+    m_edges->setEnabled(!m_maximized);
 }
 
 void CMainForm::slotClose()
@@ -334,31 +330,25 @@ void CMainForm::closeEvent(QCloseEvent *event)
 void CMainForm::moveEvent(QMoveEvent *event)
 {
     QWidget::moveEvent(event);
-    recordCorners();
+    if (m_edges)
+        m_edges->follow();
 }
 
 void CMainForm::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    placeEdgeFrames();
-    recordCorners();
+    if (m_edges)
+        m_edges->follow();
+    showCompact(height() < kCompactHeight);
 }
 
-// The corners stand still during a drag, so that the edge opposite to it does.
-void CMainForm::recordCorners()
+void CMainForm::showCompact(bool compact)
 {
-    if (m_dragged == zelvaro::Edge::None)
-        m_corners = QRect(mapToGlobal(QPoint(0, 0)), size());
-}
-
-void CMainForm::placeEdgeFrames()
-{
-    m_ui->frameLeft->setGeometry(0, 0, kSideThickness, height());
-    m_ui->frameRight->setGeometry(width() - kSideThickness, 0, kSideThickness, height());
-    m_ui->frameTop->setGeometry(0, 0, width(), kEdgeThickness);
-    m_ui->frameBottom->setGeometry(0, height() - kEdgeThickness, width(), kEdgeThickness);
-    for (QWidget *edge : {m_ui->frameLeft, m_ui->frameRight, m_ui->frameTop, m_ui->frameBottom})
-        edge->raise();
+    m_ui->frameStatus->setVisible(!compact);
+    for (QToolButton *button : m_ui->frameButtons->findChildren<QToolButton *>()) {
+        button->setToolButtonStyle(compact ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextUnderIcon);
+        button->setFixedHeight(compact ? kCompactToolButtonHeight : kToolButtonHeight);
+    }
 }
 
 void CMainForm::mousePressEvent(QMouseEvent *event)
@@ -367,31 +357,16 @@ void CMainForm::mousePressEvent(QMouseEvent *event)
         QWidget::mousePressEvent(event);
         return;
     }
-    recordCorners();
-    m_pressed = zelvaro::edgeAt(m_corners, event->globalPos());
+    m_edges->press(*event);
     event->accept();
 }
 
 void CMainForm::mouseMoveEvent(QMouseEvent *event)
 {
-    if (m_maximized) {
+    if (m_maximized)
         QWidget::mouseMoveEvent(event);
-        return;
-    }
-    const QPoint pointer = event->globalPos();
-    if (!(event->buttons() & Qt::LeftButton)) {
-        showEdgeCursor(zelvaro::edgeAt(m_corners, pointer));
-        return;
-    }
-    // The zones are thinner than one step of a quick hand: where the button went down counts first.
-    if (m_dragged == zelvaro::Edge::None) {
-        m_dragged =
-            m_pressed != zelvaro::Edge::None ? m_pressed : zelvaro::edgeAt(m_corners, pointer);
-        showEdgeCursor(m_dragged);
-    }
-    if (m_dragged != zelvaro::Edge::None)
-        setGeometry(zelvaro::draggedTo(m_dragged, m_corners, geometry(), pointer,
-                                       {m_largest, minimumSize()}));
+    else
+        m_edges->move(*event);
 }
 
 void CMainForm::mouseReleaseEvent(QMouseEvent *event)
@@ -400,28 +375,6 @@ void CMainForm::mouseReleaseEvent(QMouseEvent *event)
         event->ignore();
         return;
     }
-    m_dragged = m_pressed = zelvaro::Edge::None;
-    recordCorners();
-    setCursor(Qt::ArrowCursor);
-    restoreEdgeCursors();
+    m_edges->release();
     event->accept();
-}
-
-// The edge frames have cursors of their own and the corner's zone lies over two of them.
-void CMainForm::showEdgeCursor(zelvaro::Edge edge)
-{
-    setCursor(zelvaro::cursorOf(edge));
-    restoreEdgeCursors();
-    if (edge == zelvaro::Edge::Corner) {
-        m_ui->frameRight->setCursor(Qt::SizeFDiagCursor);
-        m_ui->frameBottom->setCursor(Qt::SizeFDiagCursor);
-    }
-}
-
-void CMainForm::restoreEdgeCursors()
-{
-    m_ui->frameLeft->setCursor(m_maximized ? Qt::ArrowCursor : Qt::SizeHorCursor);
-    m_ui->frameRight->setCursor(m_maximized ? Qt::ArrowCursor : Qt::SizeHorCursor);
-    m_ui->frameTop->setCursor(m_maximized ? Qt::ArrowCursor : Qt::SizeVerCursor);
-    m_ui->frameBottom->setCursor(m_maximized ? Qt::ArrowCursor : Qt::SizeVerCursor);
 }

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "app/edge_drag.h"
+#include "app/edge_resize.h"
 #include "ui/common/page_host.h"
 
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class QToolButton;
 
@@ -72,23 +73,17 @@ protected:
 private:
     void buildSystemButtons();
     void buildToolBar();
-    void trackEdges();
+    void trackEdges(QSize largest);
     void centreOnDesktop();
 
     void showPage(Page page);
     bool mayLeaveMultiLive();
     void markToolButton(const QToolButton *clicked);
 
-    void recordCorners();
-    void placeEdgeFrames();
-    void showEdgeCursor(zelvaro::Edge edge);
-    void restoreEdgeCursors();
+    void showCompact(bool compact);
 
     std::unique_ptr<Ui::CMainForm> m_ui;
     bool m_maximized = false;
     QRect m_normalGeometry;
-    QSize m_largest;                               // the desktop's available area at construction
-    QRect m_corners;                               // global, as last recorded
-    zelvaro::Edge m_pressed = zelvaro::Edge::None; // where the left button went down
-    zelvaro::Edge m_dragged = zelvaro::Edge::None; // what the drag resizes
+    std::optional<zelvaro::EdgeResize> m_edges; // made when there are frames for the edges
 };

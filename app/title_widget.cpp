@@ -5,6 +5,8 @@
 CTitleWidget::CTitleWidget(QWidget *parent) : QWidget(parent)
 {
     setAttribute(Qt::WA_StyledBackground);
+    // A dialog's spare height belongs to its contents.
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
 void CTitleWidget::attach(QWidget *window, bool movable)
