@@ -22,6 +22,16 @@ constexpr int kMostBackgroundTasks = 64;
 // Qt 5.15 hides the name AA_X11InitThreads where deprecated names are off, and still has the bit.
 constexpr auto kX11InitThreads = static_cast<Qt::ApplicationAttribute>(10);
 
+// Sizes are in logical pixels on every screen and pictures are taken at its density. Factors
+// between the whole ones are kept: rounded, the texts would outgrow the pictures around them.
+void followScreenDensity()
+{
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
+        Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+}
+
 /// The file that a picture of the window is wanted in; empty for none. Ends the program on
 /// --help, --version and options that it does not know.
 QString screenshotFile(const QApplication &application)
@@ -73,6 +83,7 @@ int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &s
     // The stream library draws on child windows of its own.
     QCoreApplication::setAttribute(Qt::AA_NativeWindows, true);
     QCoreApplication::setAttribute(kX11InitThreads, true);
+    followScreenDensity();
     QThreadPool::globalInstance()->setMaxThreadCount(kMostBackgroundTasks);
     // The settings folder is named by it. No organisation: the folder stands right in the user's.
     QCoreApplication::setApplicationName(QStringLiteral("Zelvaro"));
