@@ -18,6 +18,7 @@ AlbumView::~AlbumView() = default;
 void AlbumView::setUp(const Widgets &widgets)
 {
     m_box = std::make_unique<PictureBox>(widgets.area, widgets.box, widgets.surface);
+    m_box->markFocusOn(widgets.status->parentWidget());
     m_surface = widgets.surface;
     m_status = widgets.status;
     m_surface->installEventFilter(this);

@@ -16,6 +16,7 @@ QIcon plainIcon()
 QStandardItem *makeCameraListItem(const QString &text, const QVariant &pointer)
 {
     auto *item = new QStandardItem(plainIcon(), text);
+    item->setToolTip(text.toHtmlEscaped()); // a list may be too narrow for it
     item->setData(pointer, kCameraListPointerRole);
     return item;
 }

@@ -1,8 +1,10 @@
 #include "ui/common/elided_label.h"
 
+#include <QHelpEvent>
 #include <QStyle>
 #include <QStyleOption>
 #include <QStylePainter>
+#include <QToolTip>
 
 namespace zelvaro {
 
@@ -15,6 +17,15 @@ ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent)
 QSize ElidedLabel::minimumSizeHint() const
 {
     return {0, QLabel::minimumSizeHint().height()};
+}
+
+bool ElidedLabel::event(QEvent *event)
+{
+    const bool isCut = fontMetrics().horizontalAdvance(text()) > contentsRect().width();
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || !isCut)
+        return QLabel::event(event);
+    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), text().toHtmlEscaped(), this);
+    return true;
 }
 
 void ElidedLabel::paintEvent(QPaintEvent *)

@@ -128,6 +128,14 @@ void PictureBox::showFullScreen()
     m_surface->setFocus();
 }
 
+void PictureBox::markFocusOn(QWidget *strip)
+{
+    connect(this, &PictureBox::focusChanged, strip, [strip](bool focused) {
+        strip->setProperty("pictureFocused", focused);
+        strip->setStyleSheet(strip->styleSheet()); // a property alone does not style it anew
+    });
+}
+
 bool PictureBox::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {

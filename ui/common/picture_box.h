@@ -42,6 +42,10 @@ public:
     void leaveFullScreen();
     void toggleFullScreen();
 
+    /// From now on the strip below the picture has the property pictureFocused, true while the
+    /// picture has the keyboard focus: its style sheet shows it.
+    void markFocusOn(QWidget *strip);
+
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 signals:

@@ -12,6 +12,12 @@
 #include <QHeaderView>
 #include <QUrl>
 
+namespace {
+
+constexpr int kLeastColumnWidth = 80; // pixels; narrower ones would cut their headings
+
+} // namespace
+
 CSearchCameraListForm::CSearchCameraListForm(QWidget *parent)
     : QWidget(parent)
     , m_ui(std::make_unique<Ui::SearchCameraListForm>())
@@ -22,6 +28,7 @@ CSearchCameraListForm::CSearchCameraListForm(QWidget *parent)
         {tr("Model"), tr("Name"), tr("Location"), tr("IP"), tr("Port"), tr("MAC"), tr("P2P UID")});
     m_ui->tableView->setModel(&m_model);
     m_ui->tableView->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    m_ui->tableView->horizontalHeader()->setMinimumSectionSize(kLeastColumnWidth);
 
     connect(m_ui->btnOk, &QPushButton::clicked, this, &CSearchCameraListForm::slotOK);
     connect(m_ui->btnSearch, &QPushButton::clicked, this, &CSearchCameraListForm::slotSearch);

@@ -34,11 +34,7 @@ LiveView::LiveView(const LiveWidgets &widgets, StatusSize statusSize, std::funct
     , m_clock(std::move(clock))
     , m_box(widgets.area, widgets.box, widgets.surface)
 {
-    QWidget *panel = m_widgets.status->parentWidget();
-    QObject::connect(&m_box, &PictureBox::focusChanged, panel, [panel](bool focused) {
-        panel->setProperty("pictureFocused", focused);
-        panel->setStyleSheet(panel->styleSheet());
-    });
+    m_box.markFocusOn(m_widgets.status->parentWidget());
 }
 
 CCamera *LiveView::camera() const

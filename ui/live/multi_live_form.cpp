@@ -33,8 +33,7 @@ CMultiLiveForm::~CMultiLiveForm() = default;
 
 void CMultiLiveForm::StartPlay()
 {
-    m_ui->frameMultiLive->load();
-    applySound();
+    loadGrid();
 }
 
 void CMultiLiveForm::StopPlay()
@@ -66,8 +65,7 @@ void CMultiLiveForm::slotSelect()
         return;
     dialog.Apply();
     m_ui->frameMultiLive->clear();
-    m_ui->frameMultiLive->load();
-    applySound();
+    loadGrid();
 }
 
 void CMultiLiveForm::slotSnapshot()
@@ -112,6 +110,27 @@ void CMultiLiveForm::setRecordingAll(bool recording)
 void CMultiLiveForm::showRecordButton()
 {
     m_ui->btnRecord->setIcon(QIcon(zelvaro::recordImage(m_recordingAll)));
+}
+
+void CMultiLiveForm::loadGrid()
+{
+    m_ui->frameMultiLive->load();
+    orderTabs();
+    applySound();
+}
+
+// New tiles come last of all; the panel below them is to come after them.
+void CMultiLiveForm::orderTabs()
+{
+    if (m_ui->frameMultiLive->tiles().isEmpty())
+        return;
+    QWidget *before = m_ui->frameMultiLive->tiles().last()->lastInTabOrder();
+    for (QWidget *control : m_ui->frameButtonsCenter->findChildren<QWidget *>()) {
+        if (!(control->focusPolicy() & Qt::TabFocus))
+            continue;
+        setTabOrder(before, control);
+        before = control;
+    }
 }
 
 void CMultiLiveForm::applySound()

@@ -41,6 +41,8 @@ public slots:
 private:
     void setRecordingAll(bool recording);
     void showRecordButton();
+    void loadGrid();
+    void orderTabs();
     void applySound();
     QWidget *dialogParent();
 

@@ -9,6 +9,8 @@
 namespace {
 
 constexpr int SubStream = 1;
+// Around the picture of the tile that has the keyboard focus.
+constexpr QColor kFocused(91, 144, 189);
 
 } // namespace
 
@@ -26,6 +28,9 @@ CMultiLiveItemForm::CMultiLiveItemForm(zelvaro::Clock clock, QWidget *parent)
     connect(m_ui->frameVideoFrame, &CVideoFrame::doubleClicked, this,
             &CMultiLiveItemForm::slotVideoDoubleClicked);
     setSelected(false);
+    QPalette focused = m_ui->frameVideoArea->palette();
+    focused.setColor(QPalette::Window, kFocused);
+    m_ui->frameVideoArea->setPalette(focused);
 }
 
 CMultiLiveItemForm::~CMultiLiveItemForm() = default;
@@ -85,6 +90,11 @@ void CMultiLiveItemForm::takePhoto()
     m_live->takePhoto();
 }
 
+QWidget *CMultiLiveItemForm::lastInTabOrder() const
+{
+    return m_ui->frameVideoFrame;
+}
+
 void CMultiLiveItemForm::slotCameraStatusChanged()
 {
     m_live->streamChanged();
@@ -124,4 +134,16 @@ void CMultiLiveItemForm::keyPressEvent(QKeyEvent *event)
     default:
         QWidget::keyPressEvent(event);
     }
+}
+
+void CMultiLiveItemForm::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    m_ui->frameVideoArea->setAutoFillBackground(true);
+}
+
+void CMultiLiveItemForm::focusOutEvent(QFocusEvent *event)
+{
+    QWidget::focusOutEvent(event);
+    m_ui->frameVideoArea->setAutoFillBackground(false);
 }

@@ -35,6 +35,8 @@ public:
     void setRecording(bool recording);
     /// Writes the picture into the album; nothing unless it plays.
     void takePhoto();
+    /// The last of the tile's widgets that the Tab key reaches.
+    QWidget *lastInTabOrder() const;
 
 signals:
     void selectCamera(CMultiLiveItemForm *tile);
@@ -48,6 +50,8 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     std::unique_ptr<Ui::CMultiLiveItemForm> m_ui;

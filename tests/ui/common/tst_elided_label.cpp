@@ -1,5 +1,7 @@
 #include "ui/common/elided_label.h"
 
+#include <QHelpEvent>
+#include <QToolTip>
 #include <QtTest>
 
 using zelvaro::ElidedLabel;
@@ -14,6 +16,7 @@ private slots:
     void drawsTheWholeTextWhereItFits();
     void drawsAnEllipsisWhereItDoesNot();
     void markupIsText();
+    void tellsTheWholeTextWhereItDoesNotFit();
 };
 
 namespace {
@@ -70,6 +73,29 @@ void tst_ElidedLabel::markupIsText()
     plain.setTextFormat(Qt::PlainText);
     QCOMPARE(drawn(elided, QStringLiteral("<b>x</b>"), 200),
              drawn(plain, QStringLiteral("<b>x</b>"), 200));
+}
+
+void tst_ElidedLabel::tellsTheWholeTextWhereItDoesNotFit()
+{
+    const auto tipAt = [](ElidedLabel &label) {
+        QToolTip::hideText(); // which takes a moment
+        if (!QTest::qWaitFor([] { return !QToolTip::isVisible(); }, 20000))
+            return QStringLiteral("the former tip stays");
+        QHelpEvent event(QEvent::ToolTip, label.rect().center(),
+                         label.mapToGlobal(label.rect().center()));
+        QApplication::sendEvent(&label, &event);
+        return QToolTip::isVisible() ? QToolTip::text() : QString();
+    };
+    ElidedLabel label;
+    label.setText(QStringLiteral("A camera <with> a long name"));
+    label.resize(60, 20);
+    label.show();
+    QCOMPARE(tipAt(label), QStringLiteral("A camera &lt;with&gt; a long name"));
+    label.resize(400, 20);
+    QCOMPARE(tipAt(label), QString());
+    label.resize(60, 20);
+    label.setToolTip(QStringLiteral("another"));
+    QCOMPARE(tipAt(label), QStringLiteral("another"));
 }
 
 QTEST_MAIN(tst_ElidedLabel)
