@@ -42,8 +42,8 @@ public:
     };
     struct Limits
     {
-        size_t headerBytes = 16 * 1024;
-        size_t bodyBytes = 64 * 1024;
+        size_t headerBytes = size_t{16} * 1024;
+        size_t bodyBytes = size_t{64} * 1024;
     };
 
     explicit ReplyReader(Protocol protocol) : ReplyReader(protocol, Limits{}) {}

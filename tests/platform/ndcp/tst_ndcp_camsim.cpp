@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
+#include <optional>
 
 namespace {
 
@@ -45,19 +47,33 @@ int readWhenBack(ClientHarness &client, ndcp_device &record)
     return error;
 }
 
+std::vector<std::string> withOptions(const std::vector<std::string> &options)
+{
+    std::vector<std::string> all = {"--user", "admin", "--password", "secret", "--canned"};
+    all.insert(all.end(), options.begin(), options.end());
+    return all;
+}
+
+/// One simulated camera, a client, and the record as which the client's search found the camera.
 class NdcpCamsimTest : public testing::Test
 {
 protected:
-    static std::vector<std::string> withOptions(const std::vector<std::string> &options)
+    void start(const std::vector<std::string> &options = {})
     {
-        std::vector<std::string> all = {"--user", "admin", "--password", "secret", "--canned"};
-        all.insert(all.end(), options.begin(), options.end());
-        return all;
+        m_cameras = std::make_unique<CamsimProcess>(withOptions(options));
+        searchOnlyAt(targetsOf(*m_cameras));
+        m_client.emplace(m_context);
+        m_record = found();
     }
-
-    static ndcp_device found(ClientHarness &client, const SimulatedCamera &camera)
+    void startAndRead(const std::vector<std::string> &options = {})
     {
-        for (ndcp_device device : client.search()) {
+        start(options);
+        ASSERT_EQ(m_client->read(m_record), 0);
+    }
+    ndcp_device found()
+    {
+        const SimulatedCamera &camera = m_cameras->camera();
+        for (ndcp_device device : m_client->search()) {
             if (device.uid == camera.uid) {
                 setText(device.username, camera.user);
                 setText(device.password, camera.password);
@@ -69,18 +85,19 @@ protected:
     }
 
     TestContext m_context;
+    std::unique_ptr<CamsimProcess> m_cameras;
+    std::optional<ClientHarness> m_client; ///< made when the search knows where to look
+    ndcp_device m_record = {};
 };
 
 } // namespace
 
 TEST_F(NdcpCamsimTest, FindsEveryCamera)
 {
-    const CamsimProcess cameras(withOptions({"--count", "3"}));
-    searchOnlyAt(targetsOf(cameras));
-    ClientHarness client(m_context);
-    const std::vector<ndcp_device> devices = client.search();
+    start({"--count", "3"});
+    const std::vector<ndcp_device> devices = m_client->search();
     ASSERT_EQ(devices.size(), 3u);
-    for (const SimulatedCamera &camera : cameras.cameras()) {
+    for (const SimulatedCamera &camera : m_cameras->cameras()) {
         const auto device =
             std::find_if(devices.begin(), devices.end(), [&camera](const ndcp_device &candidate) {
                 return candidate.uid == camera.uid;
@@ -95,26 +112,22 @@ TEST_F(NdcpCamsimTest, FindsEveryCamera)
 
 TEST_F(NdcpCamsimTest, ReadsAndWrites)
 {
-    const CamsimProcess cameras(withOptions({}));
-    searchOnlyAt(targetsOf(cameras));
-    ClientHarness client(m_context);
-    ndcp_device record = found(client, cameras.camera());
-    ASSERT_EQ(client.read(record), 0);
-    EXPECT_EQ(macText(record), cameras.camera().mac);
-    EXPECT_EQ(record.ip, 0x7F000001u);
+    startAndRead();
+    EXPECT_EQ(macText(m_record), m_cameras->camera().mac);
+    EXPECT_EQ(m_record.ip, 0x7F000001u);
 
-    setText(record.name, "Front door");
-    setText(record.location, "Hall");
-    record.manual_ip = 1;
-    record.gateway = 0x7F0000FE;
-    record.manual_dns = 1;
-    record.dns1 = 0x08080808;
-    record.dns2 = 0x09090909;
-    ASSERT_EQ(client.write(record), 0);
+    setText(m_record.name, "Front door");
+    setText(m_record.location, "Hall");
+    m_record.manual_ip = 1;
+    m_record.gateway = 0x7F0000FE;
+    m_record.manual_dns = 1;
+    m_record.dns1 = 0x08080808;
+    m_record.dns2 = 0x09090909;
+    ASSERT_EQ(m_client->write(m_record), 0);
 
-    ndcp_device again = found(client, cameras.camera());
+    ndcp_device again = found();
     EXPECT_STREQ(again.name, "Front door");
-    ASSERT_EQ(client.read(again), 0);
+    ASSERT_EQ(m_client->read(again), 0);
     EXPECT_EQ(again.manual_ip, 1u);
     EXPECT_EQ(again.gateway, 0x7F0000FEu);
     EXPECT_EQ(again.manual_dns, 1u);
@@ -124,35 +137,31 @@ TEST_F(NdcpCamsimTest, ReadsAndWrites)
 
     again.manual_ip = 0;
     again.manual_dns = 0;
-    ASSERT_EQ(client.write(again), 0);
-    ASSERT_EQ(readWhenBack(client, again), 0);
+    ASSERT_EQ(m_client->write(again), 0);
+    ASSERT_EQ(readWhenBack(*m_client, again), 0);
     EXPECT_EQ(again.manual_ip, 0u);
     EXPECT_EQ(again.manual_dns, 0u);
 }
 
 TEST_F(NdcpCamsimTest, MovesACameraToAnotherAddressAndPort)
 {
-    CamsimProcess cameras(withOptions({}));
-    searchOnlyAt(targetsOf(cameras));
-    ClientHarness client(m_context);
-    ndcp_device record = found(client, cameras.camera());
-    ASSERT_EQ(client.read(record), 0);
+    startAndRead();
     int freePort = 0;
     {
         const CamsimProcess other(withOptions({}));
         freePort = other.camera().httpPort;
     }
-    record.manual_ip = 1;
-    record.ip = 0x7F000003;
-    record.mask = 0xFFFFFF00;
-    record.http_port = static_cast<std::int16_t>(freePort);
-    ASSERT_EQ(client.write(record), 0);
+    m_record.manual_ip = 1;
+    m_record.ip = 0x7F000003;
+    m_record.mask = 0xFFFFFF00;
+    m_record.http_port = static_cast<std::int16_t>(freePort);
+    ASSERT_EQ(m_client->write(m_record), 0);
     EXPECT_TRUE(
-        m_context.runUntil([&cameras] { return cameras.status()["address"] == "127.0.0.3"; }));
-    ndcp_device moved = record;
+        m_context.runUntil([this] { return m_cameras->status()["address"] == "127.0.0.3"; }));
+    ndcp_device moved = m_record;
     moved.ip = 0;
     moved.http_port = 0;
-    ASSERT_EQ(readWhenBack(client, moved), 0);
+    ASSERT_EQ(readWhenBack(*m_client, moved), 0);
     EXPECT_EQ(moved.ip, 0x7F000003u);
     EXPECT_EQ(moved.mask, 0xFFFFFF00u);
     EXPECT_EQ(static_cast<std::uint16_t>(moved.http_port), freePort);
@@ -160,84 +169,64 @@ TEST_F(NdcpCamsimTest, MovesACameraToAnotherAddressAndPort)
 
 TEST_F(NdcpCamsimTest, RestartsACameraThatNeedsItToMove)
 {
-    CamsimProcess cameras(withOptions({"--reboot-needed", "--reboot-time", "0.2"}));
-    searchOnlyAt(targetsOf(cameras));
-    ClientHarness client(m_context);
-    ndcp_device record = found(client, cameras.camera());
-    ASSERT_EQ(client.read(record), 0);
-    record.manual_ip = 1;
-    record.ip = 0x7F000004;
-    record.mask = 0xFF000000;
-    ASSERT_EQ(client.write(record), 0);
-    ASSERT_EQ(readWhenBack(client, record), 0);
-    EXPECT_EQ(record.ip, 0x7F000004u);
+    startAndRead({"--reboot-needed", "--reboot-time", "0.2"});
+    m_record.manual_ip = 1;
+    m_record.ip = 0x7F000004;
+    m_record.mask = 0xFF000000;
+    ASSERT_EQ(m_client->write(m_record), 0);
+    ASSERT_EQ(readWhenBack(*m_client, m_record), 0);
+    EXPECT_EQ(m_record.ip, 0x7F000004u);
 }
 
 TEST_F(NdcpCamsimTest, FindsACameraThatMovedByItself)
 {
-    CamsimProcess cameras(withOptions({}));
-    searchOnlyAt(targetsOf(cameras));
-    ClientHarness client(m_context);
-    ndcp_device record = found(client, cameras.camera());
-    ASSERT_TRUE(cameras.tell(0, "address 127.0.0.5"));
-    ASSERT_EQ(client.read(record), 0);
-    EXPECT_EQ(record.ip, 0x7F000005u);
+    start();
+    ASSERT_TRUE(m_cameras->tell(0, "address 127.0.0.5"));
+    ASSERT_EQ(m_client->read(m_record), 0);
+    EXPECT_EQ(m_record.ip, 0x7F000005u);
 }
 
 TEST_F(NdcpCamsimTest, IsRefusedWithAWrongPassword)
 {
-    CamsimProcess cameras(withOptions({}));
-    searchOnlyAt(targetsOf(cameras));
-    ClientHarness client(m_context);
-    ndcp_device record = found(client, cameras.camera());
-    setText(record.password, "wrong");
-    EXPECT_EQ(client.read(record), NDCP_ERROR_AUTHORIZATION);
-    EXPECT_EQ(client.write(record), NDCP_ERROR_AUTHORIZATION);
-    setText(record.username, "");
-    EXPECT_EQ(client.read(record), NDCP_ERROR_AUTHORIZATION);
-    setText(record.username, "admin");
-    setText(record.password, "secret");
-    EXPECT_EQ(client.read(record), 0);
-    ASSERT_TRUE(cameras.tell(0, "password other"));
-    EXPECT_EQ(client.read(record), NDCP_ERROR_AUTHORIZATION);
+    start();
+    setText(m_record.password, "wrong");
+    EXPECT_EQ(m_client->read(m_record), NDCP_ERROR_AUTHORIZATION);
+    EXPECT_EQ(m_client->write(m_record), NDCP_ERROR_AUTHORIZATION);
+    setText(m_record.username, "");
+    EXPECT_EQ(m_client->read(m_record), NDCP_ERROR_AUTHORIZATION);
+    setText(m_record.username, "admin");
+    setText(m_record.password, "secret");
+    EXPECT_EQ(m_client->read(m_record), 0);
+    ASSERT_TRUE(m_cameras->tell(0, "password other"));
+    EXPECT_EQ(m_client->read(m_record), NDCP_ERROR_AUTHORIZATION);
 }
 
 TEST_F(NdcpCamsimTest, ReadsACameraWithAWrongClockThatWantsTokens)
 {
-    CamsimProcess cameras(withOptions({"--onvif-login", "token"}));
-    ASSERT_TRUE(cameras.tell(0, "clock-skew -86400"));
-    searchOnlyAt(targetsOf(cameras));
-    ClientHarness client(m_context);
-    ndcp_device record = found(client, cameras.camera());
-    EXPECT_EQ(client.read(record), 0);
-    setText(record.password, "wrong");
-    EXPECT_EQ(client.read(record), NDCP_ERROR_AUTHORIZATION);
+    start({"--onvif-login", "token"});
+    ASSERT_TRUE(m_cameras->tell(0, "clock-skew -86400"));
+    EXPECT_EQ(m_client->read(m_record), 0);
+    setText(m_record.password, "wrong");
+    EXPECT_EQ(m_client->read(m_record), NDCP_ERROR_AUTHORIZATION);
 }
 
 TEST_F(NdcpCamsimTest, HasNoAnswerFromACameraThatIsOff)
 {
-    CamsimProcess cameras(withOptions({}));
-    searchOnlyAt(targetsOf(cameras));
-    ClientHarness client(m_context);
-    ndcp_device record = found(client, cameras.camera());
-    ASSERT_TRUE(cameras.tell(0, "power off"));
-    EXPECT_EQ(client.read(record), NDCP_ERROR_NETWORK);
-    EXPECT_EQ(client.write(record), NDCP_ERROR_NETWORK);
-    ASSERT_TRUE(cameras.tell(0, "power on"));
-    EXPECT_EQ(readWhenBack(client, record), 0);
+    start();
+    ASSERT_TRUE(m_cameras->tell(0, "power off"));
+    EXPECT_EQ(m_client->read(m_record), NDCP_ERROR_NETWORK);
+    EXPECT_EQ(m_client->write(m_record), NDCP_ERROR_NETWORK);
+    ASSERT_TRUE(m_cameras->tell(0, "power on"));
+    EXPECT_EQ(readWhenBack(*m_client, m_record), 0);
 }
 
 TEST_F(NdcpCamsimTest, TellsThatACameraDoesNotTakeAnAddress)
 {
-    const CamsimProcess cameras(withOptions({}));
-    searchOnlyAt(targetsOf(cameras));
-    ClientHarness client(m_context);
-    ndcp_device record = found(client, cameras.camera());
-    ASSERT_EQ(client.read(record), 0);
-    record.manual_ip = 1;
-    record.ip = 0xC0000207; // no address of this computer
-    record.mask = 0xFFFFFF00;
-    EXPECT_EQ(client.write(record), NDCP_ERROR_SET_CONF);
-    ASSERT_EQ(client.read(record), 0);
-    EXPECT_EQ(record.ip, 0x7F000001u);
+    startAndRead();
+    m_record.manual_ip = 1;
+    m_record.ip = 0xC0000207; // no address of this computer
+    m_record.mask = 0xFFFFFF00;
+    EXPECT_EQ(m_client->write(m_record), NDCP_ERROR_SET_CONF);
+    ASSERT_EQ(m_client->read(m_record), 0);
+    EXPECT_EQ(m_record.ip, 0x7F000001u);
 }
