@@ -87,7 +87,7 @@ ChildProcess::~ChildProcess()
     const auto deadline = Clock::now() + kPatience;
     while (waitpid(m_pid, nullptr, WNOHANG) == 0) {
         if (Clock::now() > deadline) {
-            kill(m_pid, SIGKILL);
+            ::kill(m_pid, SIGKILL);
             waitpid(m_pid, nullptr, 0);
             return;
         }
@@ -97,7 +97,14 @@ ChildProcess::~ChildProcess()
 
 void ChildProcess::askToEnd() const
 {
-    kill(m_pid, SIGTERM);
+    ::kill(m_pid, SIGTERM);
+}
+
+void ChildProcess::kill() const
+{
+    ::kill(m_pid, SIGKILL);
+    siginfo_t info{};
+    waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOWAIT);
 }
 
 bool ChildProcess::isRunning() const

@@ -24,6 +24,8 @@ public:
     bool isRunning() const;
     /// Asks it to end, and does not wait.
     void askToEnd() const;
+    /// Ends it at once, without a chance to finish anything; it is gone when this returns.
+    void kill() const;
 
     /// Next line of its output; empty after the deadline or at the end.
     std::string readLine(std::chrono::milliseconds deadline);

@@ -14,7 +14,8 @@
 #include <cstring>
 #include <exception>
 #include <filesystem>
-#include <functional>
+#include <memory>
+#include <optional>
 #include <poll.h>
 #include <random>
 
@@ -43,8 +44,8 @@ struct Recorder
 
     // What became of the files.
     int play = 0;
-    int playWhole = 0;           ///< and miss a second at most
-    std::vector<double> missing; ///< seconds, of those that play
+    int playWhole = 0;                ///< and miss a second at most
+    std::vector<double> missing = {}; ///< seconds, of those that play
 };
 
 Recorder ownEngine(const zelvaro::test::SimulatedCamera &camera, const TemporaryFolder &folder)
