@@ -6,6 +6,7 @@
 
 #include <gst/app/gstappsrc.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <utility>
 
@@ -23,7 +24,11 @@ constexpr GstClockTime longestAudioWait = 700 * GST_MSECOND;
 // What a disk may owe before it counts as dead.
 constexpr guint64 longestQueueBytes = 64 * 1024 * 1024;
 constexpr auto finishTimeout = 10s;
-constexpr GstClockTime indexPeriod = GST_SECOND;
+// Pictures that were held up on the way come in one piece, at one time. Players want them apart.
+constexpr GstClockTime shortestPicture = GST_MSECOND;
+// A kill costs what came since the index was written, and what the muxer held back to put sound and
+// picture in order: together less than a second.
+constexpr GstClockTime indexPeriod = 500 * GST_MSECOND;
 
 GstBuffer *copyAt(GstBuffer *original, GstClockTime time)
 {
@@ -212,7 +217,10 @@ bool ClipWriter::build()
 void ClipWriter::sendVideo(const AccessUnit &unit)
 {
     // B pictures may be shown before the key frame that they follow: time never goes below 0.
-    const GstClockTime time = unit.time > m_start ? unit.time - m_start : 0;
+    GstClockTime time = unit.time > m_start ? unit.time - m_start : 0;
+    if (!m_format.reordered)
+        time = std::max(time, m_nextVideo);
+    m_nextVideo = time + shortestPicture;
     auto *source = GST_APP_SRC(m_pipeline->video.get());
     endAudioThatStopped(time);
     gst_app_src_push_buffer(source, copyAt(unit.buffer.get(), time));
@@ -223,17 +231,18 @@ void ClipWriter::sendVideo(const AccessUnit &unit)
 /// Called with the lock.
 void ClipWriter::sendAudio(const AudioUnit &unit)
 {
-    if (m_audioEnded)
+    // Where the camera's clock is set back, sound would lie over sound.
+    const GstClockTime time = unit.time - m_start;
+    if (m_audioEnded || time < m_nextAudio)
         return;
-    m_lastAudio = unit.time - m_start;
-    gst_app_src_push_buffer(GST_APP_SRC(m_pipeline->audio.get()),
-                            copyAt(unit.buffer.get(), m_lastAudio));
+    m_nextAudio = time + 1;
+    gst_app_src_push_buffer(GST_APP_SRC(m_pipeline->audio.get()), copyAt(unit.buffer.get(), time));
 }
 
 /// Called with the lock.
 void ClipWriter::endAudioThatStopped(GstClockTime now)
 {
-    if (m_audioEnded || now < m_lastAudio + longestAudioGap)
+    if (m_audioEnded || now < m_nextAudio + longestAudioGap)
         return;
     gst_app_src_end_of_stream(GST_APP_SRC(m_pipeline->audio.get()));
     m_audioEnded = true;

@@ -95,7 +95,8 @@ private:
     std::unique_ptr<Pipeline> m_pipeline;
     std::vector<AccessUnit> m_waitingVideo; ///< came before the file was open
     std::vector<AudioUnit> m_waitingAudio;
-    GstClockTime m_lastAudio = 0;
+    GstClockTime m_nextVideo = 0; ///< in the file, at the earliest
+    GstClockTime m_nextAudio = 0;
     bool m_opening = false;
     bool m_audioEnded = false;
     bool m_closeAsked = false;

@@ -191,6 +191,41 @@ TEST_F(RecorderTest, OnePieceOfAudioMakesAReadableFile)
     EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
 }
 
+TEST_F(RecorderTest, PicturesThatComeAtOneTimeAreAllShown)
+{
+    auto units = EncodedStream::make({.frames = 75});
+    for (size_t i = 30; i < 40; ++i)
+        units[i].time = units[40].time;
+    feed({units.begin(), units.begin() + 1});
+    m_recorder->begin(m_base, 0, false);
+    feed({units.begin() + 1, units.end()});
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    const auto times = MediaProbe::videoTimes(clip(1));
+    ASSERT_EQ(times.size(), 75u);
+    for (size_t i = 1; i < times.size(); ++i)
+        EXPECT_GT(times[i], times[i - 1]) << i;
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+}
+
+TEST_F(RecorderTest, SoundWhoseClockIsSetBackStaysInOrder)
+{
+    const auto units = EncodedStream::make({.frames = 100});
+    feed({units.begin(), units.begin() + 1});
+    feedAudio(0, 1);
+    m_recorder->begin(m_base, 0, true);
+    feedAudio(680 * GST_MSECOND, 10);
+    for (size_t i = 1; i < units.size(); ++i) {
+        feed({units[i]});
+        feedAudio(units[i].time, 2);
+    }
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::codecs(clip(1)), "h264 aac");
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 100);
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+}
+
 TEST_F(RecorderTest, ClipOfOneFrameIsAFile)
 {
     const auto units = EncodedStream::make({.frames = 1});
@@ -261,6 +296,23 @@ TEST_F(RecorderTest, ReorderedPicturesKeepTheirTimes)
     ASSERT_EQ(times.size(), 75u);
     for (size_t i = 1; i < times.size(); ++i)
         EXPECT_NEAR(times[i] - times[i - 1], frameTime, 0.002);
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+}
+
+TEST_F(RecorderTest, TimeThatIsSetBackDoesNotSplitTheClip)
+{
+    auto units = EncodedStream::make({.frames = 100});
+    constexpr GstClockTime step = 70 * GST_MSECOND;
+    for (size_t i = 70; i < units.size(); ++i)
+        units[i].time -= step;
+    ASSERT_LT(units[70].time, units[69].time);
+    feed({units.begin(), units.begin() + 1});
+    m_recorder->begin(m_base, 0, false);
+    feed({units.begin() + 1, units.end()});
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 100);
+    EXPECT_FALSE(exists(clip(2)));
     EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
 }
 
