@@ -9,7 +9,6 @@
 
 #include <QDir>
 #include <QEvent>
-#include <QGridLayout>
 
 #include <algorithm>
 
@@ -22,17 +21,11 @@ constexpr int kColumnWidth = 220;   // pixels that a column needs
 // A row out of sight on either side is kept ready for a short scroll and for the Tab key.
 constexpr int kRowsAhead = 1;
 
-QGridLayout *makeGrid(QWidget *parent)
-{
-    auto *grid = new QGridLayout(parent);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setSpacing(kSpacing);
-    return grid;
-}
-
 } // namespace
 
-CPhotoMgrFrame::CPhotoMgrFrame(QWidget *parent) : QWidget(parent), m_grid(makeGrid(this))
+CPhotoMgrFrame::CPhotoMgrFrame(QWidget *parent)
+    : QWidget(parent)
+    , m_grid(zelvaro::makeTileLayout(this, kSpacing))
 {
     m_timer.setSingleShot(true);
     m_timer.setInterval(kThumbInterval);

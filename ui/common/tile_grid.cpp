@@ -10,6 +10,14 @@ namespace {
 constexpr int SlackStretch = 10;
 }
 
+QGridLayout *makeTileLayout(QWidget *page, int spacing)
+{
+    auto *layout = new QGridLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing);
+    return layout;
+}
+
 TileGrid::TileGrid(QGridLayout *layout) : m_layout(layout) {}
 
 void TileGrid::place(const QWidgetList &tiles, int columns, int trailing)

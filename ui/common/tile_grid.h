@@ -8,6 +8,10 @@ class QGridLayout;
 
 namespace zelvaro {
 
+/// A page's grid layout for a TileGrid: no margins, spacing pixels between tiles. Owned by the
+/// page.
+QGridLayout *makeTileLayout(QWidget *page, int spacing);
+
 /// Places tiles in a grid from the left and the top, and packs them there: the column and the row
 /// behind them take the slack. Used by the pages whose tiles flow.
 class TileGrid

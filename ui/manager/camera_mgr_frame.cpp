@@ -13,8 +13,6 @@
 #include "ui/manager/add_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
-#include <QGridLayout>
-
 namespace {
 
 constexpr int kMostCameras = 100;
@@ -23,19 +21,11 @@ constexpr int kSpacing = 20; // pixels between tiles
 // A row beyond what is seen is ready on either side: the next scroll, or the Tab key, finds it.
 constexpr int kRowsAhead = 1;
 
-QGridLayout *makeGrid(QWidget *parent)
-{
-    auto *grid = new QGridLayout(parent);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setSpacing(kSpacing);
-    return grid;
-}
-
 } // namespace
 
 CCameraMgrFrame::CCameraMgrFrame(QWidget *parent)
     : QWidget(parent)
-    , m_grid(makeGrid(this))
+    , m_grid(zelvaro::makeTileLayout(this, kSpacing))
     , m_addButton(new CAddButtonForm(this))
 {
     connect(m_addButton, &CAddButtonForm::clicked, this, &CCameraMgrFrame::slotAddButtonClicked);
