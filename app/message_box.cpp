@@ -39,8 +39,10 @@ CMessageBox::CMessageBox(int kind, const QString &title, const QString &text,
     connect(m_ui->btnCancel, &QPushButton::clicked, this, &CMessageBox::slotClose);
 
     m_ui->labelIcon->clear();
-    if (const QPixmap icon = iconOf(kind); !icon.isNull())
+    const QPixmap icon = iconOf(kind);
+    if (!icon.isNull())
         m_ui->labelIcon->setPixmap(icon);
+    m_ui->labelIcon->setVisible(!icon.isNull()); // no icon takes no room
 
     setWindowTitle(title);
     setAccessibleName(title);
