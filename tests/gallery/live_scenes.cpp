@@ -1,0 +1,153 @@
+#include "app/main_form.h"
+#include "settings/camera_record.h"
+#include "settings/camera_settings.h"
+#include "tests/fakes/fake_cammgr.h"
+#include "tests/gallery/motif.h"
+#include "tests/gallery/stage.h"
+#include "tests/support/modal_script.h"
+#include "ui/live/select_camera_form.h"
+#include "ui/live/select_camera_item_form.h"
+#include "ui/live/select_camera_recording_form.h"
+#include "ui/live/video_frame.h"
+
+#include <QToolButton>
+
+namespace gallery {
+
+namespace {
+
+Scene page(const QString &name, std::function<void(Stage &)> fill)
+{
+    return {QStringLiteral("live"), name, Scene::Kind::Page, [fill](Stage &stage) {
+                fill(stage);
+                // The status lines follow the size of their pictures with the next report.
+                return Subject{&stage.form(), [&stage] {
+                                   stage.report();
+                                   return true;
+                               }};
+            }};
+}
+
+void playOne(Stage &stage, const fake_cammgr::Script &script = {})
+{
+    fake_cammgr::setDefaults(script);
+    stage.addCameras(1);
+    stage.open();
+    stage.connectAll();
+    stage.form().playCamera(stage.camera(0));
+    stage.runStreams();
+}
+
+void playGrid(Stage &stage, int cameras)
+{
+    stage.addCameras(cameras);
+    stage.open();
+    stage.connectAll();
+    stage.click("frameButtons", "btnMultiLive");
+    stage.runStreams();
+}
+
+void recordGrid(Stage &stage)
+{
+    ModalScript choice;
+    choice.then([](QWidget *dialog) { press(dialog, "btnOK"); });
+    stage.click("pageMultiLive", "btnRecord");
+}
+
+fake_cammgr::Script fullHd()
+{
+    fake_cammgr::Script script;
+    script.mode = 0;
+    script.width = 1920;
+    script.height = 1080;
+    script.frameRate = 25;
+    script.bitRate = 4000000;
+    return script;
+}
+
+template <typename Dialog>
+Scene selection(const QString &name, int cameras, const QString &longName = {})
+{
+    return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog, [=](Stage &stage) {
+                stage.addCameras(cameras);
+                if (!longName.isEmpty())
+                    stage.addCamera(longName);
+                for (int i = 0; i < cameras; i += 2)
+                    stage.addThumbnail(i);
+                stage.open();
+                stage.click("frameButtons", "btnMultiLive"); // what the grid shows may record
+                auto *dialog = stage.show<Dialog>(&stage.form());
+                int number = 0;
+                for (auto *tile : dialog->template findChildren<CSelectCameraItemForm *>())
+                    tile->setChecked(number++ % 3 != 1);
+                return Subject{dialog, {}};
+            }};
+}
+
+} // namespace
+
+QVector<Scene> liveScenes()
+{
+    const QString longName =
+        QStringLiteral("The camera above the door between the kitchen garden and the stables");
+    return {
+        page(QStringLiteral("single-connecting"),
+             [](Stage &stage) {
+                 stage.addCameras(1);
+                 stage.open();
+                 stage.form().playCamera(stage.camera(0));
+             }),
+        page(QStringLiteral("single-playing"), [](Stage &stage) { playOne(stage); }),
+        page(QStringLiteral("single-full-hd"), [](Stage &stage) { playOne(stage, fullHd()); }),
+        page(QStringLiteral("single-recording"),
+             [](Stage &stage) {
+                 playOne(stage);
+                 stage.click("pagePlayCamera", "btnRecord");
+             }),
+        page(QStringLiteral("single-muted-talking"),
+             [](Stage &stage) {
+                 playOne(stage);
+                 stage.click("pagePlayCamera", "btnMute");
+                 stage.click("pagePlayCamera", "btnOutVolume");
+             }),
+        page(QStringLiteral("single-zoomed"),
+             [](Stage &stage) {
+                 playOne(stage);
+                 for (int i = 0; i < 3; ++i)
+                     stage.click("pagePlayCamera", "btnZoomIn");
+             }),
+        {QStringLiteral("live"), QStringLiteral("single-full-screen"), Scene::Kind::Other,
+         [](Stage &stage) {
+             playOne(stage);
+             auto *surface = stage.find<CVideoFrame>("frameVideoFrame");
+             stage.click("pagePlayCamera", "btnFullScreen");
+             stage.runStreams();
+             Stage::paintOver(surface->renderSurface(), motif(0, {640, 360}));
+             return Subject{surface, {}};
+         }},
+        page(QStringLiteral("grid-none"), [](Stage &stage) { playGrid(stage, 0); }),
+        page(QStringLiteral("grid-one"), [](Stage &stage) { playGrid(stage, 1); }),
+        page(QStringLiteral("grid-four"), [](Stage &stage) { playGrid(stage, 4); }),
+        page(QStringLiteral("grid-many"), [](Stage &stage) { playGrid(stage, 36); }),
+        page(QStringLiteral("grid-recording"),
+             [](Stage &stage) {
+                 playGrid(stage, 6);
+                 recordGrid(stage);
+             }),
+        page(QStringLiteral("grid-connecting"),
+             [](Stage &stage) {
+                 stage.addCameras(3);
+                 stage.addCamera(QStringLiteral("The camera above the door between the kitchen "
+                                                "garden and the stables"));
+                 stage.open();
+                 stage.click("frameButtons", "btnMultiLive");
+                 stage.click("pageMultiLive", "btnMute");
+             }),
+        selection<CSelectCameraForm>(QStringLiteral("select-none"), 0),
+        selection<CSelectCameraForm>(QStringLiteral("select-four"), 3, longName),
+        selection<CSelectCameraForm>(QStringLiteral("select-many"), 24),
+        selection<CSelectCameraRecordingForm>(QStringLiteral("select-recording"), 5),
+    };
+}
+
+} // namespace gallery

@@ -1,0 +1,21 @@
+# Takes the gallery's pictures into the documents: FROM is its folder, TO that of the documents,
+# CONVERT the program of ImageMagick that reduces their colours, so that each stays small.
+set(pictures
+  manager=manager-four-800x600 search=search-many-1280x800 photos=photos-many-1280x800
+  add-camera=add-camera-filled network-setup=network-setup motion=motion picker=picker
+  message-box=message-question select-cameras=select-four)
+file(GLOB sheets RELATIVE ${FROM} ${FROM}/contact-*.png)
+foreach(sheet IN LISTS sheets)
+  get_filename_component(name ${sheet} NAME_WLE)
+  list(APPEND pictures ${name}=${name})
+endforeach()
+if(NOT sheets)
+  message(FATAL_ERROR "No contact sheets in ${FROM}: run the tests labelled gallery first.")
+endif()
+
+foreach(picture IN LISTS pictures)
+  string(REGEX MATCH "^(.*)=(.*)$" matched ${picture})
+  execute_process(COMMAND ${CONVERT} ${FROM}/${CMAKE_MATCH_2}.png +dither -colors 160
+      -define png:compression-level=9 -strip ${TO}/${CMAKE_MATCH_1}.png
+    COMMAND_ERROR_IS_FATAL ANY)
+endforeach()
