@@ -1,6 +1,12 @@
 # Functions that every folder's CMakeLists.txt uses to declare its targets, so that warnings,
 # sanitizers, precompiled headers and test settings are the same everywhere.
 
+# Programs under the thread sanitizer tell it about the locks of libraries that are built without.
+if(ZELVARO_SANITIZE MATCHES "thread")
+  add_library(tsan_glib OBJECT ${PROJECT_SOURCE_DIR}/tests/support/tsan_glib.cpp)
+  target_link_libraries(tsan_glib PUBLIC PkgConfig::GIO ${CMAKE_DL_LIBS})
+endif()
+
 function(zelvaro_own_code target)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Werror
@@ -10,6 +16,10 @@ function(zelvaro_own_code target)
     target_link_options(${target} PRIVATE -fsanitize=${ZELVARO_SANITIZE})
     if(ZELVARO_SANITIZE MATCHES "undefined")
       target_compile_options(${target} PRIVATE -fno-sanitize-recover=undefined)
+    endif()
+    get_target_property(type ${target} TYPE)
+    if(ZELVARO_SANITIZE MATCHES "thread" AND type STREQUAL "EXECUTABLE")
+      target_link_libraries(${target} PRIVATE tsan_glib)
     endif()
   endif()
   if(ZELVARO_FUZZ)
