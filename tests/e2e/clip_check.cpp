@@ -45,11 +45,13 @@ QString readWithFfprobe(const QString &file, const QStringList &options)
 ClipFacts clipFacts(const QString &file)
 {
     std::vector<double> times;
-    for (const QString &line : readWithFfprobe(file, {"-show_entries", "packet=pts_time"})
-                                   .split(QRegularExpression("[\\n,]+"), Qt::SkipEmptyParts))
-        times.push_back(line.toDouble());
     ClipFacts facts;
-    facts.frames = static_cast<int>(times.size());
+    for (const QString &line : readWithFfprobe(file, {"-show_data_hash", "crc32", "-show_entries",
+                                                      "packet=pts_time,data_hash"})
+                                   .split('\n', Qt::SkipEmptyParts)) {
+        times.push_back(line.section(',', 0, 0).toDouble());
+        facts.contents << line.section(',', 1, 1);
+    }
     if (times.size() < 2)
         return facts;
     std::sort(times.begin(), times.end());
@@ -69,7 +71,10 @@ int decodedFrames(const QString &file)
 
 QString decodingErrors(const QString &file)
 {
-    const Result result = run("ffmpeg", {"-nostdin", "-v", "error", "-i", file, "-f", "null", "-"});
+    // Raw, so that nothing but the decoder has an opinion on the times.
+    const Result result =
+        run("ffmpeg", {"-nostdin", "-v", "error", "-y", "-i", file, "-map", "0:v", "-f", "rawvideo",
+                       "/dev/null", "-map", "0:a?", "-f", "s16le", "/dev/null"});
     return result.good ? result.errors : result.errors + "ffmpeg failed";
 }
 

@@ -8,7 +8,7 @@
 /// The pictures of a clip as they are stored.
 struct ClipFacts
 {
-    int frames = 0;        ///< 0 when it is no clip
+    QStringList contents;  ///< a check sum of each picture, in order; empty when it is no clip
     double seconds = 0;    ///< from the first picture to the end of the last
     double longestGap = 0; ///< seconds from one picture to the next, at most
 };
