@@ -105,7 +105,9 @@ void Recorder::takeFrame(const AccessUnit &unit)
     {
         std::lock_guard lock(m_lock);
         ++m_framesSeen;
-        m_sawReordering |= unit.bipredictive || unit.time < m_lastTime;
+        // Times that go back prove nothing: they are set anew while picture and sound are brought
+        // together, and on a busy machine by much.
+        m_sawReordering |= unit.bipredictive;
         if (m_lastTime != 0 && unit.time > m_lastTime) {
             const auto interval = static_cast<double>(unit.time - m_lastTime) / GST_SECOND;
             const double rate = static_cast<double>(unit.size()) / interval;
