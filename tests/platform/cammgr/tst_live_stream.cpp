@@ -322,6 +322,38 @@ TEST_F(CameraTest, LostStreamClosesTheClip)
     EXPECT_EQ(MediaProbe::codecs(path), "h264 aac");
 }
 
+TEST_F(CameraTest, WindowThatCannotBeSeenGoesOnRecording)
+{
+    TestWindow window(320, 180);
+    if (!window.exists())
+        GTEST_SKIP() << "no X display";
+    TemporaryFolder folder;
+    const auto path = folder.file("a.mp4");
+    {
+        StreamListener listener;
+        LiveStream stream(listener.callbacks());
+        auto drawn = request();
+        drawn.window = window.id();
+        stream.start(drawn);
+        ASSERT_TRUE(listener.waitForFirstFrame());
+        ASSERT_TRUE(waitUntil([&] { return window.grab().white == 0; }));
+        window.hide();
+        ASSERT_EQ(stream.beginWriting(folder.file("a"), 104857600), 0);
+        ASSERT_TRUE(waitUntil([&] { return MediaProbe::duration(path) >= 2; }));
+        EXPECT_TRUE(stream.isPlaying());
+        EXPECT_TRUE(stream.isWriting());
+        window.show();
+        // The picture is back from memory and goes on.
+        EXPECT_TRUE(waitUntil([&] { return window.grab().white == 0; }));
+        const auto before = window.grab().sum;
+        EXPECT_TRUE(waitUntil([&] { return window.grab().sum != before; }));
+    }
+    EXPECT_EQ(MediaProbe::complaints(path), "");
+    const auto times = MediaProbe::videoTimes(path);
+    EXPECT_EQ(MediaProbe::decodedFrames(path), static_cast<int>(times.size()));
+    EXPECT_GE(times.size(), 20u);
+}
+
 TEST_F(CameraTest, DestructionFinishesTheClip)
 {
     TemporaryFolder folder;
