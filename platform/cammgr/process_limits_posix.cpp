@@ -1,6 +1,9 @@
 #include "platform/cammgr/process_limits.h"
 
 #include <algorithm>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <sys/resource.h>
 
 namespace cammgr {
@@ -19,6 +22,14 @@ void raiseHandleLimit()
         return;
     limit.rlim_cur = std::min(limit.rlim_max, enoughHandles);
     setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+void releaseFreeMemory()
+{
+#ifdef __GLIBC__
+    // It gives back by itself only what lies at the end of an arena.
+    malloc_trim(0);
+#endif
 }
 
 } // namespace cammgr

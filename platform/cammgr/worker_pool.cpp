@@ -50,7 +50,10 @@ void WorkerPool::work()
         const bool found = m_wake.wait_for(lock, idleTime, [this] { return !m_jobs.empty(); });
         --m_idle;
         if (!found) {
-            --m_threads;
+            const bool last = --m_threads == 0;
+            lock.unlock();
+            if (last && m_rested)
+                m_rested();
             return;
         }
         auto job = std::move(m_jobs.front());
@@ -70,9 +73,12 @@ WorkerPool &mediaWorkers()
 
 WorkerPool &decodeWorkers()
 {
-    static auto *pool = new WorkerPool(
-        "cammgr-decode", static_cast<int>(std::clamp(std::thread::hardware_concurrency(),
-                                                     fewestDecoders, mostDecoders)));
+    // A grid that was left held most of the memory of the process.
+    static auto *pool =
+        new WorkerPool("cammgr-decode",
+                       static_cast<int>(std::clamp(std::thread::hardware_concurrency(),
+                                                   fewestDecoders, mostDecoders)),
+                       &releaseFreeMemory);
     return *pool;
 }
 

@@ -12,8 +12,14 @@ namespace cammgr {
 class WorkerPool
 {
 public:
-    /// name: of its threads, a literal.
-    WorkerPool(const char *name, int limit) : m_name(name), m_limit(limit) {}
+    /// name: of its threads, a literal. rested: called on the last thread when it ends; jobs may be
+    /// run meanwhile.
+    WorkerPool(const char *name, int limit, void (*rested)() = nullptr)
+        : m_name(name)
+        , m_limit(limit)
+        , m_rested(rested)
+    {
+    }
     /// Any thread; never waits.
     void run(std::function<void()> job);
 
@@ -23,6 +29,7 @@ private:
 
     const char *const m_name;
     const int m_limit;
+    void (*const m_rested)();
     std::mutex m_lock; ///< protects everything below
     std::condition_variable m_wake;
     std::deque<std::function<void()>> m_jobs;
