@@ -371,6 +371,14 @@
         <source>Delete photo?</source>
         <translation>写真を削除しますか？</translation>
     </message>
+    <message>
+        <source>This camera has no recordings yet.</source>
+        <translation>このカメラの録画はまだありません。</translation>
+    </message>
+    <message>
+        <source>This camera has no photos yet.</source>
+        <translation>このカメラの写真はまだありません。</translation>
+    </message>
 </context>
 <context>
     <name>CPhotoMgrItemForm</name>
@@ -632,6 +640,10 @@
     <message>
         <source>Please wait for get onfiguration...</source>
         <translation>設定を取得しています。お待ちください...</translation>
+    </message>
+    <message>
+        <source>Press &quot;Search&quot; to find the cameras of this network.</source>
+        <translation>「検索」を押すと、このネットワークのカメラを検索します。</translation>
     </message>
 </context>
 <context>

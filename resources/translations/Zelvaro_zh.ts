@@ -371,6 +371,14 @@
         <source>Delete photo?</source>
         <translation>要删除照片吗？</translation>
     </message>
+    <message>
+        <source>This camera has no recordings yet.</source>
+        <translation>此摄像机还没有录像。</translation>
+    </message>
+    <message>
+        <source>This camera has no photos yet.</source>
+        <translation>此摄像机还没有照片。</translation>
+    </message>
 </context>
 <context>
     <name>CPhotoMgrItemForm</name>
@@ -632,6 +640,10 @@
     <message>
         <source>Please wait for get onfiguration...</source>
         <translation>正在获取配置，请稍候...</translation>
+    </message>
+    <message>
+        <source>Press &quot;Search&quot; to find the cameras of this network.</source>
+        <translation>按“搜索”查找此网络中的摄像机。</translation>
     </message>
 </context>
 <context>

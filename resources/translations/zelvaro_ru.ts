@@ -371,6 +371,14 @@
         <source>Delete photo?</source>
         <translation>Удалить фото?</translation>
     </message>
+    <message>
+        <source>This camera has no recordings yet.</source>
+        <translation>У этой камеры пока нет записей.</translation>
+    </message>
+    <message>
+        <source>This camera has no photos yet.</source>
+        <translation>У этой камеры пока нет фотографий.</translation>
+    </message>
 </context>
 <context>
     <name>CPhotoMgrItemForm</name>
@@ -632,6 +640,10 @@
     <message>
         <source>Please wait for get onfiguration...</source>
         <translation>Получение конфигурации, подождите...</translation>
+    </message>
+    <message>
+        <source>Press &quot;Search&quot; to find the cameras of this network.</source>
+        <translation>Нажмите «Поиск», чтобы найти камеры этой сети.</translation>
     </message>
 </context>
 <context>

@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QEvent>
+#include <QPainter>
 
 #include <algorithm>
 
@@ -39,6 +40,7 @@ CPhotoMgrFrame::CPhotoMgrFrame(QWidget *parent)
 void CPhotoMgrFrame::refill()
 {
     dropTiles();
+    update();
     m_timer.stop();
     if (!m_camera)
         return;
@@ -207,6 +209,17 @@ bool CPhotoMgrFrame::eventFilter(QObject *watched, QEvent *event)
     if (watched == m_viewport && event->type() == QEvent::Resize)
         layoutTiles();
     return QWidget::eventFilter(watched, event);
+}
+
+void CPhotoMgrFrame::paintEvent(QPaintEvent *event)
+{
+    QWidget::paintEvent(event);
+    if (!m_camera || !m_tiles.isEmpty())
+        return;
+    QPainter painter(this);
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextWordWrap,
+                     m_videoMode ? tr("This camera has no recordings yet.")
+                                 : tr("This camera has no photos yet."));
 }
 
 void CPhotoMgrFrame::resizeEvent(QResizeEvent *event)

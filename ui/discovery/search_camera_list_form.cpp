@@ -10,7 +10,9 @@
 
 #include <QDebug>
 #include <QHeaderView>
+#include <QLabel>
 #include <QUrl>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -30,6 +32,8 @@ CSearchCameraListForm::CSearchCameraListForm(QWidget *parent)
     m_ui->tableView->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
     m_ui->tableView->horizontalHeader()->setMinimumSectionSize(kLeastColumnWidth);
 
+    noteWhenEmpty();
+
     connect(m_ui->btnOk, &QPushButton::clicked, this, &CSearchCameraListForm::slotOK);
     connect(m_ui->btnSearch, &QPushButton::clicked, this, &CSearchCameraListForm::slotSearch);
     connect(m_ui->btnBrowser, &QPushButton::clicked, this, &CSearchCameraListForm::slotBrowser);
@@ -39,6 +43,21 @@ CSearchCameraListForm::CSearchCameraListForm(QWidget *parent)
 }
 
 CSearchCameraListForm::~CSearchCameraListForm() = default;
+
+void CSearchCameraListForm::noteWhenEmpty()
+{
+    QWidget *viewport = m_ui->tableView->viewport();
+    auto *note = new QLabel(tr("Press \"Search\" to find the cameras of this network."), viewport);
+    note->setObjectName(QStringLiteral("labelEmpty"));
+    note->setAlignment(Qt::AlignCenter);
+    note->setWordWrap(true);
+    note->setAttribute(Qt::WA_TransparentForMouseEvents);
+    auto *layout = new QVBoxLayout(viewport);
+    layout->addWidget(note);
+    const auto follow = [this, note] { note->setVisible(m_model.rowCount() == 0); };
+    connect(&m_model, &QStandardItemModel::rowsInserted, note, follow);
+    connect(&m_model, &QStandardItemModel::rowsRemoved, note, follow);
+}
 
 void CSearchCameraListForm::slotSearch()
 {

@@ -43,6 +43,8 @@ private:
     /// is null.
     ndcp_device *selectedRecord();
     void appendRow(ndcp_device *record);
+    /// Says in the empty table how it is filled.
+    void noteWhenEmpty();
 
     std::unique_ptr<Ui::SearchCameraListForm> m_ui;
     QStandardItemModel m_model;

@@ -33,6 +33,7 @@ private slots:
     void aRowWithoutCameraGivesAnEmptyGrid();
     void emptyingTheModelEmptiesTheGrid();
     void aMissingFolderIsAnEmptyGrid();
+    void anEmptyGridSaysSo();
     void openingAgainShowsCamerasOfNow();
 
     void onlyRecordingsAreVideosAndOnlyJpgArePhotos();
@@ -208,6 +209,23 @@ void tst_PhotoMgr::aMissingFolderIsAnEmptyGrid()
     open();
     QVERIFY(tiles().isEmpty());
     QVERIFY(!QDir(m_album->root() + "/A").exists());
+}
+
+void tst_PhotoMgr::anEmptyGridSaysSo()
+{
+    const auto drawn = [this] {
+        return m_page->findChild<CPhotoMgrFrame *>("framePhotoMgr")->grab().toImage();
+    };
+    m_album->addCameras({"A"});
+    open(false);
+    const QImage noPhotos = drawn();
+    m_page->open(true);
+    const QImage noVideos = drawn();
+    m_page->leave();
+    const QImage nothing = drawn();
+    QVERIFY(noPhotos != nothing);
+    QVERIFY(noVideos != nothing);
+    QVERIFY(noPhotos != noVideos);
 }
 
 void tst_PhotoMgr::openingAgainShowsCamerasOfNow()

@@ -61,6 +61,7 @@ private slots:
     void clearForgetsEverything();
     void unknownEventIsADeveloperCheck();
     void refusedSearchDoesNotWait();
+    void emptyTableTellsHowItIsFilled();
 
 private:
     QTableView *table() const { return m_form->findChild<QTableView *>("tableView"); }
@@ -363,6 +364,18 @@ void TestSearchCameraListForm::refusedSearchDoesNotWait()
     fake_ndcp::setResult("discover", -1);
     QTest::mouseClick(button("btnSearch"), Qt::LeftButton);
     QVERIFY(!QApplication::activeModalWidget());
+}
+
+void TestSearchCameraListForm::emptyTableTellsHowItIsFilled()
+{
+    const auto *note = m_form->findChild<QLabel *>("labelEmpty");
+    QVERIFY(note && note->isVisible());
+    QVERIFY(note->text().contains(button("btnSearch")->text()));
+    search({fake_ndcp::device("uid-1", "Door", 0xC0A80114)});
+    QCOMPARE(table()->model()->rowCount(), 1);
+    QVERIFY(!note->isVisible());
+    QTest::mouseClick(button("btnClean"), Qt::LeftButton);
+    QVERIFY(note->isVisible());
 }
 
 QTEST_MAIN(TestSearchCameraListForm)
