@@ -46,6 +46,9 @@ private slots:
     void theDialogStandsOverTheMainWindow();
     void escapeInADialogDoesNotReachThePicture();
     void theKeyboardReachesEveryControl();
+    void theEmptyGridSaysSoInTheDarkWell();
+    void noTileLeavesTheWell_data();
+    void noTileLeavesTheWell();
 
 private:
     template <typename T = QWidget>
@@ -422,6 +425,45 @@ void tst_MultiLiveForm::theKeyboardReachesEveryControl()
     QTest::keyClick(frame()->tiles().at(0)->findChild<QWidget *>(QStringLiteral("frameVideoFrame")),
                     Qt::Key_Space);
     QCOMPARE(frame()->selectedTile(), frame()->tiles().at(0));
+}
+
+void tst_MultiLiveForm::theEmptyGridSaysSoInTheDarkWell()
+{
+    show({});
+    const QImage well = child("frameMultiLiveArea")->grab().toImage();
+    QVERIFY(well.pixelColor(20, 20).lightness() < 60);
+    int lightest = 0;
+    for (int y = 0; y < well.height(); ++y) {
+        for (int x = well.width() / 4; x < well.width() * 3 / 4; ++x)
+            lightest = qMax(lightest, well.pixelColor(x, y).lightness());
+    }
+    QVERIFY(lightest > 180);
+}
+
+void tst_MultiLiveForm::noTileLeavesTheWell_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("cameras");
+    QTest::newRow("one, as wide as the page") << QSize(320, 900) << 1;
+    QTest::newRow("one, as high as the page") << QSize(1600, 400) << 1;
+    QTest::newRow("one column") << QSize(320, 1100) << 3;
+    QTest::newRow("one row") << QSize(1600, 300) << 4;
+    QTest::newRow("many") << QSize(800, 600) << 16;
+}
+
+void tst_MultiLiveForm::noTileLeavesTheWell()
+{
+    QFETCH(QSize, size);
+    QFETCH(int, cameras);
+    m_form->resize(size);
+    QStringList hostnames;
+    for (int i = 0; i < cameras; ++i)
+        hostnames << QString::number(i);
+    show(hostnames);
+    const auto *well = child<QFrame>("frameMultiLiveArea");
+    QTRY_COMPARE_WITH_TIMEOUT(frame()->size(), well->contentsRect().size(), Deadline);
+    for (const CMultiLiveItemForm *tile : frame()->tiles())
+        QVERIFY(frame()->rect().contains(tile->geometry()));
 }
 
 QTEST_MAIN(tst_MultiLiveForm)
