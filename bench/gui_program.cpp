@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QEventLoop>
 #include <QMainWindow>
+#include <QScreen>
 #include <QTimer>
 
 #include <chrono>
@@ -136,6 +137,7 @@ void watchGrid(CMainForm &window, bench::GuiWatch &watch)
         return allCameras(
             [](const CCamera &camera) { return camera.get_state() == CAMERA_STATE_CONNECTED; });
     });
+    window.setGeometry(window.screen()->geometry());
     wait(kAfterSwitch);
     tell("connected", CCameraList::instance().count());
     wait(kAfterSwitch);

@@ -2,6 +2,7 @@
 // it costs, beside ffplay and mpv on the same stream in the same run.
 //
 // bench_live [SECONDS]: how long each player is measured (default 20).
+// bench_live --growth MINUTES: plays our engine alone for that long; whether its delay grows.
 
 #include "bench/child_process.h"
 #include "bench/latency_probe.h"
@@ -10,6 +11,7 @@
 #include "bench/statistics.h"
 #include "tests/support/camsim_process.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -24,6 +26,9 @@ namespace {
 constexpr int kWidth = 640;
 constexpr int kHeight = 360;
 constexpr int kStarts = 5; // first pictures measured for each player
+constexpr auto kFirstPictureDeadline = 20s;
+constexpr auto kSettling = 3s;
+constexpr std::chrono::seconds kDefaultDuration = 20s;
 
 struct Player
 {
@@ -80,14 +85,14 @@ bool measure(const Player &player, std::chrono::seconds duration, bench::ScreenR
         screen.clear();
         bench::ChildProcess process(player.command, player.tellsPlay);
         const auto asked = playMoment(player, process);
-        const auto seen = probe.waitForPicture(asked, 20s);
+        const auto seen = probe.waitForPicture(asked, kFirstPictureDeadline);
         if (!seen)
             return false;
         fromStart.push_back(milliseconds(*seen - process.started()));
         fromCall.push_back(milliseconds(*seen - asked));
         if (start < kStarts)
             continue;
-        probe.sample(3s); // settles
+        probe.sample(kSettling);
         const double cpuBefore = process.cpuSeconds();
         const auto before = Clock::now();
         result.latency = probe.sample(duration);
@@ -101,12 +106,56 @@ bool measure(const Player &player, std::chrono::seconds duration, bench::ScreenR
     return true;
 }
 
+/// The camera that all players show, found by them.
+class Camera
+{
+public:
+    Camera()
+    {
+        setenv("ZELVARO_DISCOVERY_TARGETS", m_cameras.camera().discovery.c_str(), 1);
+        setenv("ZELVARO_DISCOVERY_MULTICAST", "0", 1);
+    }
+    const zelvaro::test::SimulatedCamera &get() const { return m_cameras.camera(); }
+
+private:
+    const zelvaro::test::CamsimProcess m_cameras{
+        {"--count", "1", "--sub-size", "640x360", "--sub-fps", "25", "--key-interval", "1"}};
+};
+
+int runGrowth(int minutes)
+{
+    const Camera camera;
+    bench::ScreenReader screen(kWidth, kHeight);
+    bench::LatencyProbe probe(screen);
+    const Player player = players(camera.get()).front();
+    std::printf("%s, one camera, %dx%d at 25 fps, TCP on loopback\n\n%6s %8s %8s %8s %10s %8s\n",
+                player.name.c_str(), kWidth, kHeight, "minute", "median", "95 %", "frames",
+                "memory", "threads");
+    screen.clear();
+    bench::ChildProcess process(player.command, player.tellsPlay);
+    if (!probe.waitForPicture(playMoment(player, process), kFirstPictureDeadline)) {
+        std::printf("showed no picture\n");
+        return 1;
+    }
+    probe.sample(kSettling);
+    std::vector<double> medians, memories;
+    for (int minute = 1; minute <= minutes; ++minute) {
+        const std::vector<double> latency = probe.sample(1min);
+        medians.push_back(bench::percentile(latency, 0.5));
+        memories.push_back(process.memoryMegabytes());
+        std::printf("%6d %8.1f %8.1f %8zu %10.1f %8d\n", minute, medians.back(),
+                    bench::percentile(latency, 0.95), latency.size(), memories.back(),
+                    process.threads());
+        std::fflush(stdout);
+    }
+    std::printf("\nGrowth: %.2f ms of delay and %.2f MB a minute\n", bench::slope(medians),
+                bench::slope(memories));
+    return 0;
+}
+
 int run(std::chrono::seconds duration)
 {
-    const zelvaro::test::CamsimProcess cameras(
-        {"--count", "1", "--sub-size", "640x360", "--sub-fps", "25", "--key-interval", "1"});
-    setenv("ZELVARO_DISCOVERY_TARGETS", cameras.camera().discovery.c_str(), 1);
-    setenv("ZELVARO_DISCOVERY_MULTICAST", "0", 1);
+    const Camera camera;
     bench::ScreenReader screen(kWidth, kHeight);
 
     std::printf("One camera, %dx%d at 25 fps, a key frame each second, TCP on loopback; %lld s "
@@ -117,7 +166,7 @@ int run(std::chrono::seconds duration)
     std::printf("%-18s %8s %8s %8s %12s %12s %8s %8s %8s\n", "", "ms", "ms", "", "ms", "ms",
                 "% core", "MB", "");
     double ownMedian = 0;
-    for (const Player &player : players(cameras.camera())) {
+    for (const Player &player : players(camera.get())) {
         Result result;
         if (!measure(player, duration, screen, result)) {
             std::printf("%-18s showed no picture\n", player.name.c_str());
@@ -142,9 +191,11 @@ int run(std::chrono::seconds duration)
 
 int main(int argc, char **argv)
 {
-    const int seconds = argc > 1 ? std::atoi(argv[1]) : 20;
     try {
-        return run(std::chrono::seconds(seconds > 0 ? seconds : 20));
+        if (argc > 2 && std::string(argv[1]) == "--growth")
+            return runGrowth(std::max(1, std::atoi(argv[2])));
+        const int seconds = argc > 1 ? std::atoi(argv[1]) : 0;
+        return run(seconds > 0 ? std::chrono::seconds(seconds) : kDefaultDuration);
     } catch (const std::exception &problem) {
         std::fprintf(stderr, "bench_live: %s\n", problem.what());
         return 1;
