@@ -6,6 +6,7 @@
 #include "settings/developer_check.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/common/album_files.h"
+#include "ui/common/windowless.h"
 
 #include <QDir>
 #include <QEvent>
@@ -97,6 +98,9 @@ void CPhotoMgrFrame::layoutTiles()
 // The place of a row follows from its number: the layout itself moves the tiles later.
 void CPhotoMgrFrame::showNearTiles()
 {
+    if (!isVisible())
+        return; // it comes back here when it is shown
+    const zelvaro::Windowless tiles;
     constexpr int RowHeight = CPhotoMgrItemForm::Height + kSpacing;
     const int top = parentWidget() ? -y() : 0;
     const int bottom = top + (parentWidget() ? parentWidget()->height() : height());
@@ -191,8 +195,12 @@ void CPhotoMgrFrame::followViewport()
     if (m_viewport)
         m_viewport->removeEventFilter(this);
     m_viewport = parentWidget();
-    if (m_viewport)
-        m_viewport->installEventFilter(this);
+    if (!m_viewport)
+        return;
+    m_viewport->installEventFilter(this);
+    // A folder of thousands is higher than a window may be.
+    const zelvaro::Windowless frame;
+    create();
 }
 
 bool CPhotoMgrFrame::event(QEvent *event)

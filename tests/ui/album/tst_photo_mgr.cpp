@@ -51,6 +51,7 @@ private slots:
     void onlyTilesInSightHoldPictures();
     void whatWasScrolledToComesFirst();
     void twoThousandFilesDoNotHoldTheProgramUp();
+    void theGridNeedsNoWindowsOfItsOwn();
     void refillStartsTheThumbnailsAgain();
 
     void theTileHasItsNamesAndTexts();
@@ -458,6 +459,27 @@ void tst_PhotoMgr::twoThousandFilesDoNotHoldTheProgramUp()
         built += tile->findChild<QToolButton *>("btnPlay") != nullptr;
     QVERIFY2(built > 0 && built < 60, qPrintable(QString::number(built)));
     QVERIFY(clock.elapsed() < AlbumFixture::Deadline);
+}
+
+// As the whole program runs: a grid of thousands is higher than an X window can be.
+void tst_PhotoMgr::theGridNeedsNoWindowsOfItsOwn()
+{
+    m_album->addCameras({"A"});
+    for (int i = 0; i < 60; ++i)
+        m_album->write("A", QString("%1.jpg").arg(i, 2, 10, QChar('0')));
+    QCoreApplication::setAttribute(Qt::AA_NativeWindows);
+    const auto restored =
+        qScopeGuard([] { QCoreApplication::setAttribute(Qt::AA_NativeWindows, false); });
+    open();
+    QScrollArea *area = m_page->findChild<QScrollArea *>("scrollPhotoMgr");
+    QVERIFY(area->viewport()->internalWinId());
+    QTRY_VERIFY_WITH_TIMEOUT(area->verticalScrollBar()->maximum() > 0, AlbumFixture::Deadline);
+    area->verticalScrollBar()->setValue(area->verticalScrollBar()->maximum());
+    QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::Deadline);
+    QVERIFY(!frame()->internalWinId());
+    for (const QWidget *widget : frame()->findChildren<QWidget *>())
+        QVERIFY2(!widget->internalWinId(), qPrintable(widget->objectName()));
+    QVERIFY(QCoreApplication::testAttribute(Qt::AA_NativeWindows));
 }
 
 void tst_PhotoMgr::refillStartsTheThumbnailsAgain()

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QCoreApplication>
+
+namespace zelvaro {
+
+/// While it lives, widgets that are created get no window of the window system but are drawn on the
+/// one they stand in, whatever the program asked for at its start. For what needs none: many small
+/// widgets are made and moved sooner so, and may stand beyond the 32,767 pixels that a window can
+/// be placed at under X11. GUI thread only.
+class Windowless
+{
+public:
+    Windowless() : m_native(QCoreApplication::testAttribute(Qt::AA_NativeWindows))
+    {
+        QCoreApplication::setAttribute(Qt::AA_NativeWindows, false);
+    }
+    ~Windowless() { QCoreApplication::setAttribute(Qt::AA_NativeWindows, m_native); }
+    Windowless(const Windowless &) = delete;
+    Windowless &operator=(const Windowless &) = delete;
+
+private:
+    bool m_native;
+};
+
+} // namespace zelvaro
