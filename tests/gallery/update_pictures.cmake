@@ -15,7 +15,7 @@ endif()
 
 foreach(picture IN LISTS pictures)
   string(REGEX MATCH "^(.*)=(.*)$" matched ${picture})
-  execute_process(COMMAND ${CONVERT} ${FROM}/${CMAKE_MATCH_2}.png +dither -colors 160
+  execute_process(COMMAND ${CONVERT} ${FROM}/${CMAKE_MATCH_2}.png +dither -colors 256
       -define png:compression-level=9 -strip ${TO}/${CMAKE_MATCH_1}.png
     COMMAND_ERROR_IS_FATAL ANY)
 endforeach()
