@@ -3,6 +3,7 @@
 #include "app/child_margins.h"
 #include "app/connected_screenshot.h"
 #include "app/main_form.h"
+#include "app/screen_density.h"
 #include "resources/resources.h"
 #include "settings/camera_list.h"
 #include "settings/camera_settings.h"
@@ -28,7 +29,7 @@ constexpr auto kX11InitThreads = static_cast<Qt::ApplicationAttribute>(10);
 // between the whole ones are kept: rounded, the texts would outgrow the pictures around them.
 void followScreenDensity()
 {
-    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, isDenseDesktop());
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);

@@ -1,0 +1,43 @@
+#include "app/screen_density.h"
+
+#include <X11/Xlib.h>
+
+#include <cstdlib>
+
+namespace zelvaro {
+
+namespace {
+
+constexpr double kUsualDensity = 96; // dots per inch
+constexpr double kLeastFactor = 1.125;
+constexpr double kMillimetresPerInch = 25.4;
+
+/// What the desktop's settings say (the resource Xft.dpi); without them, the screen's own size.
+double dotsPerInch(Display *display)
+{
+    if (const char *chosen = XGetDefault(display, "Xft", "dpi")) {
+        if (const double value = std::atof(chosen); value > 0)
+            return value;
+    }
+    const int screen = DefaultScreen(display);
+    const int millimetres = DisplayWidthMM(display, screen);
+    return millimetres > 0 ? DisplayWidth(display, screen) * kMillimetresPerInch / millimetres
+                           : kUsualDensity;
+}
+
+} // namespace
+
+// The connection is our own: the application's is not made yet. Without an X server the windows
+// are another system's, which tells exact factors.
+bool isDenseDesktop()
+{
+    XInitThreads(); // before every other call, and the stream library draws from its own threads
+    Display *display = XOpenDisplay(nullptr);
+    if (display == nullptr)
+        return true;
+    const bool dense = dotsPerInch(display) >= kUsualDensity * kLeastFactor;
+    XCloseDisplay(display);
+    return dense;
+}
+
+} // namespace zelvaro
