@@ -28,7 +28,7 @@ ClientHome::~ClientHome()
 void ClientHome::registerCameras(const std::vector<zelvaro::test::SimulatedCamera> &cameras)
 {
     std::ofstream file(m_folder + "/data/Zelvaro/Zelvaro.cfg");
-    file << "ALBUMPATH=" << m_folder << "/Album\n";
+    file << "ALBUMPATH=" << albumFolder() << "\n";
     std::string targets;
     for (std::size_t i = 0; i < cameras.size(); ++i) {
         const auto &camera = cameras[i];

@@ -19,6 +19,8 @@ public:
 
     /// Writes the settings: these cameras, all of them in the grid.
     void registerCameras(const std::vector<zelvaro::test::SimulatedCamera> &cameras);
+    /// Holds a folder for each camera, by its UID.
+    std::string albumFolder() const { return m_folder + "/Album"; }
 
 private:
     std::string m_folder;

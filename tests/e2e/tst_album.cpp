@@ -284,6 +284,10 @@ QString TestAlbum::recordClip()
     const QStringList before = folder();
     const auto made = [&] {
         QStringList files = folder();
+        // What is being finished beside a clip goes by itself.
+        files.erase(std::remove_if(files.begin(), files.end(),
+                                   [](const QString &file) { return file.endsWith(".part"); }),
+                    files.end());
         for (const QString &file : before)
             files.removeOne(file);
         return files;
