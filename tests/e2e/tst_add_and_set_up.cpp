@@ -30,6 +30,11 @@ namespace {
 
 constexpr int kPatience = 40'000; // milliseconds for anything that needs a camera
 
+QString className(const QObject *object)
+{
+    return object ? object->metaObject()->className() : "none";
+}
+
 } // namespace
 
 /// A camera that the network answers with is added, watched, renamed, moved to another address,
@@ -72,7 +77,10 @@ private:
     {
         auto *edit = parent->findChild<QLineEdit *>(QLatin1String(name));
         m_input->click(edit);
-        QTRY_VERIFY_WITH_TIMEOUT(edit->hasFocus(), kPatience);
+        QVERIFY2(QTest::qWaitFor([edit] { return edit->hasFocus(); }, kPatience),
+                 qPrintable(QString("%1 has no focus; active: %2, with focus: %3")
+                                .arg(name, className(QApplication::activeWindow()),
+                                     className(QApplication::focusWidget()))));
         m_input->selectAll();
         m_input->type(text);
         QTRY_COMPARE_WITH_TIMEOUT(edit->text(), text, kPatience);
