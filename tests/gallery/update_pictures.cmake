@@ -2,6 +2,7 @@
 # CONVERT the program of ImageMagick that reduces their colours, so that each stays small.
 set(pictures
   manager=manager-four-800x600 search=search-many-1280x800 photos=photos-many-1280x800
+  videos=videos-many-800x600 photo=photo-1280x800 video=video-playing-800x600
   add-camera=add-camera-filled network-setup=network-setup motion=motion picker=picker
   message-box=message-question select-cameras=select-four)
 file(GLOB sheets RELATIVE ${FROM} ${FROM}/contact-*.png)
