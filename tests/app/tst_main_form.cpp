@@ -107,6 +107,7 @@ private slots:
     void aFolderThatCannotBeUsedIsKeptAsItIs_data();
     void aFolderThatCannotBeUsedIsKeptAsItIs();
 
+    void aLowWindowLeavesItsHeightToThePage();
     void maximizeTogglesGeometryAndButton();
     void whileMaximizedEdgesAndTitleBarDoNothing();
     void titleBarMovesTheWindow();
@@ -530,6 +531,22 @@ void MainFormTest::aFolderThatCannotBeUsedIsKeptAsItIs()
     Registry::cameras().destroyAll();
     Registry::settings().load();
     QCOMPARE(Registry::settings().albumPath(), wanted);
+}
+
+void MainFormTest::aLowWindowLeavesItsHeightToThePage()
+{
+    showForm();
+    const auto pageHeight = [this] { return find<QStackedWidget>("stackedWidget")->height(); };
+    m_form->resize(500, 420);
+    QTRY_VERIFY_WITH_TIMEOUT(find<QWidget>("frameStatus")->isVisible(), kDeadline);
+    QCOMPARE(find<QToolButton>("btnSetUp")->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+    const int inUsualWindow = pageHeight();
+    m_form->resize(500, 419);
+    QTRY_VERIFY_WITH_TIMEOUT(!find<QWidget>("frameStatus")->isVisible(), kDeadline);
+    QCOMPARE(find<QToolButton>("btnSetUp")->toolButtonStyle(), Qt::ToolButtonIconOnly);
+    QTRY_VERIFY_WITH_TIMEOUT(pageHeight() > inUsualWindow, kDeadline);
+    click("btnPhotoMgr");
+    QCOMPARE(page(), 3);
 }
 
 void MainFormTest::maximizeTogglesGeometryAndButton()
