@@ -61,6 +61,7 @@ enum class Kind
 {
     Engine,
     Decoder,
+    Scaler, ///< a decoder that does what drawing needs as well, but for the window
     Windows
 };
 
@@ -88,6 +89,8 @@ void start(Kind kind, const Cameras &cameras, const std::vector<bench::Rectangle
         const std::string url = cameras[i].urlWithLogin(cameras[i].subUrl);
         if (kind == Kind::Decoder)
             group.start(bench::ffmpegDecoder(url), true);
+        else if (kind == Kind::Scaler)
+            group.start(bench::ffmpegScaler(url, places[i]), true);
         else
             group.start(bench::mpv(url, places[i]));
     }
@@ -189,8 +192,9 @@ std::optional<Result> measure(Kind kind, const Cameras &cameras, std::chrono::se
     screen.setTiles(places);
     bench::ProcessGroup group;
     start(kind, cameras, places, group);
-    return kind == Kind::Decoder ? measureDecoders(group, duration)
-                                 : measureWindows(group, duration, screen, kind == Kind::Engine);
+    if (kind == Kind::Decoder || kind == Kind::Scaler)
+        return measureDecoders(group, duration);
+    return measureWindows(group, duration, screen, kind == Kind::Engine);
 }
 
 /// The round in which a frame cost least: other programs on the machine only ever add.
@@ -277,8 +281,10 @@ int run(const Options &options)
     setenv("ZELVARO_DISCOVERY_MULTICAST", "0", 1);
     bench::DrawingCounter screen; // and a client that keeps the X server from starting over
     std::vector<Contestant> contestants{{"zelvaro engine", Kind::Engine, {}}};
-    if (bench::isInstalled("ffmpeg"))
-        contestants.push_back({"ffmpeg to null", Kind::Decoder, {}});
+    if (bench::isInstalled("ffmpeg")) {
+        contestants.push_back({"ffmpeg, decoding", Kind::Decoder, {}});
+        contestants.push_back({"ffmpeg, scaling", Kind::Scaler, {}});
+    }
     if (bench::isInstalled("mpv"))
         contestants.push_back({"mpv windows", Kind::Windows, {}});
     std::printf("Sub streams of %s, 640x360 at %d fps (%d from %d tiles on), TCP on loopback, each "

@@ -9,6 +9,18 @@ std::string text(int value)
     return std::to_string(value);
 }
 
+Command ffmpeg(const std::string &url, const Command &output)
+{
+    // One thread: several only add work when there are more streams than processors.
+    Command command{
+        "ffmpeg", "-hide_banner",    "-nostdin", "-loglevel", "error", "-progress",
+        "pipe:1", "-stats_period",   "0.5",      "-threads",  "1",     "-filter_threads",
+        "1",      "-rtsp_transport", "tcp",      "-i",        url};
+    command.insert(command.end(), output.begin(), output.end());
+    command.insert(command.end(), {"-f", "null", "-"});
+    return command;
+}
+
 } // namespace
 
 Command enginePlayer(const std::vector<zelvaro::test::SimulatedCamera> &cameras,
@@ -52,16 +64,13 @@ Command ffplay(const std::string &url, const Rectangle &place)
 
 Command ffmpegDecoder(const std::string &url)
 {
-    // One thread: several only add work when there are more streams than processors.
-    return {"ffmpeg",   "-hide_banner",
-            "-nostdin", "-loglevel",
-            "error",    "-progress",
-            "pipe:1",   "-stats_period",
-            "0.5",      "-threads",
-            "1",        "-rtsp_transport",
-            "tcp",      "-i",
-            url,        "-f",
-            "null",     "-"};
+    return ffmpeg(url, {});
+}
+
+Command ffmpegScaler(const std::string &url, const Rectangle &place)
+{
+    return ffmpeg(url, {"-vf", "scale=" + text(place.width) + ":" + text(place.height) +
+                                   ":flags=bilinear,format=bgr0"});
 }
 
 } // namespace bench

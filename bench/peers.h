@@ -20,5 +20,7 @@ Command mpv(const std::string &url, const Rectangle &place);
 Command ffplay(const std::string &url, const Rectangle &place);
 /// Decodes and shows nothing; prints its progress, "frame=N" among it, twice a second.
 Command ffmpegDecoder(const std::string &url);
+/// The same, and makes each picture ready for a window of this size.
+Command ffmpegScaler(const std::string &url, const Rectangle &place);
 
 } // namespace bench
