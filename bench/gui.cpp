@@ -85,7 +85,7 @@ void printLine(const char *what, double value, const char *unit, double target)
 
 void printBlock(const char *what, const std::string &phase, Figures &figures)
 {
-    std::printf("%-44s %8.1f %-9s at most %6.0f   %s (%.1f ms of it computing)\n", what,
+    std::printf("%-44s %8.1f %-9s at most %6.0f   %s (at most %.1f ms computing)\n", what,
                 figures[phase + ".waited"], "ms", 50.0,
                 figures[phase + ".waited"] <= 50 ? "kept" : "MISSED", figures[phase + ".computed"]);
 }
