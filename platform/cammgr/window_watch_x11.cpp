@@ -6,12 +6,14 @@
 #include <glib.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fcntl.h>
 #include <map>
 #include <mutex>
 #include <poll.h>
 #include <set>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace cammgr {
@@ -46,20 +48,24 @@ public:
 
 private:
     static void *threadMain(void *self);
+    static void endAtExit();
+    void start();
+    void end();
     void wake();
     void watch();
-    void adopt();
+    bool adopt();
     void readEvents();
     void findAncestors(Watched &watched);
     void select();
     void report(Watched &watched, bool damaged);
     static bool concerns(const Watched &watched, Window window);
 
-    std::mutex m_lock; ///< protects the four below
+    std::mutex m_lock; ///< protects the five below
     std::map<int, std::shared_ptr<Watched>> m_wanted;
     int m_lastNumber = 0;
-    bool m_running = false;
+    GThread *m_thread = nullptr;
     bool m_changed = false;
+    bool m_ending = false;
     int m_wakePipe[2] = {-1, -1};
 
     // Watching thread only.
@@ -100,14 +106,38 @@ int WindowWatch::Private::add(uintptr_t window, Handler handler)
     std::lock_guard lock(m_lock);
     m_wanted[++m_lastNumber] = std::move(watched);
     m_changed = true;
-    if (!m_running) {
-        GThread *thread = g_thread_try_new("cammgr-windows", &Private::threadMain, this, nullptr);
-        m_running = thread != nullptr;
-        if (thread)
-            g_thread_unref(thread);
-    }
+    if (!m_thread && !m_ending)
+        start();
     wake();
     return m_lastNumber;
+}
+
+/// Called with the lock.
+void WindowWatch::Private::start()
+{
+    m_thread = g_thread_try_new("cammgr-windows", &Private::threadMain, this, nullptr);
+    static std::once_flag once;
+    std::call_once(once, [] { std::atexit(&Private::endAtExit); });
+}
+
+/// Xlib takes its locks away when the process ends: the thread has to be out of it by then.
+void WindowWatch::Private::endAtExit()
+{
+    instance().d->end();
+}
+
+void WindowWatch::Private::end()
+{
+    GThread *thread = nullptr;
+    {
+        std::lock_guard lock(m_lock);
+        m_ending = true;
+        thread = std::exchange(m_thread, nullptr);
+        wake();
+    }
+    // Xlib ends the process itself, on this very thread, when the display is gone.
+    if (thread && thread != g_thread_self())
+        g_thread_join(thread);
 }
 
 void WindowWatch::Private::remove(int number)
@@ -146,8 +176,7 @@ void WindowWatch::Private::watch()
     m_display = XOpenDisplay(nullptr);
     if (!m_display)
         g_log("cammgr", G_LOG_LEVEL_WARNING, "no display: streams are not drawn");
-    for (;;) {
-        adopt();
+    while (adopt()) {
         // Asking the server for something can bring events along that poll() does not see.
         while (m_display && XPending(m_display) > 0)
             readEvents();
@@ -160,14 +189,16 @@ void WindowWatch::Private::watch()
     }
 }
 
-/// Brings what is watched in line with what is wanted.
-void WindowWatch::Private::adopt()
+/// Brings what is watched in line with what is wanted; false when the watch is over.
+bool WindowWatch::Private::adopt()
 {
     std::vector<std::shared_ptr<Watched>> fresh;
     {
         std::lock_guard lock(m_lock);
+        if (m_ending)
+            return false;
         if (!m_changed)
-            return;
+            return true;
         m_changed = false;
         for (const auto &[number, watched] : m_wanted) {
             if (m_watched.count(number) == 0)
@@ -187,6 +218,7 @@ void WindowWatch::Private::adopt()
     }
     for (const auto &watched : fresh)
         report(*watched, false);
+    return true;
 }
 
 void WindowWatch::Private::findAncestors(Watched &watched)
