@@ -80,6 +80,9 @@ function(zelvaro_plain_library name)
 endfunction()
 
 function(zelvaro_register_test name label timeout)
+  if(ZELVARO_SANITIZE MATCHES "thread") # which makes everything several times slower
+    math(EXPR timeout "3 * ${timeout}")
+  endif()
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT ${timeout})
   set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT

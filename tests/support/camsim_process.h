@@ -37,7 +37,7 @@ class CamsimProcess
 public:
     /// arguments as camsim --help lists them; the number of cameras is taken from "--count".
     explicit CamsimProcess(const std::vector<std::string> &arguments = {},
-                           std::chrono::milliseconds deadline = std::chrono::seconds(60));
+                           std::chrono::milliseconds deadline = std::chrono::seconds(180));
     ~CamsimProcess();
     CamsimProcess(const CamsimProcess &) = delete;
     CamsimProcess &operator=(const CamsimProcess &) = delete;

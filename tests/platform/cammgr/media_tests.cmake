@@ -3,7 +3,8 @@ set(media_test_libraries cammgr_media PkgConfig::GSTRTSPSERVER)
 zelvaro_gtest(tst_live_stream LABEL engine SOURCES tst_live_stream.cpp
   LINK ${media_test_libraries} camsim_process TIMEOUT 400)
 zelvaro_gtest(tst_gop_buffer LABEL engine SOURCES tst_gop_buffer.cpp LINK ${media_test_libraries})
-zelvaro_gtest(tst_clip_room LABEL engine SOURCES tst_clip_room.cpp LINK ${media_test_libraries})
+zelvaro_gtest(tst_clip_room LABEL engine SOURCES tst_clip_room.cpp LINK ${media_test_libraries}
+  TIMEOUT 300)
 zelvaro_gtest(tst_recorder LABEL engine SOURCES tst_recorder.cpp LINK ${media_test_libraries}
   TIMEOUT 300)
 zelvaro_gtest(tst_live_view LABEL engine SOURCES tst_live_view.cpp LINK ${media_test_libraries}
