@@ -42,6 +42,11 @@ QString readWithFfprobe(const QString &file, const QStringList &options)
 
 } // namespace
 
+bool isInstalled(const QString &program)
+{
+    return !QStandardPaths::findExecutable(program).isEmpty();
+}
+
 ClipFacts clipFacts(const QString &file)
 {
     std::vector<double> times;
@@ -83,11 +88,6 @@ bool playsInMpv(const QString &file, int frames)
     return run("mpv", {"--no-config", "--vo=null", "--ao=null", "--untimed",
                        "--frames=" + QString::number(frames), file})
         .good;
-}
-
-bool hasVlc()
-{
-    return !QStandardPaths::findExecutable("vlc").isEmpty();
 }
 
 int framesShownByVlc(const QString &file)

@@ -5,6 +5,9 @@
 
 /// Looks at recordings with the programs of others. Each call waits for that program's end.
 
+/// Whether one of them can be started. ffmpeg and ffprobe must be there, the others may be missing.
+bool isInstalled(const QString &program);
+
 /// The pictures of a clip as they are stored.
 struct ClipFacts
 {
@@ -22,7 +25,5 @@ QString decodingErrors(const QString &file);
 /// Whether mpv shows that many frames and ends without an error.
 bool playsInMpv(const QString &file, int frames);
 
-/// Whether VLC is installed.
-bool hasVlc();
 /// Frames that VLC has shown, of each ten one; for root too, for whom it does not run otherwise.
 int framesShownByVlc(const QString &file);

@@ -346,13 +346,17 @@ void TestGrid::judgeClips()
         const QStringList breaks = breaksInOrder(facts.contents);
         QVERIFY2(breaks.size() <= asked, qPrintable(breaks.join(", ")));
         QVERIFY2(facts.longestGap < kLongestGap, qPrintable(QString::number(facts.longestGap)));
-        QVERIFY(playsInMpv(clip, 5 * kFrameRate));
+        if (isInstalled("mpv"))
+            QVERIFY(playsInMpv(clip, 5 * kFrameRate));
     }
-    if (hasVlc())
-        QVERIFY(framesShownByVlc(m_run->albumFiles(m_cameras->camera(0).uid, ".*\\.mp4").first()) >
-                5);
-    else
-        qWarning("VLC is not installed: no clip was played in it.");
+    if (isInstalled("vlc")) {
+        const QString clip = m_run->albumFiles(m_cameras->camera(0).uid, kStamp + "\\.mp4").first();
+        QVERIFY(framesShownByVlc(clip) > 5);
+    }
+    for (const char *player : {"mpv", "vlc"}) {
+        if (!isInstalled(player))
+            qWarning("%s is not installed: no recording was played in it", player);
+    }
 }
 
 void TestGrid::quit()
