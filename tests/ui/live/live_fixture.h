@@ -1,13 +1,9 @@
 #pragma once
 
 #include "camera/camera.h"
-#include "settings/camera_list.h"
-#include "settings/camera_settings.h"
-#include "tests/fakes/fake_cammgr.h"
-#include "tests/settings/settings_home.h"
+#include "tests/support/sessions_fixture.h"
 #include "ui/common/album_files.h"
 #include "ui/common/desktop.h"
-#include "ui/common/page_host.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -25,30 +21,6 @@ public:
     QString chooseFolder(QWidget *, const QString &, const QString &) override { return {}; }
 
     QStringList sounds;
-};
-
-/// Keeps which pages are asked for.
-class RecordingHost : public PageHost
-{
-public:
-    RecordingHost() { setPageHost(this); }
-    ~RecordingHost() override { setPageHost(nullptr); }
-
-    QWidget *dialogParent() override { return parent; }
-    void leavePages() override { pages << QStringLiteral("leave"); }
-    void showCameraMgr() override { pages << QStringLiteral("manager"); }
-    void showSearchCameraList() override { pages << QStringLiteral("search"); }
-    void playCamera(CCamera *) override { pages << QStringLiteral("play"); }
-    void showMultiLive() override { pages << QStringLiteral("multi"); }
-    void showPhotoMgr() override { pages << QStringLiteral("photos"); }
-    void backToPhotoMgr() override { pages << QStringLiteral("back to photos"); }
-    void showPhoto(TileList *, CPhotoMgrItemForm *) override { pages << QStringLiteral("photo"); }
-    void showVideoMgr() override { pages << QStringLiteral("videos"); }
-    void backToVideoMgr() override { pages << QStringLiteral("back to videos"); }
-    void playVideo(TileList *, CPhotoMgrItemForm *) override { pages << QStringLiteral("video"); }
-
-    QWidget *parent = nullptr;
-    QStringList pages;
 };
 
 /// Debug lines as they are written while this lives.
@@ -74,40 +46,18 @@ private:
     QtMessageHandler m_before;
 };
 
-/// Registered cameras with their sessions over the scripted library, a standing clock, and the
-/// recording desktop and host.
-class LiveFixture
+/// Cameras whose scripted library the test drives, a standing clock, and the recording desktop.
+class LiveFixture : public SessionsFixture
 {
 public:
     static constexpr int Deadline = 20000; // ms
 
-    LiveFixture()
-    {
-        fake_cammgr::reset();
-        CameraSettings::instance().load();
-        // The document folder of a test is the one of its home only where the system says so.
-        CameraSettings::instance().setAlbumPath(m_home.path() + QStringLiteral("/Album"));
-    }
-
-    /// Ends the sessions. Form and dialogs must be gone.
+    /// The sessions end while the library's breaches are still known.
     ~LiveFixture()
     {
-        CCameraList::instance().closing();
-        CCameraList::instance().destroyAll();
+        endSessions();
         for (const std::string &breach : fake_cammgr::breaches())
             QFAIL(breach.c_str());
-    }
-
-    /// Registers cameras named "Camera A" and so on, with these host names.
-    void addCameras(const QStringList &hostnames, bool multiLive = true)
-    {
-        CameraSettings &settings = CameraSettings::instance();
-        for (const QString &hostname : hostnames) {
-            settings.addRecord(CAMERA_TYPE_P2P, hostname, QStringLiteral("admin"),
-                               QStringLiteral("secret"), QStringLiteral("Camera ") + hostname,
-                               multiLive);
-        }
-        CCameraList::instance().startSessions(settings);
     }
 
     static CCamera *camera(int index = 0) { return CCameraList::instance().at(index); }
@@ -186,7 +136,6 @@ public:
 
     QDateTime now{QDate(2024, 3, 5), QTime(7, 8, 9)};
     RecordingDesktop desktop;
-    RecordingHost host;
 
 private:
     static void answer(int index, const std::function<void()> &answerProbe)
@@ -196,6 +145,4 @@ private:
         QTRY_VERIFY_WITH_TIMEOUT(!reports.isEmpty(), Deadline);
         QCoreApplication::sendPostedEvents();
     }
-
-    SettingsHome m_home;
 };

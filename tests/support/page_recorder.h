@@ -1,0 +1,41 @@
+#pragma once
+
+#include "ui/common/page_host.h"
+
+#include <QStringList>
+
+/// Stands for the main window and keeps what the pages ask it for.
+class PageRecorder : public PageHost
+{
+public:
+    PageRecorder() { setPageHost(this); }
+    ~PageRecorder() override { setPageHost(nullptr); }
+
+    QWidget *dialogParent() override { return parent; }
+    void leavePages() override { pages << QStringLiteral("leave"); }
+    void showCameraMgr() override { pages << QStringLiteral("manager"); }
+    void showSearchCameraList() override { pages << QStringLiteral("search"); }
+    void playCamera(CCamera *) override { pages << QStringLiteral("play"); }
+    void showMultiLive() override { pages << QStringLiteral("multi"); }
+    void showPhotoMgr() override { pages << QStringLiteral("photos"); }
+    void backToPhotoMgr() override { pages << QStringLiteral("back to photos"); }
+    void showPhoto(TileList *tiles, CPhotoMgrItemForm *tile) override
+    {
+        pages << QStringLiteral("photo");
+        list = tiles;
+        current = tile;
+    }
+    void showVideoMgr() override { pages << QStringLiteral("videos"); }
+    void backToVideoMgr() override { pages << QStringLiteral("back to videos"); }
+    void playVideo(TileList *tiles, CPhotoMgrItemForm *tile) override
+    {
+        pages << QStringLiteral("video");
+        list = tiles;
+        current = tile;
+    }
+
+    QWidget *parent = nullptr;
+    QStringList pages;                    ///< in the order in which they were asked for
+    TileList *list = nullptr;             ///< of the last photo or recording
+    CPhotoMgrItemForm *current = nullptr; ///< the last photo or recording
+};
