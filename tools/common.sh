@@ -77,7 +77,7 @@ start_virtual_display() {
     local number_file number tries
     command -v Xvfb >/dev/null && command -v openbox >/dev/null || ensure_packages display
     number_file=$(mktemp)
-    Xvfb -displayfd 3 -screen 0 "${1}x24" -nolisten tcp 3>"$number_file" >/dev/null 2>&1 &
+    Xvfb -displayfd 3 -screen 0 "${1}x24" -dpi 96 -nolisten tcp 3>"$number_file" >/dev/null 2>&1 &
     started+=($!)
     for ((tries = 0; tries < 100; tries++)); do
         [ -s "$number_file" ] && break
