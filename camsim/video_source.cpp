@@ -77,6 +77,7 @@ LiveVideo::LiveVideo(Ticker &ticker, const VideoSettings &settings, PictureSetti
 LiveVideo::~LiveVideo()
 {
     stop();
+    m_encoder.reset(); // before what its thread writes to
 }
 
 void LiveVideo::forceKeyFrame()

@@ -124,7 +124,16 @@ function(zelvaro_plain_library name)
   endif()
 endfunction()
 
+# The target tests_LABEL builds what the tests of that label run.
+function(zelvaro_needed_by_tests label)
+  if(NOT TARGET tests_${label})
+    add_custom_target(tests_${label})
+  endif()
+  add_dependencies(tests_${label} ${ARGN})
+endfunction()
+
 function(zelvaro_register_test name label timeout)
+  zelvaro_needed_by_tests(${label} ${name})
   if(ZELVARO_SANITIZE MATCHES "thread") # which makes everything several times slower
     math(EXPR timeout "3 * ${timeout}")
   endif()
