@@ -35,6 +35,15 @@ std::string base64(const std::string &text)
 
 } // namespace
 
+long Outcome::linesStartingWith(const std::string &start) const
+{
+    std::istringstream text(output);
+    long count = 0;
+    for (std::string line; std::getline(text, line);)
+        count += line.starts_with(start) ? 1 : 0;
+    return count;
+}
+
 Outcome run(const std::string &command)
 {
     Outcome outcome;

@@ -13,6 +13,8 @@ struct Outcome
     std::string output;
 
     bool has(const std::string &text) const { return output.find(text) != std::string::npos; }
+    /// The lines of the output that begin so.
+    long linesStartingWith(const std::string &start) const;
 };
 
 /// Runs a shell command; it is ended after 60 s.

@@ -99,7 +99,8 @@ TEST_F(Faults, GarbageReplacesThePictureAndNotTheHeaders)
     EXPECT_TRUE(m_client.receivesData(20'000));
     const Outcome outcome = run("ffmpeg -v error -rtsp_transport tcp -analyzeduration 1000000 -i " +
                                 url() + " -t 2 -an -f framehash -");
-    EXPECT_FALSE(outcome.has("\n0, ")) << outcome.output;
+    // Random bytes may happen to look like a picture; 30 pictures in 2 s would be the camera's.
+    EXPECT_LT(outcome.linesStartingWith("0, "), 10) << outcome.output;
     EXPECT_TRUE(m_camsim.tell(0, "garbage off"));
     EXPECT_EQ(run("ffmpeg -v error -rtsp_transport tcp -i " + url() + " -frames:v 5 -an -f null -")
                   .exitCode,
