@@ -7,6 +7,7 @@
 
 #include "app/main_form.h"
 #include "app/program.h"
+#include "bench/event_wait.h"
 #include "bench/gui_watch.h"
 #include "ui/album/photo_mgr_form.h"
 #include "ui/album/photo_mgr_frame.h"
@@ -15,7 +16,6 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
-#include <QEventLoop>
 #include <QFileSystemModel>
 #include <QImageReader>
 #include <QListView>
@@ -38,6 +38,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
+using bench::wait;
 
 constexpr QSize kPhotoSize(1920, 1080);
 constexpr QSize kThumbnail(188, 141);
@@ -101,21 +102,6 @@ int fill(const QString &folder, int count)
 
 // --- what both programs are asked ----------------------------------------------------------------
 
-/// Runs the event loop for so long, or until something holds.
-bool wait(std::chrono::milliseconds duration, const std::function<bool()> &until = {})
-{
-    QEventLoop loop;
-    QTimer::singleShot(duration, &loop, [&loop] { loop.exit(1); });
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (until && until())
-            loop.exit(0);
-    });
-    if (until)
-        look.start(1ms);
-    return loop.exec() == 0;
-}
-
 /// Tells that the view has been painted with files in it, and its thread was free again.
 class FirstUse : public QObject
 {
@@ -169,12 +155,13 @@ void measure(const Page &page)
         return std::chrono::duration<double, std::milli>(Clock::now() - asked).count();
     };
     page.click();
-    if (wait(kDeadline, [&use] { return use.isReady(); }))
+    if (wait(
+            kDeadline, [&use] { return use.isReady(); }, 1ms))
         tell("usable", sinceClick());
     const bench::Block opening = watch.takeLongest();
     tell("open.block", opening.waited);
     tell("open.computed", opening.computed);
-    if (wait(kDeadline, page.isFilled))
+    if (wait(kDeadline, page.isFilled, 1ms))
         tell("filled", sinceClick());
     tell("fill.block", watch.takeLongest().waited);
     tell("opened", 1);
@@ -186,7 +173,7 @@ void measure(const Page &page)
     page.bar->setValue(page.bar->maximum());
     wait(kRest);
     tell("scroll.block", watch.takeLongest().waited);
-    if (wait(kDeadline, page.isFilled))
+    if (wait(kDeadline, page.isFilled, 1ms))
         tell("scrolled", 1);
     wait(kRest);
 }

@@ -5,13 +5,13 @@
 
 #include "app/main_form.h"
 #include "app/program.h"
+#include "bench/event_wait.h"
 #include "bench/gui_watch.h"
 #include "camera/camera.h"
 #include "settings/camera_list.h"
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QEventLoop>
 #include <QMainWindow>
 #include <QScreen>
 #include <QTimer>
@@ -26,6 +26,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
+using bench::wait;
 
 constexpr auto kStartWatched = 10s;
 constexpr auto kCostMeasured = 10s;
@@ -78,21 +79,6 @@ public:
         return false;
     }
 };
-
-/// Runs the event loop for so long, or until something holds.
-bool wait(std::chrono::milliseconds duration, const std::function<bool()> &until = {})
-{
-    QEventLoop loop;
-    QTimer::singleShot(duration, &loop, [&loop] { loop.exit(1); });
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
-        if (until && until())
-            loop.exit(0);
-    });
-    if (until)
-        look.start(5ms);
-    return loop.exec() == 0;
-}
 
 bool allCameras(const std::function<bool(const CCamera &)> &hold)
 {

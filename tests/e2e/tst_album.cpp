@@ -1,6 +1,7 @@
 #include "app/main_form.h"
 #include "app/message_box.h"
 #include "tests/e2e/program_run.h"
+#include "tests/e2e/screen.h"
 #include "tests/support/modal_script.h"
 #include "ui/album/click_video_player.h"
 #include "ui/album/photo_frame.h"
@@ -55,18 +56,9 @@ double likeness(const QImage &a, const QImage &b)
     return double(alike) / (Raster.width() * Raster.height());
 }
 
-/// What stands on the screen where the widget is.
-QImage onScreen(const QWidget *widget)
-{
-    const QPoint corner = widget->mapToGlobal(QPoint(0, 0));
-    return widget->screen()
-        ->grabWindow(0, corner.x(), corner.y(), widget->width(), widget->height())
-        .toImage();
-}
-
 bool shows(const QWidget *widget, const QString &pictureFile)
 {
-    return likeness(onScreen(widget), QImage(pictureFile)) > 0.9;
+    return likeness(pictureOnScreen(*widget), QImage(pictureFile)) > 0.9;
 }
 
 } // namespace
@@ -436,14 +428,14 @@ void TestAlbum::seek()
         return QPoint(Margin + int(share * (slider->width() - 2 * Margin)), slider->height() / 2);
     };
     const double before = double(media()->currentTime()) / media()->totalTime();
-    const QImage picture = onScreen(videoSurface());
+    const QImage picture = pictureOnScreen(*videoSurface());
     const double target = before < 0.5 ? 0.8 : 0.1;
     settledInput().drag(slider, handleAt(before), handleAt(target));
     QTRY_VERIFY2_WITH_TIMEOUT(
         qAbs(double(media()->currentTime()) / media()->totalTime() - target) < 0.15,
         qPrintable(QString("%1 of %2 ms").arg(media()->currentTime()).arg(media()->totalTime())),
         kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(onScreen(videoSurface()) != picture, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(pictureOnScreen(*videoSurface()) != picture, kPatience);
     click(player(), "btnPlay");
     QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Pause"), kPatience);
     // At the end the same button starts again.
