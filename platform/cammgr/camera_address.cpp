@@ -1,6 +1,5 @@
 #include "platform/cammgr/camera_address.h"
 
-#include "platform/cammgr/client_text.h"
 #include "platform/cammgr/glib_ptr.h"
 
 #include <gio/gio.h>
@@ -142,7 +141,7 @@ bool hasUidCharacters(std::string_view text)
 CameraAddress parseUrl(const std::string &text)
 {
     CameraAddress address;
-    if (text.size() > maxText || !isOneWord(text))
+    if (text.size() > maxText || !hasNoWhitespace(text))
         return address;
     const auto scheme = std::find_if(schemes.begin(), schemes.end(), [&](const Scheme &candidate) {
         return startsWithNoCase(text, candidate.prefix);
@@ -179,7 +178,7 @@ CameraAddress parseCameraAddress(const std::string &text)
 {
     const std::string word(trimmed(text));
     CameraAddress address;
-    if (word.empty() || word.size() > maxText || !isOneWord(word))
+    if (word.empty() || word.size() > maxText || !hasNoWhitespace(word))
         return address;
     if (startsWithNoCase(word, "rtsp://") || startsWithNoCase(word, "rtsps://"))
         return parseUrl(word);
@@ -205,6 +204,14 @@ std::string rtspOrigin(const Endpoint &endpoint)
     if (endpoint.port != (endpoint.tls ? rtspsPort : rtspPort))
         origin += ':' + std::to_string(endpoint.port);
     return origin;
+}
+
+bool hasNoWhitespace(const std::string &text)
+{
+    return std::none_of(text.begin(), text.end(), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte <= 0x20 || byte == 0x7f;
+    });
 }
 
 } // namespace cammgr

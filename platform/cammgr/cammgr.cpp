@@ -1,6 +1,5 @@
 #include "platform/cammgr/cammgr.h"
 
-#include "platform/cammgr/client_text.h"
 #include "platform/cammgr/io_thread.h"
 #include "platform/cammgr/player.h"
 
@@ -12,10 +11,9 @@
 #include <map>
 #include <thread>
 
+using cammgr::hasNoWhitespace;
 using cammgr::IoThread;
-using cammgr::isOneWord;
 using cammgr::LiveStream;
-using cammgr::utf8Text;
 
 namespace {
 
@@ -92,7 +90,18 @@ int ask(RtspPlayer *handle, Result (LiveStream::*question)() const)
     });
 }
 
+/// A text of the client; what is not UTF-8 counts as empty.
+std::string utf8OrEmpty(const char *text)
+{
+    return text && g_utf8_validate(text, -1, nullptr) ? text : std::string();
+}
+
 } // namespace
+
+int cammgr_takes_utf8(void)
+{
+    return 1;
+}
 
 RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username, const char *password,
                               RtspPlayerCallback callback, void *context)
@@ -100,9 +109,9 @@ RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username, const 
     if (!hostname)
         return nullptr;
     return guarded<RtspPlayer *>(nullptr, [&] {
-        cammgr::SessionInfo info{.address = cammgr::parseCameraAddress(utf8Text(hostname)),
-                                 .username = utf8Text(username),
-                                 .password = utf8Text(password),
+        cammgr::SessionInfo info{.address = cammgr::parseCameraAddress(utf8OrEmpty(hostname)),
+                                 .username = utf8OrEmpty(username),
+                                 .password = utf8OrEmpty(password),
                                  .callback = callback,
                                  .context = context};
         if (info.username.empty() && info.password.empty()) {
@@ -137,8 +146,8 @@ int RtspPlayer_GetMode(RtspPlayer *player)
 int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_t native_window)
 {
     return with(player, failure, [&](RtspPlayer &p) {
-        const std::string text = utf8Text(path);
-        if (text.empty() || text.front() != '/' || text.size() > maxPath || !isOneWord(text))
+        const std::string text = utf8OrEmpty(path);
+        if (text.empty() || text.front() != '/' || text.size() > maxPath || !hasNoWhitespace(text))
             return failure;
         return p.setup(text, native_window);
     });
@@ -214,7 +223,7 @@ int RtspPlayer_SetVolume(RtspPlayer *player, int volume)
 int RtspPlayer_Snapshot(RtspPlayer *player, const char *path)
 {
     return with(player, failure, [&](RtspPlayer &p) {
-        const std::string file = utf8Text(path);
+        const std::string file = utf8OrEmpty(path);
         if (file.empty())
             return failure;
         return p.withStream([&](LiveStream &stream) { return stream.snapshot(file); });
@@ -224,7 +233,7 @@ int RtspPlayer_Snapshot(RtspPlayer *player, const char *path)
 int RtspPlayer_BeginWriting(RtspPlayer *player, const char *base_path, int limit)
 {
     return with(player, failure, [&](RtspPlayer &p) {
-        const std::string base = utf8Text(base_path);
+        const std::string base = utf8OrEmpty(base_path);
         if (base.empty() || limit < 0)
             return failure;
         return p.withStream([&](LiveStream &stream) { return stream.beginWriting(base, limit); });

@@ -14,8 +14,13 @@
  * Results: 0 or positive for success, negative for failure, where nothing else is said. A call with
  * a handle that is null or was deleted does nothing: it returns a negative number, or 0 where the
  * result is an answer (RtspPlayer_GetMode: 1).
- * Texts are NUL-terminated; the library copies what it keeps. What is not valid UTF-8 is taken as
- * Latin-1.
+ *
+ * Texts are NUL-terminated; the library copies what it keeps. Host names, user names, passwords and
+ * file paths are UTF-8 for a library that says so by cammgr_takes_utf8(), and Latin-1 for a library
+ * that lacks that function or answers 0; a client looks it up at run time. Stream paths and command
+ * requests are ASCII, where credentials inside a request are base64 of UTF-8. Command replies are
+ * the bytes of the camera: ASCII keys, and values that are usually UTF-8. This library takes UTF-8;
+ * a text that is none counts as empty.
  */
 #ifndef ZELVARO_CAMMGR_H
 #define ZELVARO_CAMMGR_H
@@ -31,6 +36,9 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* Whether texts are UTF-8: 1. Optional, see above. Any thread. */
+CAMMGR_API int cammgr_takes_utf8(void);
 
 /* Opaque: one session with one camera. */
 typedef struct RtspPlayer RtspPlayer;

@@ -1,6 +1,7 @@
 # Fails unless each library exports exactly the functions that a C header declares.
-# cmake -DHEADER=file -DNM=nm -DLIBRARIES=a.so,b.so -P check_interface.cmake
-# Names that are no C names of the header's families, such as those of templates, do not count.
+# cmake -DHEADER=file -DNM=nm -DSEALED=a.so -DLIBRARIES=a.so,b.so -P check_interface.cmake
+# Names that are no C names of the header's families, such as those of templates, do not count, save
+# in the library that is SEALED: it exports nothing else.
 cmake_minimum_required(VERSION 3.25)
 file(READ "${HEADER}" text)
 string(REGEX MATCHALL "\n[A-Z]+_API [^(]*\\(" declarations "${text}")
@@ -32,5 +33,16 @@ foreach(library IN LISTS LIBRARIES)
     message(SEND_ERROR "${library}: missing \"${missing}\", not in the header \"${foreign}\"")
   else()
     message(STATUS "${library}: all ${count} functions")
+  endif()
+  if(library STREQUAL SEALED)
+    string(REGEX MATCHALL "(^|\n)[^ \n]+ [A-Za-z]" names "${symbols}")
+    list(TRANSFORM names REPLACE "\n| .*" "")
+    list(REMOVE_ITEM names ${declared})
+    if(names)
+      list(LENGTH names strangers)
+      list(GET names 0 first)
+      message(SEND_ERROR "${library}: exports ${strangers} names that are not in the header, "
+        "the first is ${first}")
+    endif()
   endif()
 endforeach()

@@ -129,6 +129,7 @@ void reset()
     const std::lock_guard lock(library().mutex);
     library().players.clear();
     library().defaults = {};
+    library().takesUtf8 = 1;
     library().failures = 0;
     library().calls.clear();
     library().breaches.clear();
@@ -138,6 +139,12 @@ void setDefaults(const Script &script)
 {
     const std::lock_guard lock(library().mutex);
     library().defaults = script;
+}
+
+void setTakesUtf8(int answer)
+{
+    const std::lock_guard lock(library().mutex);
+    library().takesUtf8 = answer;
 }
 
 void failCreate(int times)

@@ -113,6 +113,8 @@ void reset();
 
 /// What players made from now on start with.
 void setDefaults(const Script &script);
+/// What cammgr_takes_utf8 answers until reset(); 1 at first.
+void setTakesUtf8(int answer);
 /// The next `times` calls of RtspPlayer_Create give NULL.
 void failCreate(int times = 1);
 

@@ -95,6 +95,12 @@ std::string snapshotBytes(const Script &script)
 
 } // namespace
 
+int cammgr_takes_utf8(void)
+{
+    const std::lock_guard lock(library().mutex);
+    return library().takesUtf8;
+}
+
 RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username, const char *password,
                               RtspPlayerCallback callback, void *context)
 {

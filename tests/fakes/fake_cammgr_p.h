@@ -66,6 +66,7 @@ struct Library
     std::mutex mutex; ///< protects all below and the players' fields
     std::vector<std::shared_ptr<RtspPlayer>> players;
     Script defaults;
+    int takesUtf8 = 1;
     int failures = 0;
     std::vector<Call> calls;
     std::vector<std::string> breaches;

@@ -4,6 +4,7 @@
 
 using cammgr::CameraAddress;
 using cammgr::Endpoint;
+using cammgr::hasNoWhitespace;
 using cammgr::parseCameraAddress;
 using cammgr::parseUrl;
 using cammgr::rtspOrigin;
@@ -143,6 +144,14 @@ TEST(CameraAddress, WritesTheOriginOfAStream)
     EXPECT_EQ(rtspOrigin({.host = "::1", .port = 554, .tls = false}), "rtsp://[::1]");
     EXPECT_EQ(rtspOrigin({.host = "cam.lan", .port = 322, .tls = true}), "rtsps://cam.lan");
     EXPECT_EQ(rtspOrigin({.host = "cam.lan", .port = 554, .tls = true}), "rtsps://cam.lan:554");
+}
+
+TEST(CameraAddress, ARequestLineTakesNoBlanksAndNoControlCharacters)
+{
+    EXPECT_TRUE(hasNoWhitespace("/live/0/h264.sdp?x=\xc3\xbc"));
+    for (const char *text : {"a b", "a\r\nb", "\t", "a\x7f", "\x01"})
+        EXPECT_FALSE(hasNoWhitespace(text));
+    EXPECT_FALSE(hasNoWhitespace(std::string("a\0b", 3)));
 }
 
 } // namespace

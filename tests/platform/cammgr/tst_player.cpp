@@ -3,6 +3,7 @@
 #include "tests/platform/cammgr/player_messages.h"
 #include "tests/platform/cammgr/tiny_server.h"
 
+#include <glib.h>
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
@@ -337,6 +338,62 @@ TEST(Player, ManyDeadCamerasShareOneThreadAndCostLittle)
     EXPECT_LT(spent, 1500ms);
     for (RtspPlayer *player : players)
         EXPECT_EQ(RtspPlayer_DeleteSync(player), 0);
+}
+
+/// The user names and passwords of all Basic logins that a camera got.
+std::vector<std::string> basicLogins(const TinyServer &camera)
+{
+    const std::string head = "Authorization: Basic ";
+    std::vector<std::string> logins;
+    for (const std::string &request : camera.requests()) {
+        const size_t begin = request.find(head);
+        if (begin == std::string::npos)
+            continue;
+        const size_t from = begin + head.size();
+        gsize size = 0;
+        const std::string encoded = request.substr(from, request.find("\r\n", from) - from);
+        guchar *text = g_base64_decode(encoded.c_str(), &size);
+        logins.emplace_back(reinterpret_cast<char *>(text), size);
+        g_free(text);
+    }
+    return logins;
+}
+
+void demandBasic(Connection &camera)
+{
+    while (!camera.readRequest().empty())
+        camera.write("RTSP/1.0 401 Unauthorized\r\n"
+                     "WWW-Authenticate: Basic realm=\"c\"\r\n\r\n");
+}
+
+TEST(Player, TextsAreUtf8AndNotGuessed)
+{
+    EXPECT_EQ(cammgr_takes_utf8(), 1);
+    // Both are valid UTF-8; the second would be "é" if it were taken for Latin-1 in disguise.
+    for (const std::string name : {"J\xc3\xbcrgen", "\xc3\x83\xc2\xa9"}) {
+        TinyServer server(demandBasic);
+        PlayerMessages messages;
+        RtspPlayer *player =
+            RtspPlayer_Create(server.address().c_str(), name.c_str(), "p\xe2\x82\xac",
+                              &PlayerMessages::callback, &messages);
+        RtspPlayer_TickAlive(player);
+        ASSERT_TRUE(messages.next());
+        EXPECT_EQ(basicLogins(server), std::vector{name + ":p\xe2\x82\xac"});
+        RtspPlayer_DeleteSync(player);
+    }
+}
+
+TEST(Player, ATextThatIsNotUtf8CountsAsEmpty)
+{
+    TinyServer server(demandBasic);
+    PlayerMessages messages;
+    RtspPlayer *player = RtspPlayer_Create(server.address().c_str(), "J\xfcrgen", "secret",
+                                           &PlayerMessages::callback, &messages);
+    RtspPlayer_TickAlive(player);
+    ASSERT_TRUE(messages.next());
+    EXPECT_EQ(basicLogins(server), std::vector<std::string>{":secret"});
+    EXPECT_LT(RtspPlayer_SetupP2PliveStream(player, "/caf\xe9", 0), 0);
+    RtspPlayer_DeleteSync(player);
 }
 
 } // namespace
