@@ -1,5 +1,6 @@
 #include "tests/gallery/checks.h"
 #include "tests/gallery/controls.h"
+#include "tests/support/tool_tip_text.h"
 #include "ui/common/elided_label.h"
 
 #include <QAbstractButton>
@@ -39,7 +40,7 @@ bool tellsWholeText(QLabel &label)
     QApplication::sendEvent(&label, &event);
     const QString tip = QToolTip::text();
     QToolTip::hideText();
-    return tip.contains(label.text()) || tip.contains(label.text().toHtmlEscaped());
+    return shownByToolTip(tip).contains(label.text());
 }
 
 QString clippedLabel(QLabel &label)

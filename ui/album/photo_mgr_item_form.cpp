@@ -3,6 +3,7 @@
 #include "ui/album/sheet_picture.h"
 #include "ui/common/album_files.h"
 #include "ui/common/style_url.h"
+#include "ui/common/tool_tip.h"
 #include "ui_photo_mgr_item_form.h"
 
 namespace {
@@ -44,7 +45,7 @@ void CPhotoMgrItemForm::setItem(const QString &fileName, const QString &fullPath
     m_fileName = fileName;
     m_fullPath = fullPath;
     setAccessibleName(fileName);
-    setToolTip(fileName);
+    setToolTip(zelvaro::plainToolTip(fileName));
     if (m_ui)
         m_ui->labelPhotoName->setText(fileName);
 }

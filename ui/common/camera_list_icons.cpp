@@ -1,5 +1,7 @@
 #include "ui/common/camera_list_icons.h"
 
+#include "ui/common/tool_tip.h"
+
 #include <QIcon>
 
 namespace zelvaro {
@@ -16,7 +18,7 @@ QIcon plainIcon()
 QStandardItem *makeCameraListItem(const QString &text, const QVariant &pointer)
 {
     auto *item = new QStandardItem(plainIcon(), text);
-    item->setToolTip(text.toHtmlEscaped()); // a list may be too narrow for it
+    item->setToolTip(plainToolTip(text)); // a list may be too narrow for it
     item->setData(pointer, kCameraListPointerRole);
     return item;
 }

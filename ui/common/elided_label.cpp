@@ -1,5 +1,7 @@
 #include "ui/common/elided_label.h"
 
+#include "ui/common/tool_tip.h"
+
 #include <QHelpEvent>
 #include <QStyle>
 #include <QStyleOption>
@@ -24,7 +26,7 @@ bool ElidedLabel::event(QEvent *event)
     const bool isCut = fontMetrics().horizontalAdvance(text()) > contentsRect().width();
     if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || !isCut)
         return QLabel::event(event);
-    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), text().toHtmlEscaped(), this);
+    QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), plainToolTip(text()), this);
     return true;
 }
 

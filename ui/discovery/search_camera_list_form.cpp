@@ -5,6 +5,7 @@
 #include "ui/common/busy_dialog.h"
 #include "ui/common/camera_list_icons.h"
 #include "ui/common/desktop.h"
+#include "ui/common/tool_tip.h"
 #include "ui/discovery/camera_set_up.h"
 #include "ui_search_camera_list_form.h"
 
@@ -103,7 +104,7 @@ void CSearchCameraListForm::appendRow(ndcp_device *record)
         auto *item = new QStandardItem(text);
         item->setTextAlignment(Qt::AlignCenter);
         // The columns share the width, so that a long text may be cut.
-        item->setToolTip(text);
+        item->setToolTip(zelvaro::plainToolTip(text));
         row.append(item);
     }
     row.first()->setData(QVariant::fromValue(record), zelvaro::kCameraListPointerRole);

@@ -3,6 +3,7 @@
 #include "camera/camera.h"
 #include "settings/camera_settings.h"
 #include "ui/common/status_text.h"
+#include "ui/common/tool_tip.h"
 #include "ui/live/video_frame.h"
 
 #include <QLabel>
@@ -257,7 +258,7 @@ void LiveView::showStatusText(const QString &text)
 {
     m_widgets.status->setText(text);
     // A picture may be smaller than its status.
-    m_widgets.status->setToolTip(text);
+    m_widgets.status->setToolTip(plainToolTip(text));
 }
 
 QSize LiveView::streamSize() const

@@ -3,6 +3,7 @@
 #include "camera/camera.h"
 #include "settings/camera_record.h"
 #include "ui/common/style_url.h"
+#include "ui/common/tool_tip.h"
 #include "ui_select_camera_item_form.h"
 
 #include <QKeyEvent>
@@ -29,7 +30,7 @@ void CSelectCameraItemForm::setCamera(CCamera *camera)
 {
     m_camera = camera;
     m_ui->labelCameraName->setText(camera->name());
-    m_ui->labelCameraName->setToolTip(camera->name());
+    m_ui->labelCameraName->setToolTip(zelvaro::plainToolTip(camera->name()));
     setAccessibleName(camera->name());
     if (camera->has_thumb()) {
         m_ui->frameClient->setStyleSheet(QStringLiteral("QFrame#frameClient{border-image:url(%1);}")

@@ -3,6 +3,7 @@
 #include "camera/camera.h"
 #include "settings/developer_check.h"
 #include "ui/common/style_url.h"
+#include "ui/common/tool_tip.h"
 #include "ui_camera_mgr_item_form.h"
 
 #include <QApplication>
@@ -159,9 +160,9 @@ void CCameraMgrItemForm::slotCameraThumbChanged()
 void CCameraMgrItemForm::showTexts()
 {
     m_ui->labelUid->setText(m_camera->hostname());
-    m_ui->labelUid->setToolTip(m_camera->hostname().toHtmlEscaped());
+    m_ui->labelUid->setToolTip(zelvaro::plainToolTip(m_camera->hostname()));
     m_ui->labelCameraName->setText(m_camera->name());
-    m_ui->labelCameraName->setToolTip(m_camera->name().toHtmlEscaped());
+    m_ui->labelCameraName->setToolTip(zelvaro::plainToolTip(m_camera->name()));
     setAccessibleName(m_camera->name().isEmpty() ? m_camera->hostname() : m_camera->name());
 }
 

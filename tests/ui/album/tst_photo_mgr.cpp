@@ -2,6 +2,7 @@
 #include "camera/camera.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
+#include "tests/support/tool_tip_text.h"
 #include "tests/ui/album/album_fixture.h"
 #include "ui/album/photo_mgr_form.h"
 #include "ui/album/photo_mgr_frame.h"
@@ -504,6 +505,7 @@ void tst_PhotoMgr::theTileHasItsNamesAndTexts()
     QCOMPARE(tile.findChild<QLabel *>("labelPhotoName")->text(), QString());
     tile.setItem("<b>a</b>.jpg", "/x/<b>a</b>.jpg");
     QCOMPARE(tile.findChild<QLabel *>("labelPhotoName")->text(), QString("<b>a</b>.jpg"));
+    QCOMPARE(shownByToolTip(tile.toolTip()), QString("<b>a</b>.jpg"));
     QCOMPARE(tile.fileName(), QString("<b>a</b>.jpg"));
     QCOMPARE(tile.fullPath(), QString("/x/<b>a</b>.jpg"));
     for (const char *name : {"framePhotoItemBk", "framePhotoItem", "frameBottom"})

@@ -1,5 +1,7 @@
 #include "ui/common/elided_label.h"
 
+#include "tests/support/tool_tip_text.h"
+
 #include <QHelpEvent>
 #include <QToolTip>
 #include <QtTest>
@@ -84,13 +86,13 @@ void tst_ElidedLabel::tellsTheWholeTextWhereItDoesNotFit()
         QHelpEvent event(QEvent::ToolTip, label.rect().center(),
                          label.mapToGlobal(label.rect().center()));
         QApplication::sendEvent(&label, &event);
-        return QToolTip::isVisible() ? QToolTip::text() : QString();
+        return QToolTip::isVisible() ? shownByToolTip(QToolTip::text()) : QString();
     };
     ElidedLabel label;
-    label.setText(QStringLiteral("A camera <with> a long name"));
+    label.setText(QStringLiteral("A camera <with> a name & more"));
     label.resize(60, 20);
     label.show();
-    QCOMPARE(tipAt(label), QStringLiteral("A camera &lt;with&gt; a long name"));
+    QCOMPARE(tipAt(label), QStringLiteral("A camera <with> a name & more"));
     label.resize(400, 20);
     QCOMPARE(tipAt(label), QString());
     label.resize(60, 20);

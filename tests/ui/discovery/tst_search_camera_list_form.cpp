@@ -1,6 +1,7 @@
 #include "app/message_box.h"
 #include "tests/fakes/fake_ndcp.h"
 #include "tests/support/modal_script.h"
+#include "tests/support/tool_tip_text.h"
 #include "ui/common/busy_dialog.h"
 #include "ui/common/desktop.h"
 #include "ui/discovery/camera_set_up.h"
@@ -153,7 +154,7 @@ void TestSearchCameraListForm::rowShowsTheRecord()
 {
     ndcp_device device = fake_ndcp::device("uid-1", "Door", 0xC0A80114, 8080);
     std::strcpy(device.model, "NC-100");
-    std::strcpy(device.location, "House");
+    std::strcpy(device.location, "House & <b>Yard</b>");
     const uint8_t mac[6] = {0x00, 0x1A, 0x2B, 0x3C, 0x4D, 0x5E};
     std::memcpy(device.mac, mac, sizeof mac);
     QTest::ignoreMessage(QtDebugMsg, "CSearchCameraListForm::ndcpEvent()\r\n");
@@ -163,8 +164,10 @@ void TestSearchCameraListForm::rowShowsTheRecord()
         row += cell(0, column);
         QCOMPARE(table()->model()->index(0, column).data(Qt::TextAlignmentRole).toInt(),
                  int(Qt::AlignCenter));
+        const QString tip = table()->model()->index(0, column).data(Qt::ToolTipRole).toString();
+        QCOMPARE(shownByToolTip(tip), cell(0, column));
     }
-    QCOMPARE(row, QStringList({"NC-100", "Door", "House", "192.168.1.20", "8080",
+    QCOMPARE(row, QStringList({"NC-100", "Door", "House & <b>Yard</b>", "192.168.1.20", "8080",
                                "00:1A:2B:3C:4D:5E", "uid-1"}));
 }
 

@@ -1,4 +1,5 @@
 #include "camera/camera.h"
+#include "tests/support/tool_tip_text.h"
 #include "tests/ui/manager/manager_fixture.h"
 #include "ui/common/style_url.h"
 #include "ui/manager/camera_mgr_item_form.h"
@@ -103,7 +104,7 @@ void CameraMgrItemFormTest::showsUidAndName()
 void CameraMgrItemFormTest::oddTextsAreShownAsTheyAre()
 {
     CameraRecord record;
-    record.hostname = "rtsp://10.0.0.1/a/b?c=<d>";
+    record.hostname = "rtsp://10.0.0.1/a/b?c=<d>&e=1";
     record.name = "<b>Häuschen</b> & \"Tür\"";
     CCamera session;
     session.set_info(&record);
@@ -111,6 +112,8 @@ void CameraMgrItemFormTest::oddTextsAreShownAsTheyAre()
     QCOMPARE(text("labelUid"), record.hostname);
     QCOMPARE(text("labelCameraName"), record.name);
     QCOMPARE(find<QLabel>("labelCameraName")->textFormat(), Qt::PlainText);
+    QCOMPARE(shownByToolTip(find<QLabel>("labelUid")->toolTip()), record.hostname);
+    QCOMPARE(shownByToolTip(find<QLabel>("labelCameraName")->toolTip()), record.name);
     m_tile->setCamera(nullptr);
 }
 
