@@ -1,6 +1,7 @@
 #include "camera/camera_core.h"
 
 #include "camera/command_channel.h"
+#include "camera/library_text.h"
 #include "camera/session_registry.h"
 #include "camera/wait_events.h"
 #include "settings/camera_record.h"
@@ -25,12 +26,9 @@ bool check(bool ok, const char *condition)
     return zelvaro::developerCheck(ok, condition, "Camera");
 }
 
-/// The library takes Latin-1. A text that Latin-1 cannot express would arrive as question marks;
-/// it goes as UTF-8, which no Latin-1 text of a human language looks like.
 QByteArray libraryText(const QString &text)
 {
-    const QByteArray latin1 = text.toLatin1();
-    return QString::fromLatin1(latin1) == text ? latin1 : text.toUtf8();
+    return zelvaro::libraryText(text, "cammgr_takes_utf8");
 }
 
 } // namespace

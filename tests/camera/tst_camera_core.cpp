@@ -35,7 +35,8 @@ private slots:
     void setInfoCopiesTheRecord();
     void createMakesAPlayerAndSendsAProbe();
     void createWithoutAPlayerFails();
-    void textsGoAsLatin1AndBeyondItAsUtf8();
+    void textsGoInTheEncodingOfTheLibrary_data();
+    void textsGoInTheEncodingOfTheLibrary();
     void probeResultsMoveTheState_data();
     void probeResultsMoveTheState();
     void sameResultTwiceOnlyReports();
@@ -129,15 +130,39 @@ void TstCameraCore::createWithoutAPlayerFails()
     QCOMPARE(fake_cammgr::calls().size(), size_t(1));
 }
 
-void TstCameraCore::textsGoAsLatin1AndBeyondItAsUtf8()
+void TstCameraCore::textsGoInTheEncodingOfTheLibrary_data()
 {
+    QTest::addColumn<bool>("takesUtf8");
+    QTest::addColumn<QByteArray>("username");
+    QTest::addColumn<QByteArray>("password");
+    QTest::addColumn<QByteArray>("path");
+    QTest::newRow("another maker's: Latin-1")
+        << false << QByteArray("Jos\xe9") << QByteArray("???") << QByteArray("/no/Fot\xc3\xb3s");
+    QTest::newRow("ours: UTF-8") << true << QByteArray("Jos\xc3\xa9")
+                                 << QByteArray("\xd0\xbf\xd0\xb0\xd1\x80")
+                                 << QByteArray("/no/Fot\xc3\x83\xc2\xb3s");
+}
+
+void TstCameraCore::textsGoInTheEncodingOfTheLibrary()
+{
+    QFETCH(bool, takesUtf8);
+    QFETCH(QByteArray, username);
+    QFETCH(QByteArray, password);
+    QFETCH(QByteArray, path);
+    fake_cammgr::setTakesUtf8(takesUtf8);
     Session session;
     session.record.username = QStringLiteral("Jos\u00e9");
     session.record.password = QStringLiteral("\u043f\u0430\u0440");
     session->set_info(&session.record);
     session.start();
-    QCOMPARE(session.player()->username(), std::string("Jos\xe9"));
-    QCOMPARE(session.player()->password(), std::string("\xd0\xbf\xd0\xb0\xd1\x80"));
+    QCOMPARE(session.player()->username(), username.toStdString());
+    QCOMPARE(session.player()->password(), password.toStdString());
+    // A name whose Latin-1 bytes are valid UTF-8.
+    const QString folder = QStringLiteral("/no/Fot\u00c3\u00b3s");
+    session->snapshot(folder);
+    QCOMPARE(session.player()->last("RtspPlayer_Snapshot")->texts.front(), path.toStdString());
+    session->begin_writing(folder, 0);
+    QCOMPARE(session.player()->last("RtspPlayer_BeginWriting")->texts.front(), path.toStdString());
 }
 
 void TstCameraCore::probeResultsMoveTheState_data()
@@ -395,9 +420,6 @@ void TstCameraCore::callsCarryTheirArguments()
     QCOMPARE(session->snapshot(base + ".jpg"), 0);
     QVERIFY(QFile::exists(base + ".jpg"));
     QCOMPARE(session->snapshot(folder.path() + "/absent/x.jpg"), -1);
-    session->snapshot(QStringLiteral("/\u00e9.jpg"));
-    QCOMPARE(player->last("RtspPlayer_Snapshot")->texts.at(0), std::string("/\xe9.jpg"));
-    QFile::remove(QFile::decodeName("/\xe9.jpg"));
 }
 
 void TstCameraCore::everyOperationGoesToItsCall_data()
