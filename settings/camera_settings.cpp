@@ -1,9 +1,11 @@
 #include "settings/camera_settings.h"
 
+#include "settings/host_name.h"
 #include "settings/ini_store.h"
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLoggingCategory>
 #include <QRegularExpression>
 #include <QSet>
@@ -69,6 +71,15 @@ std::unique_ptr<CameraRecord> readRecord(const Store &store)
     record->name = read(store, "NAME");
     record->multiLive = read(store, "MULTILIVE") == QLatin1String("1");
     return record;
+}
+
+/// The folder that a host name gives on a system that takes every character.
+QString hostFolderAsTyped(const QString &hostname)
+{
+    static const QRegularExpression parentFolder(QStringLiteral("(^|/)\\.\\.(?=/|$)"));
+    return slashed(hostname)
+        .remove(QChar(QChar::Null))
+        .replace(parentFolder, QStringLiteral("\\1_"));
 }
 
 } // namespace
@@ -190,8 +201,9 @@ void CameraSettings::setAlbumPath(const QString &path)
 
 QString CameraSettings::cameraFolder(const QString &hostname) const
 {
-    static const QRegularExpression parentFolder(QStringLiteral("(^|/)\\.\\.(?=/|$)"));
-    QString folder = slashed(hostname);
-    folder.remove(QChar(QChar::Null)).replace(parentFolder, QStringLiteral("\\1_"));
-    return m_albumPath + QLatin1Char('/') + folder;
+    const QString root = m_albumPath + QLatin1Char('/');
+    const QString folder = root + zelvaro::folderOfHost(hostname);
+    // An album that was begun under the host name itself is kept.
+    const QString former = root + hostFolderAsTyped(hostname);
+    return former != folder && QFileInfo(former).isDir() ? former : folder;
 }

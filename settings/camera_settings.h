@@ -46,8 +46,9 @@ public:
     const QString &albumPath() const { return m_albumPath; }
     void setAlbumPath(const QString &path);
 
-    /// Folder of one camera: album root + "/" + hostname. A hostname with a slash makes a folder
-    /// in a folder; a ".." in it is written "_", so that the result is always below the root.
+    /// Folder of one camera: album root + "/" + hostname, always below the root. A hostname with a
+    /// slash makes a folder in a folder; one that is no folder name on every system is written as
+    /// zelvaro::folderOfHost() has it, unless the folder with the hostname itself is there.
     QString cameraFolder(const QString &hostname) const;
 
     const QString &configDir() const { return m_configDir; }

@@ -63,6 +63,7 @@ private slots:
     void loadReplacesWhatWasThere();
     void cameraFolderStaysBelowTheAlbum_data();
     void cameraFolderStaysBelowTheAlbum();
+    void anAlbumUnderTheHostNameItselfIsKept();
 
 private:
     std::unique_ptr<SettingsHome> m_home;
@@ -435,7 +436,7 @@ void TstCameraSettings::cameraFolderStaysBelowTheAlbum_data()
     QTest::newRow("slash makes a folder in a folder") << "a/b"
                                                       << "/album/a/b";
     QTest::newRow("address") << "rtsp://h:554/x"
-                             << "/album/rtsp://h:554/x";
+                             << "/album/rtsp%3A//h%3A554/x";
     QTest::newRow("backslash") << "a\\b"
                                << "/album/a/b";
     QTest::newRow("parent") << ".."
@@ -464,6 +465,23 @@ void TstCameraSettings::cameraFolderStaysBelowTheAlbum()
     settings.setAlbumPath("/album");
     QCOMPARE(settings.cameraFolder(hostname), folder);
     QVERIFY((QDir::cleanPath(settings.cameraFolder(hostname)) + "/").startsWith("/album/"));
+}
+
+void TstCameraSettings::anAlbumUnderTheHostNameItselfIsKept()
+{
+    CameraSettings settings;
+    settings.setAlbumPath(m_home->path() + "/Album");
+    const QString folder = m_home->path() + "/Album/cam.lan%3A8554";
+    QCOMPARE(settings.cameraFolder("cam.lan:8554"), folder);
+    QVERIFY(QDir().mkpath(folder));
+    QCOMPARE(settings.cameraFolder("cam.lan:8554"), folder);
+    const QString former = m_home->path() + "/Album/cam.lan:8554";
+    QVERIFY(QDir().mkpath(former));
+    QCOMPARE(settings.cameraFolder("cam.lan:8554"), former);
+    // A file is no album.
+    QVERIFY(QDir().rmdir(former));
+    QVERIFY(QFile(former).open(QIODevice::WriteOnly));
+    QCOMPARE(settings.cameraFolder("cam.lan:8554"), folder);
 }
 
 QTEST_GUILESS_MAIN(TstCameraSettings)
