@@ -48,23 +48,16 @@ endfunction()
 set(ZELVARO_QT_DEFINITIONS QT_DISABLE_DEPRECATED_BEFORE=0x050F00 QT_DEPRECATED_WARNINGS)
 # Tests are run once for each build: compiling them fast is worth more than running them fast.
 set(ZELVARO_TEST_OPTIONS -O0)
-set(ZELVARO_STD_HEADERS
-  <algorithm> <array> <atomic> <chrono> <condition_variable> <cstdint> <cstring> <deque>
-  <functional> <map> <memory> <mutex> <optional> <set> <string> <string_view> <thread> <utility>
-  <vector>)
 
 add_library(zelvaro_qt_interface INTERFACE)
 target_compile_definitions(zelvaro_qt_interface INTERFACE ${ZELVARO_QT_DEFINITIONS})
 
-zelvaro_add_header(zelvaro_plain_pch
-  HEADERS ${ZELVARO_STD_HEADERS} <gio/gio.h> <gst/gst.h>
-  LINK PkgConfig::GSTREAMER PkgConfig::GIO)
 zelvaro_add_header(zelvaro_qt_pch
   HEADERS <QtCore> <QtGui> <QtWidgets>
   LINK Qt5::Widgets zelvaro_qt_interface)
 if(ZELVARO_TESTS)
   zelvaro_add_header(zelvaro_gtest_pch
-    HEADERS ${ZELVARO_STD_HEADERS} <gtest/gtest.h> <gmock/gmock.h>
+    HEADERS <gtest/gtest.h> <gmock/gmock.h>
     LINK GTest::gtest GTest::gmock OPTIONS ${ZELVARO_TEST_OPTIONS})
   zelvaro_add_header(zelvaro_qt_test_pch
     HEADERS <QtCore> <QtGui> <QtWidgets> <QtTest>
@@ -96,15 +89,10 @@ function(zelvaro_qt_library name)
   zelvaro_qt_code(${name})
 endfunction()
 
-# Links the real platform libraries. The folders of the client do not name them, so that tests can
-# link scripted ones; a linker that drops what nobody before asked for is told to keep them.
-function(zelvaro_link_platform target)
-  target_link_options(${target} PRIVATE LINKER:--no-as-needed)
-  target_link_libraries(${target} PRIVATE cammgr ndcp)
-endfunction()
-
 # zelvaro_plain_library(name [SHARED] SOURCES ... LINK ...)
-# Code below the client: no Qt. Static unless SHARED.
+# Code below the client: no Qt. Static unless SHARED. It reads what cameras send, so it is compiled
+# without a precompiled header, in which GCC 12 loses sight of what is a system header's and warns of
+# overflows in std::string that are none.
 function(zelvaro_plain_library name)
   cmake_parse_arguments(ARG "SHARED" "" "SOURCES;LINK" ${ARGN})
   if(ARG_SHARED)
@@ -114,14 +102,14 @@ function(zelvaro_plain_library name)
   endif()
   target_link_libraries(${name} PUBLIC ${ARG_LINK})
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
-  zelvaro_alike(${name})
-  if(ARG_SOURCES MATCHES "\\.cpp")
-    target_precompile_headers(${name} REUSE_FROM zelvaro_plain_pch)
-    # In a precompiled header GCC 12 forgets that std::string is a system header's, and tells of
-    # what its optimiser suspects there.
-    target_compile_options(${name} PRIVATE
-      "$<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-array-bounds;-Wno-restrict;-Wno-stringop-overflow>")
-  endif()
+  zelvaro_own_code(${name})
+endfunction()
+
+# Links the real platform libraries. The folders of the client do not name them, so that tests can
+# link scripted ones; a linker that drops what nobody before asked for is told to keep them.
+function(zelvaro_link_platform target)
+  target_link_options(${target} PRIVATE LINKER:--no-as-needed)
+  target_link_libraries(${target} PRIVATE cammgr ndcp)
 endfunction()
 
 # The target tests_LABEL builds what the tests of that label run.
@@ -132,26 +120,37 @@ function(zelvaro_needed_by_tests label)
   add_dependencies(tests_${label} ${ARGN})
 endfunction()
 
+# zelvaro_register_test(name label timeout [DISPLAY] [RELEASE])
+# DISPLAY: on an X display of its own, with a window manager. RELEASE: means something only in a build
+# that is as fast as the user's (real input, timing, heap), so plain ./test runs it there; every other
+# test it runs in the build with sanitizers.
 function(zelvaro_register_test name label timeout)
-  zelvaro_needed_by_tests(${label} ${name})
+  cmake_parse_arguments(ARG "DISPLAY;RELEASE" "" "" ${ARGN})
+  set(labels ${label})
+  if(ARG_RELEASE)
+    list(APPEND labels release)
+  endif()
+  foreach(each IN LISTS labels)
+    zelvaro_needed_by_tests(${each} ${name})
+  endforeach()
   if(ZELVARO_SANITIZE MATCHES "thread") # which makes everything several times slower
     math(EXPR timeout "3 * ${timeout}")
   endif()
-  add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT ${timeout})
+  set(wrapper)
+  if(ARG_DISPLAY)
+    set(wrapper ${PROJECT_SOURCE_DIR}/tools/with-display)
+  endif()
+  add_test(NAME ${name} COMMAND ${wrapper} $<TARGET_FILE:${name}>)
+  set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT ${timeout})
   set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
     "ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=1:detect_odr_violation=0"
     "UBSAN_OPTIONS=print_stacktrace=1" "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1")
 endfunction()
 
-# zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds] [DISPLAY])
-# A Qt Test program. Runs on the offscreen platform unless DISPLAY asks for the X display that
-# ./test provides.
+# zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds] [DISPLAY] [RELEASE])
+# A Qt Test program. Runs on the offscreen platform unless DISPLAY asks for an X display.
 function(zelvaro_qt_test name)
-  cmake_parse_arguments(ARG "DISPLAY" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 120)
-  endif()
+  cmake_parse_arguments(ARG "DISPLAY;RELEASE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} Qt5::Widgets Qt5::Network Qt5::Test)
   zelvaro_qt_code(${name} TEST)
@@ -159,27 +158,39 @@ function(zelvaro_qt_test name)
   set_source_files_properties(
     ${CMAKE_CURRENT_BINARY_DIR}/${name}_autogen/mocs_compilation.cpp
     PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  zelvaro_register_test(${name} ${ARG_LABEL} ${ARG_TIMEOUT})
-  if(NOT ARG_DISPLAY)
-    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
-  else()
+  zelvaro_test_program(${name} ${ARGN})
+  if(ARG_DISPLAY)
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "QT_QPA_PLATFORM=xcb")
+  else()
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
   endif()
 endfunction()
 
-# zelvaro_gtest(name LABEL unit|engine SOURCES ... LINK ... [TIMEOUT seconds])
+# zelvaro_gtest(name LABEL unit|engine SOURCES ... LINK ... [TIMEOUT seconds] [DISPLAY] [RELEASE])
 # A GoogleTest program for code below Qt.
 function(zelvaro_gtest name)
-  cmake_parse_arguments(ARG "" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
-  if(NOT ARG_TIMEOUT)
-    set(ARG_TIMEOUT 120)
-  endif()
+  cmake_parse_arguments(ARG "DISPLAY;RELEASE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   zelvaro_alike(${name} ${ZELVARO_TEST_OPTIONS})
   target_precompile_headers(${name} REUSE_FROM zelvaro_gtest_pch)
+  zelvaro_test_program(${name} ${ARGN})
+endfunction()
+
+# What both kinds of tests have in common; arguments as theirs.
+function(zelvaro_test_program name)
+  cmake_parse_arguments(ARG "DISPLAY;RELEASE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
+  set(timeout 120)
+  if(ARG_TIMEOUT)
+    set(timeout ${ARG_TIMEOUT})
+  endif()
+  set(options)
+  foreach(option IN ITEMS DISPLAY RELEASE)
+    if(ARG_${option})
+      list(APPEND options ${option})
+    endif()
+  endforeach()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  zelvaro_register_test(${name} ${ARG_LABEL} ${ARG_TIMEOUT})
+  zelvaro_register_test(${name} ${ARG_LABEL} ${timeout} ${options})
 endfunction()

@@ -16,11 +16,6 @@ zelvaro_gtest(tst_window_watch LABEL engine SOURCES tst_window_watch.cpp
 zelvaro_gtest(tst_audio_output LABEL engine SOURCES tst_audio_output.cpp
   LINK ${media_test_libraries})
 
-add_executable(recording_child recording_child.cpp)
-target_link_libraries(recording_child PRIVATE cammgr_media)
-zelvaro_own_code(recording_child)
-set_target_properties(recording_child PROPERTIES
-  RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 zelvaro_gtest(tst_recording_kill LABEL engine SOURCES tst_recording_kill.cpp
   LINK ${media_test_libraries} camsim_process)
 target_compile_definitions(tst_recording_kill PRIVATE
