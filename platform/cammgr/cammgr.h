@@ -140,8 +140,11 @@ CAMMGR_API int RtspPlayer_Snapshot(RtspPlayer *player, const char *path);
 
 /*
  * Starts recording to base_path + ".mp4", from the key frame before the call. At limit bytes the
- * clip closes and the next one goes on without a lost frame as base_path + "_2.mp4", "_3.mp4" and
- * so on, each with its own still (name + ".mp4.jpeg"). limit 0: no limit.
+ * clip closes and the next one goes on without a lost frame as base_path + "_0002.mp4",
+ * "_0003.mp4" and so on, each with its own still (name + ".jpeg"). A recording whose base_path was
+ * used before begins at the next number that is free: no clip is written over. A clip that is
+ * deleted while it is written or closed does not come back. limit 0: no limit. Negative when no
+ * stream plays, a recording runs already, or the folder cannot be written.
  */
 CAMMGR_API int RtspPlayer_BeginWriting(RtspPlayer *player, const char *base_path, int limit);
 

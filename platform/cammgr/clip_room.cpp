@@ -170,9 +170,10 @@ bool copy(std::ifstream &from, const Box &box, PartFile &to)
 
 void giveBackIndexRoom(const std::string &path)
 {
+    const auto clip = FileIdentity::of(path);
     std::ifstream file(path, std::ios::binary);
     const auto layout = readLayout(file);
-    if (!layout || layout->room < (layout->index.size + layout->pictures.size) / smallPart)
+    if (!clip || !layout || layout->room < (layout->index.size + layout->pictures.size) / smallPart)
         return;
     auto index = readAt(file, layout->index.start, layout->index.size);
     if (index.size() != layout->index.size ||
@@ -185,7 +186,8 @@ void giveBackIndexRoom(const std::string &path)
     if (!copy(file, layout->pictures, smaller))
         return;
     smaller.flush();
-    smaller.putInPlace();
+    // A clip that the user deleted meanwhile must not come back.
+    smaller.putInPlaceOf(*clip);
 }
 
 } // namespace cammgr

@@ -2,11 +2,13 @@
 
 #include "platform/cammgr/audio_codec.h"
 #include "platform/cammgr/clip_room.h"
+#include "platform/cammgr/still_picture.h"
 #include "platform/cammgr/worker_pool.h"
 
 #include <gst/app/gstappsrc.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <utility>
 
@@ -24,6 +26,7 @@ constexpr GstClockTime longestAudioWait = 700 * GST_MSECOND;
 // What a disk may owe before it counts as dead.
 constexpr guint64 longestQueueBytes = 64 * 1024 * 1024;
 constexpr auto finishTimeout = 10s;
+constexpr auto stillBudget = 1s;
 // Pictures that were held up on the way come in one piece, at one time. Players want them apart.
 constexpr GstClockTime shortestPicture = GST_MSECOND;
 // A kill costs what came since the index was written, and what the muxer held back to put sound and
@@ -79,7 +82,7 @@ struct ClipWriter::Pipeline
 
 ClipWriter::ClipWriter(std::string path, ClipFormat format, GstClockTime start,
                        std::shared_ptr<ClosingClips> closing, std::function<void()> failed)
-    : m_path(std::move(path))
+    : m_claim(std::move(path))
     , m_format(std::move(format))
     , m_start(start)
     , m_closing(std::move(closing))
@@ -191,14 +194,17 @@ bool ClipWriter::build()
     if (fresh->audio)
         g_object_set(fresh->audio.get(), "caps", m_format.audio.get(), nullptr);
     const ObjectPtr<GstElement> file(gst_bin_get_by_name(bin, "file"));
-    g_object_set(file.get(), "location", m_path.c_str(), nullptr);
+    g_object_set(file.get(), "location", path().c_str(), nullptr);
     const ObjectPtr<GstElement> mux(gst_bin_get_by_name(bin, "mux"));
     g_object_set(mux.get(), "reserved-max-duration", m_format.reserveSeconds * GST_SECOND,
                  "reserved-moov-update-period", indexPeriod, "reserved-bytes-per-sec",
                  static_cast<guint>(m_format.indexBytesPerSecond), nullptr);
     const ObjectPtr<GstBus> bus(gst_element_get_bus(pipeline));
     gst_bus_set_sync_handler(bus.get(), &ClipWriter::readMessage, this, nullptr);
-    if (gst_element_set_state(pipeline, GST_STATE_PLAYING) == GST_STATE_CHANGE_FAILURE)
+    const bool opened =
+        gst_element_set_state(pipeline, GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE;
+    m_file = FileIdentity::of(path());
+    if (!opened)
         return false;
 
     std::lock_guard lock(m_lock);
@@ -207,10 +213,25 @@ bool ClipWriter::build()
     for (const AudioUnit &unit : m_waitingAudio)
         sendAudio(unit);
     m_waitingAudio.clear();
+    if (m_format.withStill && !m_waitingVideo.empty()) {
+        mediaWorkers().run([self = shared_from_this(), first = m_waitingVideo.front()] {
+            self->writeStill(first);
+        });
+    }
     for (const AccessUnit &unit : m_waitingVideo)
         sendVideo(unit);
     m_waitingVideo.clear();
     return true;
+}
+
+/// On a media worker.
+void ClipWriter::writeStill(const AccessUnit &picture) const
+{
+    const std::string still = path() + ".jpeg";
+    writeJpeg(decodeLast({picture}, stillBudget), still);
+    // No still of a clip that was deleted in the meantime.
+    if (!FileIdentity::of(path()))
+        std::remove(still.c_str());
 }
 
 /// Called with the lock.
@@ -259,13 +280,13 @@ void ClipWriter::finish()
         gst_app_src_end_of_stream(GST_APP_SRC(m_pipeline->audio.get()));
     m_audioEnded = true;
     if (!m_written.wait_for(lock, finishTimeout, [this] { return m_ended; }))
-        g_log("cammgr", G_LOG_LEVEL_WARNING, "%s: not finished in time", m_path.c_str());
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "%s: not finished in time", path().c_str());
     const bool whole = m_ended && !m_hasFailed;
     auto old = std::move(m_pipeline);
     lock.unlock();
     old.reset();
     if (whole)
-        giveBackIndexRoom(m_path);
+        giveBackIndexRoom(path());
     else if (m_hasFailed)
         removeWhatCannotPlay();
 }
@@ -281,9 +302,9 @@ uint64_t ClipWriter::indexBytes() const
 void ClipWriter::removeWhatCannotPlay() const
 {
     std::error_code error;
-    const auto size = std::filesystem::file_size(m_path, error);
-    if (!error && size < indexBytes())
-        std::filesystem::remove(m_path, error);
+    const auto size = std::filesystem::file_size(path(), error);
+    if (!error && size < indexBytes() && FileIdentity::of(path()) == m_file)
+        std::filesystem::remove(path(), error);
 }
 
 /// Any thread; the lock may be held.
@@ -300,7 +321,7 @@ GstBusSyncReply ClipWriter::readMessage(GstBus *, GstMessage *message, gpointer 
     if (type == GST_MESSAGE_ERROR) {
         GError *error = nullptr;
         gst_message_parse_error(message, &error, nullptr);
-        g_log("cammgr", G_LOG_LEVEL_WARNING, "%s: %s", writer->m_path.c_str(), error->message);
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "%s: %s", writer->path().c_str(), error->message);
         g_error_free(error);
         writer->fail();
     }

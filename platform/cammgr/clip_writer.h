@@ -1,6 +1,8 @@
 #pragma once
 
+#include "platform/cammgr/clip_names.h"
 #include "platform/cammgr/frame_taker.h"
+#include "platform/cammgr/part_file.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -32,6 +34,7 @@ struct ClipFormat
 {
     CapsRef video;
     CapsRef audio;          ///< empty: no audio track
+    bool withStill = false; ///< writes a still beside the clip, from its first picture
     bool reordered = false; ///< presentation order may differ from decoding order
     int reserveSeconds = 0; ///< longest clip that the index at the head of the file has room for
     int indexBytesPerSecond = 550; ///< room for one second of one track
@@ -60,7 +63,7 @@ public:
     void close();
 
     const ClipFormat &format() const { return m_format; }
-    const std::string &path() const { return m_path; }
+    const std::string &path() const { return m_claim.path(); }
     GstClockTime start() const { return m_start; }
     /// Bytes of the file so far, with the room for the index; approximate.
     uint64_t bytes() const { return m_bytes; }
@@ -70,6 +73,7 @@ private:
 
     void open();
     bool build();
+    void writeStill(const AccessUnit &picture) const;
     void finish();
     void removeWhatCannotPlay() const;
     uint64_t indexBytes() const;
@@ -79,7 +83,7 @@ private:
     void endAudioThatStopped(GstClockTime now);
     static GstBusSyncReply readMessage(GstBus *, GstMessage *message, gpointer self);
 
-    const std::string m_path;
+    const ClipClaim m_claim;
     const ClipFormat m_format;
     const GstClockTime m_start;
     const std::shared_ptr<ClosingClips> m_closing;
@@ -87,8 +91,9 @@ private:
     std::atomic<uint64_t> m_bytes = 0;
     std::atomic<bool> m_hasFailed = false;
 
-    std::mutex m_stateLock;  ///< held while a media worker opens or finishes the file
-    bool m_finished = false; ///< protected by it
+    std::mutex m_stateLock;             ///< held while a media worker opens or finishes the file
+    bool m_finished = false;            ///< protected by it
+    std::optional<FileIdentity> m_file; ///< protected by it; of the file that was made
 
     std::mutex m_lock; ///< protects everything below
     std::condition_variable m_written;

@@ -74,8 +74,8 @@ public:
     int snapshot(const std::string &path);
 
     /// Records to basePath + ".mp4" from the key frame before the call; at limitBytes (0: never)
-    /// goes on in basePath + "_2.mp4", "_3.mp4" ... without a lost frame, each of those with a
-    /// still beside it (name + ".jpeg"). 0, or negative when not playing or already writing.
+    /// goes on in basePath + "_0002.mp4", "_0003.mp4" ... without a lost frame, each of those with
+    /// a still beside it (name + ".jpeg"). 0, or negative when not playing or already writing.
     int beginWriting(const std::string &basePath, int limitBytes);
     /// Ends the recording; the file is finished in the background. Negative when none runs.
     int endWriting();

@@ -18,6 +18,17 @@ std::string nameBeside(const std::string &path)
 
 } // namespace
 
+std::optional<FileIdentity> FileIdentity::of(const std::string &path)
+{
+    GStatBuf status = {};
+    if (g_stat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    FileIdentity identity;
+    identity.m_device = status.st_dev;
+    identity.m_number = status.st_ino;
+    return identity;
+}
+
 PartFile::PartFile(std::string path)
     : m_path(std::move(path))
     , m_beside(nameBeside(m_path))
@@ -40,6 +51,11 @@ void PartFile::write(const void *data, std::size_t size)
 void PartFile::flush()
 {
     m_good = m_good && std::fflush(m_file.get()) == 0 && g_fsync(fileno(m_file.get())) == 0;
+}
+
+bool PartFile::putInPlaceOf(const FileIdentity &old)
+{
+    return FileIdentity::of(m_path) == old && putInPlace();
 }
 
 bool PartFile::putInPlace()

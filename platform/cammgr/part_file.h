@@ -1,11 +1,27 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace cammgr {
+
+/// Tells a file from another one that takes its name later. Systems that number no files tell only
+/// whether there is one.
+class FileIdentity
+{
+public:
+    /// Of the file at a path now; nullopt when there is none.
+    static std::optional<FileIdentity> of(const std::string &path);
+    bool operator==(const FileIdentity &) const = default;
+
+private:
+    uint64_t m_device = 0;
+    uint64_t m_number = 0;
+};
 
 /// A file that is written beside the one whose place it takes: who looks at the path sees the old
 /// file or the whole new one, whenever the process dies. Gone with this object unless it was put
@@ -26,6 +42,8 @@ public:
     /// Puts it at the path, over a file that is there; false when it, or what was written before,
     /// did not succeed. The file at the path is then as before.
     bool putInPlace();
+    /// The same, unless the file at the path is gone or another one than it was: then false.
+    bool putInPlaceOf(const FileIdentity &old);
 
 private:
     const std::string m_path;

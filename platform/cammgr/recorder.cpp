@@ -1,7 +1,7 @@
 #include "platform/cammgr/recorder.h"
 
-#include "platform/cammgr/still_picture.h"
-#include "platform/cammgr/worker_pool.h"
+#include "platform/cammgr/clip_names.h"
+#include "platform/cammgr/left_overs.h"
 
 #include <glib/gstdio.h>
 
@@ -49,6 +49,11 @@ int Recorder::begin(const std::string &basePath, int limitBytes, bool withAudio)
 {
     if (!isWritableFolder(basePath))
         return -1;
+    // A recording of the same second may have the same base.
+    const int firstNumber = firstFreeClip(basePath);
+    if (firstNumber == 0)
+        return -1;
+    tidyFolderOf(basePath);
     bool needKey = false;
     {
         std::lock_guard lock(m_lock);
@@ -58,7 +63,7 @@ int Recorder::begin(const std::string &basePath, int limitBytes, bool withAudio)
         m_basePath = basePath;
         m_limit = limitBytes > 0 ? static_cast<uint64_t>(limitBytes) : 0;
         m_withAudio = withAudio;
-        m_clipNumber = 0;
+        m_clipNumber = firstNumber - 1;
         m_gopBytes = m_largestGop = 0;
         m_askedForKey = false;
         const auto audio = m_memory.audio();
@@ -214,26 +219,19 @@ void Recorder::startClip(const AccessUnit &first)
         m_clip->close();
     ++m_clipNumber;
     m_askedForKey = false;
-    std::string path = m_basePath;
-    if (m_clipNumber > 1)
-        path += "_" + std::to_string(m_clipNumber);
-    path += ".mp4";
+    ClipFormat format = formatFor(first);
+    // The client makes the still of the first clip only.
+    format.withStill = m_clipNumber > 1;
     auto self = weak_from_this();
     auto clip = std::make_shared<std::weak_ptr<ClipWriter>>();
-    m_clip =
-        std::make_shared<ClipWriter>(path, formatFor(first), first.time, m_closing, [self, clip] {
-            const auto recorder = self.lock();
-            const auto failed = clip->lock();
-            if (recorder && failed)
-                recorder->clipFailed(failed.get());
-        });
+    m_clip = std::make_shared<ClipWriter>(clipPath(m_basePath, m_clipNumber), std::move(format),
+                                          first.time, m_closing, [self, clip] {
+                                              const auto recorder = self.lock();
+                                              const auto failed = clip->lock();
+                                              if (recorder && failed)
+                                                  recorder->clipFailed(failed.get());
+                                          });
     *clip = m_clip;
-    if (m_clipNumber > 1) {
-        // The client makes the still of the first clip only.
-        mediaWorkers().run([path, first, closing = m_closing] {
-            writeJpeg(decodeLast({first}, 1s), path + ".jpeg");
-        });
-    }
 }
 
 void Recorder::clipFailed(const ClipWriter *clip)

@@ -49,8 +49,8 @@ private:
     uint64_t m_limit = 0;
     bool m_withAudio = false;
     std::shared_ptr<ClipWriter> m_clip; ///< null until the first key frame
-    int m_clipNumber = 0;
-    uint64_t m_lastNumber = 0; ///< of the frames, so that none is written twice
+    int m_clipNumber = 0;               ///< of the clip that was begun last
+    uint64_t m_lastNumber = 0;          ///< of the frames, so that none is written twice
     uint64_t m_gopBytes = 0;
     uint64_t m_largestGop = 0;
     bool m_askedForKey = false;

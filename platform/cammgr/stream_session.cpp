@@ -1,5 +1,6 @@
 #include "platform/cammgr/stream_session.h"
 
+#include "platform/cammgr/left_overs.h"
 #include "platform/cammgr/still_picture.h"
 #include "platform/cammgr/worker_pool.h"
 
@@ -74,6 +75,7 @@ int LiveStream::Session::snapshot(const std::string &path)
         picture = m_view->latest();
     if (!picture)
         picture = decodeLast(m_memory.frames(), stillBudget);
+    tidyFolderOf(path);
     return writeJpeg(picture, path);
 }
 

@@ -1,3 +1,4 @@
+#include "platform/cammgr/clip_names.h"
 #include "platform/cammgr/recorder.h"
 #include "tests/platform/cammgr/encoded_stream.h"
 #include "tests/platform/cammgr/media_probe.h"
@@ -7,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -43,10 +46,7 @@ protected:
     }
 
     bool waitUntilClosed() { return m_closing->wait(30s); }
-    std::string clip(int number) const
-    {
-        return m_base + (number == 1 ? "" : "_" + std::to_string(number)) + ".mp4";
-    }
+    std::string clip(int number) const { return clipPath(m_base, number); }
     static bool exists(const std::string &path) { return access(path.c_str(), F_OK) == 0; }
 
     TemporaryFolder m_folder;
@@ -365,4 +365,81 @@ TEST_F(RecorderTest, FullDiskEndsTheClipAndWhatWasWrittenPlays)
     EXPECT_EQ(m_recorder->begin(m_base + "b", 0, false), 0);
     m_recorder->end();
     EXPECT_TRUE(waitUntilClosed());
+}
+
+TEST_F(RecorderTest, ClipsSortInTheirOrderByName)
+{
+    EXPECT_EQ(clipPath("/album/20240305_070809", 1), "/album/20240305_070809.mp4");
+    EXPECT_EQ(clipPath("/album/20240305_070809", 2), "/album/20240305_070809_0002.mp4");
+    std::string before;
+    for (int number = 1; number <= 2000; ++number) {
+        const std::string path = clipPath(m_base, number);
+        EXPECT_LT(before, path);
+        before = path;
+    }
+    EXPECT_LT(before, clipPath(m_folder.file("20240305_070810"), 1));
+}
+
+TEST_F(RecorderTest, TwoRecordingsWithOneBaseAreTwoWholeFiles)
+{
+    const auto units = EncodedStream::make({.frames = 300});
+    constexpr size_t first = 130;
+    feed({units.begin(), units.begin() + 1});
+    ASSERT_EQ(m_recorder->begin(m_base, 104857600, true), 0);
+    feed({units.begin() + 1, units.begin() + first});
+    m_recorder->end();
+    // The first is still being closed: with sound announced its file is not even made yet.
+    ASSERT_EQ(m_recorder->begin(m_base, 104857600, true), 0);
+    feed({units.begin() + first, units.end()});
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), static_cast<int>(first));
+    // From the key frame before the button.
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(2)), 300 - 125);
+    EXPECT_TRUE(exists(clip(2) + ".jpeg")) << "the client made the still of clip 1 only";
+    EXPECT_FALSE(exists(clip(3)));
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+    EXPECT_EQ(MediaProbe::complaints(clip(2)), "");
+}
+
+TEST_F(RecorderTest, ClipOfAnEarlierRecordingWithTheSameBaseStays)
+{
+    const std::string old = "the same hour, twice in a night of autumn";
+    std::ofstream(clip(1)) << old;
+    const auto units = EncodedStream::make({.frames = 50});
+    feed({units.begin(), units.begin() + 1});
+    m_recorder->begin(m_base, 0, false);
+    feed({units.begin() + 1, units.end()});
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(std::filesystem::file_size(clip(1)), old.size());
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(2)), 50);
+}
+
+TEST_F(RecorderTest, ClipThatIsDeletedWhileItGrowsStaysAway)
+{
+    const auto units = EncodedStream::make({.frames = 500, .pattern = "snow"});
+    feed({units.begin(), units.begin() + 10});
+    m_recorder->begin(m_base, 700'000, false);
+    feed({units.begin() + 10, units.begin() + 300});
+    ASSERT_TRUE(waitUntil([&] { return exists(clip(2) + ".jpeg"); }));
+    ASSERT_TRUE(m_recorder->isWriting());
+    for (int number = 1; exists(clip(number)); ++number) {
+        std::filesystem::remove(clip(number));
+        std::filesystem::remove(clip(number) + ".jpeg");
+    }
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    const std::filesystem::directory_iterator left(m_folder.path());
+    EXPECT_EQ(left, end(left)) << left->path();
+}
+
+TEST_F(RecorderTest, RecordingTidiesItsFolder)
+{
+    const std::string left = clip(1) + ".7.part";
+    std::ofstream(left) << "of a process that was killed";
+    std::filesystem::last_write_time(left, std::filesystem::file_time_type::clock::now() - 1h);
+    m_recorder->begin(m_base, 0, false);
+    EXPECT_TRUE(waitUntil([&] { return !exists(left); }));
+    m_recorder->end();
 }
