@@ -3,10 +3,10 @@
 #include <stdlib.h>
 #include <string.h>
 
-/* One read takes at most 255 bytes; a longer line is several lines. */
+/* A longer line is several lines. */
 enum
 {
-    LINE_BUFFER = 256
+    LINE_BUFFER = INI_LINE + 1
 };
 
 static const char BLANKS[] = " \t\r\n";
@@ -82,7 +82,8 @@ static ini_section *load_line(ini_file *file, ini_section *section, char *line)
         ini_section *made = ini_section_append(file, copy);
         return made ? made : section;
     }
-    /* A key begins after any "=" at the start of the line; a line of nothing else has no key. */
+    /* A key begins after any "=" at the start of the line. A line of nothing else has no key: it is
+     * kept as it is, so that nothing of the file is lost when it is written back. */
     const char *key = line + strspn(line, "=");
     if (first == '#' || !strchr(line, '=') || !*key) {
         load_comment(section, line);
@@ -92,10 +93,22 @@ static ini_section *load_line(ini_file *file, ini_section *section, char *line)
     return section;
 }
 
+/* Passes over the mark that some editors put before UTF-8: taken for a part of the first line, it
+ * would hide that line's key or header. */
+static void skip_byte_order_mark(FILE *stream)
+{
+    char mark[3];
+    if (fread(mark, 1, sizeof mark, stream) != sizeof mark ||
+        memcmp(mark, "\xEF\xBB\xBF", 3) != 0) {
+        rewind(stream);
+    }
+}
+
 void ini_load(ini_file *file, FILE *stream)
 {
     char line[LINE_BUFFER];
     ini_section *section = &file->sections;
+    skip_byte_order_mark(stream);
     while (fgets(line, sizeof line, stream)) {
         const size_t length = strlen(line);
         if (length > 0 && line[length - 1] == '\n') {

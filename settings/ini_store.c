@@ -3,6 +3,7 @@
 #include "settings/ini_nodes.h"
 #include "settings/safe_file.h"
 
+#include <errno.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -27,6 +28,18 @@ static void select_section(ini_file *file, ini_section *section)
     file->current = section;
 }
 
+static void load_file(ini_file *file)
+{
+    FILE *stream = safe_file_read(file->path);
+    if (stream) {
+        ini_load(file, stream);
+        file->unread = ferror(stream) != 0;
+        fclose(stream);
+    } else {
+        file->unread = errno != ENOENT && errno != ENOTDIR;
+    }
+}
+
 ini_file *ini_open(const char *path, const char *mode)
 {
     ini_file *file = calloc(1, sizeof *file);
@@ -44,10 +57,8 @@ ini_file *ini_open(const char *path, const char *mode)
         free(file);
         return NULL;
     }
-    FILE *stream = (file->mode & INI_READ) ? safe_file_read(path) : NULL;
-    if (stream) {
-        ini_load(file, stream);
-        fclose(stream);
+    if (file->mode & INI_READ) {
+        load_file(file);
     }
     return file;
 }

@@ -22,6 +22,11 @@ enum
     INI_WRITE = 2
 };
 
+enum
+{
+    INI_LINE = 255 /* bytes of a line that are read as one, without its end */
+};
+
 /* One line. A list of lines is circular, with a head that carries no strings. */
 typedef struct ini_entry
 {
@@ -56,6 +61,7 @@ typedef struct ini_file
     char *path; /* NULL: in memory only */
     int32_t mode;
     int32_t dirty;        /* 1 when the content differs from the file */
+    int32_t unread;       /* 1 when a file is there and could not be read, or not to its end */
     ini_section sections; /* head of the list; holds the lines before the first header */
     ini_section *current; /* the section that key operations act on */
     ini_index index;
@@ -64,21 +70,22 @@ typedef struct ini_file
 /*
  * Opens a store. mode: "r" read, "w" write, "w+" both; anything else neither. With reading, the
  * file is loaded; one that cannot be opened is an empty store. Lines are read in pieces of at most
- * 255 bytes, each taken as a line of its own. NULL only when memory runs out.
+ * INI_LINE bytes, each taken as a line of its own. The mark that some editors put before UTF-8 is
+ * no part of the first line. NULL only when memory runs out.
  */
 ini_file *ini_open(const char *path, const char *mode);
 
 /*
- * Writes the store to its path, readable by the owner only. Whatever happens in the middle, the
- * path holds either the old or the new content whole. A symbolic link is followed. 0 without
- * writing when there is no path or no write flag; -1, with the dirty flag kept, on failure.
+ * Writes the store to its path, readable by the owner only, as safe_file_commit does. A symbolic
+ * link is followed. 0 without writing when there is no path or no write flag; -1, with the dirty
+ * flag kept, on failure.
  */
 int32_t ini_flush(ini_file *file);
 
 /* Writes what has changed, frees everything. A failed write goes unnoticed. 0. NULL is allowed. */
 int32_t ini_close(ini_file *file);
 
-/* Selects a section, at need made at the end. NULL or "": the leading section. */
+/* Selects a section, appending it when there is none. NULL or "": the leading section. */
 int32_t ini_use_section(ini_file *file, const char *name);
 
 /* Selects an existing section; -1 and no change when there is none. NULL or "": the leading one. */

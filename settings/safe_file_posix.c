@@ -2,6 +2,7 @@
 
 #include "settings/safe_file.h"
 
+#include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <stdlib.h>
@@ -16,11 +17,17 @@ enum
     MAX_LINK_TEXT = 4096
 };
 
+static const char TEMPORARY[] = ".new-XXXXXX"; /* what mkstemp fills in is its last six bytes */
+static const char COPY[] = ".bak";
+
 struct safe_file
 {
-    FILE *stream;
-    char *target;    /* where the content goes */
-    char *temporary; /* where it is written, in the same folder */
+    FILE *stream; /* writes to bytes */
+    char *bytes;
+    size_t length;
+    char *target;       /* where the content goes */
+    int handle;         /* the target, open for writing; -1 when it does not exist */
+    struct stat status; /* of the target, when it exists */
 };
 
 /* Length of the folder part of path with its slash; 0 when there is none. */
@@ -60,48 +67,40 @@ static char *link_target(const char *path)
     return NULL;
 }
 
-static void forget(safe_file *file)
+/* Opens a plain file; -1 for anything else. Never waits. */
+static int open_plain(const char *path, int flags, struct stat *status)
 {
-    free(file->target);
-    free(file->temporary);
-    free(file);
-}
-
-static int32_t replaceable(const char *path)
-{
-    struct stat status;
-    return lstat(path, &status) == 0 ? S_ISREG(status.st_mode) : errno == ENOENT;
-}
-
-/* Opens the temporary file; mkstemp makes it for its owner only. */
-static FILE *open_temporary(char *name)
-{
-    const int handle = mkstemp(name);
-    if (handle < 0) {
-        return NULL;
-    }
-    fcntl(handle, F_SETFD, FD_CLOEXEC);
-    FILE *stream = fdopen(handle, "w");
-    if (!stream) {
+    const int handle = open(path, flags | O_NONBLOCK | O_CLOEXEC);
+    if (handle >= 0 && (fstat(handle, status) != 0 || !S_ISREG(status->st_mode))) {
         close(handle);
-        unlink(name);
+        errno = EINVAL;
+        return -1;
     }
-    return stream;
+    return handle;
 }
 
 FILE *safe_file_read(const char *path)
 {
     struct stat status;
-    const int handle = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (handle < 0) {
-        return NULL;
-    }
-    const int32_t plain = fstat(handle, &status) == 0 && S_ISREG(status.st_mode);
-    FILE *stream = plain ? fdopen(handle, "r") : NULL;
-    if (!stream) {
+    const int handle = open_plain(path, O_RDONLY, &status);
+    FILE *stream = handle >= 0 ? fdopen(handle, "r") : NULL;
+    if (handle >= 0 && !stream) {
         close(handle);
     }
     return stream;
+}
+
+static void forget(safe_file *file)
+{
+    if (file->stream) {
+        fclose(file->stream);
+    }
+    if (file->handle >= 0) {
+        close(file->handle);
+    }
+    free(file->bytes);
+    free(file->target);
+    free(file);
 }
 
 safe_file *safe_file_create(const char *path)
@@ -110,12 +109,14 @@ safe_file *safe_file_create(const char *path)
     if (!file) {
         return NULL;
     }
+    file->handle = -1;
     file->target = link_target(path);
-    if (file->target && replaceable(file->target)) {
-        file->temporary = joined(file->target, strlen(file->target), ".XXXXXX");
-    }
-    if (file->temporary) {
-        file->stream = open_temporary(file->temporary);
+    if (file->target) {
+        /* Asked here, because a new file could take the name of one that may not be written. */
+        file->handle = open_plain(file->target, O_WRONLY, &file->status);
+        if (file->handle >= 0 || errno == ENOENT) {
+            file->stream = open_memstream(&file->bytes, &file->length);
+        }
     }
     if (!file->stream) {
         forget(file);
@@ -129,29 +130,88 @@ FILE *safe_file_stream(safe_file *file)
     return file->stream;
 }
 
-/* Makes the new name last. The content is safe already, so a folder that cannot be synchronised,
- * as on some network disks, is no failure. */
-static void sync_folder(const char *path)
+static int32_t write_all(int handle, const char *bytes, size_t length)
 {
-    const size_t length = folder_length(path);
-    char *folder = length ? joined(path, length, "") : joined(".", 1, "");
-    const int handle = folder ? open(folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1;
-    if (handle >= 0) {
-        fsync(handle);
-        close(handle);
+    while (length > 0) {
+        const ssize_t written = write(handle, bytes, length);
+        if (written < 0 && errno != EINTR) {
+            return -1;
+        }
+        if (written > 0) {
+            bytes += written;
+            length -= (size_t)written;
+        }
     }
-    free(folder);
+    return 0;
+}
+
+/* Fills a new file for the owner of the old one, if there is one. Closes handle. */
+static int32_t fill(int handle, const safe_file *file)
+{
+    const struct stat *old = file->handle >= 0 ? &file->status : NULL;
+    int32_t done = write_all(handle, file->bytes, file->length) == 0;
+    if (done && old && (old->st_uid != geteuid() || old->st_gid != getegid())) {
+        /* The group may be one that only the super-user can give; the owner is what counts. */
+        done = fchown(handle, old->st_uid, old->st_gid) == 0 || old->st_uid == geteuid();
+    }
+    done = done && fsync(handle) == 0;
+    return close(handle) == 0 && done ? 0 : -1;
+}
+
+/* Writes a new file next to the target and gives it the name. -1 with errno on failure. */
+static int32_t replace(const safe_file *file, const char *name)
+{
+    char *temporary = joined(name, strlen(name), TEMPORARY);
+    const int handle = temporary ? mkstemp(temporary) : -1; /* for its owner only */
+    if (handle < 0) {
+        free(temporary);
+        return -1;
+    }
+    fcntl(handle, F_SETFD, FD_CLOEXEC);
+    const int32_t done = fill(handle, file) == 0 && rename(temporary, name) == 0;
+    const int reason = errno;
+    if (!done) {
+        unlink(temporary);
+    }
+    free(temporary);
+    errno = reason;
+    return done ? 0 : -1;
+}
+
+/* Whether a file could not be put in the place of the old one although that one can be written: a
+ * folder that may not, a file that is mounted by itself, an owner that cannot be given, a name that
+ * is too long. A full disk is none of it. */
+static int32_t stays_in_its_place(int reason)
+{
+    return reason == EACCES || reason == EPERM || reason == EROFS || reason == EBUSY ||
+           reason == EXDEV || reason == ENAMETOOLONG;
+}
+
+/* Writes over the old bytes. Room is taken first, so that a full disk changes nothing. */
+static int32_t overwrite(const safe_file *file)
+{
+    const off_t old_length = file->status.st_size;
+    const off_t length = (off_t)file->length;
+    const int failed =
+        length > old_length ? posix_fallocate(file->handle, old_length, length - old_length) : 0;
+    const int32_t full = failed && failed != EOPNOTSUPP && failed != EINVAL;
+    if (full && ftruncate(file->handle, old_length) == 0) {
+        return -1;
+    }
+    if (full || write_all(file->handle, file->bytes, file->length) != 0 ||
+        ftruncate(file->handle, length) != 0) {
+        return -1;
+    }
+    fchmod(file->handle, S_IRUSR | S_IWUSR); /* refused to all but the owner */
+    return fsync(file->handle);
 }
 
 int32_t safe_file_commit(safe_file *file)
 {
-    int32_t done = fflush(file->stream) == 0 && fsync(fileno(file->stream)) == 0;
-    done = fclose(file->stream) == 0 && done;
-    done = done && rename(file->temporary, file->target) == 0;
-    if (done) {
-        sync_folder(file->target);
-    } else {
-        unlink(file->temporary);
+    int32_t done = fclose(file->stream) == 0;
+    file->stream = NULL;
+    if (done && replace(file, file->target) != 0) {
+        done = file->handle >= 0 && stays_in_its_place(errno) && overwrite(file) == 0;
     }
     forget(file);
     return done ? 0 : -1;
@@ -159,7 +219,79 @@ int32_t safe_file_commit(safe_file *file)
 
 void safe_file_abandon(safe_file *file)
 {
-    fclose(file->stream);
-    unlink(file->temporary);
     forget(file);
+}
+
+/* Reads the file into the new content and its owner into the status. */
+static int32_t load(safe_file *file)
+{
+    char block[4096];
+    ssize_t length = 0;
+    while ((length = read(file->handle, block, sizeof block)) > 0) {
+        fwrite(block, 1, (size_t)length, file->stream);
+    }
+    const int32_t done = length == 0 && fclose(file->stream) == 0;
+    if (done) {
+        file->stream = NULL;
+    }
+    return done ? 0 : -1;
+}
+
+static int32_t second_name(const char *path, const char *copy)
+{
+    return (unlink(copy) == 0 || errno == ENOENT) && link(path, copy) == 0 ? 0 : -1;
+}
+
+int32_t safe_file_keep_copy(const char *path)
+{
+    safe_file *file = calloc(1, sizeof *file);
+    if (!file) {
+        return -1;
+    }
+    int32_t result = -1;
+    file->handle = -1;
+    file->target = link_target(path);
+    char *copy = file->target ? joined(file->target, strlen(file->target), COPY) : NULL;
+    if (copy) {
+        file->handle = open_plain(file->target, O_RDONLY, &file->status);
+        if (file->handle >= 0) {
+            file->stream = open_memstream(&file->bytes, &file->length);
+            result = file->stream && load(file) == 0 ? replace(file, copy) : -1;
+        } else if (errno == EACCES) {
+            result = second_name(file->target, copy);
+        } else {
+            result = errno == ENOENT ? 0 : -1;
+        }
+    }
+    free(copy);
+    forget(file);
+    return result;
+}
+
+/* Whether name is that of a temporary file of base. */
+static int32_t is_temporary(const char *name, const char *base)
+{
+    const size_t length = strlen(base);
+    const size_t fixed = strlen(TEMPORARY) - 6;
+    return strlen(name) == length + strlen(TEMPORARY) && strncmp(name, base, length) == 0 &&
+           strncmp(name + length, TEMPORARY, fixed) == 0;
+}
+
+void safe_file_clean(const char *path)
+{
+    char *target = link_target(path);
+    const size_t length = target ? folder_length(target) : 0;
+    char *folder = length ? joined(target, length, "") : joined(".", 1, "");
+    DIR *entries = target && folder ? opendir(folder) : NULL;
+    const struct dirent *entry = NULL;
+    while (entries && (entry = readdir(entries))) {
+        if (is_temporary(entry->d_name, target + length)) {
+            unlinkat(dirfd(entries), entry->d_name, 0);
+        }
+    }
+    if (entries) {
+        closedir(entries);
+    }
+    free(folder);
+    free(target);
 }

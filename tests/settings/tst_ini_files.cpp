@@ -148,3 +148,26 @@ TEST_F(IniFiles, hundredThousandNumberedSectionsAreReadInTurn)
     }
     EXPECT_EQ(saved(store), bytes);
 }
+
+TEST_F(IniFiles, byteOrderMarkIsNoPartOfTheFirstLine)
+{
+    const Store key = loaded("\xEF\xBB\xBF"
+                             "k=v\n");
+    EXPECT_STREQ(ini_get(key.get(), "k"), "v");
+    const Store header = loaded("\xEF\xBB\xBF[0]\nk=v\n");
+    EXPECT_EQ(ini_select_section(header.get(), "0"), 0);
+    EXPECT_STREQ(ini_get(header.get(), "k"), "v");
+    for (const char *shorter : {"", "\xEF", "\xEF\xBB", "\xEF\xBB\n\xBF"})
+        EXPECT_EQ(rewritten(shorter), *shorter ? shorter + std::string("\n") : "");
+    EXPECT_EQ(rewritten("\xEF\xBB\xBF"), "");
+}
+
+TEST_F(IniFiles, fileThatCannotBeReadIsKnown)
+{
+    EXPECT_EQ(open(m_file, "r")->unread, 0);
+    EXPECT_EQ(open(m_file / "below", "r")->unread, 0);
+    write(m_file, "k=v\n");
+    EXPECT_EQ(open(m_file, "r")->unread, 0);
+    EXPECT_EQ(open(m_file / "below", "r")->unread, 0);
+    EXPECT_EQ(open(m_folder, "r")->unread, 1);
+}

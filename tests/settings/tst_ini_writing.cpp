@@ -1,5 +1,7 @@
+#include "settings/safe_file.h"
 #include "tests/settings/ini_test.h"
 
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -11,6 +13,56 @@
 using namespace initest;
 
 namespace {
+
+constexpr uid_t somebody = 65534;
+
+// Reasons for which the system refuses; 0 for none.
+int renameFault = 0;
+int mkstempFault = 0;
+
+/// Makes a call of the system fail while it lives.
+class Fault
+{
+public:
+    Fault(int &call, int reason) : m_call(call) { m_call = reason; }
+    ~Fault() { m_call = 0; }
+    Fault(const Fault &) = delete;
+    Fault &operator=(const Fault &) = delete;
+
+private:
+    int &m_call;
+};
+
+/// Runs a check in a child process.
+template <typename Check>
+bool inChild(Check check)
+{
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(check() ? 0 : 1);
+    int status = 0;
+    return child > 0 && waitpid(child, &status, 0) == child && WIFEXITED(status) &&
+           WEXITSTATUS(status) == 0;
+}
+
+/// The same as a user whom permissions bind, which they do not the super-user.
+template <typename Check>
+bool asSomebody(Check check)
+{
+    return inChild([&] { return (geteuid() != 0 || setuid(somebody) == 0) && check(); });
+}
+
+/// In a child process: a limit on the size of files stands for the full disk.
+bool refusedByALimit(const std::filesystem::path &path)
+{
+    signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit = {1000, 1000};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const Store store = open(path, "w");
+    for (int i = 0; i < 2000; ++i)
+        ini_set(store.get(), std::to_string(i).c_str(), "value");
+    return ini_flush(store.get()) == -1 && store->dirty == 1;
+}
 
 mode_t permissions(const std::filesystem::path &path)
 {
@@ -43,6 +95,24 @@ std::string uniform(char letter)
 }
 
 } // namespace
+
+// The linker gives the store these two in the place of the system's.
+extern "C" {
+int __real_rename(const char *from, const char *to);
+int __real_mkstemp(char *name);
+
+int __wrap_rename(const char *from, const char *to)
+{
+    errno = renameFault;
+    return renameFault ? -1 : __real_rename(from, to);
+}
+
+int __wrap_mkstemp(char *name)
+{
+    errno = mkstempFault;
+    return mkstempFault ? -1 : __real_mkstemp(name);
+}
+}
 
 class IniWriting : public IniTest
 {
@@ -145,47 +215,158 @@ TEST_F(IniWriting, relativePathIsWrittenWhereTheProgramStands)
     EXPECT_EQ(read(m_folder / "plain.cfg"), "k=new\n");
 }
 
-/// Permissions do not bind the super-user, so the child is somebody else.
-TEST_F(IniWriting, folderWithoutWritePermissionIsRefused)
+TEST_F(IniWriting, fileThatMayNotBeWrittenIsRefused)
 {
     write(m_file, "k=old\n");
+    std::filesystem::permissions(m_file, std::filesystem::perms(0444));
+    std::filesystem::permissions(m_folder, std::filesystem::perms(0777));
+    EXPECT_TRUE(asSomebody([&] {
+        const Store store = changed(m_file);
+        return ini_flush(store.get()) == -1 && store->dirty == 1;
+    }));
+    EXPECT_EQ(read(m_file), "k=old\n");
+    EXPECT_EQ(permissions(m_file), 0444u);
+    EXPECT_EQ(filesInFolder(), 1u);
+}
+
+TEST_F(IniWriting, folderThatMayNotBeWrittenHasItsFileWrittenInPlace)
+{
+    write(m_file, "k=old and longer than the new one\n");
     std::filesystem::permissions(m_file, std::filesystem::perms(0666));
     std::filesystem::permissions(m_folder, std::filesystem::perms(0555));
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        if (geteuid() == 0 && setuid(65534) != 0) {
-            _exit(2);
-        }
+    EXPECT_TRUE(asSomebody([&] {
         const Store store = changed(m_file);
-        const bool refused = ini_flush(store.get()) == -1 && store->dirty == 1;
-        _exit(refused ? 0 : 1);
+        return ini_flush(store.get()) == 0 && store->dirty == 0;
+    }));
+    EXPECT_EQ(read(m_file), "k=new\n");
+}
+
+TEST_F(IniWriting, newFileInAFolderThatMayNotBeWrittenIsRefused)
+{
+    std::filesystem::permissions(m_folder, std::filesystem::perms(0555));
+    EXPECT_TRUE(asSomebody([&] { return ini_flush(changed(m_file).get()) == -1; }));
+    EXPECT_EQ(filesInFolder(), 0u);
+}
+
+/// As for a file that is mounted by itself.
+TEST_F(IniWriting, fileThatCannotBeReplacedIsWrittenInPlace)
+{
+    for (const int reason : {EBUSY, EACCES, EPERM, EROFS, EXDEV}) {
+        write(m_file, "k=old\n");
+        std::filesystem::permissions(m_file, std::filesystem::perms(0644));
+        const Fault fault(renameFault, reason);
+        EXPECT_EQ(ini_flush(changed(m_file).get()), 0) << reason;
+        EXPECT_EQ(read(m_file), "k=new\n");
+        EXPECT_EQ(permissions(m_file), 0600u);
+        EXPECT_EQ(filesInFolder(), 1u);
     }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+}
+
+TEST_F(IniWriting, fullDiskIsNoReasonToWriteInPlace)
+{
+    for (const int reason : {ENOSPC, EDQUOT, EIO}) {
+        write(m_file, "k=old\n");
+        for (int *call : {&renameFault, &mkstempFault}) {
+            const Fault fault(*call, reason);
+            expectRefused(m_file);
+        }
+        EXPECT_EQ(read(m_file), "k=old\n");
+        EXPECT_EQ(filesInFolder(), 1u);
+    }
+}
+
+TEST_F(IniWriting, fullDiskKeepsTheOldFileInPlaceToo)
+{
+    write(m_file, "k=old\n");
+    const Fault fault(mkstempFault, EACCES);
+    EXPECT_TRUE(inChild([&] { return refusedByALimit(m_file); }));
     EXPECT_EQ(read(m_file), "k=old\n");
 }
 
-/// A limit on the size of files stands for the full disk.
+/// A run of the super-user must not lock the user out.
+TEST_F(IniWriting, ownerStays)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only the super-user can write a file of somebody else";
+    write(m_file, "k=old\n");
+    ASSERT_EQ(chown(m_file.c_str(), somebody, somebody), 0);
+    ASSERT_EQ(safe_file_keep_copy(m_file.c_str()), 0);
+    changed(m_file).reset();
+    EXPECT_EQ(read(m_file), "k=new\n");
+    for (const char *name : {"Zelvaro.cfg", "Zelvaro.cfg.bak"}) {
+        struct stat status = {};
+        ASSERT_EQ(stat((m_folder / name).c_str(), &status), 0);
+        EXPECT_EQ(status.st_uid, somebody);
+        EXPECT_EQ(status.st_mode & 07777, 0600u);
+    }
+}
+
+TEST_F(IniWriting, copyIsKeptForItsOwnerOnly)
+{
+    write(m_file, "k=first\n");
+    EXPECT_EQ(safe_file_keep_copy(m_file.c_str()), 0);
+    write(m_file, "k=second\n");
+    std::filesystem::permissions(m_file, std::filesystem::perms(0644));
+    EXPECT_EQ(safe_file_keep_copy(m_file.c_str()), 0);
+    EXPECT_EQ(read(m_folder / "Zelvaro.cfg.bak"), "k=second\n");
+    EXPECT_EQ(permissions(m_folder / "Zelvaro.cfg.bak"), 0600u);
+    EXPECT_EQ(read(m_file), "k=second\n");
+    EXPECT_EQ(filesInFolder(), 2u);
+}
+
+TEST_F(IniWriting, missingFileNeedsNoCopy)
+{
+    write(m_folder / "Zelvaro.cfg.bak", "k=older\n");
+    EXPECT_EQ(safe_file_keep_copy(m_file.c_str()), 0);
+    EXPECT_EQ(read(m_folder / "Zelvaro.cfg.bak"), "k=older\n");
+}
+
+TEST_F(IniWriting, copyThatCannotBeMadeIsReported)
+{
+    write(m_file, "k=old\n");
+    const Fault fault(mkstempFault, EACCES);
+    EXPECT_EQ(safe_file_keep_copy(m_file.c_str()), -1);
+    EXPECT_EQ(filesInFolder(), 1u);
+}
+
+TEST_F(IniWriting, fileThatCannotBeReadIsKeptUnderASecondName)
+{
+    write(m_file, "k=old\n");
+    std::filesystem::permissions(m_file, std::filesystem::perms(0200));
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(m_folder.c_str(), somebody, somebody), 0);
+        ASSERT_EQ(chown(m_file.c_str(), somebody, somebody), 0);
+    }
+    EXPECT_TRUE(asSomebody([&] {
+        const Store store = changed(m_file);
+        return store->unread == 1 && safe_file_keep_copy(m_file.c_str()) == 0 &&
+               ini_flush(store.get()) == 0;
+    }));
+    std::filesystem::permissions(m_folder / "Zelvaro.cfg.bak", std::filesystem::perms(0600));
+    EXPECT_EQ(read(m_folder / "Zelvaro.cfg.bak"), "k=old\n");
+    EXPECT_EQ(read(m_file), "k=new\n");
+}
+
+TEST_F(IniWriting, cleaningRemovesTemporaryFilesOnly)
+{
+    const char *const others[] = {"Zelvaro.cfg",         "Zelvaro.cfg.bak",
+                                  "Zelvaro.cfg.backup",  "Zelvaro.cfg.new-12345",
+                                  "Zelvaro.cfg.newer-1", "Zelvaro.cfg.new-1234567",
+                                  "Other.cfg.new-123456"};
+    for (const char *name : others)
+        write(m_folder / name, "x");
+    write(m_folder / "Zelvaro.cfg.new-a1B2c3", "x");
+    safe_file_clean(m_file.c_str());
+    EXPECT_EQ(filesInFolder(), std::size(others));
+    for (const char *name : others)
+        EXPECT_TRUE(std::filesystem::exists(m_folder / name)) << name;
+    safe_file_clean((m_folder / "absent" / "file").c_str());
+}
+
 TEST_F(IniWriting, fullDiskKeepsTheOldFile)
 {
     write(m_file, "k=old\n");
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit = {1000, 1000};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        const Store store = open(m_file, "w");
-        for (int i = 0; i < 2000; ++i) {
-            ini_set(store.get(), std::to_string(i).c_str(), "value");
-        }
-        _exit(ini_flush(store.get()) == -1 && store->dirty == 1 ? 0 : 1);
-    }
-    int status = 0;
-    ASSERT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_TRUE(inChild([&] { return refusedByALimit(m_file); }));
     EXPECT_EQ(read(m_file), "k=old\n");
     EXPECT_EQ(filesInFolder(), 1u);
 }
@@ -211,11 +392,9 @@ TEST_F(IniWriting, killInTheMiddleLeavesOldOrNewWhole)
         ASSERT_EQ(waitpid(child, nullptr, 0), child);
         const std::string left = read(m_file);
         ASSERT_TRUE(left == contents[0] || left == contents[1]) << left.size() << " bytes";
-        for (const auto &file : std::filesystem::directory_iterator(m_folder)) {
+        for (const auto &file : std::filesystem::directory_iterator(m_folder))
             EXPECT_EQ(permissions(file.path()), 0600u);
-            if (file.path() != m_file) {
-                std::filesystem::remove(file.path());
-            }
-        }
+        safe_file_clean(m_file.c_str());
+        EXPECT_EQ(filesInFolder(), 1u);
     }
 }
