@@ -4,7 +4,6 @@
 #include "settings/camera_settings.h"
 #include "ui/common/desktop.h"
 #include "ui/discovery/search_camera_form.h"
-#include "ui/manager/add_camera_form.h"
 #include "ui_main_form.h"
 
 #include <QCloseEvent>
@@ -58,14 +57,6 @@ void openAlbum(CPhotoMgrForm &album, bool videoMode)
     album.open(videoMode);
 }
 
-std::optional<QString> pickFoundCamera(QWidget *parent)
-{
-    CSearchCameraForm picker(parent);
-    if (picker.exec() != QDialog::Accepted)
-        return {};
-    return picker.uid();
-}
-
 } // namespace
 
 CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<Ui::CMainForm>())
@@ -80,7 +71,6 @@ CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<U
     buildSystemButtons();
     buildToolBar();
     trackEdges(largest);
-    CAddCameraForm::setUidPicker(pickFoundCamera);
     new zelvaro::DialogShadow(this);
     resize(size().boundedTo(largest));
     centreOnDesktop();
@@ -232,6 +222,19 @@ void CMainForm::playVideo(TileList *list, CPhotoMgrItemForm *current)
 bool CMainForm::mayLeaveMultiLive()
 {
     return m_ui->pageMultiLive->MayLeave();
+}
+
+std::optional<QString> CMainForm::findCamera(QWidget *parent)
+{
+    CSearchCameraForm picker(parent);
+    if (picker.exec() != QDialog::Accepted)
+        return {};
+    return picker.uid();
+}
+
+void CMainForm::showStatus(const QString &text)
+{
+    m_ui->labelStatus->setText(text);
 }
 
 // --- tool bar ------------------------------------------------------------------------------------

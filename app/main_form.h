@@ -39,6 +39,8 @@ public:
     ~CMainForm() override;
 
     QWidget *dialogParent() override { return this; }
+    std::optional<QString> findCamera(QWidget *parent) override;
+    void showStatus(const QString &text) override;
     void leavePages() override;
     void showCameraMgr() override;
     void showSearchCameraList() override;

@@ -86,6 +86,7 @@ private slots:
     void theFormHasItsNamesAndTexts();
     void theWindowIsFramelessAndCentred();
     void theHostPointerEndsWithTheWindow();
+    void theStatusRowShowsWhatAPageTells();
 
     void toolButtonsSwitchPagesAndIcons();
     void toolButtonsHaveShortcuts();
@@ -273,6 +274,21 @@ void MainFormTest::theHostPointerEndsWithTheWindow()
     QCOMPARE(pageHost()->dialogParent(), m_form.get());
     m_form.reset();
     QVERIFY(!pageHost());
+}
+
+void MainFormTest::theStatusRowShowsWhatAPageTells()
+{
+    showForm();
+    auto *status = find<QFrame>("frameStatus")->findChild<QLabel *>("labelStatus");
+    QCOMPARE(status->text(), QString());
+    m_form->showStatus("<b>Door</b>: nothing is being written");
+    QCOMPARE(status->text(), QString("<b>Door</b>: nothing is being written"));
+    QCOMPARE(status->textFormat(), Qt::PlainText);
+    const QSize smallest = m_form->minimumSizeHint();
+    m_form->showStatus(QString("long ").repeated(200));
+    QCOMPARE(m_form->minimumSizeHint(), smallest);
+    m_form->showStatus({});
+    QCOMPARE(status->text(), QString());
 }
 
 void MainFormTest::toolButtonsSwitchPagesAndIcons()

@@ -157,10 +157,9 @@ void CPhotoMgrFrame::loadDueThumbnail()
 
 void CPhotoMgrFrame::slotDeletePhoto(CPhotoMgrItemForm *item)
 {
-    QWidget *parent = pageHost() ? pageHost()->dialogParent() : window();
     CMessageBox question(CMessageBox::Warning, tr("Warning"),
                          m_videoMode ? tr("Delete video?") : tr("Delete photo?"),
-                         QMessageBox::Ok | QMessageBox::Cancel, parent);
+                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent(this));
     const QPointer<CPhotoMgrItemForm> tile(item);
     if (question.exec() != QDialog::Accepted || !tile)
         return;

@@ -49,7 +49,7 @@ bool CMultiLiveForm::MayLeave()
         return true;
     CMessageBox question(CMessageBox::Warning, tr("Warning"),
                          tr("By changing view your recording will be stop."),
-                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent());
+                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent(this));
     if (question.exec() != QDialog::Accepted)
         return false;
     setRecordingAll(false);
@@ -60,7 +60,7 @@ void CMultiLiveForm::slotSelect()
 {
     if (!MayLeave())
         return;
-    CSelectCameraForm dialog(dialogParent());
+    CSelectCameraForm dialog(dialogParent(this));
     if (dialog.exec() != QDialog::Accepted)
         return;
     dialog.Apply();
@@ -136,11 +136,4 @@ void CMultiLiveForm::orderTabs()
 void CMultiLiveForm::applySound()
 {
     m_ui->frameMultiLive->setSound(m_ui->sliderVolume->isMuted(), m_ui->sliderVolume->value());
-}
-
-QWidget *CMultiLiveForm::dialogParent()
-{
-    PageHost *host = pageHost();
-    QWidget *parent = host ? host->dialogParent() : nullptr;
-    return parent ? parent : window();
 }

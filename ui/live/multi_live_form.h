@@ -44,7 +44,6 @@ private:
     void loadGrid();
     void orderTabs();
     void applySound();
-    QWidget *dialogParent();
 
     std::unique_ptr<Ui::CMultiLiveForm> m_ui;
     bool m_recordingAll = false;

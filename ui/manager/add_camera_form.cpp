@@ -1,19 +1,9 @@
 #include "ui/manager/add_camera_form.h"
 
 #include "app/message_box.h"
+#include "settings/host_name.h"
+#include "ui/common/page_host.h"
 #include "ui_add_camera_form.h"
-
-#include <utility>
-
-namespace {
-
-CAddCameraForm::UidPicker &uidPicker()
-{
-    static CAddCameraForm::UidPicker picker;
-    return picker;
-}
-
-} // namespace
 
 CAddCameraForm::CAddCameraForm(QWidget *parent, const CameraRecord *record)
     : QDialog(parent, Qt::FramelessWindowHint)
@@ -22,21 +12,17 @@ CAddCameraForm::CAddCameraForm(QWidget *parent, const CameraRecord *record)
     m_ui->setupUi(this);
     m_ui->frameTitle->attach(this, true);
     setAttribute(Qt::WA_TranslucentBackground);
+    connect(m_ui->editUid, &QLineEdit::editingFinished, this, &CAddCameraForm::takeLoginOut);
     connect(m_ui->btnDiscovery, &QPushButton::clicked, this, &CAddCameraForm::slotDiscovery);
     connect(m_ui->btnOk, &QPushButton::clicked, this, &CAddCameraForm::slotOK);
     connect(m_ui->btnCancel, &QPushButton::clicked, this, &CAddCameraForm::slotClose);
-    m_ui->btnDiscovery->setEnabled(bool(uidPicker()));
+    m_ui->btnDiscovery->setEnabled(pageHost() != nullptr);
     if (record)
         fillFrom(*record);
     setWindowTitle(m_ui->labelTitle->text());
 }
 
 CAddCameraForm::~CAddCameraForm() = default;
-
-void CAddCameraForm::setUidPicker(UidPicker picker)
-{
-    uidPicker() = std::move(picker);
-}
 
 void CAddCameraForm::fillFrom(const CameraRecord &record)
 {
@@ -45,6 +31,26 @@ void CAddCameraForm::fillFrom(const CameraRecord &record)
     m_ui->editUserName->setText(record.username);
     m_ui->editPassword->setText(record.password);
     m_ui->editCameraName->setText(record.name);
+    takeLoginOut();
+    // The record's own login is the one in use.
+    if (!record.password.isEmpty()) {
+        m_ui->editUserName->setText(record.username);
+        m_ui->editPassword->setText(record.password);
+    }
+}
+
+// An address is shown on the page of cameras, and the library leaves its login aside when there is
+// one of its own.
+void CAddCameraForm::takeLoginOut()
+{
+    const auto login = zelvaro::loginInHostName(m_ui->editUid->text());
+    if (!login)
+        return;
+    m_ui->editUid->setText(login->hostname);
+    if (!login->username.isEmpty())
+        m_ui->editUserName->setText(login->username);
+    if (!login->password.isEmpty())
+        m_ui->editPassword->setText(login->password);
 }
 
 bool CAddCameraForm::holds(const CameraRecord &record) const
@@ -55,13 +61,15 @@ bool CAddCameraForm::holds(const CameraRecord &record) const
 
 void CAddCameraForm::slotDiscovery()
 {
-    const std::optional<QString> uid = uidPicker()(this);
+    PageHost *host = pageHost();
+    const std::optional<QString> uid = host ? host->findCamera(this) : std::nullopt;
     if (uid && !uid->isEmpty())
         m_ui->editUid->setText(*uid);
 }
 
 void CAddCameraForm::slotOK()
 {
+    takeLoginOut();
     m_entered.hostname = m_ui->editUid->text();
     m_entered.username = m_ui->editUserName->text();
     m_entered.password = m_ui->editPassword->text();

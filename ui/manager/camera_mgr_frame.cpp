@@ -79,11 +79,6 @@ void CCameraMgrFrame::showNearTiles()
     }
 }
 
-QWidget *CCameraMgrFrame::dialogParent()
-{
-    return pageHost() ? pageHost()->dialogParent() : window();
-}
-
 void CCameraMgrFrame::addTile(CCamera *camera)
 {
     auto *tile = new CCameraMgrItemForm(this);
@@ -141,11 +136,11 @@ void CCameraMgrFrame::slotAddButtonClicked()
 {
     if (CameraSettings::instance().count() >= kMostCameras) {
         CMessageBox(CMessageBox::Error, tr("Error"), tr("Cannot add camera, 100 is maxnum."),
-                    QMessageBox::Ok, dialogParent())
+                    QMessageBox::Ok, dialogParent(this))
             .exec();
         return;
     }
-    CAddCameraForm dialog(dialogParent(), nullptr);
+    CAddCameraForm dialog(dialogParent(this), nullptr);
     if (dialog.exec() == QDialog::Accepted)
         registerCamera(dialog);
 }
@@ -153,7 +148,7 @@ void CCameraMgrFrame::slotAddButtonClicked()
 void CCameraMgrFrame::slotDeleteCamera(CCameraMgrItemForm *item)
 {
     CMessageBox question(CMessageBox::Warning, tr("Warning"), tr("Delete camera?"),
-                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent());
+                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent(this));
     if (question.exec() != QDialog::Accepted)
         return;
     takeDown(item);
@@ -169,7 +164,7 @@ void CCameraMgrFrame::slotPlayCamera(CCameraMgrItemForm *item)
 
 void CCameraMgrFrame::slotModifyCamera(CCameraMgrItemForm *item)
 {
-    CAddCameraForm dialog(dialogParent(), item->camera()->get_info());
+    CAddCameraForm dialog(dialogParent(this), item->camera()->get_info());
     if (dialog.exec() != QDialog::Accepted || dialog.holds(*item->camera()->get_info()))
         return;
     takeDown(item);
@@ -179,25 +174,26 @@ void CCameraMgrFrame::slotModifyCamera(CCameraMgrItemForm *item)
 
 void CCameraMgrFrame::slotMotionCamera(CCameraMgrItemForm *item)
 {
-    Motion_Dialog(dialogParent(), item->camera()).exec();
+    Motion_Dialog(dialogParent(this), item->camera()).exec();
 }
 
 void CCameraMgrFrame::slotRebootCamera(CCameraMgrItemForm *item)
 {
     CMessageBox question(CMessageBox::Warning, tr("Warning"), tr("Reboot camera?"),
-                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent());
+                         QMessageBox::Ok | QMessageBox::Cancel, dialogParent(this));
     if (question.exec() != QDialog::Accepted)
         return;
 
     CCamera *camera = item->camera();
     const CameraRecord *record = camera->get_info();
     const QString request = zelvaro::sys_reboot_request(record->username, record->password);
-    if (!zelvaro::runCommands(dialogParent(), camera, tr("Please wait for reboot..."), {request}))
+    if (!zelvaro::runCommands(dialogParent(this), camera, tr("Please wait for reboot..."),
+                              {request}))
         return;
     const bool rebooted = camera->command_codes().value(0, -1) == 0;
     CMessageBox(CMessageBox::Information, tr("info"),
                 rebooted ? tr("Reboot success. Please wait a few minutes and re-connect.")
                          : tr("Reboot failed. Please wait a few minutes and re-try."),
-                QMessageBox::Ok, dialogParent())
+                QMessageBox::Ok, dialogParent(this))
         .exec();
 }

@@ -49,7 +49,6 @@ private:
     void takeDown(CCameraMgrItemForm *item);
     void layoutAgain();
     void showNearTiles();
-    QWidget *dialogParent();
 
     zelvaro::TileGrid m_grid;
     QList<CCameraMgrItemForm *> m_tiles;

@@ -1,7 +1,7 @@
 #include "ui/manager/camera_mgr_item_form.h"
 
 #include "camera/camera.h"
-#include "settings/developer_check.h"
+#include "settings/host_name.h"
 #include "ui/common/style_url.h"
 #include "ui/common/tool_tip.h"
 #include "ui_camera_mgr_item_form.h"
@@ -159,11 +159,13 @@ void CCameraMgrItemForm::slotCameraThumbChanged()
 
 void CCameraMgrItemForm::showTexts()
 {
-    m_ui->labelUid->setText(m_camera->hostname());
-    m_ui->labelUid->setToolTip(zelvaro::plainToolTip(m_camera->hostname()));
+    // A record of an earlier version may hold a password in its address.
+    const QString uid = zelvaro::withoutLogin(m_camera->hostname());
+    m_ui->labelUid->setText(uid);
+    m_ui->labelUid->setToolTip(zelvaro::plainToolTip(uid));
     m_ui->labelCameraName->setText(m_camera->name());
     m_ui->labelCameraName->setToolTip(zelvaro::plainToolTip(m_camera->name()));
-    setAccessibleName(m_camera->name().isEmpty() ? m_camera->hostname() : m_camera->name());
+    setAccessibleName(m_camera->name().isEmpty() ? uid : m_camera->name());
 }
 
 void CCameraMgrItemForm::showThumb()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "camera/camera.h"
+#include "tests/support/page_recorder.h"
 #include "tests/ui/manager/manager_fixture.h"
 #include "ui/manager/add_button_form.h"
 #include "ui/manager/camera_mgr_frame.h"
@@ -60,14 +61,14 @@ protected:
     }
 
     std::unique_ptr<Registry> m_registry;
-    std::unique_ptr<HostRecorder> m_host;
+    std::unique_ptr<PageRecorder> m_host;
     std::unique_ptr<CCameraMgrFrame> m_frame;
 
 private slots:
     void init()
     {
         m_registry = std::make_unique<Registry>();
-        m_host = std::make_unique<HostRecorder>();
+        m_host = std::make_unique<PageRecorder>();
     }
     void cleanup()
     {

@@ -4,7 +4,6 @@
 #include "settings/camera_settings.h"
 #include "tests/fakes/fake_cammgr.h"
 #include "tests/settings/settings_home.h"
-#include "ui/common/page_host.h"
 
 /// A settings folder of the test's own, with sessions over the scripted camera library.
 class Registry
@@ -60,33 +59,4 @@ public:
 
 private:
     SettingsHome m_home;
-};
-
-/// A main window that only notes what it is asked.
-class HostRecorder : public PageHost
-{
-public:
-    HostRecorder() { setPageHost(this); }
-    ~HostRecorder() override { setPageHost(nullptr); }
-
-    QWidget *dialogParent() override { return parent; }
-    void leavePages() override { calls += "leavePages"; }
-    void showCameraMgr() override { calls += "showCameraMgr"; }
-    void showSearchCameraList() override { calls += "showSearchCameraList"; }
-    void playCamera(CCamera *camera) override
-    {
-        calls += "playCamera";
-        played = camera;
-    }
-    void showMultiLive() override { calls += "showMultiLive"; }
-    void showPhotoMgr() override { calls += "showPhotoMgr"; }
-    void backToPhotoMgr() override { calls += "backToPhotoMgr"; }
-    void showPhoto(TileList *, CPhotoMgrItemForm *) override { calls += "showPhoto"; }
-    void showVideoMgr() override { calls += "showVideoMgr"; }
-    void backToVideoMgr() override { calls += "backToVideoMgr"; }
-    void playVideo(TileList *, CPhotoMgrItemForm *) override { calls += "playVideo"; }
-
-    QWidget *parent = nullptr;
-    QStringList calls;
-    CCamera *played = nullptr;
 };

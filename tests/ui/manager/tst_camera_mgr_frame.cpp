@@ -191,7 +191,7 @@ void CameraMgrFrameTest::playingAsksTheMainWindow()
 {
     build(2);
     QTest::mouseDClick(tile(1), Qt::LeftButton);
-    QCOMPARE(m_host->calls, QStringList({"playCamera"}));
+    QCOMPARE(m_host->pages, QStringList({"play"}));
     QCOMPARE(m_host->played, Registry::cameras().at(1));
 }
 
