@@ -88,10 +88,9 @@ started=()
 end_started() {
     local i
     for ((i = ${#started[@]} - 1; i >= 0; i--)); do
-        kill "${started[$i]}" 2>/dev/null && wait "${started[$i]}" 2>/dev/null
+        { kill "${started[$i]}" && wait "${started[$i]}"; } 2>/dev/null || true
     done
     started=()
-    return 0
 }
 
 # Waits until something is written into the file, ten seconds at most.
