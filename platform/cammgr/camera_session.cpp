@@ -13,6 +13,9 @@ using namespace std::chrono_literals;
 constexpr std::chrono::milliseconds probeLimit = 14s;
 constexpr std::chrono::milliseconds commandLimit = 14s;
 constexpr std::chrono::milliseconds leastCommandTime = 1s;
+/// Who asks right after an order to play waits for the first picture, but not much longer than a
+/// client that asks regularly.
+constexpr std::chrono::milliseconds pictureLimit = 3s;
 
 } // namespace
 
@@ -58,6 +61,8 @@ void CameraSession::tick()
         return;
     m_probing = Probing::Finding;
     const unsigned number = ++m_probeNumber;
+    if (awaitPicture())
+        return;
     if (isAnsweredByStream()) {
         m_probe.disconnect();
         probed(ProbeOutcome::Answered);
@@ -86,6 +91,37 @@ bool CameraSession::isAnsweredByStream()
     // watchdog lets it. Describing the stream beside it makes some cameras hold it up.
     const bool wasThere = m_schedule.remembered() == ProbeOutcome::Answered;
     return phase == StreamPhase::Playing || (phase == StreamPhase::Starting && wasThere);
+}
+
+/// Whether the stream was ordered just now: its first picture then answers the probe. A stream that
+/// fails at once does not answer it sooner, or a client that plays on each answer would hurry.
+bool CameraSession::awaitPicture()
+{
+    if (!m_orderedAt || m_schedule.remembered() != ProbeOutcome::Answered ||
+        m_control.streamPhase() == StreamPhase::Playing)
+        return false;
+    const Clock::duration left = *m_orderedAt + pictureLimit - Clock::now();
+    if (left <= Clock::duration::zero())
+        return false;
+    m_probing = Probing::AwaitingPicture;
+    m_probeLimit.start(std::chrono::ceil<std::chrono::milliseconds>(left), [this] {
+        m_probing = Probing::Idle;
+        tick();
+    });
+    return true;
+}
+
+void CameraSession::pictureShown()
+{
+    if (m_probing == Probing::AwaitingPicture)
+        probed(ProbeOutcome::Answered);
+}
+
+void CameraSession::orderVoided()
+{
+    m_orderedAt.reset();
+    if (m_probing == Probing::AwaitingPicture)
+        probed(ProbeOutcome::Answered);
 }
 
 void CameraSession::stopConnecting()
@@ -196,6 +232,7 @@ void CameraSession::play(const StreamOrder &order)
     // Playing is a login too.
     if (m_schedule.remembered() == ProbeOutcome::LoginRefused && !m_schedule.isDue(Clock::now()))
         return;
+    m_orderedAt = Clock::now();
     m_resolver->find([this, ticket = order.ticket](bool found) {
         if (found && ticket == m_order.ticket)
             startStream();

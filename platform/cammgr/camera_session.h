@@ -12,6 +12,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -82,6 +83,10 @@ public:
     void talk(uint64_t ticket);
     void streamEnded(StreamEnd reason);
     void keyFrameWanted();
+    /// The stream shows its first picture.
+    void pictureShown();
+    /// The last order to play is void: the stream was stopped, or set up anew.
+    void orderVoided();
     void issueCommands(std::vector<std::string> requests);
 
     /// Any thread: 0 for the main stream, 1 for the sub stream.
@@ -94,6 +99,7 @@ private:
 
     void report(int message, int value, char **strings = nullptr);
     bool isAnsweredByStream();
+    bool awaitPicture();
     void describe();
     void probed(ProbeOutcome outcome);
     void finishProbe(ProbeOutcome outcome);
@@ -113,7 +119,8 @@ private:
     {
         Idle,
         Finding,
-        Asking
+        Asking,
+        AwaitingPicture ///< answered when the stream that was ordered shows a picture
     };
     Probing m_probing = Probing::Idle;
     unsigned m_probeNumber = 0; ///< tells a late answer from the one that is waited for
@@ -121,6 +128,7 @@ private:
     ProbeSchedule m_schedule;
     StreamPaths m_paths;
     StreamOrder m_order;
+    std::optional<Clock::time_point> m_orderedAt; ///< nullopt when the last order is void
     bool m_hasLearned = false;
     int m_watch = 0;
     // Last, so that they go first: their callbacks use what stands above.

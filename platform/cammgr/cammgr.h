@@ -81,6 +81,11 @@ CAMMGR_API RtspPlayer *RtspPlayer_Create(const char *hostname, const char *usern
 /*
  * Asks for one keep-alive probe, answered later by exactly one CAMMGR_MSG_PROBE_ message, also
  * when the player is stopped in between, within 15 s. A probe that is outstanding is not doubled.
+ * Asked within 3 s after RtspPlayer_Play, the answer comes when the first picture is on the window,
+ * when the order to play is void (RtspPlayer_Stop, another set-up), or 3 s after that order at the
+ * latest and then as for any probe: a client that shows a stream when a probe is answered asks once
+ * more after RtspPlayer_Play. A change of the picture's size answers nothing by itself; the size is
+ * read at the next answer.
  * A stream that plays answers it; so does memory for a while after a refused login (3 s, 6 s, up
  * to 60 s, so that no camera locks the account) and for a host that is silent (up to 15 s, or
  * until the network changes).
@@ -112,8 +117,9 @@ CAMMGR_API int RtspPlayer_Play(RtspPlayer *player);
  * window any more when it returns. */
 CAMMGR_API int RtspPlayer_Stop(RtspPlayer *player);
 
-/* Non-zero while frames arrive: from the first decoded frame until the stream ends or no frame
- * came for 5 s. */
+/* Non-zero from the first picture that was decoded and drawn until the stream ends or no frame came
+ * for 5 s. On a window that nobody can see (covered, minimised, none), where nothing is decoded,
+ * from the first key frame that was received. */
 CAMMGR_API int RtspPlayer_IsPlaying(RtspPlayer *player);
 
 /* Asynchronous delete: the handle is invalid from here on, an outstanding probe is still answered,

@@ -40,7 +40,7 @@ public:
     /// allowed to call start(), stop() or the destructor. Each may be empty.
     struct Listener
     {
-        std::function<void()> firstFrame;     ///< the first picture arrived
+        std::function<void()> firstFrame;     ///< isPlaying() became true
         std::function<void(StreamEnd)> ended; ///< exactly once for a stream that ends by itself
         std::function<void()> wantKeyFrame;   ///< a key frame now would show the picture sooner
     };
@@ -59,7 +59,8 @@ public:
 
     /// Starting or playing: from start() until stop() or the end of the stream.
     bool isActive() const;
-    /// Frames arrive: from the first one on, until none came for 5 s or the stream ends.
+    /// From the first picture that was drawn, until none came for 5 s or the stream ends. Where
+    /// nothing is drawn (no window, or one that nobody can see): from the first key frame on.
     bool isPlaying() const;
     /// Whether the stream that is active has video, audio; false while that is unknown.
     bool hasVideo() const;

@@ -22,10 +22,12 @@ constexpr auto longestReplay = 2s;
 
 } // namespace
 
-LiveView::LiveView(uintptr_t window, const GopBuffer &memory, std::function<void()> wantKeyFrame)
+LiveView::LiveView(uintptr_t window, const GopBuffer &memory, std::function<void()> wantKeyFrame,
+                   std::function<void()> changed)
     : m_windowHandle(window)
     , m_memory(memory)
     , m_wantKeyFrame(std::move(wantKeyFrame))
+    , m_changed(std::move(changed))
     , m_chain(window)
 {
 }
@@ -45,13 +47,15 @@ void LiveView::open()
     }
     const bool opened = m_chain.open();
     const std::weak_ptr<LiveView> self = weak_from_this();
-    std::lock_guard lock(m_lock);
+    std::unique_lock lock(m_lock);
     m_busy = false;
     m_idle.notify_all();
     if (m_stage == Stage::Closed)
         return;
     if (!opened) {
+        lock.unlock();
         g_log("cammgr", G_LOG_LEVEL_WARNING, "nothing can be drawn on this display");
+        setUnseen(true);
         return;
     }
     m_stage = Stage::Ready;
@@ -114,8 +118,16 @@ void LiveView::setWindow(const WindowState &state, bool damaged)
         m_redraw |= state.visible && (damaged || !(before == state));
         schedule();
     }
-    if (needKey)
+    setUnseen(!state.visible);
+    if (needKey && m_wantKeyFrame)
         m_wantKeyFrame();
+}
+
+/// Called without the lock.
+void LiveView::setUnseen(bool unseen)
+{
+    if (m_isUnseen.exchange(unseen) != unseen && m_changed)
+        m_changed();
 }
 
 bool LiveView::isDecoding() const
@@ -236,6 +248,8 @@ bool LiveView::step()
         break;
     case Step::Kind::Decode:
         good = m_chain.decode(now.unit, now.show);
+        if (m_chain.drawn() > 0 && !m_hasShown.exchange(true) && m_changed)
+            m_changed();
         break;
     case Step::Kind::Reopen:
         good = m_chain.open();

@@ -5,6 +5,7 @@
 #include "platform/cammgr/picture_chain.h"
 #include "platform/cammgr/window_watch.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -22,9 +23,10 @@ namespace cammgr {
 class LiveView : public FrameTaker, public std::enable_shared_from_this<LiveView>
 {
 public:
-    /// memory: gets each frame before this does; must outlive it. wantKeyFrame: called on a library
-    /// thread, must not wait.
-    LiveView(uintptr_t window, const GopBuffer &memory, std::function<void()> wantKeyFrame);
+    /// memory: gets each frame before this does; must outlive it. wantKeyFrame, and changed when
+    /// hasShown() or isUnseen() changes: called on a library thread, must not wait; may be empty.
+    LiveView(uintptr_t window, const GopBuffer &memory, std::function<void()> wantKeyFrame,
+             std::function<void()> changed = {});
     ~LiveView() override;
 
     /// Opens the sink. On a media worker.
@@ -36,6 +38,10 @@ public:
     /// The window changed, as WindowWatch tells.
     void setWindow(const WindowState &state, bool damaged);
 
+    /// Whether a picture was drawn since the start. Any thread.
+    bool hasShown() const { return m_hasShown; }
+    /// Whether it is known that nobody can see the window, or nothing can be drawn. Any thread.
+    bool isUnseen() const { return m_isUnseen; }
     /// Whether pictures are decoded as they come.
     bool isDecoding() const;
     /// See PictureChain::latest().
@@ -70,11 +76,15 @@ private:
     static void queueStep(std::shared_ptr<LiveView> self);
     void shedLoad(SteadyClock::time_point now);
     bool replayMemory();
+    void setUnseen(bool unseen);
 
     const uintptr_t m_windowHandle;
     const GopBuffer &m_memory;
     const std::function<void()> m_wantKeyFrame;
+    const std::function<void()> m_changed;
     PictureChain m_chain; ///< the thread that set m_busy
+    std::atomic<bool> m_hasShown = false;
+    std::atomic<bool> m_isUnseen = false;
 
     mutable std::mutex m_lock; ///< protects everything below
     std::condition_variable m_idle;

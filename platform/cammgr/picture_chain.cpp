@@ -167,7 +167,10 @@ GstPadProbeReturn PictureChain::takePicture(GstPad *pad, GstPadProbeInfo *info, 
     }
     if (newShape)
         chain->fit();
-    return chain->m_show ? GST_PAD_PROBE_OK : GST_PAD_PROBE_DROP;
+    if (!chain->m_show)
+        return GST_PAD_PROBE_DROP;
+    ++chain->m_drawn;
+    return GST_PAD_PROBE_OK;
 }
 
 } // namespace cammgr

@@ -31,6 +31,8 @@ public:
     void setWindowSize(int width, int height);
     /// Draws the latest picture again, at the size that the window has now.
     void redraw();
+    /// How many pictures were handed to the window; the caller's thread.
+    uint64_t drawn() const { return m_drawn; }
     /// The picture that was decoded last, in the stream's own size; empty when there is none.
     SampleRef latest() const;
 
@@ -50,6 +52,7 @@ private:
     bool m_hardware = false;
     bool m_hardwareFailed = false;
     bool m_show = true;
+    uint64_t m_drawn = 0;
     int m_windowWidth = 0;
     int m_windowHeight = 0;
     std::atomic<bool> m_failed = false;

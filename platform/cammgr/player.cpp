@@ -25,13 +25,14 @@ void postTo(const std::weak_ptr<CameraSession> &target, std::function<void(Camer
 
 LiveStream::Listener listenerFor(const std::weak_ptr<CameraSession> &session)
 {
-    return {.firstFrame = {},
-            .ended =
-                [session](StreamEnd reason) {
-                    postTo(session, [reason](CameraSession &s) { s.streamEnded(reason); });
-                },
-            .wantKeyFrame =
-                [session] { postTo(session, [](CameraSession &s) { s.keyFrameWanted(); }); }};
+    return {
+        .firstFrame = [session] { postTo(session, [](CameraSession &s) { s.pictureShown(); }); },
+        .ended =
+            [session](StreamEnd reason) {
+                postTo(session, [reason](CameraSession &s) { s.streamEnded(reason); });
+            },
+        .wantKeyFrame =
+            [session] { postTo(session, [](CameraSession &s) { s.keyFrameWanted(); }); }};
 }
 
 } // namespace
@@ -93,6 +94,7 @@ void RtspPlayer::stop()
 void RtspPlayer::voidOrder()
 {
     ++m_playTicket;
+    postTo(m_session, [](CameraSession &session) { session.orderVoided(); });
     const std::lock_guard lock(m_mutex);
     m_stream.stop();
 }

@@ -29,9 +29,10 @@ LiveStream::Session::Session(const StreamRequest &request, const Listener &liste
     , m_audio(std::make_shared<AudioOutput>())
     , m_recorder(
           std::make_shared<Recorder>(m_memory, std::move(closing), [this] { wantKeyFrame(); }))
-    , m_view(request.window == 0
-                 ? nullptr
-                 : std::make_shared<LiveView>(request.window, m_memory, [this] { wantKeyFrame(); }))
+    , m_view(request.window == 0 ? nullptr
+                                 : std::make_shared<LiveView>(
+                                       request.window, m_memory, [this] { wantKeyFrame(); },
+                                       [this] { checkFirstPicture(); }))
 {
     m_started = m_lastSign = m_lastKeepAlive = SteadyClock::now();
 }
@@ -145,8 +146,18 @@ void LiveStream::Session::sourceVideo(const AccessUnit &unit)
         m_caps = unit.caps;
         readSize(unit.caps.get());
     }
+    if (unit.key && !m_keyReceived.exchange(true))
+        checkFirstPicture();
+}
+
+/// Any thread. What can be seen plays when it is seen; what nobody can see is not decoded, and
+/// plays when a picture could be.
+void LiveStream::Session::checkFirstPicture()
+{
+    if (!m_keyReceived || (m_view && !m_view->isUnseen() && !m_view->hasShown()))
+        return;
     auto starting = State::Starting;
-    if (unit.key && m_state.compare_exchange_strong(starting, State::Playing))
+    if (m_state.compare_exchange_strong(starting, State::Playing))
         tell(m_listener.firstFrame);
 }
 

@@ -69,6 +69,7 @@ private:
     void release();
     void readSize(GstCaps *caps);
     void wantKeyFrame();
+    void checkFirstPicture();
     void tell(const std::function<void()> &callback);
 
     const StreamRequest m_request;
@@ -86,6 +87,7 @@ private:
     std::atomic<bool> m_hasVideo = false;
     std::atomic<bool> m_hasAudio = false;
     std::atomic<bool> m_playAnswered = false;
+    std::atomic<bool> m_keyReceived = false;
     std::atomic<int> m_width = 0;
     std::atomic<int> m_height = 0;
     std::atomic<SteadyClock::time_point> m_started;

@@ -91,6 +91,28 @@ TEST(CammgrWithCamera, ProbesACameraAtItsAddress)
     EXPECT_EQ(RtspPlayer_GetMode(player), 0);
 }
 
+TEST(CammgrWithCamera, AProbeRightAfterPlayTellsTheFirstPicture)
+{
+    Cameras cameras({"--warm"});
+    Player player(cameras.camera().host());
+    ASSERT_TRUE(player.probeUntil(CAMMGR_MSG_PROBE_OK, 0));
+    for (const char *path : {subPath, mainPath}) {
+        RtspPlayer_SetupP2PliveStream(player, path, 0);
+        const auto begin = std::chrono::steady_clock::now();
+        RtspPlayer_Play(player);
+        EXPECT_EQ(RtspPlayer_IsPlaying(player), 0);
+        const auto message = player.probe();
+        ASSERT_TRUE(message);
+        EXPECT_EQ(message->kind, CAMMGR_MSG_PROBE_OK);
+        // Either there is a picture, or a slow machine took its time for it.
+        if (std::chrono::steady_clock::now() - begin < 2900ms) {
+            EXPECT_NE(RtspPlayer_IsPlaying(player), 0);
+            EXPECT_GT(RtspPlayer_GetVideoWidth(player), 0);
+        }
+        ASSERT_TRUE(waitUntil([&] { return RtspPlayer_IsPlaying(player) != 0; }));
+    }
+}
+
 TEST(CammgrWithCamera, AWrongPasswordIsRefusedUntilItIsRight)
 {
     Cameras cameras({"--canned"});

@@ -431,3 +431,25 @@ TEST_F(ShortSessionTest, IsKeptAlive)
     EXPECT_FALSE(m_listener.waitForEnd(20s));
     EXPECT_TRUE(m_stream.isPlaying());
 }
+
+TEST_F(CameraTest, PlaysOnAWindowWhenItsFirstPictureIsThere)
+{
+    TestWindow window(320, 180);
+    if (!window.exists())
+        GTEST_SKIP() << "no X display";
+    play(window.id());
+    EXPECT_TRUE(m_stream.isPlaying());
+    // An empty window is all white; the picture has white letters.
+    EXPECT_LT(window.grab().white, 320u * 180 / 4);
+}
+
+TEST_F(CameraTest, PlaysOnAWindowThatNobodySees)
+{
+    TestWindow window(320, 180);
+    if (!window.exists())
+        GTEST_SKIP() << "no X display";
+    window.hide();
+    play(window.id());
+    EXPECT_TRUE(m_stream.isPlaying());
+    EXPECT_GT(m_stream.width(), 0);
+}

@@ -47,8 +47,9 @@ protected:
     TestWindow m_window{320, 240};
     GopBuffer m_memory;
     std::atomic<int> m_keyFrameWishes = 0;
-    std::shared_ptr<LiveView> m_view =
-        std::make_shared<LiveView>(m_window.id(), m_memory, [this] { ++m_keyFrameWishes; });
+    std::atomic<int> m_changes = 0;
+    std::shared_ptr<LiveView> m_view = std::make_shared<LiveView>(
+        m_window.id(), m_memory, [this] { ++m_keyFrameWishes; }, [this] { ++m_changes; });
 };
 
 } // namespace
@@ -220,4 +221,33 @@ TEST_F(LiveViewTest, CloseBeforeAndDuringOpening)
     m_view->close();
     m_view->open();
     EXPECT_FALSE(m_view->isDecoding());
+}
+
+TEST_F(LiveViewTest, ShowsWhenAPictureIsDrawnAndNotWhenAKeyFrameComes)
+{
+    const auto units = EncodedStream::make({.frames = 20, .keyDistance = 10});
+    openAndSee();
+    EXPECT_FALSE(m_view->isUnseen());
+    AccessUnit empty = units[0];
+    empty.buffer =
+        BufferRef::adopt(gst_buffer_copy_region(units[0].buffer.get(), GST_BUFFER_COPY_ALL, 0, 5));
+    feed({empty});
+    ASSERT_TRUE(waitForDecoded(1));
+    EXPECT_FALSE(m_view->hasShown());
+    EXPECT_EQ(m_changes, 0);
+    feed({units.begin() + 10, units.end()});
+    ASSERT_TRUE(waitUntil([this] { return m_view->hasShown(); }));
+    EXPECT_EQ(m_window.grab().white, 0u);
+    ASSERT_TRUE(waitForDecoded(11));
+    EXPECT_EQ(m_changes, 1);
+}
+
+TEST_F(LiveViewTest, TellsThatNobodyCanSeeTheWindow)
+{
+    openAndSee();
+    m_window.hide();
+    EXPECT_TRUE(waitUntil([this] { return m_view->isUnseen() && m_changes == 1; }));
+    m_window.show();
+    EXPECT_TRUE(waitUntil([this] { return !m_view->isUnseen() && m_changes == 2; }));
+    EXPECT_FALSE(m_view->hasShown());
 }

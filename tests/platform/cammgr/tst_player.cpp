@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <set>
 
 using Connection = TinyServer::Connection;
@@ -394,6 +395,62 @@ TEST(Player, ATextThatIsNotUtf8CountsAsEmpty)
     EXPECT_EQ(basicLogins(server), std::vector<std::string>{":secret"});
     EXPECT_LT(RtspPlayer_SetupP2PliveStream(player, "/caf\xe9", 0), 0);
     RtspPlayer_DeleteSync(player);
+}
+
+TEST(Player, AProbeAfterPlayOfAStreamThatFailsIsNotAnsweredSooner)
+{
+    TinyServer server(answerProbes); // describes no stream at all
+    PlayerMessages messages;
+    RtspPlayer *player = makePlayer(server.address(), messages);
+    RtspPlayer_TickAlive(player);
+    ASSERT_TRUE(messages.next());
+    RtspPlayer_SetupP2PliveStream(player, "/live/0/h264.sdp", 0);
+    const auto begin = std::chrono::steady_clock::now();
+    RtspPlayer_Play(player);
+    RtspPlayer_TickAlive(player);
+    const auto message = messages.next();
+    ASSERT_TRUE(message);
+    EXPECT_EQ(message->kind, CAMMGR_MSG_PROBE_OK);
+    const auto spent = std::chrono::steady_clock::now() - begin;
+    EXPECT_GE(spent, 2900ms) << "a client that plays on each answer must not hurry";
+    EXPECT_LT(spent, 20s);
+    RtspPlayer_DeleteSync(player);
+}
+
+/// Describes to probes, and never answers the stream's requests.
+void answerProbesOnly(Connection &camera)
+{
+    for (std::string request = camera.readRequest(); request.starts_with("DESCRIBE");
+         request = camera.readRequest())
+        camera.write(description);
+    camera.waitForEnd();
+}
+
+TEST(Player, AProbeAfterPlayIsAnsweredWhenTheOrderIsVoid)
+{
+    TinyServer server(answerProbesOnly);
+    const auto stop = [](RtspPlayer *p) { RtspPlayer_Stop(p); };
+    const auto setUp = [](RtspPlayer *p) {
+        RtspPlayer_SetupP2PliveStream(p, "/live/1/h264.sdp", 0);
+    };
+    const auto stopConnecting = [](RtspPlayer *p) { RtspPlayer_Stop_Connecting(p); };
+    for (const std::function<void(RtspPlayer *)> &voidOrder :
+         {std::function<void(RtspPlayer *)>(stop), {setUp}, {stopConnecting}}) {
+        PlayerMessages messages;
+        RtspPlayer *player = makePlayer(server.address(), messages);
+        RtspPlayer_TickAlive(player);
+        ASSERT_TRUE(messages.next());
+        RtspPlayer_SetupP2PliveStream(player, "/live/0/h264.sdp", 0);
+        const auto begin = std::chrono::steady_clock::now();
+        RtspPlayer_Play(player);
+        RtspPlayer_TickAlive(player);
+        voidOrder(player);
+        ASSERT_TRUE(messages.next());
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, 2500ms);
+        RtspPlayer_Stop(player);
+        RtspPlayer_DeleteSync(player);
+        EXPECT_EQ(messages.count(), 2);
+    }
 }
 
 } // namespace
