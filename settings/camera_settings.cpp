@@ -2,6 +2,8 @@
 
 #include "settings/host_name.h"
 #include "settings/ini_store.h"
+#include "settings/safe_file.h"
+#include "settings/stored_text.h"
 
 #include <QDir>
 #include <QFile>
@@ -12,24 +14,22 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <utility>
+
+using zelvaro::SettingsText;
 
 namespace {
 
 Q_LOGGING_CATEGORY(lcSettings, "zelvaro.settings")
 
-struct StoreCloser
-{
-    void operator()(ini_file *file) const { ini_close(file); }
-};
-using Store = std::unique_ptr<ini_file, StoreCloser>;
+using Store = std::unique_ptr<ini_file, void (*)(ini_file *)>;
 
 /// An empty path is a store in memory.
 Store openStore(const QString &path, const char *mode)
 {
-    if (path.isEmpty()) {
-        return Store(ini_open(nullptr, mode));
-    }
-    return Store(ini_open(QFile::encodeName(path).constData(), mode));
+    const QByteArray name = QFile::encodeName(path);
+    return {ini_open(name.isEmpty() ? nullptr : name.constData(), mode),
+            [](ini_file *file) { ini_close(file); }};
 }
 
 QString slashed(QString path)
@@ -42,35 +42,55 @@ QString read(const Store &store, const char *key)
     return QString::fromLocal8Bit(ini_get_string(store.get(), key));
 }
 
-/// A line end in a text would end its line in the file and make the rest a line of its own, and a
-/// NUL would cut it: both become blanks.
-void write(const Store &store, const char *key, QString text)
+QString read(const Store &store, SettingsText which)
 {
-    static const QRegularExpression lineBreakers(QStringLiteral("[\\r\\n\\x00]"));
-    ini_set(store.get(), key, text.replace(lineBreakers, QStringLiteral(" ")).toLocal8Bit());
+    return read(store, zelvaro::settingsKey(which));
 }
 
-void writeRecord(const Store &store, const CameraRecord &record)
+/// A line end in a text would end its line in the file and make the rest a line of its own, and a
+/// NUL would cut it: both become blanks. False when the text does not come back as it is.
+bool write(const Store &store, SettingsText which, QString text)
 {
-    write(store, "TYPE",
-          record.type == CAMERA_TYPE_P2P ? QStringLiteral("P2P") : QStringLiteral("IP"));
-    write(store, "HOSTNAME", record.hostname);
-    write(store, "USERNAME", record.username);
-    write(store, "PASSWORD", record.password);
-    write(store, "NAME", record.name);
-    write(store, "MULTILIVE", record.multiLive ? QStringLiteral("1") : QStringLiteral("0"));
+    static const QRegularExpression lineBreakers(QStringLiteral("[\\r\\n\\x00]"));
+    text.replace(lineBreakers, QStringLiteral(" "));
+    ini_set(store.get(), zelvaro::settingsKey(which), text.toLocal8Bit());
+    return zelvaro::storedText(which, text) == zelvaro::StoredText::Whole;
+}
+
+bool writeRecord(const Store &store, const CameraRecord &record)
+{
+    ini_set(store.get(), "TYPE", record.type == CAMERA_TYPE_P2P ? "P2P" : "IP");
+    bool whole = write(store, SettingsText::Hostname, record.hostname);
+    whole = write(store, SettingsText::Username, record.username) && whole;
+    whole = write(store, SettingsText::Password, record.password) && whole;
+    whole = write(store, SettingsText::Name, record.name) && whole;
+    ini_set(store.get(), "MULTILIVE", record.multiLive ? "1" : "0");
+    return whole;
 }
 
 std::unique_ptr<CameraRecord> readRecord(const Store &store)
 {
     auto record = std::make_unique<CameraRecord>();
-    record->hostname = read(store, "HOSTNAME");
+    record->hostname = read(store, SettingsText::Hostname);
     record->type = read(store, "TYPE") == QLatin1String("P2P") ? CAMERA_TYPE_P2P : CAMERA_TYPE_IP;
-    record->username = read(store, "USERNAME");
-    record->password = read(store, "PASSWORD");
-    record->name = read(store, "NAME");
+    record->username = read(store, SettingsText::Username);
+    record->password = read(store, SettingsText::Password);
+    record->name = read(store, SettingsText::Name);
     record->multiLive = read(store, "MULTILIVE") == QLatin1String("1");
     return record;
+}
+
+/// Whether there is a camera with this number or a greater one.
+bool hasCamerasFrom(int number, const Store &store)
+{
+    ini_select_section(store.get(), nullptr);
+    for (const char *name = nullptr; ini_next_section(store.get(), &name) == 0;) {
+        bool isNumber = false;
+        if (QByteArray(name).toInt(&isNumber) >= number && isNumber &&
+            *ini_get_string(store.get(), zelvaro::settingsKey(SettingsText::Hostname)))
+            return true;
+    }
+    return false;
 }
 
 /// The folder that a host name gives on a system that takes every character.
@@ -108,10 +128,11 @@ int CameraSettings::load()
 {
     computePaths();
     QDir().mkpath(m_configDir);
+    safe_file_clean(QFile::encodeName(m_configFile));
+    m_copyKept = false;
     readFile();
-    if (!QDir().mkpath(m_albumPath)) {
+    if (!QDir().mkpath(m_albumPath))
         qCWarning(lcSettings) << "cannot make the album folder" << m_albumPath;
-    }
     return 0;
 }
 
@@ -119,41 +140,72 @@ void CameraSettings::readFile()
 {
     m_records.clear();
     const Store store = openStore(m_configFile, "r");
-    if (!store) {
+    if (!store)
         return;
-    }
-    const QString album = read(store, "ALBUMPATH");
-    if (!album.isEmpty()) {
+    const QString album = read(store, SettingsText::AlbumPath);
+    if (!album.isEmpty())
         setAlbumPath(album);
-    }
     // The same rule as addRecord, which would look through the list for each of many records.
     QSet<QString> hostnames;
-    for (int i = 0; ini_select_section(store.get(), QByteArray::number(i)) == 0; ++i) {
+    int number = 0;
+    for (; ini_select_section(store.get(), QByteArray::number(number)) == 0; ++number) {
         auto record = readRecord(store);
-        if (record->hostname.isEmpty() || hostnames.contains(record->hostname)) {
+        if (record->hostname.isEmpty() || hostnames.contains(record->hostname))
             continue;
-        }
         hostnames.insert(record->hostname);
         m_records.push_back(std::move(record));
     }
+    FileTroubles troubles;
+    troubles.setFlag(NotRead, store->unread != 0);
+    troubles.setFlag(CamerasNotLoaded, hasCamerasFrom(number, store));
+    if (troubles)
+        qCWarning(lcSettings) << "not all of" << m_configFile << "was read:" << int(troubles);
+    setTroubles(FileTroubles(~0), troubles);
 }
 
-int CameraSettings::save() const
+int CameraSettings::save()
 {
     QDir().mkpath(m_configDir);
+    keepCopy();
     const Store store = openStore(m_configFile, "w");
-    if (!store) {
+    if (!store)
         return 0;
-    }
-    write(store, "ALBUMPATH", m_albumPath);
+    const bool whole = fill(store);
+    const bool written = ini_flush(store.get()) == 0;
+    store->dirty = 0; // closing would only try once more
+    if (!written)
+        qCWarning(lcSettings) << "cannot write" << m_configFile;
+    FileTroubles troubles;
+    troubles.setFlag(NotWritten, !written);
+    troubles.setFlag(TextsNotKept, !whole);
+    setTroubles(FileTroubles(NotWritten) | TextsNotKept, troubles);
+    return 0;
+}
+
+void CameraSettings::keepCopy()
+{
+    if (m_copyKept)
+        return;
+    m_copyKept = true;
+    if (safe_file_keep_copy(QFile::encodeName(m_configFile)) != 0)
+        qCWarning(lcSettings) << "cannot keep a copy of" << m_configFile;
+}
+
+bool CameraSettings::fill(const Store &store) const
+{
+    bool whole = write(store, SettingsText::AlbumPath, m_albumPath);
     for (int i = 0; i < count(); ++i) {
         ini_use_section(store.get(), QByteArray::number(i));
-        writeRecord(store, *at(i));
+        whole = writeRecord(store, *at(i)) && whole;
     }
-    if (ini_flush(store.get()) != 0) {
-        qCWarning(lcSettings) << "cannot write" << m_configFile;
-    }
-    return 0;
+    return whole;
+}
+
+void CameraSettings::setTroubles(FileTroubles which, FileTroubles troubles)
+{
+    const FileTroubles before = std::exchange(m_troubles, (m_troubles & ~which) | troubles);
+    if (m_troubles != before)
+        emit fileTroublesChanged();
 }
 
 CameraRecord *CameraSettings::addRecord(int type, const QString &hostname, const QString &username,
@@ -196,7 +248,9 @@ CameraRecord *CameraSettings::at(int index) const
 
 void CameraSettings::setAlbumPath(const QString &path)
 {
-    m_albumPath = slashed(path);
+    const QString before = std::exchange(m_albumPath, slashed(path));
+    if (m_albumPath != before)
+        emit albumPathChanged();
 }
 
 QString CameraSettings::cameraFolder(const QString &hostname) const

@@ -2,12 +2,24 @@
 
 #include <string.h>
 
+/* What a value is written between. */
+static const char *quote_of(const char *value)
+{
+    return strpbrk(value, " \"") ? "\"" : "";
+}
+
+size_t ini_pair_length(const char *key, const char *value)
+{
+    const size_t length = strlen(key) + strlen("=");
+    return value ? length + strlen(value) + 2 * strlen(quote_of(value)) : length;
+}
+
 static void save_pair(const ini_entry *entry, FILE *stream)
 {
     fputs(entry->key, stream);
     fputc('=', stream);
     if (entry->value) {
-        const char *quote = strpbrk(entry->value, " \"") ? "\"" : "";
+        const char *quote = quote_of(entry->value);
         fprintf(stream, "%s%s%s", quote, entry->value, quote);
     }
     if (entry->comment) {

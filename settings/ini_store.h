@@ -116,6 +116,9 @@ int32_t ini_delete_key(ini_file *file, const char *key);
  * empty line. -1 when there is none. */
 int32_t ini_rename_key(ini_file *file, const char *key, const char *new_key);
 
+/* Bytes of the line that a key and its value are written as, without its end; value may be NULL. */
+size_t ini_pair_length(const char *key, const char *value);
+
 /* Visits the next line of the current section; key and value may be NULL. -1 at the end. */
 int32_t ini_next_entry(ini_file *file, const char **key, const char **value);
 

@@ -30,12 +30,16 @@ public:
             qFatal("cannot write %s", qPrintable(file.fileName()));
         }
     }
-    QByteArray read() const
+    QByteArray read() const { return read(file()); }
+    /// The copy of the file as a run found it.
+    QByteArray copy() const { return read(file() + QStringLiteral(".bak")); }
+
+private:
+    static QByteArray read(const QString &name)
     {
-        QFile file(this->file());
+        QFile file(name);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
     }
 
-private:
     QTemporaryDir m_home;
 };

@@ -1,12 +1,44 @@
+#include "settings/ini_store.h"
+#include "settings/stored_text.h"
 #include "tests/settings/settings_home.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTextCodec>
 #include <QtTest>
 
+#include <cerrno>
 #include <memory>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using zelvaro::SettingsText;
+using zelvaro::StoredText;
 
 namespace {
+
+int diskWaits = 0;
+bool diskFails = false;
+
+using Store = std::unique_ptr<ini_file, int32_t (*)(ini_file *)>;
+
+/// The encoding of the user's language while it lives.
+class LocalEncoding
+{
+public:
+    explicit LocalEncoding(const QByteArray &name) : m_before(QTextCodec::codecForLocale())
+    {
+        QTextCodec::setCodecForLocale(QTextCodec::codecForName(name));
+    }
+    ~LocalEncoding() { QTextCodec::setCodecForLocale(m_before); }
+    LocalEncoding(const LocalEncoding &) = delete;
+    LocalEncoding &operator=(const LocalEncoding &) = delete;
+
+private:
+    QTextCodec *m_before;
+};
 
 QByteArray section(int index, const QByteArray &hostname, const QByteArray &rest = {})
 {
@@ -24,8 +56,20 @@ QStringList hostnames(const CameraSettings &settings)
 
 } // namespace
 
+// The linker gives the store this in the place of the system's.
+extern "C" {
+int __real_fsync(int handle);
+
+int __wrap_fsync(int handle)
+{
+    ++diskWaits;
+    errno = EIO;
+    return diskFails ? -1 : __real_fsync(handle);
+}
+}
+
 /// Cameras and album path in the settings file.
-class TstCameraSettings : public QObject
+class TestCameraSettings : public QObject
 {
     Q_OBJECT
 
@@ -37,7 +81,9 @@ private slots:
     void pathsStandBesideTheApplicationsData();
     void readsTwoCameras();
     void writesTwoCamerasToTheByte();
-    void gapInTheNumbersEndsTheList();
+    void gapInTheNumbersEndsTheListAndIsKnown();
+    void byteOrderMarkHidesNoCamera_data();
+    void byteOrderMarkHidesNoCamera();
     void sectionWithoutAHostnameIsSkipped();
     void typeInLowerCaseIsAnIpCamera();
     void multiLiveIsOnlyOne();
@@ -52,13 +98,21 @@ private slots:
     void recordStartsWithTheSubStream();
     void savingDropsWhatIsNotOurs();
     void unwritableFolderKeepsTheChange();
-    void unreadableFileStartsEmpty();
+    void unreadableFileStartsEmptyAndIsKnown();
+    void fileWithoutPermissionKeepsItsCameras();
+    void firstSaveKeepsTheFileAsItWasFound();
+    void leftoverOfAKilledSaveIsRemovedAtTheNextStart();
+    void aSaveWaitsForTheDiskOnce();
+    void aNewAlbumPathIsAnnounced();
     void fiveHundredCamerasLoad();
     void manyCamerasLoadInSensibleTime();
     void randomBytesNeverHarm();
     void nulBytesNeverHarm();
     void lineEndsInTextsDoNotBreakTheFile();
+    void textsInTheLocalEncodingComeBack_data();
     void textsInTheLocalEncodingComeBack();
+    void textsThatTheFileCannotHoldAreKnown();
+    void storedTextSaysWhatComesBack();
     void loadSaveLoadIsStable();
     void loadReplacesWhatWasThere();
     void cameraFolderStaysBelowTheAlbum_data();
@@ -69,7 +123,7 @@ private:
     std::unique_ptr<SettingsHome> m_home;
 };
 
-void TstCameraSettings::startsEmptyWithoutAFile()
+void TestCameraSettings::startsEmptyWithoutAFile()
 {
     CameraSettings settings;
     QCOMPARE(settings.load(), 0);
@@ -80,7 +134,7 @@ void TstCameraSettings::startsEmptyWithoutAFile()
     QVERIFY(!QFile::exists(m_home->file()));
 }
 
-void TstCameraSettings::pathsStandBesideTheApplicationsData()
+void TestCameraSettings::pathsStandBesideTheApplicationsData()
 {
     CameraSettings settings;
     settings.load();
@@ -89,7 +143,7 @@ void TstCameraSettings::pathsStandBesideTheApplicationsData()
     QVERIFY(QFileInfo(m_home->folder()).isDir());
 }
 
-void TstCameraSettings::readsTwoCameras()
+void TestCameraSettings::readsTwoCameras()
 {
     QFile sample(QFINDTESTDATA("data/two_cameras.cfg"));
     QVERIFY(sample.open(QIODevice::ReadOnly));
@@ -111,7 +165,7 @@ void TstCameraSettings::readsTwoCameras()
     QVERIFY(!garage.multiLive);
 }
 
-void TstCameraSettings::writesTwoCamerasToTheByte()
+void TestCameraSettings::writesTwoCamerasToTheByte()
 {
     CameraSettings settings;
     settings.load();
@@ -126,15 +180,42 @@ void TstCameraSettings::writesTwoCamerasToTheByte()
              QFile::ReadOwner | QFile::WriteOwner);
 }
 
-void TstCameraSettings::gapInTheNumbersEndsTheList()
+void TestCameraSettings::gapInTheNumbersEndsTheListAndIsKnown()
 {
-    m_home->write(section(0, "a") + section(1, "b") + section(3, "c"));
+    const QByteArray file = section(0, "a") + section(1, "b") + section(3, "c");
+    m_home->write(file);
     CameraSettings settings;
     settings.load();
     QCOMPARE(hostnames(settings), QStringList({"a", "b"}));
+    QCOMPARE(settings.fileTroubles(), CameraSettings::CamerasNotLoaded);
+    // They go with the save, and are known and kept nevertheless.
+    settings.save();
+    QCOMPARE(settings.fileTroubles(), CameraSettings::CamerasNotLoaded);
+    QCOMPARE(m_home->copy(), file);
+    settings.load();
+    QCOMPARE(settings.fileTroubles(), CameraSettings::FileTroubles());
 }
 
-void TstCameraSettings::sectionWithoutAHostnameIsSkipped()
+void TestCameraSettings::byteOrderMarkHidesNoCamera_data()
+{
+    QTest::addColumn<QByteArray>("first");
+    QTest::newRow("before the album path") << QByteArray("ALBUMPATH=HOME/x\n");
+    QTest::newRow("before a header") << QByteArray();
+}
+
+void TestCameraSettings::byteOrderMarkHidesNoCamera()
+{
+    QFETCH(QByteArray, first);
+    const QByteArray home = m_home->path().toUtf8();
+    m_home->write("\xEF\xBB\xBF" + QByteArray(first).replace("HOME", home) + section(0, "a") +
+                  section(1, "b"));
+    CameraSettings settings;
+    settings.load();
+    QCOMPARE(hostnames(settings), QStringList({"a", "b"}));
+    QCOMPARE(settings.albumPath().endsWith("/x"), !first.isEmpty());
+}
+
+void TestCameraSettings::sectionWithoutAHostnameIsSkipped()
 {
     m_home->write(section(0, "a") + section(1, "") + "[2]\nNAME=x\n" + section(3, "c"));
     CameraSettings settings;
@@ -142,7 +223,7 @@ void TstCameraSettings::sectionWithoutAHostnameIsSkipped()
     QCOMPARE(hostnames(settings), QStringList({"a", "c"}));
 }
 
-void TstCameraSettings::typeInLowerCaseIsAnIpCamera()
+void TestCameraSettings::typeInLowerCaseIsAnIpCamera()
 {
     m_home->write(section(0, "a", "TYPE=p2p\n") + section(1, "b", "TYPE=P2P\n") + section(2, "c"));
     CameraSettings settings;
@@ -154,7 +235,7 @@ void TstCameraSettings::typeInLowerCaseIsAnIpCamera()
     QVERIFY(m_home->read().contains("[0]\nTYPE=IP\nHOSTNAME=a\n"));
 }
 
-void TstCameraSettings::multiLiveIsOnlyOne()
+void TestCameraSettings::multiLiveIsOnlyOne()
 {
     m_home->write(section(0, "a", "MULTILIVE=yes\n") + section(1, "b", "MULTILIVE=1\n") +
                   section(2, "c", "MULTILIVE=11\n") + section(3, "d", "MULTILIVE= 1 \n"));
@@ -166,7 +247,7 @@ void TstCameraSettings::multiLiveIsOnlyOne()
     QCOMPARE(settings.at(3)->multiLive, true);
 }
 
-void TstCameraSettings::emptyNameIsWrittenAsAnEmptyValue()
+void TestCameraSettings::emptyNameIsWrittenAsAnEmptyValue()
 {
     CameraSettings settings;
     settings.load();
@@ -175,7 +256,7 @@ void TstCameraSettings::emptyNameIsWrittenAsAnEmptyValue()
     QVERIFY(m_home->read().contains("\nNAME=\nMULTILIVE=0\n"));
 }
 
-void TstCameraSettings::albumPathWithASpaceComesBack()
+void TestCameraSettings::albumPathWithASpaceComesBack()
 {
     CameraSettings settings;
     settings.load();
@@ -188,7 +269,7 @@ void TstCameraSettings::albumPathWithASpaceComesBack()
     QCOMPARE(again.albumPath(), path);
 }
 
-void TstCameraSettings::albumPathTakesSlashes()
+void TestCameraSettings::albumPathTakesSlashes()
 {
     m_home->write("ALBUMPATH=" + m_home->path().toUtf8() + "\\one\\two\n");
     CameraSettings settings;
@@ -196,7 +277,7 @@ void TstCameraSettings::albumPathTakesSlashes()
     QCOMPARE(settings.albumPath(), m_home->path() + "/one/two");
 }
 
-void TstCameraSettings::emptyAlbumPathKeepsTheDefault()
+void TestCameraSettings::emptyAlbumPathKeepsTheDefault()
 {
     m_home->write("ALBUMPATH=\n");
     CameraSettings settings;
@@ -204,7 +285,7 @@ void TstCameraSettings::emptyAlbumPathKeepsTheDefault()
     QCOMPARE(settings.albumPath(), m_home->path() + "/Documents/Zelvaro/Album");
 }
 
-void TstCameraSettings::albumFolderIsMadeAtLoadOnly()
+void TestCameraSettings::albumFolderIsMadeAtLoadOnly()
 {
     CameraSettings settings;
     settings.load();
@@ -216,7 +297,7 @@ void TstCameraSettings::albumFolderIsMadeAtLoadOnly()
     QVERIFY(QFileInfo(settings.albumPath()).isDir());
 }
 
-void TstCameraSettings::repeatedHostnameIsDropped()
+void TestCameraSettings::repeatedHostnameIsDropped()
 {
     m_home->write(section(0, "a", "NAME=first\n") + section(1, "a", "NAME=second\n") +
                   section(2, "A"));
@@ -226,7 +307,7 @@ void TstCameraSettings::repeatedHostnameIsDropped()
     QCOMPARE(settings.at(0)->name, QString("first"));
 }
 
-void TstCameraSettings::addRefusesAHostnameThatIsThere()
+void TestCameraSettings::addRefusesAHostnameThatIsThere()
 {
     CameraSettings settings;
     settings.load();
@@ -237,7 +318,7 @@ void TstCameraSettings::addRefusesAHostnameThatIsThere()
     QVERIFY(settings.addRecord(0, "A", "", "", "", false));
 }
 
-void TstCameraSettings::removeFreesTheRecord()
+void TestCameraSettings::removeFreesTheRecord()
 {
     CameraSettings settings;
     settings.load();
@@ -251,7 +332,7 @@ void TstCameraSettings::removeFreesTheRecord()
     QCOMPARE(settings.count(), 1);
 }
 
-void TstCameraSettings::recordStartsWithTheSubStream()
+void TestCameraSettings::recordStartsWithTheSubStream()
 {
     m_home->write(section(0, "a"));
     CameraSettings settings;
@@ -264,7 +345,7 @@ void TstCameraSettings::recordStartsWithTheSubStream()
     QCOMPARE(settings.at(0)->recordSelected, false);
 }
 
-void TstCameraSettings::savingDropsWhatIsNotOurs()
+void TestCameraSettings::savingDropsWhatIsNotOurs()
 {
     m_home->write("# by hand\nOTHER=1\n" + section(0, "a", "COLOR=red\n"));
     CameraSettings settings;
@@ -275,31 +356,128 @@ void TstCameraSettings::savingDropsWhatIsNotOurs()
                                         "PASSWORD=\nNAME=\nMULTILIVE=0\n"));
 }
 
-void TstCameraSettings::unwritableFolderKeepsTheChange()
+void TestCameraSettings::unwritableFolderKeepsTheChange()
 {
     CameraSettings settings;
     settings.load();
+    QSignalSpy troubles(&settings, &CameraSettings::fileTroublesChanged);
     // A file in the place of the folder refuses everybody, the super-user too.
     QVERIFY(QDir().rmdir(m_home->folder()));
     QFile blocker(m_home->folder());
     QVERIFY(blocker.open(QIODevice::WriteOnly));
     settings.addRecord(1, "a", "", "", "", false);
     QCOMPARE(settings.save(), 0);
+    QCOMPARE(settings.save(), 0);
     QCOMPARE(settings.count(), 1);
+    QCOMPARE(settings.fileTroubles(), CameraSettings::NotWritten);
+    QCOMPARE(troubles.count(), 1);
     QVERIFY(blocker.remove());
     QCOMPARE(settings.save(), 0);
     QVERIFY(m_home->read().contains("HOSTNAME=a\n"));
+    QCOMPARE(settings.fileTroubles(), CameraSettings::FileTroubles());
+    QCOMPARE(troubles.count(), 2);
 }
 
-void TstCameraSettings::unreadableFileStartsEmpty()
+void TestCameraSettings::unreadableFileStartsEmptyAndIsKnown()
 {
     QVERIFY(QDir().mkpath(m_home->file())); // a folder
     CameraSettings settings;
     QCOMPARE(settings.load(), 0);
     QCOMPARE(settings.count(), 0);
+    QCOMPARE(settings.fileTroubles(), CameraSettings::NotRead);
+    QVERIFY(QDir().rmdir(m_home->file()));
+    settings.load();
+    QCOMPARE(settings.fileTroubles(), CameraSettings::FileTroubles());
 }
 
-void TstCameraSettings::fiveHundredCamerasLoad()
+/// As after a run of the super-user. Permissions do not bind that one, so the child is somebody
+/// else.
+void TestCameraSettings::fileWithoutPermissionKeepsItsCameras()
+{
+    const QByteArray file = section(0, "a");
+    m_home->write(file);
+    QVERIFY(QFile::setPermissions(m_home->file(), QFile::Permissions()));
+    for (const QString &path : {m_home->path(), m_home->path() + "/data", m_home->folder()})
+        QCOMPARE(chmod(QFile::encodeName(path).constData(), 0777), 0);
+    const pid_t child = fork();
+    QVERIFY(child >= 0);
+    if (child == 0) {
+        if (geteuid() == 0 && setuid(65534) != 0)
+            _exit(2);
+        CameraSettings settings;
+        settings.load();
+        const bool known =
+            settings.count() == 0 && settings.fileTroubles() == CameraSettings::NotRead;
+        settings.addRecord(1, "b", "", "", "", false);
+        settings.save();
+        _exit(known && settings.fileTroubles().testFlag(CameraSettings::NotWritten) ? 0 : 1);
+    }
+    int status = 0;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QVERIFY(WIFEXITED(status));
+    QCOMPARE(WEXITSTATUS(status), 0);
+    QVERIFY(QFile::setPermissions(m_home->file(), QFile::ReadOwner | QFile::WriteOwner));
+    QCOMPARE(m_home->read(), file);
+}
+
+void TestCameraSettings::firstSaveKeepsTheFileAsItWasFound()
+{
+    const QByteArray found = "# by hand\n" + section(0, "a");
+    m_home->write(found);
+    CameraSettings settings;
+    settings.load();
+    QCOMPARE(m_home->copy(), QByteArray("(no file)"));
+    for (const char *hostname : {"b", "c"}) {
+        settings.addRecord(1, hostname, "", "", "", false);
+        settings.save();
+        QCOMPARE(m_home->copy(), found);
+    }
+    QCOMPARE(QFile::permissions(m_home->file() + ".bak") & ~QFile::Permissions(0xF00),
+             QFile::ReadOwner | QFile::WriteOwner);
+    const QByteArray saved = m_home->read();
+    CameraSettings nextRun;
+    nextRun.load();
+    nextRun.removeRecord(nextRun.at(0));
+    nextRun.save();
+    QCOMPARE(m_home->copy(), saved);
+}
+
+void TestCameraSettings::leftoverOfAKilledSaveIsRemovedAtTheNextStart()
+{
+    m_home->write(section(0, "a"));
+    QVERIFY(QFile::copy(m_home->file(), m_home->file() + ".new-Ab12Cd"));
+    CameraSettings settings;
+    settings.load();
+    QCOMPARE(QDir(m_home->folder()).entryList(QDir::Files), QStringList("Zelvaro.cfg"));
+}
+
+void TestCameraSettings::aSaveWaitsForTheDiskOnce()
+{
+    CameraSettings settings;
+    settings.load();
+    for (const bool fails : {false, true}) {
+        diskWaits = 0;
+        diskFails = fails;
+        settings.save();
+        diskFails = false;
+        QCOMPARE(settings.fileTroubles().testFlag(CameraSettings::NotWritten), fails);
+        // The second time the copy of the file is the first's.
+        QCOMPARE(diskWaits, 1);
+    }
+}
+
+void TestCameraSettings::aNewAlbumPathIsAnnounced()
+{
+    CameraSettings settings;
+    settings.load();
+    QSignalSpy changed(&settings, &CameraSettings::albumPathChanged);
+    settings.setAlbumPath(QString(settings.albumPath()).replace('/', '\\'));
+    QCOMPARE(changed.count(), 0);
+    settings.setAlbumPath("/x");
+    QCOMPARE(changed.count(), 1);
+}
+
+void TestCameraSettings::fiveHundredCamerasLoad()
 {
     CameraSettings settings;
     settings.load();
@@ -312,7 +490,7 @@ void TstCameraSettings::fiveHundredCamerasLoad()
     QCOMPARE(hostnames(again), hostnames(settings));
 }
 
-void TstCameraSettings::manyCamerasLoadInSensibleTime()
+void TestCameraSettings::manyCamerasLoadInSensibleTime()
 {
     QByteArray file;
     for (int i = 0; file.size() < (10 << 20); ++i) {
@@ -328,7 +506,7 @@ void TstCameraSettings::manyCamerasLoadInSensibleTime()
     QVERIFY2(timer.elapsed() < 60000, qPrintable(QString::number(timer.elapsed())));
 }
 
-void TstCameraSettings::randomBytesNeverHarm()
+void TestCameraSettings::randomBytesNeverHarm()
 {
     QRandomGenerator random(42);
     for (int round = 0; round < 100; ++round) {
@@ -343,7 +521,7 @@ void TstCameraSettings::randomBytesNeverHarm()
     }
 }
 
-void TstCameraSettings::nulBytesNeverHarm()
+void TestCameraSettings::nulBytesNeverHarm()
 {
     m_home->write(QByteArray("ALBUMPATH=\0x\n[0]\nHOSTNAME=a\0b\nNAME\0=n\n", 38));
     CameraSettings settings;
@@ -352,7 +530,7 @@ void TstCameraSettings::nulBytesNeverHarm()
     QCOMPARE(settings.at(0)->name, QString());
 }
 
-void TstCameraSettings::lineEndsInTextsDoNotBreakTheFile()
+void TestCameraSettings::lineEndsInTextsDoNotBreakTheFile()
 {
     CameraSettings settings;
     settings.load();
@@ -367,19 +545,91 @@ void TstCameraSettings::lineEndsInTextsDoNotBreakTheFile()
     QCOMPARE(settings.at(0)->name, QString("n  m"));
 }
 
-void TstCameraSettings::textsInTheLocalEncodingComeBack()
+void TestCameraSettings::textsInTheLocalEncodingComeBack_data()
 {
+    QTest::addColumn<QByteArray>("encoding");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("UTF-8") << QByteArray("UTF-8") << QStringLiteral("Tür 門")
+                           << QByteArray("T\xC3\xBCr \xE9\x96\x80");
+    QTest::newRow("Latin-1") << QByteArray("ISO-8859-1") << QStringLiteral("Tür café")
+                             << QByteArray("T\xFCr caf\xE9");
+}
+
+void TestCameraSettings::textsInTheLocalEncodingComeBack()
+{
+    QFETCH(QByteArray, encoding);
+    QFETCH(QString, name);
+    QFETCH(QByteArray, bytes);
+    const LocalEncoding local(encoding);
     CameraSettings settings;
     settings.load();
-    const QString name = QString::fromLocal8Bit(QStringLiteral("Tür café").toLocal8Bit());
     settings.addRecord(1, "a", "", "", name, false);
     settings.save();
-    QVERIFY(m_home->read().contains("NAME=\"" + name.toLocal8Bit() + "\"\n"));
+    QVERIFY(m_home->read().contains("NAME=\"" + bytes + "\"\n"));
+    QCOMPARE(settings.fileTroubles(), CameraSettings::FileTroubles());
     settings.load();
     QCOMPARE(settings.at(0)->name, name);
 }
 
-void TstCameraSettings::loadSaveLoadIsStable()
+void TestCameraSettings::textsThatTheFileCannotHoldAreKnown()
+{
+    const LocalEncoding local("ISO-8859-1");
+    CameraSettings settings;
+    settings.load();
+    settings.addRecord(1, "a", "", "", QStringLiteral("門"), false);
+    settings.save();
+    QCOMPARE(settings.fileTroubles(), CameraSettings::TextsNotKept);
+    settings.at(0)->name = QString(300, 'x');
+    settings.save();
+    QCOMPARE(settings.fileTroubles(), CameraSettings::TextsNotKept);
+    settings.at(0)->name = "x";
+    settings.save();
+    QCOMPARE(settings.fileTroubles(), CameraSettings::FileTroubles());
+}
+
+/// What the dialogs refuse is what the file would lose, no more and no less.
+void TestCameraSettings::storedTextSaysWhatComesBack()
+{
+    const LocalEncoding local("UTF-8");
+    for (const QString &unit : {QStringLiteral("x"), QStringLiteral("x y\""), QStringLiteral("ü"),
+                                QStringLiteral("門 ")}) {
+        for (int length = 200; length < 270; ++length) {
+            QString text;
+            while (text.toUtf8().size() < length)
+                text += unit;
+            CameraSettings settings;
+            settings.load();
+            while (settings.count() > 0)
+                settings.removeRecord(settings.at(0));
+            settings.setAlbumPath(m_home->path() + "/" + text);
+            settings.addRecord(1, text, text, text, text, false);
+            settings.save();
+            const QByteArray file = m_home->read();
+            const auto comesBack = [&](SettingsText which, const QString &stored) {
+                Store store(ini_open(QFile::encodeName(m_home->file()), "r"), ini_close);
+                ini_select_section(store.get(), which == SettingsText::AlbumPath ? nullptr : "0");
+                const char *bytes = ini_get_string(store.get(), zelvaro::settingsKey(which));
+                return QString::fromLocal8Bit(bytes) == stored;
+            };
+            for (const SettingsText which :
+                 {SettingsText::AlbumPath, SettingsText::Hostname, SettingsText::Username,
+                  SettingsText::Password, SettingsText::Name}) {
+                const QString stored =
+                    which == SettingsText::AlbumPath ? settings.albumPath() : text;
+                QCOMPARE(zelvaro::storedText(which, stored) == StoredText::Whole,
+                         comesBack(which, stored));
+            }
+        }
+    }
+    const LocalEncoding narrow("ISO-8859-1");
+    QVERIFY(zelvaro::storedText(SettingsText::Name, QStringLiteral("ü")) == StoredText::Whole);
+    QVERIFY(zelvaro::storedText(SettingsText::Name, QStringLiteral("門")) ==
+            StoredText::Unencodable);
+    QVERIFY(zelvaro::storedText(SettingsText::Name, QString(251, 'x')) == StoredText::TooLong);
+}
+
+void TestCameraSettings::loadSaveLoadIsStable()
 {
     QRandomGenerator random(2018);
     const QString alphabet = QStringLiteral("ab0 =\"[]#;\\/,'");
@@ -418,7 +668,7 @@ void TstCameraSettings::loadSaveLoadIsStable()
     }
 }
 
-void TstCameraSettings::loadReplacesWhatWasThere()
+void TestCameraSettings::loadReplacesWhatWasThere()
 {
     m_home->write(section(0, "a"));
     CameraSettings settings;
@@ -427,7 +677,7 @@ void TstCameraSettings::loadReplacesWhatWasThere()
     QCOMPARE(settings.count(), 1);
 }
 
-void TstCameraSettings::cameraFolderStaysBelowTheAlbum_data()
+void TestCameraSettings::cameraFolderStaysBelowTheAlbum_data()
 {
     QTest::addColumn<QString>("hostname");
     QTest::addColumn<QString>("folder");
@@ -457,7 +707,7 @@ void TstCameraSettings::cameraFolderStaysBelowTheAlbum_data()
                            << "/album/";
 }
 
-void TstCameraSettings::cameraFolderStaysBelowTheAlbum()
+void TestCameraSettings::cameraFolderStaysBelowTheAlbum()
 {
     QFETCH(QString, hostname);
     QFETCH(QString, folder);
@@ -467,7 +717,7 @@ void TstCameraSettings::cameraFolderStaysBelowTheAlbum()
     QVERIFY((QDir::cleanPath(settings.cameraFolder(hostname)) + "/").startsWith("/album/"));
 }
 
-void TstCameraSettings::anAlbumUnderTheHostNameItselfIsKept()
+void TestCameraSettings::anAlbumUnderTheHostNameItselfIsKept()
 {
     CameraSettings settings;
     settings.setAlbumPath(m_home->path() + "/Album");
@@ -484,5 +734,5 @@ void TstCameraSettings::anAlbumUnderTheHostNameItselfIsKept()
     QCOMPARE(settings.cameraFolder("cam.lan:8554"), folder);
 }
 
-QTEST_GUILESS_MAIN(TstCameraSettings)
+QTEST_GUILESS_MAIN(TestCameraSettings)
 #include "tst_camera_settings.moc"
