@@ -935,4 +935,15 @@
         <translation>OK</translation>
     </message>
 </context>
+<context>
+    <name>StoredText</name>
+    <message>
+        <source>%1: too long to be saved. Please enter a shorter text.</source>
+        <translation>%1: 長すぎて保存できません。短くしてください。</translation>
+    </message>
+    <message>
+        <source>%1: has characters that cannot be saved on this system.</source>
+        <translation>%1: このシステムでは保存できない文字が含まれています。</translation>
+    </message>
+</context>
 </TS>

@@ -935,4 +935,15 @@
         <translation>确定</translation>
     </message>
 </context>
+<context>
+    <name>StoredText</name>
+    <message>
+        <source>%1: too long to be saved. Please enter a shorter text.</source>
+        <translation>%1：太长，无法保存。请输入较短的文本。</translation>
+    </message>
+    <message>
+        <source>%1: has characters that cannot be saved on this system.</source>
+        <translation>%1：含有此系统无法保存的字符。</translation>
+    </message>
+</context>
 </TS>

@@ -935,4 +935,15 @@
         <translation>OK</translation>
     </message>
 </context>
+<context>
+    <name>StoredText</name>
+    <message>
+        <source>%1: too long to be saved. Please enter a shorter text.</source>
+        <translation>%1: слишком длинный текст, его нельзя сохранить. Введите более короткий.</translation>
+    </message>
+    <message>
+        <source>%1: has characters that cannot be saved on this system.</source>
+        <translation>%1: содержит символы, которые нельзя сохранить в этой системе.</translation>
+    </message>
+</context>
 </TS>
