@@ -74,11 +74,22 @@ void CPhotoFrame::mouseDoubleClickEvent(QMouseEvent *event)
         QWidget::mouseDoubleClickEvent(event);
 }
 
+void CPhotoFrame::keyPressEvent(QKeyEvent *event)
+{
+    if (!m_escape.press(*event))
+        QWidget::keyPressEvent(event);
+}
+
 void CPhotoFrame::keyReleaseEvent(QKeyEvent *event)
 {
-    // A key that is held down repeats, which would throw the picture to and fro.
-    if (event->key() == Qt::Key_Escape && !event->isAutoRepeat())
+    if (m_escape.release(*event))
         emit doubleClicked();
     else
         QWidget::keyReleaseEvent(event);
+}
+
+void CPhotoFrame::focusOutEvent(QFocusEvent *event)
+{
+    m_escape.focusLost();
+    QWidget::focusOutEvent(event);
 }

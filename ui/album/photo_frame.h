@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/common/escape_key.h"
+
 #include <QRect>
 #include <QSize>
 #include <QWidget>
@@ -21,17 +23,20 @@ public:
     void clear();
 
 signals:
-    /// A double click with the left button, or Escape released.
+    /// A double click with the left button, or Escape pressed and released.
     void doubleClicked();
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     void placePicture();
 
     QFrame *m_picture;
     QSize m_size;
+    zelvaro::EscapeKey m_escape;
 };

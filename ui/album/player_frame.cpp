@@ -41,12 +41,24 @@ void PlayerFrame::resizeEvent(QResizeEvent *event)
     placePlayer();
 }
 
+void PlayerFrame::keyPressEvent(QKeyEvent *event)
+{
+    if (!m_escape.press(*event))
+        QWidget::keyPressEvent(event);
+}
+
 void PlayerFrame::keyReleaseEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && !event->isAutoRepeat())
+    if (m_escape.release(*event))
         emit escaped();
     else
         QWidget::keyReleaseEvent(event);
+}
+
+void PlayerFrame::focusOutEvent(QFocusEvent *event)
+{
+    m_escape.focusLost();
+    QWidget::focusOutEvent(event);
 }
 
 } // namespace zelvaro

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/common/escape_key.h"
+
 #include <QSize>
 #include <QWidget>
 
@@ -20,18 +22,21 @@ public:
     void setVideoSize(QSize size);
 
 signals:
-    /// Escape was released.
+    /// Escape was pressed and released.
     void escaped();
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     void placePlayer();
 
     QWidget *m_player = nullptr;
     QSize m_videoSize;
+    EscapeKey m_escape;
 };
 
 } // namespace zelvaro

@@ -108,11 +108,22 @@ void CVideoFrame::mouseDoubleClickEvent(QMouseEvent *event)
         QWidget::mouseDoubleClickEvent(event);
 }
 
+void CVideoFrame::keyPressEvent(QKeyEvent *event)
+{
+    if (!m_escape.press(*event))
+        QWidget::keyPressEvent(event);
+}
+
 void CVideoFrame::keyReleaseEvent(QKeyEvent *event)
 {
-    // A key that is held down repeats, which would throw the picture to and fro.
-    if (event->key() == Qt::Key_Escape && !event->isAutoRepeat())
+    if (m_escape.release(*event))
         emit doubleClicked();
     else
         QWidget::keyReleaseEvent(event);
+}
+
+void CVideoFrame::focusOutEvent(QFocusEvent *event)
+{
+    m_escape.focusLost();
+    QWidget::focusOutEvent(event);
 }

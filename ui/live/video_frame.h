@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/common/escape_key.h"
+
 #include <QRect>
 #include <QWidget>
 
@@ -25,7 +27,7 @@ public:
 
 signals:
     void clicked();
-    /// A double click with the left button, or Escape released.
+    /// A double click with the left button, or Escape pressed and released.
     void doubleClicked();
 
 protected:
@@ -33,7 +35,9 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     void layoutSurfaces();
@@ -43,4 +47,5 @@ private:
     QRect m_lastGeometry;
     qint32 m_videoWidth = -1;
     qint32 m_videoHeight = -1;
+    zelvaro::EscapeKey m_escape;
 };

@@ -44,7 +44,6 @@ private slots:
     void mayLeaveAsksOnlyWhileRecording();
     void leavingResetsTheRecordButton();
     void theDialogStandsOverTheMainWindow();
-    void escapeInADialogDoesNotReachThePicture();
     void theKeyboardReachesEveryControl();
     void theEmptyGridSaysSoInTheDarkWell();
     void noTileLeavesTheWell_data();
@@ -389,22 +388,6 @@ void tst_MultiLiveForm::theDialogStandsOverTheMainWindow()
     click("btnRecord");
     QCOMPARE(parent, frame());
     QVERIFY(script.done());
-}
-
-void tst_MultiLiveForm::escapeInADialogDoesNotReachThePicture()
-{
-    show({QStringLiteral("A")});
-    m_form->activateWindow();
-    auto *picture = frame()->tiles().at(0)->findChild<QWidget *>(QStringLiteral("frameVideoFrame"));
-    picture->setFocus();
-    QTRY_VERIFY_WITH_TIMEOUT(picture->hasFocus(), Deadline);
-    ModalScript escape([](CSelectCameraForm *dialog) { QTest::keyPress(dialog, Qt::Key_Escape); });
-    click("btnSelect");
-    QVERIFY(escape.done());
-    // The key is released where the focus went back to: on the button that was clicked.
-    QCOMPARE(m_form->focusWidget(), child("btnSelect"));
-    QTest::keyRelease(m_form->focusWidget(), Qt::Key_Escape);
-    QVERIFY(!picture->isWindow());
 }
 
 void tst_MultiLiveForm::theKeyboardReachesEveryControl()

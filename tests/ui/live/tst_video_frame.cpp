@@ -44,6 +44,7 @@ private slots:
     void aDoubleClickWithAnotherButtonIsAPress();
     void escapeReleasedIsADoubleClick();
     void otherKeysAndTheRepeatOfEscapeAreNot();
+    void aReleaseOfEscapeThatWasPressedElsewhereIsPassedOver();
     void theFrameTakesKeyboardFocus();
     void theFrameIsBlack();
 
@@ -223,6 +224,23 @@ void tst_VideoFrame::otherKeysAndTheRepeatOfEscapeAreNot()
     QKeyEvent repeat(QEvent::KeyRelease, Qt::Key_Escape, Qt::NoModifier, QString(), true);
     QCoreApplication::sendEvent(m_frame.get(), &repeat);
     QCOMPARE(doubled.count(), 0);
+}
+
+void tst_VideoFrame::aReleaseOfEscapeThatWasPressedElsewhereIsPassedOver()
+{
+    QSignalSpy doubled(m_frame.get(), &CVideoFrame::doubleClicked);
+    QTest::keyRelease(m_frame.get(), Qt::Key_Escape);
+    QCOMPARE(doubled.count(), 0);
+    // Each release has its own press.
+    QTest::keyClick(m_frame.get(), Qt::Key_Escape);
+    QTest::keyRelease(m_frame.get(), Qt::Key_Escape);
+    QCOMPARE(doubled.count(), 1);
+    // The focus has gone elsewhere between the two.
+    QTest::keyPress(m_frame.get(), Qt::Key_Escape);
+    QFocusEvent out(QEvent::FocusOut);
+    QCoreApplication::sendEvent(m_frame.get(), &out);
+    QTest::keyRelease(m_frame.get(), Qt::Key_Escape);
+    QCOMPARE(doubled.count(), 1);
 }
 
 void tst_VideoFrame::theFrameTakesKeyboardFocus()
