@@ -138,7 +138,7 @@ void CameraSession::describe()
     const std::string path = StreamPaths::path(StreamPlace::Main);
     const std::string url = m_paths.url(m_resolver->endpoint(), path);
     const CameraAddress service = parseUrl(url);
-    m_probe.start({service.endpoint, url, m_info.username, m_info.password},
+    m_probe.start({service.endpoint, url, m_info.username, m_info.password, loginPolicy()},
                   [this](ProbeOutcome outcome) { probed(outcome); });
 }
 
@@ -218,12 +218,20 @@ void CameraSession::moved()
     m_hasLearned = false;
 }
 
+const std::shared_ptr<LoginPolicy> &CameraSession::loginPolicy() const
+{
+    if (m_resolver->isFoundByUid())
+        m_login->distrust();
+    return m_login;
+}
+
 StreamRequest CameraSession::request(const std::string &path, uintptr_t window) const
 {
     return {.url = m_paths.url(m_resolver->endpoint(), path),
             .username = m_info.username,
             .password = m_info.password,
-            .window = window};
+            .window = window,
+            .login = loginPolicy()};
 }
 
 void CameraSession::play(const StreamOrder &order)

@@ -108,9 +108,11 @@ private:
     void startStream();
     void moved();
     void reportReplies(const std::vector<std::string> &replies);
+    const std::shared_ptr<LoginPolicy> &loginPolicy() const;
     StreamRequest request(const std::string &path, uintptr_t window) const;
 
     const SessionInfo m_info;
+    const std::shared_ptr<LoginPolicy> m_login = std::make_shared<LoginPolicy>();
     StreamControl &m_control;
     std::atomic<int> m_mode{1};
     std::atomic<bool> m_commandsOut{false};

@@ -71,6 +71,9 @@ typedef void (*RtspPlayerCallback)(int message, int count_or_error, void *contex
  * rtsp:// or rtsps:// address, or a UID as discovery shows it, which is resolved on the local
  * network, and again whenever the camera does not answer any more. The path of a full address
  * stands for both streams; its user name and password are taken when the other two are empty.
+ * The password goes out as a digest, or over TLS. It is sent in clear (Basic) only to a camera that
+ * the user named by its address and that has never offered anything better in the life of this
+ * player; a device that was found by its UID, which any device can claim, does not get it so.
  * Nothing is sent yet. Returns NULL when no player can be made (no hostname); one whose hostname
  * means nothing is made, and its probes fail.
  */

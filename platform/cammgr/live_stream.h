@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/cammgr/login_policy.h"
+
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -25,6 +27,8 @@ struct StreamRequest
     std::string username;
     std::string password;
     uintptr_t window = 0; ///< native window to draw on; 0 plays without drawing
+    /// What the camera may be told of the password; shared with its other connections.
+    std::shared_ptr<LoginPolicy> login = std::make_shared<LoginPolicy>();
 };
 
 /**

@@ -174,7 +174,7 @@ void RtspPlayer::startTalk(uint64_t ticket, const StreamRequest *request)
     if (ticket != m_talkTicket)
         return;
     if (request)
-        m_talkBack.start(request->url, request->username, request->password);
+        m_talkBack.start(*request);
     m_talkPending = false;
 }
 

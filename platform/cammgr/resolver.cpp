@@ -62,6 +62,7 @@ void Resolver::located(const onvif::CameraLocation &location)
 {
     const bool moved = !m_xaddr.empty() && m_xaddr != location.xaddr;
     m_xaddr = location.xaddr;
+    m_isFoundByUid = true;
     m_streams.reset();
     if (m_endpoint.host != location.address)
         m_endpoint = {.host = location.address, .port = rtspPort, .tls = false};

@@ -23,6 +23,8 @@ public:
     void find(std::function<void(bool)> done);
     /// The RTSP service; port 0 before it was found.
     const Endpoint &endpoint() const { return m_endpoint; }
+    /// Whether who answers there only claims the UID, on the local network, where anybody can.
+    bool isFoundByUid() const { return m_isFoundByUid; }
     /// The camera does not answer there any more.
     void lost();
 
@@ -54,6 +56,7 @@ private:
     const onvif::Credentials m_credentials;
 
     Endpoint m_endpoint;
+    bool m_isFoundByUid = false;
     bool m_isFresh = false; ///< endpoint() holds as far as we know
     std::string m_xaddr;    ///< ONVIF device service; empty while unknown
     std::optional<onvif::CameraStreams> m_streams;

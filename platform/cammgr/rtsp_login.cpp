@@ -4,15 +4,8 @@
 
 #include <gst/rtsp/rtsp.h>
 
-#include <memory>
-
 namespace cammgr {
 namespace {
-
-struct MessageFree
-{
-    void operator()(GstRTSPMessage *message) const { gst_rtsp_message_free(message); }
-};
 
 std::string quoted(const std::string &text)
 {
@@ -28,46 +21,19 @@ std::string quoted(const std::string &text)
 
 } // namespace
 
-bool RtspLogin::takeChallenge(const std::vector<std::string> &headers)
+bool RtspLogin::takeChallenge(const std::vector<std::string> &headers, LoginPolicy &policy,
+                              bool tls)
 {
     m_scheme = Scheme::None;
-    if (m_username.empty() && m_password.empty())
+    const std::vector<LoginChallenge> challenges = parseChallenges(headers);
+    const LoginChallenge *chosen = policy.choose(challenges, tls);
+    if (!chosen || (m_username.empty() && m_password.empty()))
         return false;
-
-    GstRTSPMessage *made = nullptr;
-    gst_rtsp_message_new_response(&made, GST_RTSP_STS_UNAUTHORIZED, nullptr, nullptr);
-    const std::unique_ptr<GstRTSPMessage, MessageFree> message(made);
-    for (const std::string &header : headers)
-        gst_rtsp_message_add_header(made, GST_RTSP_HDR_WWW_AUTHENTICATE, header.c_str());
-    GstRTSPAuthCredential **credentials =
-        gst_rtsp_message_parse_auth_credentials(made, GST_RTSP_HDR_WWW_AUTHENTICATE);
-    for (GstRTSPAuthCredential **each = credentials; each && *each; ++each) {
-        if ((*each)->scheme == GST_RTSP_AUTH_BASIC && m_scheme == Scheme::None)
-            m_scheme = Scheme::Basic;
-        if ((*each)->scheme != GST_RTSP_AUTH_DIGEST || m_scheme == Scheme::Digest)
-            continue;
-        std::string realm, nonce, opaque, algorithm = "MD5";
-        for (GstRTSPAuthParam **param = (*each)->params; param && *param; ++param) {
-            const std::string value = (*param)->value ? (*param)->value : "";
-            if (g_ascii_strcasecmp((*param)->name, "realm") == 0)
-                realm = value;
-            else if (g_ascii_strcasecmp((*param)->name, "nonce") == 0)
-                nonce = value;
-            else if (g_ascii_strcasecmp((*param)->name, "opaque") == 0)
-                opaque = value;
-            else if (g_ascii_strcasecmp((*param)->name, "algorithm") == 0)
-                algorithm = value;
-        }
-        if (g_ascii_strcasecmp(algorithm.c_str(), "MD5") != 0)
-            continue; // neither can the stream be played with it
-        m_scheme = Scheme::Digest;
-        m_realm = realm;
-        m_nonce = nonce;
-        m_opaque = opaque;
-    }
-    if (credentials)
-        gst_rtsp_auth_credentials_free(credentials);
-    return m_scheme != Scheme::None;
+    m_scheme = chosen->isMd5() ? Scheme::Digest : Scheme::Basic;
+    m_realm = chosen->realm;
+    m_nonce = chosen->nonce;
+    m_opaque = chosen->opaque;
+    return true;
 }
 
 std::string RtspLogin::authorization(const char *method, const std::string &uri) const

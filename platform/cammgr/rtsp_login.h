@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/cammgr/login_policy.h"
+
 #include <string>
 #include <vector>
 
@@ -18,11 +20,14 @@ public:
     }
 
     /// Takes the WWW-Authenticate headers of a 401; false when there is no login to answer them
-    /// with, or no scheme that is known here.
-    bool takeChallenge(const std::vector<std::string> &headers);
+    /// with, or none that the policy lets be answered. tls: the connection is encrypted.
+    bool takeChallenge(const std::vector<std::string> &headers, LoginPolicy &policy, bool tls);
 
     /// The Authorization header's value for a request; empty before the first challenge.
     std::string authorization(const char *method, const std::string &uri) const;
+
+    /// Whether a challenge was taken: requests carry a login.
+    bool isInUse() const { return m_scheme != Scheme::None; }
 
     bool operator==(const RtspLogin &other) const
     {

@@ -91,7 +91,8 @@ void RtspProbe::answered(const Reply &reply)
     if (!reply.keepsConnection)
         m_channel.close();
     if (reply.status == 401) {
-        if (m_challenged || !m_login.takeChallenge(reply.all("WWW-Authenticate"))) {
+        if (m_challenged || !m_login.takeChallenge(reply.all("WWW-Authenticate"), *m_target.policy,
+                                                   m_target.endpoint.tls)) {
             // The next probe starts without a login again: one wrong answer each, not two.
             m_login = RtspLogin(m_target.username, m_target.password);
             finish(ProbeOutcome::LoginRefused);

@@ -8,6 +8,7 @@
 #include "platform/cammgr/tcp_channel.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace cammgr {
@@ -19,6 +20,7 @@ struct ProbeTarget
     std::string url; ///< of the stream, without credentials
     std::string username;
     std::string password;
+    std::shared_ptr<LoginPolicy> policy = std::make_shared<LoginPolicy>();
 };
 
 /**
@@ -35,6 +37,8 @@ public:
     void start(const ProbeTarget &target, Done done);
     /// The probe's done never runs. The connection, whose answer is still out, is closed.
     void cancel();
+    /// Whether the last request carried a login.
+    bool usedLogin() const { return m_login.isInUse(); }
     /// Gives up the idle connection, for cameras that allow few.
     void disconnect();
 

@@ -125,6 +125,7 @@ RtspSource::RtspSource(Client &client, const StreamRequest &request, Transport t
     : m_client(client)
     , m_request(request)
     , m_transport(transport)
+    , m_guard(request.login, g_str_has_prefix(request.url.c_str(), "rtsps:"))
 {
 }
 
@@ -145,9 +146,12 @@ bool RtspSource::open()
 bool RtspSource::build()
 {
     m_pipeline.reset(GST_ELEMENT(gst_object_ref_sink(gst_pipeline_new(nullptr))));
-    m_rtspsrc = addElement(m_pipeline.get(), "rtspsrc");
-    if (!m_rtspsrc)
+    m_rtspsrc = m_guard.makeSource();
+    if (!m_rtspsrc) {
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "media element \"rtspsrc\" is missing");
         return false;
+    }
+    gst_bin_add(GST_BIN(m_pipeline.get()), m_rtspsrc);
     const bool udp = m_transport == Transport::Udp;
     g_object_set(m_rtspsrc, "location", m_request.url.c_str(), "latency", udp ? udpReorderMs : 0,
                  "tcp-timeout", connectTimeoutUs, "teardown-timeout", teardownTimeoutNs,

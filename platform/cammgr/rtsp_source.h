@@ -2,6 +2,7 @@
 
 #include "platform/cammgr/frame_taker.h"
 #include "platform/cammgr/live_stream.h"
+#include "platform/cammgr/login_guard.h"
 
 #include <gst/sdp/gstsdpmessage.h>
 
@@ -68,6 +69,7 @@ private:
     Client &m_client;
     const StreamRequest m_request;
     const Transport m_transport;
+    LoginGuard m_guard;
     ObjectPtr<GstElement> m_pipeline;
     GstElement *m_rtspsrc = nullptr; ///< owned by the pipeline
     uint64_t m_frames = 0;           ///< the thread that delivers video

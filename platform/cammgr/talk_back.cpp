@@ -2,6 +2,7 @@
 
 #include "platform/cammgr/glib_ptr.h"
 #include "platform/cammgr/gst_ref.h"
+#include "platform/cammgr/login_guard.h"
 #include "platform/cammgr/stream_description.h"
 
 #include <gst/app/gstappsink.h>
@@ -160,10 +161,8 @@ RunningElement makeMicrophone(const GstCaps *packets)
 class TalkBack::Run
 {
 public:
-    Run(std::string url, std::string username, std::string password, std::shared_ptr<Run> before)
-        : m_url(std::move(url))
-        , m_username(std::move(username))
-        , m_password(std::move(password))
+    Run(StreamRequest camera, std::shared_ptr<Run> before)
+        : m_camera(std::move(camera))
         , m_before(std::move(before))
     {
     }
@@ -198,9 +197,7 @@ private:
         return m_stopWanted;
     }
 
-    const std::string m_url;
-    const std::string m_username;
-    const std::string m_password;
+    const StreamRequest m_camera;
     std::shared_ptr<Run> m_before; ///< the talk before this one; cameras take one at a time
 
     mutable std::mutex m_mutex;
@@ -262,17 +259,18 @@ void TalkBack::Run::work()
 
 void TalkBack::Run::talk()
 {
+    LoginGuard guard(m_camera.login, g_str_has_prefix(m_camera.url.c_str(), "rtsps:"));
     const RunningElement session(gst_pipeline_new("talk-session"));
-    GstElement *source = gst_element_factory_make("rtspsrc", nullptr);
+    GstElement *source = guard.makeSource();
     if (!source)
         return;
     gst_bin_add(GST_BIN(session.get()), source);
     gst_util_set_object_arg(G_OBJECT(source), "protocols", "tcp");
     gst_util_set_object_arg(G_OBJECT(source), "backchannel", "onvif");
     gst_util_set_object_arg(G_OBJECT(source), "tls-validation-flags", "0");
-    g_object_set(source, "location", m_url.c_str(), "user-id", m_username.c_str(), "user-pw",
-                 m_password.c_str(), "tcp-timeout", tcpTimeout, "teardown-timeout", teardownTimeout,
-                 nullptr);
+    g_object_set(source, "location", m_camera.url.c_str(), "user-id", m_camera.username.c_str(),
+                 "user-pw", m_camera.password.c_str(), "tcp-timeout", tcpTimeout,
+                 "teardown-timeout", teardownTimeout, nullptr);
     g_signal_connect(source, "select-stream", G_CALLBACK(&Run::selectStream), this);
     if (!session.play())
         return;
@@ -295,12 +293,11 @@ void TalkBack::Run::talk()
     }
 }
 
-void TalkBack::start(const std::string &url, const std::string &username,
-                     const std::string &password)
+void TalkBack::start(const StreamRequest &camera)
 {
     if (isRunning())
         return;
-    m_run = std::make_shared<Run>(url, username, password, std::move(m_run));
+    m_run = std::make_shared<Run>(camera, std::move(m_run));
     std::thread([run = m_run] {
         pthread_setname_np(pthread_self(), "cammgr-talk");
         run->work();

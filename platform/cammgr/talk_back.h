@@ -1,7 +1,8 @@
 #pragma once
 
+#include "platform/cammgr/live_stream.h"
+
 #include <memory>
-#include <string>
 
 namespace cammgr {
 
@@ -22,9 +23,8 @@ public:
     TalkBack(const TalkBack &) = delete;
     TalkBack &operator=(const TalkBack &) = delete;
 
-    /// Talks to the camera; does nothing while that runs.
-    /// @param url of any of its streams, without credentials
-    void start(const std::string &url, const std::string &username, const std::string &password);
+    /// Talks to the camera of a stream; does nothing while that runs.
+    void start(const StreamRequest &camera);
     void stop();
     /// From start() until stop() or until the camera or the microphone failed.
     bool isRunning() const;

@@ -5,6 +5,8 @@ zelvaro_gtest(tst_live_stream LABEL engine SOURCES tst_live_stream.cpp
 zelvaro_gtest(tst_gop_buffer LABEL engine SOURCES tst_gop_buffer.cpp LINK ${media_test_libraries})
 zelvaro_gtest(tst_clip_room LABEL engine SOURCES tst_clip_room.cpp LINK ${media_test_libraries}
   TIMEOUT 300)
+zelvaro_gtest(tst_login_guard LABEL engine SOURCES tst_login_guard.cpp
+  LINK ${media_test_libraries} cammgr_test_support)
 zelvaro_gtest(tst_part_file LABEL engine SOURCES tst_part_file.cpp LINK ${media_test_libraries})
 zelvaro_gtest(tst_recorder LABEL engine SOURCES tst_recorder.cpp LINK ${media_test_libraries}
   TIMEOUT 300)

@@ -2,11 +2,19 @@
 
 #include <gtest/gtest.h>
 
+using cammgr::LoginPolicy;
 using cammgr::RtspLogin;
 
 namespace {
 
 const std::string uri = "rtsp://cam.lan/live/0/h264.sdp";
+
+/// As on the first connection to a camera.
+bool take(RtspLogin &login, const std::vector<std::string> &headers, bool tls = false)
+{
+    LoginPolicy policy;
+    return login.takeChallenge(headers, policy, tls);
+}
 
 TEST(RtspLogin, SaysNothingBeforeTheChallenge)
 {
@@ -16,7 +24,7 @@ TEST(RtspLogin, SaysNothingBeforeTheChallenge)
 TEST(RtspLogin, AnswersBasic)
 {
     RtspLogin login("Aladdin", "open sesame");
-    ASSERT_TRUE(login.takeChallenge({"Basic realm=\"camera\""}));
+    ASSERT_TRUE(take(login, {"Basic realm=\"camera\""}));
     EXPECT_EQ(login.authorization("DESCRIBE", uri), "Basic QWxhZGRpbjpvcGVuIHNlc2FtZQ==");
 }
 
@@ -24,9 +32,9 @@ TEST(RtspLogin, AnswersDigest)
 {
     // MD5(MD5("Mufasa:testrealm@host.com:Circle Of Life") : nonce : MD5("DESCRIBE:" + uri))
     RtspLogin login("Mufasa", "Circle Of Life");
-    ASSERT_TRUE(login.takeChallenge({"Digest realm=\"testrealm@host.com\", "
-                                     "nonce=\"dcd98b7102dd2f0e8b11d0f600bfb0c093\", "
-                                     "opaque=\"5ccc069c403ebaf9f0171e9517f40e41\""}));
+    ASSERT_TRUE(take(login, {"Digest realm=\"testrealm@host.com\", "
+                             "nonce=\"dcd98b7102dd2f0e8b11d0f600bfb0c093\", "
+                             "opaque=\"5ccc069c403ebaf9f0171e9517f40e41\""}));
     EXPECT_EQ(login.authorization("GET", "/dir/index.html"),
               "Digest username=\"Mufasa\", realm=\"testrealm@host.com\", "
               "nonce=\"dcd98b7102dd2f0e8b11d0f600bfb0c093\", uri=\"/dir/index.html\", "
@@ -40,7 +48,7 @@ TEST(RtspLogin, PrefersDigestToBasic)
              {"Basic realm=\"c\"", "Digest realm=\"c\", nonce=\"n\""},
              {"Digest realm=\"c\", nonce=\"n\"", "Basic realm=\"c\""}}) {
         RtspLogin login("admin", "secret");
-        ASSERT_TRUE(login.takeChallenge(headers));
+        ASSERT_TRUE(take(login, headers));
         EXPECT_TRUE(login.authorization("DESCRIBE", uri).starts_with("Digest "));
     }
 }
@@ -48,24 +56,26 @@ TEST(RtspLogin, PrefersDigestToBasic)
 TEST(RtspLogin, LeavesSchemesThatItDoesNotKnow)
 {
     RtspLogin login("admin", "secret");
-    EXPECT_FALSE(login.takeChallenge({}));
-    EXPECT_FALSE(login.takeChallenge({"Negotiate abc"}));
-    EXPECT_FALSE(login.takeChallenge({"Digest realm=\"c\", nonce=\"n\", algorithm=SHA-256"}));
-    ASSERT_TRUE(login.takeChallenge(
-        {"Digest realm=\"c\", nonce=\"n\", algorithm=SHA-256", "Basic realm=\"c\""}));
+    EXPECT_FALSE(take(login, {}));
+    EXPECT_FALSE(take(login, {"Negotiate abc"}));
+    EXPECT_FALSE(take(login, {"Digest realm=\"c\", nonce=\"n\", algorithm=SHA-256"}));
+    const std::vector<std::string> both = {"Digest realm=\"c\", nonce=\"n\", algorithm=SHA-256",
+                                           "Basic realm=\"c\""};
+    EXPECT_FALSE(take(login, both)) << "it offers better than the password itself";
+    ASSERT_TRUE(take(login, both, true));
     EXPECT_TRUE(login.authorization("DESCRIBE", uri).starts_with("Basic "));
 }
 
 TEST(RtspLogin, HasNoAnswerWithoutALogin)
 {
     RtspLogin login("", "");
-    EXPECT_FALSE(login.takeChallenge({"Basic realm=\"camera\""}));
+    EXPECT_FALSE(take(login, {"Basic realm=\"camera\""}));
 }
 
 TEST(RtspLogin, ASignInANameCannotAddAHeader)
 {
     RtspLogin login("a\"b\r\nX: y", "secret");
-    ASSERT_TRUE(login.takeChallenge({"Digest realm=\"c\", nonce=\"n\""}));
+    ASSERT_TRUE(take(login, {"Digest realm=\"c\", nonce=\"n\""}));
     const std::string value = login.authorization("DESCRIBE", uri);
     EXPECT_TRUE(value.starts_with("Digest username=\"a\\\"bX: y\", "));
     EXPECT_EQ(value.find_first_of("\r\n"), std::string::npos);
@@ -77,12 +87,35 @@ TEST(RtspLogin, SurvivesGarbage)
          {"", " ", "Digest", "Digest ", "Digest realm", "Digest realm=\"", "Digest =,=,=\"\"",
           "Basic", "Digest realm=\"a\" nonce=\"b\"", "\xff\xfe", "Digest nonce=\"\\\""}) {
         RtspLogin login("admin", "secret");
-        if (login.takeChallenge({header})) {
+        if (take(login, {header})) {
             EXPECT_NE(login.authorization("DESCRIBE", uri), "") << header;
         } else {
             EXPECT_EQ(login.authorization("DESCRIBE", uri), "") << header;
         }
     }
+}
+
+TEST(LoginPolicy, NoBasicInClearAfterADigestWasOffered)
+{
+    const auto basic = cammgr::parseChallenges({"Basic realm=\"c\""});
+    const auto digest = cammgr::parseChallenges({"Digest realm=\"c\", nonce=\"n\""});
+    LoginPolicy policy;
+    EXPECT_NE(policy.choose(basic, false), nullptr);
+    EXPECT_NE(policy.choose(digest, false), nullptr);
+    EXPECT_EQ(policy.choose(basic, false), nullptr);
+    EXPECT_NE(policy.choose(basic, true), nullptr);
+    EXPECT_NE(policy.choose(digest, false), nullptr);
+}
+
+TEST(LoginPolicy, NoBasicInClearForWhoOnlyClaimsToBeTheCamera)
+{
+    const auto basic = cammgr::parseChallenges({"Basic realm=\"c\""});
+    LoginPolicy policy;
+    policy.distrust();
+    EXPECT_EQ(policy.choose(basic, false), nullptr);
+    EXPECT_NE(policy.choose(basic, true), nullptr);
+    EXPECT_NE(policy.choose(cammgr::parseChallenges({"Digest realm=\"c\", nonce=\"n\""}), false),
+              nullptr);
 }
 
 } // namespace

@@ -278,4 +278,27 @@ TEST(RtspProbe, MayBeDestroyedAtAnyTime)
     }
 }
 
+TEST(RtspProbe, SendsNoPasswordInClearToACameraThatOfferedBetter)
+{
+    TinyServer server([](Connection &camera) {
+        // The first connection offers a digest, the others the password itself.
+        for (std::string request; !(request = camera.readRequest()).empty();) {
+            const bool proven = request.find("Authorization: Digest") != std::string::npos;
+            camera.write(camera.number() > 1 ? "RTSP/1.0 401 Unauthorized\r\n"
+                                               "WWW-Authenticate: Basic realm=\"camera\"\r\n\r\n"
+                         : proven            ? ok
+                                             : challenge);
+            if (proven)
+                return;
+        }
+    });
+    const ProbeTarget camera = target(server.port());
+    Prober prober;
+    EXPECT_EQ(prober.probe(camera), ProbeOutcome::Answered);
+    EXPECT_EQ(prober.probe(camera), ProbeOutcome::LoginRefused);
+    EXPECT_GE(server.connectionCount(), 2);
+    for (const std::string &request : server.requests())
+        EXPECT_THAT(request, Not(HasSubstr("Authorization: Basic")));
+}
+
 } // namespace

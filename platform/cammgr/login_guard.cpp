@@ -1,0 +1,134 @@
+#include "platform/cammgr/login_guard.h"
+
+#include "platform/cammgr/glib_ptr.h"
+
+#include <gst/rtsp/gstrtspextension.h>
+
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace cammgr {
+
+namespace {
+
+/// The guard of the request that this thread sends: "rtspsrc" tells an extension of its protocol
+/// what was answered, but not which element it belongs to.
+thread_local LoginGuard *currentGuard = nullptr;
+
+struct GuardElement
+{
+    GstElement parent;
+};
+
+struct GuardElementClass
+{
+    GstElementClass parent;
+};
+
+/// Comes before noteRequest(): a request of an element without a guard finds none.
+GstRTSPResult forgetGuard(GstRTSPExtension *, GstRTSPMessage *)
+{
+    currentGuard = nullptr;
+    return GST_RTSP_OK;
+}
+
+GstRTSPResult takeResponse(GstRTSPExtension *, GstRTSPMessage *, GstRTSPMessage *response)
+{
+    if (LoginGuard *guard = std::exchange(currentGuard, nullptr))
+        guard->filter(response);
+    return GST_RTSP_OK;
+}
+
+void describeElement(gpointer elementClass, gpointer)
+{
+    gst_element_class_set_static_metadata(
+        GST_ELEMENT_CLASS(elementClass), "Login guard", "Network/Extension/Protocol",
+        "Lets RTSP answer a challenge once, and not all of them", "Zelvaro");
+}
+
+void addExtension(gpointer interface, gpointer)
+{
+    auto *extension = static_cast<GstRTSPExtensionInterface *>(interface);
+    extension->before_send = &forgetGuard;
+    extension->after_send = &takeResponse;
+}
+
+/// Before the first "rtspsrc", which looks for extensions once.
+void registerExtension()
+{
+    static std::once_flag once;
+    std::call_once(once, [] {
+        const GType type = g_type_register_static_simple(
+            GST_TYPE_ELEMENT, "CammgrLoginGuard", sizeof(GuardElementClass), &describeElement,
+            sizeof(GuardElement), nullptr, static_cast<GTypeFlags>(0));
+        const GInterfaceInfo extension{&addExtension, nullptr, nullptr};
+        g_type_add_interface_static(type, GST_TYPE_RTSP_EXTENSION, &extension);
+        gst_element_register(nullptr, "cammgrloginguard", GST_RANK_PRIMARY, type);
+    });
+}
+
+gboolean noteRequest(GstElement *, GstRTSPMessage *, gpointer guard)
+{
+    currentGuard = static_cast<LoginGuard *>(guard);
+    return TRUE;
+}
+
+std::vector<std::string> challengesOf(const GstRTSPMessage *response)
+{
+    std::vector<std::string> headers;
+    gchar *value = nullptr;
+    for (gint i = 0; gst_rtsp_message_get_header(response, GST_RTSP_HDR_WWW_AUTHENTICATE, &value,
+                                                 i) == GST_RTSP_OK;
+         ++i)
+        headers.emplace_back(value);
+    return headers;
+}
+
+std::string headerOf(const LoginChallenge &challenge)
+{
+    if (challenge.scheme == LoginChallenge::Scheme::Basic)
+        return "Basic realm=\"" + challenge.realm + '"';
+    std::string text = "Digest realm=\"" + challenge.realm + "\", nonce=\"" + challenge.nonce + '"';
+    if (!challenge.opaque.empty())
+        text += ", opaque=\"" + challenge.opaque + '"';
+    return text;
+}
+
+} // namespace
+
+GstElement *LoginGuard::makeSource()
+{
+    registerExtension();
+    GstElement *source = gst_element_factory_make("rtspsrc", nullptr);
+    if (source)
+        g_signal_connect(source, "before-send", G_CALLBACK(&noteRequest), this);
+    return source;
+}
+
+void LoginGuard::filter(GstRTSPMessage *response)
+{
+    GstRTSPStatusCode code = GST_RTSP_STS_OK;
+    if (gst_rtsp_message_parse_response(response, &code, nullptr, nullptr) != GST_RTSP_OK)
+        return;
+    if (code != GST_RTSP_STS_UNAUTHORIZED) {
+        m_answers = 0;
+        return;
+    }
+    const std::vector<std::string> headers = challengesOf(response);
+    const std::vector<LoginChallenge> challenges = parseChallenges(headers);
+    const LoginChallenge *chosen = m_policy->choose(challenges, m_tls);
+    // A nonce that grew old says nothing about the login.
+    if (m_answers++ >= (chosen && chosen->stale ? 2 : 1))
+        chosen = nullptr;
+    if (chosen && challenges.size() == 1)
+        return;
+    gst_rtsp_message_remove_header(response, GST_RTSP_HDR_WWW_AUTHENTICATE, -1);
+    // Of several challenges the element would take what stands last.
+    if (chosen)
+        gst_rtsp_message_add_header(response, GST_RTSP_HDR_WWW_AUTHENTICATE,
+                                    headerOf(*chosen).c_str());
+}
+
+} // namespace cammgr
