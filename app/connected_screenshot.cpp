@@ -1,7 +1,7 @@
 #include "app/connected_screenshot.h"
 
 #include "camera/camera.h"
-#include "settings/camera_list.h"
+#include "camera/camera_list.h"
 
 #include <QCoreApplication>
 #include <QPixmap>

@@ -5,7 +5,7 @@
 #include "app/main_form.h"
 #include "app/screen_density.h"
 #include "resources/resources.h"
-#include "settings/camera_list.h"
+#include "camera/camera_list.h"
 #include "settings/camera_settings.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/support/camsim_process.h"
+#include "camsim/camsim_process.h"
 
 #include <string>
 #include <vector>

@@ -8,7 +8,7 @@
 #include "bench/event_wait.h"
 #include "bench/gui_watch.h"
 #include "camera/camera.h"
-#include "settings/camera_list.h"
+#include "camera/camera_list.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -9,7 +9,7 @@
 #include "bench/peers.h"
 #include "bench/screen_reader.h"
 #include "bench/statistics.h"
-#include "tests/support/camsim_process.h"
+#include "camsim/camsim_process.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bench/tile_grid.h"
-#include "tests/support/camsim_process.h"
+#include "camsim/camsim_process.h"
 
 #include <string>
 #include <vector>

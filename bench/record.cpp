@@ -9,7 +9,7 @@
 #include "camsim/timecode.h"
 #include "tests/platform/cammgr/media_probe.h"
 #include "tests/platform/cammgr/temporary_folder.h"
-#include "tests/support/camsim_process.h"
+#include "camsim/camsim_process.h"
 
 #include <cstring>
 #include <exception>

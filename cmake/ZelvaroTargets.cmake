@@ -147,11 +147,18 @@ function(zelvaro_register_test name label timeout)
     "UBSAN_OPTIONS=print_stacktrace=1" "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1")
 endfunction()
 
-# zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds] [DISPLAY] [RELEASE])
-# A Qt Test program. Runs on the offscreen platform unless DISPLAY asks for an X display.
+# zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds] [DISPLAY] [FAKES]
+#   [RELEASE])
+# A Qt Test program. Runs on the offscreen platform unless DISPLAY asks for an X display. FAKES links
+# the scripted platform libraries; a linker that drops what nobody before asked for is told to keep
+# them.
 function(zelvaro_qt_test name)
-  cmake_parse_arguments(ARG "DISPLAY;RELEASE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "DISPLAY;FAKES;RELEASE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
+  if(ARG_FAKES)
+    target_link_options(${name} PRIVATE LINKER:--no-as-needed)
+    target_link_libraries(${name} PRIVATE fake_cammgr fake_ndcp)
+  endif()
   target_link_libraries(${name} PRIVATE ${ARG_LINK} Qt5::Widgets Qt5::Network Qt5::Test)
   zelvaro_qt_code(${name} TEST)
   # Mostly empty, and compiled sooner than the header is loaded.

@@ -844,7 +844,7 @@
     </message>
 </context>
 <context>
-    <name>NetworkConfigurationCheck</name>
+    <name>NetworkFormCheck</name>
     <message>
         <source>Device Name input invalid!</source>
         <translation>Недопустимое имя устройства!</translation>

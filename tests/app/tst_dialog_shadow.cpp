@@ -1,5 +1,5 @@
 #include "app/dialog_shadow.h"
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 
 #include <QTest>
 

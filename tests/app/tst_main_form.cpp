@@ -1,6 +1,6 @@
 #include "app/main_form.h"
-#include "app/message_box.h"
-#include "app/title_widget.h"
+#include "ui/common/message_box.h"
+#include "ui/common/title_widget.h"
 #include "camera/camera.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"

@@ -1,5 +1,5 @@
 #include "tests/camsim/peer.h"
-#include "tests/support/camsim_process.h"
+#include "camsim/camsim_process.h"
 
 #include "camsim/tone.h"
 

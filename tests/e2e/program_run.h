@@ -2,7 +2,7 @@
 
 #include "tests/e2e/real_input.h"
 #include "tests/e2e/screen.h"
-#include "tests/support/camsim_process.h"
+#include "camsim/camsim_process.h"
 
 #include <QString>
 #include <QTemporaryDir>

@@ -1,6 +1,6 @@
 #include "app/main_form.h"
-#include "app/message_box.h"
-#include "camera/motion_dialog.h"
+#include "ui/common/message_box.h"
+#include "ui/manager/motion_dialog.h"
 #include "tests/e2e/program_run.h"
 #include "tests/support/modal_script.h"
 #include "ui/discovery/address_edit.h"

@@ -1,5 +1,5 @@
 #include "app/main_form.h"
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "tests/e2e/clip_check.h"
 #include "tests/e2e/program_run.h"
 #include "tests/support/modal_script.h"

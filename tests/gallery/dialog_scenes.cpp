@@ -1,5 +1,5 @@
 #include "app/main_form.h"
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "tests/gallery/stage.h"
 #include "ui/common/busy_dialog.h"
 

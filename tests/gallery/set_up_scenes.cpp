@@ -1,5 +1,5 @@
 #include "app/main_form.h"
-#include "camera/motion_dialog.h"
+#include "ui/manager/motion_dialog.h"
 #include "tests/fakes/fake_cammgr.h"
 #include "tests/fakes/fake_ndcp.h"
 #include "tests/gallery/stage.h"

@@ -2,7 +2,7 @@
 
 #include "app/main_form.h"
 #include "camera/camera.h"
-#include "settings/camera_list.h"
+#include "camera/camera_list.h"
 #include "settings/camera_settings.h"
 #include "tests/fakes/fake_cammgr.h"
 #include "tests/fakes/fake_ndcp.h"

@@ -1,7 +1,7 @@
 #include "ui/album/photo_mgr_form.h"
 
 #include "camera/camera.h"
-#include "settings/camera_list.h"
+#include "camera/camera_list.h"
 #include "ui/common/camera_list_icons.h"
 #include "ui_photo_mgr_form.h"
 

@@ -1,6 +1,6 @@
 #include "ui/album/photo_mgr_frame.h"
 
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "settings/camera_settings.h"
 #include "settings/developer_check.h"

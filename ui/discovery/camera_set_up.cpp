@@ -1,6 +1,6 @@
 #include "ui/discovery/camera_set_up.h"
 
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "settings/developer_check.h"
 #include "ui/common/busy_dialog.h"
 #include "ui/discovery/address_edit.h"
@@ -93,7 +93,7 @@ void CCameraSetUp::slotQuery()
                      [this] { return m_client.getConf(&m_record); });
 }
 
-zelvaro::NetworkConfiguration CCameraSetUp::entered() const
+zelvaro::NetworkForm CCameraSetUp::entered() const
 {
     return {m_ui->editDeviceName->text(),    m_ui->editLocation->text(),
             m_ui->editHttpPort->text(),      m_ui->checkAssignIp->isChecked(),
@@ -105,7 +105,7 @@ zelvaro::NetworkConfiguration CCameraSetUp::entered() const
 
 void CCameraSetUp::slotApply()
 {
-    if (const auto message = zelvaro::NetworkConfigurationCheck::store(entered(), m_record)) {
+    if (const auto message = zelvaro::NetworkFormCheck::store(entered(), m_record)) {
         showError(*message);
         return;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ui/discovery/ndcp_client.h"
-#include "ui/discovery/network_configuration.h"
+#include "ui/discovery/network_form.h"
 
 #include <QDialog>
 
@@ -39,7 +39,7 @@ private slots:
 
 private:
     void fillControls();
-    zelvaro::NetworkConfiguration entered() const;
+    zelvaro::NetworkForm entered() const;
     void takeOverResult();
     void showError(const QString &text);
     void showLibraryError(int code);

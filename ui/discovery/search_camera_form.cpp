@@ -1,6 +1,6 @@
 #include "ui/discovery/search_camera_form.h"
 
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "ui/common/camera_list_icons.h"
 #include "ui_search_camera_form.h"
 

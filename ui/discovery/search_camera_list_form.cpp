@@ -1,6 +1,6 @@
 #include "ui/discovery/search_camera_list_form.h"
 
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "settings/developer_check.h"
 #include "ui/common/busy_dialog.h"
 #include "ui/common/camera_list_icons.h"

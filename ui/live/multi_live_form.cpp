@@ -1,6 +1,6 @@
 #include "ui/live/multi_live_form.h"
 
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "settings/camera_record.h"
 #include "ui/common/page_host.h"

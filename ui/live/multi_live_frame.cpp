@@ -1,7 +1,7 @@
 #include "ui/live/multi_live_frame.h"
 
 #include "camera/camera.h"
-#include "settings/camera_list.h"
+#include "camera/camera_list.h"
 #include "settings/camera_record.h"
 #include "ui/live/multi_live_item_form.h"
 #include "ui/live/shown_cameras.h"

@@ -1,6 +1,6 @@
 #include "ui/live/select_camera_form.h"
 
-#include "settings/camera_list.h"
+#include "camera/camera_list.h"
 #include "settings/camera_settings.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #include "ui/manager/add_camera_form.h"
 
-#include "app/message_box.h"
 #include "settings/host_name.h"
+#include "ui/common/message_box.h"
 #include "ui/common/page_host.h"
 #include "ui_add_camera_form.h"
 

@@ -1,10 +1,10 @@
 #include "ui/manager/camera_mgr_frame.h"
 
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "camera/command_channel.h"
-#include "camera/motion_dialog.h"
-#include "settings/camera_list.h"
+#include "ui/manager/motion_dialog.h"
+#include "camera/camera_list.h"
 #include "settings/camera_settings.h"
 #include "settings/developer_check.h"
 #include "ui/common/command_wait.h"

@@ -2,7 +2,7 @@
 
 #include "tests/platform/cammgr/player_messages.h"
 #include "tests/platform/cammgr/wait_until.h"
-#include "tests/support/camsim_process.h"
+#include "camsim/camsim_process.h"
 
 #include <glib.h>
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"

@@ -1,5 +1,5 @@
 #include "platform/cammgr/cammgr.h"
-#include "tests/support/camsim_process.h"
+#include "camsim/camsim_process.h"
 #include "ui/album/click_video_player.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/album/play_video_form.h"

@@ -1,4 +1,4 @@
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "tests/fakes/fake_ndcp.h"
 #include "tests/support/modal_script.h"
 #include "tests/support/tool_tip_text.h"

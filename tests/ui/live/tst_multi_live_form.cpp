@@ -1,6 +1,6 @@
 #include "ui/live/multi_live_form.h"
 
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/live/live_fixture.h"

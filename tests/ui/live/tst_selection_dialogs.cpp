@@ -2,7 +2,7 @@
 #include "ui/live/select_camera_item_form.h"
 #include "ui/live/select_camera_recording_form.h"
 
-#include "app/title_widget.h"
+#include "ui/common/title_widget.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
 #include "tests/support/tool_tip_text.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "settings/camera_list.h"
+#include "camera/camera_list.h"
 #include "settings/camera_settings.h"
 #include "tests/fakes/fake_cammgr.h"
 #include "tests/settings/settings_home.h"

@@ -1,4 +1,4 @@
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "settings/camera_record.h"
 #include "tests/support/modal_script.h"
 #include "tests/support/page_recorder.h"

@@ -1,5 +1,5 @@
-#include "app/message_box.h"
-#include "camera/motion_dialog.h"
+#include "ui/common/message_box.h"
+#include "ui/manager/motion_dialog.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/manager/frame_test.h"
 #include "ui/manager/add_camera_form.h"

@@ -1,4 +1,4 @@
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 
 #include "ui_message_box.h"
 

@@ -11,7 +11,7 @@ namespace zelvaro {
 
 /// What the user entered for a device's network configuration. Addresses in host order, 0 when
 /// empty or invalid.
-struct NetworkConfiguration
+struct NetworkForm
 {
     QString deviceName;
     QString location;
@@ -27,15 +27,15 @@ struct NetworkConfiguration
     QString password;
 };
 
-class NetworkConfigurationCheck
+class NetworkFormCheck
 {
-    Q_DECLARE_TR_FUNCTIONS(NetworkConfigurationCheck)
+    Q_DECLARE_TR_FUNCTIONS(NetworkFormCheck)
 
 public:
     /// Checks the input field by field and stores it in the record. The message for the user at
     /// the first field that fails, and the record is then as it was. Texts are stored as Latin-1,
     /// cut to their fields.
-    static std::optional<QString> store(const NetworkConfiguration &input, ndcp_device &record);
+    static std::optional<QString> store(const NetworkForm &input, ndcp_device &record);
 };
 
 /// The mask with every bit above its lowest set bit made 1: a mask with holes is widened, not

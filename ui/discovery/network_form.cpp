@@ -1,4 +1,4 @@
-#include "ui/discovery/network_configuration.h"
+#include "ui/discovery/network_form.h"
 
 #include "ui/discovery/device_records.h"
 
@@ -37,7 +37,7 @@ quint32 contiguousMask(quint32 mask)
     return shift == 32 ? 0xFFFFFFFFU : 0xFFFFFFFFU << (32 - shift);
 }
 
-std::optional<QString> NetworkConfigurationCheck::store(const NetworkConfiguration &input,
+std::optional<QString> NetworkFormCheck::store(const NetworkForm &input,
                                                         ndcp_device &record)
 {
     if (!isPrintable(input.deviceName))

@@ -1,4 +1,4 @@
-#include "camera/range_validator.h"
+#include "ui/manager/range_validator.h"
 
 #include <QLineEdit>
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "app/title_widget.h"
+#include "ui/common/title_widget.h"
 
 #include <QMouseEvent>
 

@@ -1,4 +1,4 @@
-#include "settings/camera_list.h"
+#include "camera/camera_list.h"
 
 #include "camera/camera.h"
 #include "settings/camera_settings.h"

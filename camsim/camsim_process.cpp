@@ -1,4 +1,4 @@
-#include "tests/support/camsim_process.h"
+#include "camsim/camsim_process.h"
 
 #include <arpa/inet.h>
 #include <fcntl.h>

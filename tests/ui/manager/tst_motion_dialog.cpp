@@ -1,6 +1,6 @@
-#include "camera/motion_dialog.h"
+#include "ui/manager/motion_dialog.h"
 
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "resources/resources.h"
 #include "tests/camera/session_test.h"
 #include "tests/support/modal_script.h"

@@ -1,5 +1,5 @@
-#include "app/message_box.h"
-#include "app/title_widget.h"
+#include "ui/common/message_box.h"
+#include "ui/common/title_widget.h"
 #include "resources/resources.h"
 
 #include <QIcon>

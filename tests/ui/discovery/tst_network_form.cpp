@@ -1,12 +1,12 @@
 #include "ui/discovery/device_records.h"
-#include "ui/discovery/network_configuration.h"
+#include "ui/discovery/network_form.h"
 
 #include <QTest>
 
 #include <cstring>
 
-using zelvaro::NetworkConfiguration;
-using zelvaro::NetworkConfigurationCheck;
+using zelvaro::NetworkForm;
+using zelvaro::NetworkFormCheck;
 
 class TestNetworkConfiguration : public QObject
 {
@@ -24,12 +24,12 @@ private slots:
     void overlongTextsAreCutToTheirFields();
 
 private:
-    static NetworkConfiguration good();
+    static NetworkForm good();
 };
 
-NetworkConfiguration TestNetworkConfiguration::good()
+NetworkForm TestNetworkConfiguration::good()
 {
-    NetworkConfiguration input;
+    NetworkForm input;
     input.deviceName = QStringLiteral("Door");
     input.location = QStringLiteral("House");
     input.httpPort = QStringLiteral("80");
@@ -114,7 +114,7 @@ void TestNetworkConfiguration::checksInOrder()
     QFETCH(bool, manual);
     QFETCH(QString, message);
 
-    NetworkConfiguration input = good();
+    NetworkForm input = good();
     input.deviceName = name;
     input.location = location;
     input.httpPort = port;
@@ -122,42 +122,42 @@ void TestNetworkConfiguration::checksInOrder()
     input.mask = mask;
     input.manualIp = manual;
     ndcp_device record{};
-    QCOMPARE(NetworkConfigurationCheck::store(input, record).value_or(QString()), message);
+    QCOMPARE(NetworkFormCheck::store(input, record).value_or(QString()), message);
 }
 
 void TestNetworkConfiguration::failedCheckLeavesRecord()
 {
     ndcp_device record{};
-    QVERIFY(!NetworkConfigurationCheck::store(good(), record));
+    QVERIFY(!NetworkFormCheck::store(good(), record));
     const ndcp_device before = record;
-    NetworkConfiguration input = good();
+    NetworkForm input = good();
     input.manualDns = false;
     input.gateway = 0;
     input.mask = 0;
-    QVERIFY(NetworkConfigurationCheck::store(input, record).has_value());
+    QVERIFY(NetworkFormCheck::store(input, record).has_value());
     QCOMPARE(std::memcmp(&before, &record, sizeof record), 0);
 }
 
 void TestNetworkConfiguration::nameOf50CharactersPassesAnd51Fails()
 {
-    NetworkConfiguration input = good();
+    NetworkForm input = good();
     ndcp_device record{};
     input.deviceName = QString(50, QLatin1Char('n'));
     input.location = QString(50, QLatin1Char('l'));
-    QVERIFY(!NetworkConfigurationCheck::store(input, record));
+    QVERIFY(!NetworkFormCheck::store(input, record));
     input.deviceName += QLatin1Char('n');
-    QCOMPARE(*NetworkConfigurationCheck::store(input, record),
+    QCOMPARE(*NetworkFormCheck::store(input, record),
              QStringLiteral("Device Name is too long!"));
 }
 
 void TestNetworkConfiguration::longNameDoesNotSpillIntoLocation()
 {
-    NetworkConfiguration input = good();
+    NetworkForm input = good();
     input.deviceName = QString(50, QLatin1Char('n'));
     input.location = QStringLiteral("here");
     ndcp_device record;
     std::memset(&record, 0x55, sizeof record);
-    QVERIFY(!NetworkConfigurationCheck::store(input, record));
+    QVERIFY(!NetworkFormCheck::store(input, record));
     QCOMPARE(zelvaro::fieldBytes(record.name), QByteArray(31, 'n'));
     QCOMPARE(record.name[31], '\0');
     QCOMPARE(zelvaro::fieldBytes(record.location), QByteArray("here"));
@@ -184,24 +184,24 @@ void TestNetworkConfiguration::maskIsMadeContiguous()
 
 void TestNetworkConfiguration::portOf16BitsIsStored()
 {
-    NetworkConfiguration input = good();
+    NetworkForm input = good();
     input.httpPort = QStringLiteral("65535");
     ndcp_device record{};
-    QVERIFY(!NetworkConfigurationCheck::store(input, record));
+    QVERIFY(!NetworkFormCheck::store(input, record));
     QCOMPARE(record.http_port, int16_t(-1));
     QCOMPARE(zelvaro::httpPort(record), 65535);
 }
 
 void TestNetworkConfiguration::overlongTextsAreCutToTheirFields()
 {
-    NetworkConfiguration input = good();
+    NetworkForm input = good();
     input.userName = QString(200, QLatin1Char('u'));
     input.password = QString(200, QLatin1Char('p'));
     ndcp_device record{};
-    QVERIFY(!NetworkConfigurationCheck::store(input, record));
+    QVERIFY(!NetworkFormCheck::store(input, record));
     QCOMPARE(zelvaro::fieldBytes(record.username), QByteArray(63, 'u'));
     QCOMPARE(zelvaro::fieldBytes(record.password), QByteArray(63, 'p'));
 }
 
 QTEST_MAIN(TestNetworkConfiguration)
-#include "tst_network_configuration_check.moc"
+#include "tst_network_form.moc"

@@ -1,9 +1,9 @@
-#include "camera/motion_dialog.h"
+#include "ui/manager/motion_dialog.h"
 
-#include "app/message_box.h"
+#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "camera/command_channel.h"
-#include "camera/range_validator.h"
+#include "ui/manager/range_validator.h"
 #include "settings/camera_record.h"
 #include "ui/common/command_wait.h"
 #include "ui_motion_dialog.h"
