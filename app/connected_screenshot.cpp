@@ -15,17 +15,16 @@ namespace zelvaro {
 
 namespace {
 
-constexpr int kLookEvery = 100;   // milliseconds
-constexpr int kPatience = 60'000; // milliseconds until all cameras must be connected
-constexpr int kTimeToPaint = 500; // milliseconds for the window system to draw the last change
+constexpr int lookEvery = 100;   // milliseconds
+constexpr int patience = 60'000; // milliseconds until all cameras must be connected
+constexpr int timeToPaint = 500; // milliseconds for the window system to draw the last change
 
 bool allConnected()
 {
     const CCameraList &cameras = CCameraList::instance();
-    for (int i = 0; i < cameras.count(); ++i) {
+    for (int i = 0; i < cameras.count(); ++i)
         if (cameras.at(i)->get_state() != CAMERA_STATE_CONNECTED)
             return false;
-    }
     return true;
 }
 
@@ -45,8 +44,8 @@ ConnectedScreenshot::ConnectedScreenshot(QWidget &window, const QString &file)
     connect(&m_deadline, &QTimer::timeout, this,
             [this] { end(QStringLiteral("the cameras did not connect in time")); });
     m_deadline.setSingleShot(true);
-    m_deadline.start(kPatience);
-    m_look.start(kLookEvery);
+    m_deadline.start(patience);
+    m_look.start(lookEvery);
 }
 
 void ConnectedScreenshot::look()
@@ -55,7 +54,7 @@ void ConnectedScreenshot::look()
     if (native == nullptr || !native->isExposed() || !allConnected())
         return;
     m_look.stop();
-    QTimer::singleShot(kTimeToPaint, this, &ConnectedScreenshot::save);
+    QTimer::singleShot(timeToPaint, this, &ConnectedScreenshot::save);
 }
 
 // From the screen: the window's own drawing would lack what the stream library drew.

@@ -12,8 +12,8 @@ namespace zelvaro {
 namespace {
 
 // How far the shadow of the frame images reaches (docs/look.md), and the radius of their corners.
-constexpr QMargins kShadow(10, 10, 10, 14);
-constexpr int kCornerRadius = 6;
+constexpr QMargins shadow(10, 10, 10, 14);
+constexpr int cornerRadius = 6;
 
 } // namespace
 
@@ -38,11 +38,11 @@ bool DialogShadow::eventFilter(QObject *watched, QEvent *event)
 
 QRegion DialogShadow::withoutShadow(const QSize &size)
 {
-    const QRect plate = QRect(QPoint(0, 0), size).marginsRemoved(kShadow);
+    const QRect plate = QRect(QPoint(0, 0), size).marginsRemoved(shadow);
     if (!plate.isValid())
         return {};
     QPainterPath shape;
-    shape.addRoundedRect(plate, kCornerRadius, kCornerRadius);
+    shape.addRoundedRect(plate, cornerRadius, cornerRadius);
     return QRegion(shape.toFillPolygon().toPolygon());
 }
 

@@ -6,10 +6,10 @@ namespace zelvaro {
 
 namespace {
 
-constexpr int kCornerInside = 40;
-constexpr int kCornerOutside = 20;
-constexpr int kTopBottom = 6;
-constexpr int kLeftRight = 2;
+constexpr int cornerInside = 40;
+constexpr int cornerOutside = 20;
+constexpr int topBottom = 6;
+constexpr int leftRight = 2;
 
 bool between(int value, int low, int high)
 {
@@ -27,16 +27,16 @@ Edge edgeAt(const QRect &corners, const QPoint &pointer)
 {
     const int x = pointer.x();
     const int y = pointer.y();
-    if (between(x, corners.right() - kCornerInside, corners.right() + kCornerOutside) &&
-        between(y, corners.bottom() - kCornerInside, corners.bottom() + kCornerOutside))
+    if (between(x, corners.right() - cornerInside, corners.right() + cornerOutside) &&
+        between(y, corners.bottom() - cornerInside, corners.bottom() + cornerOutside))
         return Edge::Corner;
-    if (between(y, corners.top(), corners.top() + kTopBottom))
+    if (between(y, corners.top(), corners.top() + topBottom))
         return Edge::Top;
-    if (between(y, corners.bottom() - kTopBottom, corners.bottom()))
+    if (between(y, corners.bottom() - topBottom, corners.bottom()))
         return Edge::Bottom;
-    if (between(x, corners.left(), corners.left() + kLeftRight))
+    if (between(x, corners.left(), corners.left() + leftRight))
         return Edge::Left;
-    if (between(x, corners.right() - kLeftRight, corners.right()))
+    if (between(x, corners.right() - leftRight, corners.right()))
         return Edge::Right;
     return Edge::None;
 }

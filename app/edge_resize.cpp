@@ -8,8 +8,8 @@ namespace zelvaro {
 namespace {
 
 // One pixel more than a zone is wide, because the zones include both of their bounds.
-constexpr int kEdgeThickness = 7;
-constexpr int kSideThickness = 3;
+constexpr int edgeThickness = 7;
+constexpr int sideThickness = 3;
 
 } // namespace
 
@@ -47,10 +47,10 @@ void EdgeResize::placeFrames()
 {
     const int width = m_window->width();
     const int height = m_window->height();
-    m_frames.left->setGeometry(0, 0, kSideThickness, height);
-    m_frames.right->setGeometry(width - kSideThickness, 0, kSideThickness, height);
-    m_frames.top->setGeometry(0, 0, width, kEdgeThickness);
-    m_frames.bottom->setGeometry(0, height - kEdgeThickness, width, kEdgeThickness);
+    m_frames.left->setGeometry(0, 0, sideThickness, height);
+    m_frames.right->setGeometry(width - sideThickness, 0, sideThickness, height);
+    m_frames.top->setGeometry(0, 0, width, edgeThickness);
+    m_frames.bottom->setGeometry(0, height - edgeThickness, width, edgeThickness);
     for (QWidget *frame : {m_frames.left, m_frames.right, m_frames.top, m_frames.bottom})
         frame->raise();
 }

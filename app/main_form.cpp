@@ -22,7 +22,7 @@ struct ToolButtonIcons
     const char *pressed;
 };
 
-constexpr ToolButtonIcons kToolButtons[] = {
+constexpr ToolButtonIcons toolButtons[] = {
     {"btnCameraMgr", ":/images/toolbarbtn/cameramgrbtn.png",
      ":/images/toolbarbtn/cameramgrbtn_pressed.png"},
     {"btnMultiLive", ":/images/toolbarbtn/multilivebtn.png",
@@ -34,9 +34,9 @@ constexpr ToolButtonIcons kToolButtons[] = {
 
 // A window lower than this leaves its height to the page: tool buttons without their texts, and no
 // status row.
-constexpr int kCompactHeight = 420;
-constexpr int kToolButtonHeight = 68;
-constexpr int kCompactToolButtonHeight = 44;
+constexpr int compactHeight = 420;
+constexpr int toolButtonHeight = 68;
+constexpr int compactToolButtonHeight = 44;
 
 // The buttons carry their words for assistive programs; the eye sees the image only.
 void setSystemButtonImages(QToolButton *button, const QString &family)
@@ -241,7 +241,7 @@ void CMainForm::showStatus(const QString &text)
 
 void CMainForm::markToolButton(const QToolButton *clicked)
 {
-    for (const ToolButtonIcons &icons : kToolButtons) {
+    for (const ToolButtonIcons &icons : toolButtons) {
         auto *button = m_ui->frameButtons->findChild<QToolButton *>(QLatin1String(icons.button));
         button->setIcon(QIcon(QLatin1String(button == clicked ? icons.pressed : icons.normal)));
     }
@@ -342,7 +342,7 @@ void CMainForm::resizeEvent(QResizeEvent *event)
     QWidget::resizeEvent(event);
     if (m_edges)
         m_edges->follow();
-    showCompact(height() < kCompactHeight);
+    showCompact(height() < compactHeight);
 }
 
 void CMainForm::showCompact(bool compact)
@@ -350,7 +350,7 @@ void CMainForm::showCompact(bool compact)
     m_ui->frameStatus->setVisible(!compact);
     for (QToolButton *button : m_ui->frameButtons->findChildren<QToolButton *>()) {
         button->setToolButtonStyle(compact ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextUnderIcon);
-        button->setFixedHeight(compact ? kCompactToolButtonHeight : kToolButtonHeight);
+        button->setFixedHeight(compact ? compactToolButtonHeight : toolButtonHeight);
     }
 }
 

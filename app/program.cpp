@@ -4,8 +4,8 @@
 #include "app/connected_screenshot.h"
 #include "app/main_form.h"
 #include "app/screen_density.h"
-#include "resources/resources.h"
 #include "camera/camera_list.h"
+#include "resources/resources.h"
 #include "settings/camera_settings.h"
 
 #include <QApplication>
@@ -20,10 +20,10 @@ namespace zelvaro {
 
 namespace {
 
-constexpr int kMostBackgroundTasks = 64;
-constexpr char kGlIntegration[] = "QT_XCB_GL_INTEGRATION";
+constexpr int mostBackgroundTasks = 64;
+constexpr char glIntegration[] = "QT_XCB_GL_INTEGRATION";
 // Qt 5.15 hides the name AA_X11InitThreads where deprecated names are off, and still has the bit.
-constexpr auto kX11InitThreads = static_cast<Qt::ApplicationAttribute>(10);
+constexpr auto x11InitThreads = static_cast<Qt::ApplicationAttribute>(10);
 
 // Sizes are in logical pixels on every screen and pictures are taken at its density. Factors
 // between the whole ones are kept: rounded, the texts would outgrow the pictures around them.
@@ -85,12 +85,12 @@ int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &s
 {
     // The stream library draws on child windows of its own.
     QCoreApplication::setAttribute(Qt::AA_NativeWindows, true);
-    QCoreApplication::setAttribute(kX11InitThreads, true);
+    QCoreApplication::setAttribute(x11InitThreads, true);
     followScreenDensity();
     // Nothing here is drawn with OpenGL, and looking for it takes a tenth of the start.
-    if (!qEnvironmentVariableIsSet(kGlIntegration))
-        qputenv(kGlIntegration, "none");
-    QThreadPool::globalInstance()->setMaxThreadCount(kMostBackgroundTasks);
+    if (!qEnvironmentVariableIsSet(glIntegration))
+        qputenv(glIntegration, "none");
+    QThreadPool::globalInstance()->setMaxThreadCount(mostBackgroundTasks);
     // The settings folder is named by it. No organisation: the folder stands right in the user's.
     QCoreApplication::setApplicationName(QStringLiteral("Zelvaro"));
     QCoreApplication::setApplicationVersion(QStringLiteral("1.4"));

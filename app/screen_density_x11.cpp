@@ -8,9 +8,9 @@ namespace zelvaro {
 
 namespace {
 
-constexpr double kUsualDensity = 96; // dots per inch
-constexpr double kLeastFactor = 1.125;
-constexpr double kMillimetresPerInch = 25.4;
+constexpr double usualDensity = 96; // dots per inch
+constexpr double leastFactor = 1.125;
+constexpr double millimetresPerInch = 25.4;
 
 /// What the desktop's settings say (the resource Xft.dpi); without them, the screen's own size.
 double dotsPerInch(Display *display)
@@ -21,8 +21,8 @@ double dotsPerInch(Display *display)
     }
     const int screen = DefaultScreen(display);
     const int millimetres = DisplayWidthMM(display, screen);
-    return millimetres > 0 ? DisplayWidth(display, screen) * kMillimetresPerInch / millimetres
-                           : kUsualDensity;
+    return millimetres > 0 ? DisplayWidth(display, screen) * millimetresPerInch / millimetres
+                           : usualDensity;
 }
 
 } // namespace
@@ -35,7 +35,7 @@ bool isDenseDesktop()
     Display *display = XOpenDisplay(nullptr);
     if (display == nullptr)
         return true;
-    const bool dense = dotsPerInch(display) >= kUsualDensity * kLeastFactor;
+    const bool dense = dotsPerInch(display) >= usualDensity * leastFactor;
     XCloseDisplay(display);
     return dense;
 }

@@ -20,9 +20,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto kLineDeadline = 120s;
-constexpr double kUsableTarget = 1000; // ms
-constexpr double kMemoryTarget = 150;  // MB
+constexpr auto lineDeadline = 120s;
+constexpr double usableTarget = 1000; // ms
+constexpr double memoryTarget = 150;  // MB
 
 /// What a run told, by name, and what was seen from outside.
 using Figures = std::map<std::string, double>;
@@ -32,7 +32,7 @@ Figures run(const std::string &program, const std::string &kind, const std::stri
     bench::ChildProcess process({BENCH_ALBUM_PROGRAM, program, kind, folder}, true);
     Figures told;
     while (told.count("scrolled") == 0) {
-        const std::string line = process.readLine(kLineDeadline);
+        const std::string line = process.readLine(lineDeadline);
         const auto blank = line.find(' ');
         if (blank == std::string::npos)
             throw std::runtime_error("the program ended early or hangs");
@@ -47,7 +47,7 @@ Figures run(const std::string &program, const std::string &kind, const std::stri
 void fill(const std::string &folder, int count)
 {
     bench::ChildProcess process({BENCH_ALBUM_PROGRAM, "fill", folder, std::to_string(count)}, true);
-    if (process.readLine(kLineDeadline).empty())
+    if (process.readLine(lineDeadline).empty())
         throw std::runtime_error("the files could not be made");
 }
 
@@ -78,9 +78,9 @@ void measure(int count)
         print("zelvaro", client);
         print("plain list", run("list", kind, folder));
         const double memory = std::max(client.at("memory.opened"), client.at("memory.scrolled"));
-        std::printf("usable within %.0f ms: %s; at most %.0f MB: %s\n\n", kUsableTarget,
-                    client.at("usable") <= kUsableTarget ? "kept" : "MISSED", kMemoryTarget,
-                    memory <= kMemoryTarget ? "kept" : "MISSED");
+        std::printf("usable within %.0f ms: %s; at most %.0f MB: %s\n\n", usableTarget,
+                    client.at("usable") <= usableTarget ? "kept" : "MISSED", memoryTarget,
+                    memory <= memoryTarget ? "kept" : "MISSED");
         std::fflush(stdout);
     }
 }

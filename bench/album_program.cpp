@@ -40,14 +40,14 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using bench::wait;
 
-constexpr QSize kPhotoSize(1920, 1080);
-constexpr QSize kThumbnail(188, 141);
-constexpr QSize kWindow(1280, 800);
-constexpr int kDistinctPhotos = 12; // the others are links to these
-constexpr auto kDeadline = 60s;
-constexpr auto kRest = 1s;
-constexpr int kWheelSteps = 100;
-constexpr auto kBetweenSteps = 30ms; // as a finger on a wheel
+constexpr QSize photoSize(1920, 1080);
+constexpr QSize thumbnail(188, 141);
+constexpr QSize windowSize(1280, 800);
+constexpr int distinctPhotos = 12; // the others are links to these
+constexpr auto deadline = 60s;
+constexpr auto rest = 1s;
+constexpr int wheelSteps = 100;
+constexpr auto betweenSteps = 30ms; // as a finger on a wheel
 
 void tell(const char *what, double value)
 {
@@ -59,10 +59,10 @@ void tell(const char *what, double value)
 
 QImage photo(int number)
 {
-    QImage image(kPhotoSize, QImage::Format_RGB32);
+    QImage image(photoSize, QImage::Format_RGB32);
     QPainter painter(&image);
     QLinearGradient sky(0, 0, 0, image.height());
-    sky.setColorAt(0, QColor::fromHsv(number * 360 / kDistinctPhotos, 120, 240));
+    sky.setColorAt(0, QColor::fromHsv(number * 360 / distinctPhotos, 120, 240));
     sky.setColorAt(1, Qt::darkGray);
     painter.fillRect(image.rect(), sky);
     // As much detail as a camera's picture has.
@@ -88,8 +88,8 @@ int fill(const QString &folder, int count)
             QDateTime({2024, 3, 5}, {7, 8, 9}).addSecs(10 * i).toString("yyyyMMdd_hhmmss");
         const fs::path jpg = base / (name + ".jpg").toStdString();
         const fs::path mp4 = base / (name + ".mp4").toStdString();
-        const fs::path first = base / ("of" + std::to_string(i % kDistinctPhotos));
-        if (i < kDistinctPhotos && !photo(i).save(QString::fromStdString(first), "JPG", 90))
+        const fs::path first = base / ("of" + std::to_string(i % distinctPhotos));
+        if (i < distinctPhotos && !photo(i).save(QString::fromStdString(first), "JPG", 90))
             return 1;
         fs::create_hard_link(first, jpg);
         fs::create_hard_link(first, fs::path(mp4).concat(".jpeg"));
@@ -146,7 +146,7 @@ void turnWheel(const Page &page, int steps)
 
 void measure(const Page &page)
 {
-    wait(kRest);
+    wait(rest);
     bench::GuiWatch watch;
     const FirstUse use(*page.viewport, page.hasFiles);
     watch.takeLongest();
@@ -156,26 +156,26 @@ void measure(const Page &page)
     };
     page.click();
     if (wait(
-            kDeadline, [&use] { return use.isReady(); }, 1ms))
+            deadline, [&use] { return use.isReady(); }, 1ms))
         tell("usable", sinceClick());
     const bench::Block opening = watch.takeLongest();
     tell("open.block", opening.waited);
     tell("open.computed", opening.computed);
-    if (wait(kDeadline, page.isFilled, 1ms))
+    if (wait(deadline, page.isFilled, 1ms))
         tell("filled", sinceClick());
     tell("fill.block", watch.takeLongest().waited);
     tell("opened", 1);
     // Down by notches of the wheel, and then to the end at once.
-    for (int i = 0; i < kWheelSteps; ++i) {
+    for (int i = 0; i < wheelSteps; ++i) {
         turnWheel(page, 1);
-        wait(kBetweenSteps);
+        wait(betweenSteps);
     }
     page.bar->setValue(page.bar->maximum());
-    wait(kRest);
+    wait(rest);
     tell("scroll.block", watch.takeLongest().waited);
-    if (wait(kDeadline, page.isFilled, 1ms))
+    if (wait(deadline, page.isFilled, 1ms))
         tell("scrolled", 1);
-    wait(kRest);
+    wait(rest);
 }
 
 // --- the client ----------------------------------------------------------------------------------
@@ -188,10 +188,9 @@ Page clientPage(CMainForm &window, bool videos)
     const auto inSight = [area, frame] {
         QList<CPhotoMgrItemForm *> tiles;
         const QRect seen(-frame->pos(), area->viewport()->size());
-        for (CPhotoMgrItemForm *tile : *frame->tiles()) {
+        for (CPhotoMgrItemForm *tile : *frame->tiles())
             if (tile->isVisible() && tile->geometry().intersects(seen))
                 tiles << tile;
-        }
         return tiles;
     };
     return {
@@ -210,13 +209,17 @@ Page clientPage(CMainForm &window, bool videos)
 
 int runClient(int argc, char **argv, bool videos)
 {
-    return zelvaro::runProgram(argc, argv, [videos](CMainForm &window) {
-        QTimer::singleShot(0, &window, [&window, videos] {
-            window.resize(kWindow);
-            measure(clientPage(window, videos));
-            QCoreApplication::exit(0);
+    return zelvaro::runProgram(
+        argc, argv,
+        [videos](CMainForm &window) {
+            QTimer::singleShot(
+                0, &window,
+                [&window, videos] {
+                    window.resize(windowSize);
+                    measure(clientPage(window, videos));
+                    QCoreApplication::exit(0);
+                });
         });
-    });
 }
 
 // --- the plain list ------------------------------------------------------------------------------
@@ -233,7 +236,7 @@ public:
         QPixmap picture;
         if (!QPixmapCache::find(file, &picture)) {
             QImageReader reader(file.endsWith(QLatin1String(".mp4")) ? file + ".jpeg" : file);
-            reader.setScaledSize(reader.size().scaled(kThumbnail, Qt::KeepAspectRatio));
+            reader.setScaledSize(reader.size().scaled(thumbnail, Qt::KeepAspectRatio));
             picture = QPixmap::fromImage(reader.read());
             QPixmapCache::insert(file, picture);
         }
@@ -258,11 +261,11 @@ int runList(int argc, char **argv, bool videos, const QString &folder)
     QListView list;
     list.setViewMode(QListView::IconMode);
     list.setResizeMode(QListView::Adjust);
-    list.setIconSize(kThumbnail);
-    list.setGridSize(kThumbnail + QSize(32, 50));
+    list.setIconSize(thumbnail);
+    list.setGridSize(thumbnail + QSize(32, 50));
     list.setUniformItemSizes(true);
     window.setCentralWidget(&list);
-    window.resize(kWindow);
+    window.resize(windowSize);
     window.show();
     const auto hasFiles = [&] { return model.rowCount(list.rootIndex()) > 0; };
     const auto isFilled = [&] {

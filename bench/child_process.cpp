@@ -18,7 +18,7 @@ namespace bench {
 
 namespace {
 
-constexpr auto kPatience = std::chrono::seconds(3); // between asking a child to end and killing it
+constexpr auto patience = std::chrono::seconds(3); // between asking a child to end and killing it
 
 std::string procFile(pid_t pid, const char *name)
 {
@@ -29,10 +29,9 @@ std::string procFile(pid_t pid, const char *name)
 double numberBehind(const std::string &file, const std::string &key)
 {
     std::ifstream stream(file);
-    for (std::string line; std::getline(stream, line);) {
+    for (std::string line; std::getline(stream, line);)
         if (line.compare(0, key.size(), key) == 0)
             return std::strtod(line.c_str() + key.size(), nullptr);
-    }
     return 0;
 }
 
@@ -42,10 +41,9 @@ bool isInstalled(const std::string &program)
 {
     const char *path = std::getenv("PATH");
     std::istringstream folders(path != nullptr ? path : "");
-    for (std::string folder; std::getline(folders, folder, ':');) {
+    for (std::string folder; std::getline(folders, folder, ':');)
         if (access((folder + "/" + program).c_str(), X_OK) == 0)
             return true;
-    }
     return false;
 }
 
@@ -84,7 +82,7 @@ ChildProcess::~ChildProcess()
     if (m_output >= 0)
         close(m_output);
     askToEnd();
-    const auto deadline = Clock::now() + kPatience;
+    const auto deadline = Clock::now() + patience;
     while (waitpid(m_pid, nullptr, WNOHANG) == 0) {
         if (Clock::now() > deadline) {
             ::kill(m_pid, SIGKILL);

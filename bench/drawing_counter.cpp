@@ -75,10 +75,9 @@ bool DrawingCounter::waitForAll(std::chrono::milliseconds deadline)
 {
     start();
     const auto end = Clock::now() + deadline;
-    while (std::count(m_drawings.begin(), m_drawings.end(), 0) > 0) {
+    while (std::count(m_drawings.begin(), m_drawings.end(), 0) > 0)
         if (!readFor(std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now())))
             return false;
-    }
     return true;
 }
 

@@ -26,16 +26,16 @@ using Cameras = std::vector<zelvaro::test::SimulatedCamera>;
 
 namespace {
 
-constexpr int kScreenWidth = 1600;
-constexpr int kStreamWidth = 640;
-constexpr auto kSettling = 3s;
-constexpr auto kStartDeadline = 90s;
+constexpr int screenWidth = 1600;
+constexpr int streamWidth = 640;
+constexpr auto settling = 3s;
+constexpr auto startDeadline = 90s;
 // From here on more tiles come from more cameras than anybody watches at full rate.
-constexpr int kManyTiles = 36;
-constexpr int kRate = 15;
-constexpr int kRateOfMany = 10;
+constexpr int manyTiles = 36;
+constexpr int frameRate = 15;
+constexpr int rateOfMany = 10;
 // A player that shows less than this share of the pictures does not bear that many tiles.
-constexpr double kBorne = 0.9;
+constexpr double minRateShare = 0.9;
 
 struct Options
 {
@@ -75,7 +75,7 @@ struct Contestant
 
 int rateOf(int tiles)
 {
-    return tiles < kManyTiles ? kRate : kRateOfMany;
+    return tiles < manyTiles ? frameRate : rateOfMany;
 }
 
 void start(Kind kind, const Cameras &cameras, const std::vector<bench::Rectangle> &places,
@@ -105,10 +105,9 @@ public:
     const std::vector<int> &frames()
     {
         for (std::size_t i = 0; i < m_frames.size(); ++i) {
-            for (std::string line; !(line = m_group.at(i).readLine(1ms)).empty();) {
+            for (std::string line; !(line = m_group.at(i).readLine(1ms)).empty();)
                 if (line.starts_with("frame="))
                     m_frames[i] = std::atoi(line.c_str() + 6);
-            }
         }
         return m_frames;
     }
@@ -144,19 +143,18 @@ Result observe(const bench::ProcessGroup &group, Count count)
 std::optional<Result> measureDecoders(bench::ProcessGroup &group, std::chrono::seconds duration)
 {
     DecoderProgress progress(group);
-    const auto deadline = Clock::now() + kStartDeadline;
+    const auto deadline = Clock::now() + startDeadline;
     const auto idle = [&] {
         const std::vector<int> &frames = progress.frames();
         return std::count(frames.begin(), frames.end(), 0) > 0;
     };
-    while (idle()) {
+    while (idle())
         if (Clock::now() > deadline)
             return {};
-    }
     const auto pause = [](std::chrono::seconds length) {
         poll(nullptr, 0, static_cast<int>(length / 1ms));
     };
-    pause(kSettling);
+    pause(settling);
     return observe(group, [&] {
         std::vector<int> before = progress.frames();
         pause(duration);
@@ -170,12 +168,12 @@ std::optional<Result> measureWindows(bench::ProcessGroup &group, std::chrono::se
                                      bench::DrawingCounter &screen, bool tellsPlay)
 {
     auto asked = group.at(0).started();
-    if (tellsPlay && !group.at(0).readLine(kStartDeadline).empty())
+    if (tellsPlay && !group.at(0).readLine(startDeadline).empty())
         asked = Clock::now();
-    if (!screen.waitForAll(kStartDeadline))
+    if (!screen.waitForAll(startDeadline))
         return {};
     const double shown = milliseconds(Clock::now() - asked);
-    screen.count(kSettling);
+    screen.count(settling);
     Result result = observe(group, [&] {
         screen.count(duration);
         return screen.drawings();
@@ -187,8 +185,7 @@ std::optional<Result> measureWindows(bench::ProcessGroup &group, std::chrono::se
 std::optional<Result> measure(Kind kind, const Cameras &cameras, std::chrono::seconds duration,
                               bench::DrawingCounter &screen)
 {
-    const auto places =
-        bench::tileGrid(static_cast<int>(cameras.size()), kScreenWidth, kStreamWidth);
+    const auto places = bench::tileGrid(static_cast<int>(cameras.size()), screenWidth, streamWidth);
     screen.setTiles(places);
     bench::ProcessGroup group;
     start(kind, cameras, places, group);
@@ -271,7 +268,7 @@ void runGrid(int tiles, const Options &options, std::vector<Contestant> &contest
         const bool compare = measured && own.count(tiles) > 0 && &own != &contestant.results;
         print(contestant, tiles, compare ? found->second.cpu / own.at(tiles).cpu : 0);
         contestant.borne = contestant.kind != Kind::Windows ||
-                           (measured && found->second.rate >= kBorne * rateOf(tiles));
+                           (measured && found->second.rate >= minRateShare * rateOf(tiles));
     }
     std::printf("\n");
 }
@@ -290,8 +287,9 @@ int run(const Options &options)
     std::printf("Sub streams of %s, 640x360 at %d fps (%d from %d tiles on), TCP on loopback, each "
                 "in a window of its own;\n%lld s each, the cheapest of %d. Of the players only: "
                 "neither the cameras nor the X server count.\n\n",
-                options.silent ? "cameras without sound" : "cameras with sound", kRate, kRateOfMany,
-                kManyTiles, static_cast<long long>(options.duration.count()), options.rounds);
+                options.silent ? "cameras without sound" : "cameras with sound", frameRate,
+                rateOfMany, manyTiles, static_cast<long long>(options.duration.count()),
+                options.rounds);
     printHead();
     for (const int tiles : options.grids)
         runGrid(tiles, options, contestants, screen);

@@ -24,10 +24,10 @@ using bench::Clock;
 
 namespace {
 
-constexpr int kDeadCameras = 100;
-constexpr int kGridRate = 10;
-constexpr auto kLineDeadline = 120s;
-constexpr auto kEndDeadline = 30s;
+constexpr int deadCameras = 100;
+constexpr int gridRate = 10;
+constexpr auto lineDeadline = 120s;
+constexpr auto endDeadline = 30s;
 
 /// What one run of the client told, by name, and what was seen from outside.
 using Figures = std::map<std::string, double>;
@@ -42,7 +42,7 @@ Figures runOnce(const std::string &scenario)
     bench::ChildProcess client({BENCH_GUI_PROGRAM, scenario}, true);
     Figures told;
     while (told.count("quit") == 0) {
-        const std::string line = client.readLine(kLineDeadline);
+        const std::string line = client.readLine(lineDeadline);
         const auto blank = line.find(' ');
         if (blank == std::string::npos)
             throw std::runtime_error("the client ended early or hangs");
@@ -51,7 +51,7 @@ Figures runOnce(const std::string &scenario)
         if (name == "connected" || name == "played" || name == "left")
             told["memory." + name] = client.memoryMegabytes();
     }
-    const auto deadline = Clock::now() + kEndDeadline;
+    const auto deadline = Clock::now() + endDeadline;
     for (std::string line; client.isRunning() && Clock::now() < deadline;) {
         line = client.readLine(5ms);
         if (const auto blank = line.find(' '); blank != std::string::npos)
@@ -92,7 +92,7 @@ void printBlock(const char *what, const std::string &phase, Figures &figures)
 
 void measureDead(int rounds)
 {
-    const bench::DeadPorts dead(kDeadCameras);
+    const bench::DeadPorts dead(deadCameras);
     bench::ClientHome home;
     std::vector<zelvaro::test::SimulatedCamera> cameras;
     for (const int port : dead.ports()) {
@@ -108,7 +108,7 @@ void measureDead(int rounds)
 
     Figures empty = run("empty", rounds);
     Figures client = run("dead", rounds);
-    std::printf("%d cameras that do not answer, half of them with an open port\n", kDeadCameras);
+    std::printf("%d cameras that do not answer, half of them with an open port\n", deadCameras);
     printLine("window painted, from the start of the process", client["shown"], "ms", 500);
     printBlock("longest block, first 10 s", "start", client);
     printLine("CPU afterwards", client["cost"] * 100, "% core", 2);
@@ -123,11 +123,11 @@ void measureGrid(int tiles, int rounds)
 {
     const zelvaro::test::CamsimProcess cameras({"--count", std::to_string(tiles), "--canned",
                                                 "--sub-size", "640x360", "--sub-fps",
-                                                std::to_string(kGridRate)});
+                                                std::to_string(gridRate)});
     bench::ClientHome home;
     home.registerCameras(cameras.cameras());
     Figures client = run("grid", rounds);
-    std::printf("Grid of %d, 640x360 at %d fps, with sound\n", tiles, kGridRate);
+    std::printf("Grid of %d, 640x360 at %d fps, with sound\n", tiles, gridRate);
     printBlock("longest block while the grid opens", "open", client);
     printBlock("longest block while it plays", "play", client);
     printBlock("longest block while the window is resized", "resize", client);
@@ -146,12 +146,11 @@ int main(int argc, char **argv)
 {
     int rounds = 1;
     std::vector<int> grids;
-    for (int i = 1; i < argc; ++i) {
+    for (int i = 1; i < argc; ++i)
         if (std::string(argv[i]) == "--rounds" && i + 1 < argc)
             rounds = std::max(1, std::atoi(argv[++i]));
         else
             grids.push_back(std::max(1, std::atoi(argv[i])));
-    }
     if (grids.empty())
         grids = {16, 36};
     // An X server without clients may start over, and with it the clock of the next start.

@@ -28,16 +28,16 @@ using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 using bench::wait;
 
-constexpr auto kStartWatched = 10s;
-constexpr auto kCostMeasured = 10s;
-constexpr auto kConnectDeadline = 60s;
-constexpr auto kPlayDeadline = 60s;
-constexpr auto kPlayWatched = 5s;
-constexpr auto kAfterSwitch = 1s;
+constexpr auto startWatched = 10s;
+constexpr auto costMeasured = 10s;
+constexpr auto connectDeadline = 60s;
+constexpr auto playDeadline = 60s;
+constexpr auto playWatched = 5s;
+constexpr auto afterSwitch = 1s;
 // Pools of threads end after 5 s without work.
-constexpr auto kAfterLeaving = 8s;
-constexpr int kResizes = 10;
-constexpr int kResizeStep = 30; // pixels
+constexpr auto afterLeaving = 8s;
+constexpr int resizes = 10;
+constexpr int resizeStep = 30; // pixels
 
 void tell(const char *what, double value)
 {
@@ -83,10 +83,9 @@ public:
 bool allCameras(const std::function<bool(const CCamera &)> &hold)
 {
     const CCameraList &cameras = CCameraList::instance();
-    for (int i = 0; i < cameras.count(); ++i) {
+    for (int i = 0; i < cameras.count(); ++i)
         if (!hold(*cameras.at(i)))
             return false;
-    }
     return true;
 }
 
@@ -97,56 +96,56 @@ void click(const CMainForm &window, const char *button)
 
 void watchDeadCameras(std::optional<bench::GuiWatch> &watch)
 {
-    wait(kStartWatched);
+    wait(startWatched);
     tellBlock("start", watch->takeLongest());
     watch.reset(); // it costs something itself
     const double before = cpuSeconds();
-    wait(kCostMeasured);
-    tell("cost", (cpuSeconds() - before) / std::chrono::duration<double>(kCostMeasured).count());
+    wait(costMeasured);
+    tell("cost", (cpuSeconds() - before) / std::chrono::duration<double>(costMeasured).count());
     watch.emplace();
 }
 
 void resizeWindow(CMainForm &window)
 {
     const QSize size = window.size();
-    for (int i = 1; i <= kResizes; ++i) {
-        window.resize(size - QSize(i, i) * kResizeStep);
+    for (int i = 1; i <= resizes; ++i) {
+        window.resize(size - QSize(i, i) * resizeStep);
         wait(100ms);
     }
     window.resize(size);
-    wait(kAfterSwitch);
+    wait(afterSwitch);
 }
 
 void watchGrid(CMainForm &window, bench::GuiWatch &watch)
 {
-    wait(kConnectDeadline, [] {
+    wait(connectDeadline, [] {
         return allCameras(
             [](const CCamera &camera) { return camera.get_state() == CAMERA_STATE_CONNECTED; });
     });
     window.setGeometry(window.screen()->geometry());
-    wait(kAfterSwitch);
+    wait(afterSwitch);
     tell("connected", CCameraList::instance().count());
-    wait(kAfterSwitch);
+    wait(afterSwitch);
 
     watch.takeLongest();
     const auto asked = Clock::now();
     click(window, "btnMultiLive");
-    if (wait(kPlayDeadline,
+    if (wait(playDeadline,
              [] { return allCameras([](const CCamera &camera) { return camera.is_playing(); }); }))
         tell("playing", std::chrono::duration<double, std::milli>(Clock::now() - asked).count());
-    wait(kAfterSwitch);
+    wait(afterSwitch);
     tellBlock("open", watch.takeLongest());
-    wait(kPlayWatched);
+    wait(playWatched);
     tellBlock("play", watch.takeLongest());
     tell("played", 1);
     resizeWindow(window);
     tellBlock("resize", watch.takeLongest());
     click(window, "btnCameraMgr");
-    wait(kAfterSwitch);
+    wait(afterSwitch);
     tellBlock("leave", watch.takeLongest());
-    wait(kAfterLeaving);
+    wait(afterLeaving);
     tell("left", 1);
-    wait(kAfterSwitch);
+    wait(afterSwitch);
     watch.takeLongest();
 }
 

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto kPeriod = 2ms;
+constexpr auto period = 2ms;
 
 } // namespace
 
@@ -69,8 +69,9 @@ void GuiWatch::watch()
             },
             Qt::QueuedConnection);
         lock.lock();
-        m_changed.wait(lock, [this] { return m_ending || !m_sent; });
-        m_changed.wait_for(lock, kPeriod, [this] { return m_ending; });
+        m_changed.wait(
+            lock, [this] { return m_ending || !m_sent; });
+        m_changed.wait_for(lock, period, [this] { return m_ending; });
     }
 }
 

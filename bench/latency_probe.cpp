@@ -8,7 +8,7 @@ namespace bench {
 
 namespace {
 
-constexpr std::uint32_t kImplausible = 60'000; // milliseconds; a misread or a stale picture
+constexpr std::uint32_t implausible = 60'000; // milliseconds; a misread or a stale picture
 
 void pause()
 {
@@ -47,7 +47,7 @@ std::vector<double> LatencyProbe::sample(std::chrono::milliseconds duration)
         if (code && code != last) {
             const auto latency = camsim::timecode::elapsed(*code, now);
             // The first code may have stood there for a while.
-            if (last && latency < kImplausible)
+            if (last && latency < implausible)
                 samples.push_back(latency);
             last = code;
         }

@@ -23,12 +23,12 @@ using bench::Clock;
 
 namespace {
 
-constexpr int kWidth = 640;
-constexpr int kHeight = 360;
-constexpr int kStarts = 5; // first pictures measured for each player
-constexpr auto kFirstPictureDeadline = 20s;
-constexpr auto kSettling = 3s;
-constexpr std::chrono::seconds kDefaultDuration = 20s;
+constexpr int width = 640;
+constexpr int height = 360;
+constexpr int starts = 5; // first pictures measured for each player
+constexpr auto firstPictureDeadline = 20s;
+constexpr auto settling = 3s;
+constexpr std::chrono::seconds defaultDuration = 20s;
 
 struct Player
 {
@@ -50,7 +50,7 @@ struct Result
 std::vector<Player> players(const zelvaro::test::SimulatedCamera &camera)
 {
     const std::string url = camera.urlWithLogin(camera.subUrl);
-    const bench::Rectangle place{0, 0, kWidth, kHeight};
+    const bench::Rectangle place{0, 0, width, height};
     std::vector<Player> all;
     all.push_back({"zelvaro engine", bench::enginePlayer({camera}, {place}), true});
     if (bench::isInstalled("mpv"))
@@ -81,18 +81,18 @@ bool measure(const Player &player, std::chrono::seconds duration, bench::ScreenR
 {
     bench::LatencyProbe probe(screen);
     std::vector<double> fromStart, fromCall;
-    for (int start = 1; start <= kStarts; ++start) {
+    for (int start = 1; start <= starts; ++start) {
         screen.clear();
         bench::ChildProcess process(player.command, player.tellsPlay);
         const auto asked = playMoment(player, process);
-        const auto seen = probe.waitForPicture(asked, kFirstPictureDeadline);
+        const auto seen = probe.waitForPicture(asked, firstPictureDeadline);
         if (!seen)
             return false;
         fromStart.push_back(milliseconds(*seen - process.started()));
         fromCall.push_back(milliseconds(*seen - asked));
-        if (start < kStarts)
+        if (start < starts)
             continue;
-        probe.sample(kSettling);
+        probe.sample(settling);
         const double cpuBefore = process.cpuSeconds();
         const auto before = Clock::now();
         result.latency = probe.sample(duration);
@@ -125,19 +125,19 @@ private:
 int runGrowth(int minutes)
 {
     const Camera camera;
-    bench::ScreenReader screen(kWidth, kHeight);
+    bench::ScreenReader screen(width, height);
     bench::LatencyProbe probe(screen);
     const Player player = players(camera.get()).front();
     std::printf("%s, one camera, %dx%d at 25 fps, TCP on loopback\n\n%6s %8s %8s %8s %10s %8s\n",
-                player.name.c_str(), kWidth, kHeight, "minute", "median", "95 %", "frames",
-                "memory", "threads");
+                player.name.c_str(), width, height, "minute", "median", "95 %", "frames", "memory",
+                "threads");
     screen.clear();
     bench::ChildProcess process(player.command, player.tellsPlay);
-    if (!probe.waitForPicture(playMoment(player, process), kFirstPictureDeadline)) {
+    if (!probe.waitForPicture(playMoment(player, process), firstPictureDeadline)) {
         std::printf("showed no picture\n");
         return 1;
     }
-    probe.sample(kSettling);
+    probe.sample(settling);
     std::vector<double> medians, memories;
     for (int minute = 1; minute <= minutes; ++minute) {
         const std::vector<double> latency = probe.sample(1min);
@@ -156,11 +156,11 @@ int runGrowth(int minutes)
 int run(std::chrono::seconds duration)
 {
     const Camera camera;
-    bench::ScreenReader screen(kWidth, kHeight);
+    bench::ScreenReader screen(width, height);
 
     std::printf("One camera, %dx%d at 25 fps, a key frame each second, TCP on loopback; %lld s "
                 "each, %d starts.\n\n",
-                kWidth, kHeight, static_cast<long long>(duration.count()), kStarts);
+                width, height, static_cast<long long>(duration.count()), starts);
     std::printf("%-18s %8s %8s %8s %12s %12s %8s %8s %8s\n", "player", "median", "95 %", "frames",
                 "first, call", "first, start", "CPU", "memory", "threads");
     std::printf("%-18s %8s %8s %8s %12s %12s %8s %8s %8s\n", "", "ms", "ms", "", "ms", "ms",
@@ -195,7 +195,7 @@ int main(int argc, char **argv)
         if (argc > 2 && std::string(argv[1]) == "--growth")
             return runGrowth(std::max(1, std::atoi(argv[2])));
         const int seconds = argc > 1 ? std::atoi(argv[1]) : 0;
-        return run(seconds > 0 ? std::chrono::seconds(seconds) : kDefaultDuration);
+        return run(seconds > 0 ? std::chrono::seconds(seconds) : defaultDuration);
     } catch (const std::exception &problem) {
         std::fprintf(stderr, "bench_live: %s\n", problem.what());
         return 1;

@@ -39,10 +39,9 @@ Window openWindow(Display *display, char **place)
 bool connectSessions(const Sessions &sessions)
 {
     for (int attempt = 0; attempt < 10 && !ending; ++attempt) {
-        for (const auto &session : sessions) {
+        for (const auto &session : sessions)
             if (!session->isConnected())
                 session->probe();
-        }
         const auto probing = [](const auto &session) { return session->isProbing(); };
         while (!ending && std::any_of(sessions.begin(), sessions.end(), probing))
             poll(nullptr, 0, 1);

@@ -31,8 +31,9 @@ double ProcessGroup::memoryMegabytes() const
 
 int ProcessGroup::threads() const
 {
-    return std::accumulate(m_processes.begin(), m_processes.end(), 0,
-                           [](int sum, const auto &process) { return sum + process->threads(); });
+    return std::accumulate(
+        m_processes.begin(), m_processes.end(), 0,
+        [](int sum, const auto &process) { return sum + process->threads(); });
 }
 
 } // namespace bench

@@ -6,10 +6,10 @@
 
 #include "bench/child_process.h"
 #include "bench/statistics.h"
+#include "camsim/camsim_process.h"
 #include "camsim/timecode.h"
 #include "tests/platform/cammgr/media_probe.h"
 #include "tests/platform/cammgr/temporary_folder.h"
-#include "camsim/camsim_process.h"
 
 #include <cstring>
 #include <exception>
@@ -25,14 +25,14 @@ using bench::Clock;
 
 namespace {
 
-constexpr int kWidth = 640;
-constexpr int kHeight = 360;
-constexpr int kFramesPerSecond = 25;
-constexpr int kKeyInterval = 2; // seconds
-constexpr std::chrono::milliseconds kShortest = 2s;
-constexpr std::chrono::milliseconds kLongest = 4s;
-constexpr auto kPatience = 20s; // for a recorder to begin
-constexpr double kMostMissing = 1;
+constexpr int width = 640;
+constexpr int height = 360;
+constexpr int framesPerSecond = 25;
+constexpr int keyInterval = 2; // seconds
+constexpr std::chrono::milliseconds shortest = 2s;
+constexpr std::chrono::milliseconds longest = 4s;
+constexpr auto patience = 20s; // for a recorder to begin
+constexpr double mostMissing = 1;
 
 /// A way to record the camera into a file, as a process of its own.
 struct Recorder
@@ -77,8 +77,8 @@ void pause(std::chrono::milliseconds time)
 bool waitUntilRecording(const Recorder &recorder, ChildProcess &process)
 {
     if (recorder.tellsBegin)
-        return !process.readLine(kPatience).empty();
-    const auto end = Clock::now() + kPatience;
+        return !process.readLine(patience).empty();
+    const auto end = Clock::now() + patience;
     std::error_code error;
     while (Clock::now() < end) {
         const auto size = std::filesystem::file_size(recorder.path, error);
@@ -95,10 +95,10 @@ std::optional<std::uint32_t> lastPicture(const std::string &path)
     const std::string command = "ffmpeg -v error -i '" + path +
                                 "' -an -fps_mode passthrough -f rawvideo -pix_fmt gray - 2>&-";
     const std::unique_ptr<FILE, int (*)(FILE *)> pipe(popen(command.c_str(), "r"), &pclose);
-    std::vector<std::uint8_t> picture(std::size_t{kWidth} * kHeight);
+    std::vector<std::uint8_t> picture(std::size_t{width} * height);
     std::optional<std::uint32_t> last;
     while (pipe && fread(picture.data(), 1, picture.size(), pipe.get()) == picture.size()) {
-        const auto code = camsim::timecode::readLuma(picture.data(), kWidth, kWidth, kHeight);
+        const auto code = camsim::timecode::readLuma(picture.data(), width, width, height);
         if (code)
             last = code;
     }
@@ -120,7 +120,7 @@ void examine(Recorder &recorder, std::uint32_t killed)
     if (last) {
         const double missing = camsim::timecode::elapsed(*last, killed) / 1000.0;
         ++recorder.play;
-        recorder.playWhole += missing <= kMostMissing ? 1 : 0;
+        recorder.playWhole += missing <= mostMissing ? 1 : 0;
         recorder.missing.push_back(missing);
     }
     std::filesystem::remove(recorder.path);
@@ -132,10 +132,9 @@ void recordAndKill(std::vector<Recorder> &recorders, std::chrono::milliseconds l
     std::vector<std::unique_ptr<ChildProcess>> processes;
     for (const Recorder &recorder : recorders)
         processes.push_back(std::make_unique<ChildProcess>(recorder.command, recorder.tellsBegin));
-    for (std::size_t i = 0; i < recorders.size(); ++i) {
+    for (std::size_t i = 0; i < recorders.size(); ++i)
         if (!waitUntilRecording(recorders[i], *processes[i]))
             throw std::runtime_error(recorders[i].name + " does not record");
-    }
     pause(length);
     const std::uint32_t killed = camsim::timecode::now();
     for (const auto &process : processes)
@@ -160,9 +159,8 @@ int run(int kills)
 {
     gst_init(nullptr, nullptr);
     const zelvaro::test::CamsimProcess cameras(
-        {"--warm", "--sub-size", std::to_string(kWidth) + "x" + std::to_string(kHeight),
-         "--sub-fps", std::to_string(kFramesPerSecond), "--key-interval",
-         std::to_string(kKeyInterval)});
+        {"--warm", "--sub-size", std::to_string(width) + "x" + std::to_string(height), "--sub-fps",
+         std::to_string(framesPerSecond), "--key-interval", std::to_string(keyInterval)});
     const TemporaryFolder folder;
     std::vector<Recorder> recorders = {ownEngine(cameras.camera(), folder)};
     if (bench::isInstalled("gst-launch-1.0"))
@@ -170,10 +168,10 @@ int run(int kills)
 
     std::printf("Recordings of %dx%d at %d fps, a key frame every %d s, killed (SIGKILL) at a "
                 "random moment after %lld to %lld s.\n\n",
-                kWidth, kHeight, kFramesPerSecond, kKeyInterval,
-                static_cast<long long>(kShortest / 1s), static_cast<long long>(kLongest / 1s));
+                width, height, framesPerSecond, keyInterval, static_cast<long long>(shortest / 1s),
+                static_cast<long long>(longest / 1s));
     std::mt19937 random(20180813);
-    std::uniform_int_distribution<long long> length(kShortest.count(), kLongest.count());
+    std::uniform_int_distribution<long long> length(shortest.count(), longest.count());
     for (int kill = 0; kill < kills; ++kill)
         recordAndKill(recorders, std::chrono::milliseconds(length(random)));
 

@@ -31,9 +31,9 @@ ScreenReader::ScreenReader(int width, int height) : d(std::make_unique<Private>(
     const int screen = DefaultScreen(d->display);
     // Only the rows with the code are fetched: a look must cost less than a frame's time.
     const int codeHeight =
-        height * (camsim::timecode::kRows + 1) / camsim::timecode::kCellsPerHeight + 1;
+        height * (camsim::timecode::rows + 1) / camsim::timecode::cellsPerHeight + 1;
     const int codeWidth =
-        height * (camsim::timecode::kColumns + 1) / camsim::timecode::kCellsPerHeight + 1;
+        height * (camsim::timecode::columns + 1) / camsim::timecode::cellsPerHeight + 1;
     d->image = XShmCreateImage(d->display, DefaultVisual(d->display, screen),
                                static_cast<unsigned>(DefaultDepth(d->display, screen)), ZPixmap,
                                nullptr, &d->segment, static_cast<unsigned>(codeWidth),

@@ -16,10 +16,10 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcCamera, "zelvaro.camera")
 
-constexpr int ReprobeInterval = 3000; // ms
-constexpr int WaitStep = 100;         // ms
-constexpr int DefaultWidth = 640;
-constexpr int DefaultHeight = 480;
+constexpr int reprobeInterval = 3000; // ms
+constexpr int waitStep = 100;         // ms
+constexpr int defaultWidth = 640;
+constexpr int defaultHeight = 480;
 
 bool check(bool ok, const char *condition)
 {
@@ -36,16 +36,15 @@ QByteArray libraryText(const QString &text)
 CCameraCore::CCameraCore(QWidget *parent) : QWidget(parent)
 {
     m_reprobe.setSingleShot(true);
-    m_reprobe.setInterval(ReprobeInterval);
+    m_reprobe.setInterval(reprobeInterval);
     connect(&m_reprobe, &QTimer::timeout, this, &CCameraCore::slotCameraTickAlive);
     zelvaro::SessionRegistry::enter(this);
 }
 
 CCameraCore::~CCameraCore()
 {
-    if (m_pRtspPlayer) {
+    if (m_pRtspPlayer)
         delete_player();
-    }
     zelvaro::SessionRegistry::leave(this);
 }
 
@@ -70,15 +69,13 @@ int CCameraCore::create()
     check(cam_status == CAMERA_STATE_DISCONNECTED, "cam_status == CAMERA_STATE_DISCONNECTED");
     check(cam_status == old_cam_status, "cam_status == old_cam_status");
     // A second player would take the place of the first, which nobody could stop any more.
-    if (!fresh) {
+    if (!fresh)
         return -1;
-    }
     m_pRtspPlayer =
         RtspPlayer_Create(libraryText(m_hostname).constData(), libraryText(m_username).constData(),
                           libraryText(m_password).constData(), &CCameraCore::playerCallback, this);
-    if (!m_pRtspPlayer) {
+    if (!m_pRtspPlayer)
         return -1;
-    }
     connect(this, &CCameraCore::signalCameraEvent, this, &CCameraCore::slotCameraEvent,
             Qt::QueuedConnection);
     tick_alive();
@@ -152,7 +149,7 @@ void CCameraCore::wait_stopped()
     while (self && (cam_started || is_playing())) {
         RtspPlayer_Stop_Connecting(player());
         RtspPlayer_Stop(player());
-        zelvaro::waitEvents(WaitStep);
+        zelvaro::waitEvents(waitStep);
     }
 }
 
@@ -176,9 +173,8 @@ void CCameraCore::delete_player()
         m_pRtspPlayer = nullptr;
         cam_to_delete = 0;
     }
-    while (cam_to_delete) {
-        zelvaro::waitEvents(WaitStep);
-    }
+    while (cam_to_delete)
+        zelvaro::waitEvents(waitStep);
     check(!m_pRtspPlayer, "!m_pRtspPlayer");
     forgetPlayer();
 }
@@ -265,13 +261,13 @@ int CCameraCore::get_bit_rate() const
 int CCameraCore::get_video_width() const
 {
     const int width = RtspPlayer_GetVideoWidth(player());
-    return width < 1 ? DefaultWidth : width;
+    return width < 1 ? defaultWidth : width;
 }
 
 int CCameraCore::get_video_height() const
 {
     const int height = RtspPlayer_GetVideoHeight(player());
-    return height < 1 ? DefaultHeight : height;
+    return height < 1 ? defaultHeight : height;
 }
 
 int CCameraCore::issue_conf_commands(const QStringList &requests)
@@ -298,9 +294,8 @@ void CCameraCore::playerCallback(int message, int countOrError, void *context, c
     QStringList result;
     if (strings) {
         check(countOrError > 0, "nErrORcnt > 0");
-        for (int i = 0; i < countOrError; ++i) {
+        for (int i = 0; i < countOrError; ++i)
             result << QString::fromUtf8(strings[i]);
-        }
     }
     zelvaro::SessionRegistry::withSession(context, [&](CCameraCore *session) {
         emit session->signalCameraEvent(message, countOrError, result);
@@ -330,9 +325,8 @@ void CCameraCore::handleProbeResult(int message, int error)
 {
     check(cam_started, "cam_started");
     cam_started = 0;
-    if (cam_to_stop) {
+    if (cam_to_stop)
         return;
-    }
     // A receiver may destroy the session.
     const QPointer<CCameraCore> self(this);
     if (message == CAMMGR_MSG_PROBE_OK) {
@@ -341,9 +335,8 @@ void CCameraCore::handleProbeResult(int message, int error)
         changeState(CAMERA_STATE_DISCONNECTED,
                     error == CAMMGR_ERROR_REFUSED ? CAMERA_CODE_REFUSED : CAMERA_CODE_FAILED);
     }
-    if (self) {
+    if (self)
         m_reprobe.start();
-    }
 }
 
 void CCameraCore::changeState(int status, int code)
@@ -355,9 +348,8 @@ void CCameraCore::changeState(int status, int code)
         m_stateCode = code;
         emit signalStateChanged();
     }
-    if (self) {
+    if (self)
         emit signalStateReport();
-    }
 }
 
 void CCameraCore::handleDeleted()

@@ -38,9 +38,8 @@ void CCameraList::remove(CCamera *camera)
 {
     const auto same = [&](const auto &candidate) { return candidate.get() == camera; };
     const auto found = std::find_if(m_cameras.begin(), m_cameras.end(), same);
-    if (found == m_cameras.end()) {
+    if (found == m_cameras.end())
         return;
-    }
     // Out of the list before its destructor waits in an event loop, where others may look at it.
     const std::unique_ptr<CCamera> leaving = std::move(*found);
     m_cameras.erase(found);
@@ -52,9 +51,8 @@ void CCameraList::startSessions(const CameraSettings &settings)
     for (int i = 0; i < settings.count(); ++i) {
         CCamera *const camera = create();
         camera->set_info(settings.at(i));
-        if (camera->create() < 0) {
+        if (camera->create() < 0)
             remove(camera);
-        }
     }
 }
 
@@ -63,9 +61,8 @@ void CCameraList::destroyAll()
     while (!m_cameras.empty()) {
         const std::unique_ptr<CCamera> camera = std::move(m_cameras.front());
         m_cameras.erase(m_cameras.begin());
-        if (!camera->has_player()) {
+        if (!camera->has_player())
             continue;
-        }
         // At the end of the program closing() has done this already.
         if (!camera->is_stopped()) {
             camera->stop();
@@ -81,13 +78,10 @@ void CCameraList::closing()
     QVector<QPointer<CCamera>> cameras;
     for (const auto &camera : m_cameras) {
         cameras << camera.get();
-        if (camera->has_player() && !camera->is_stopped()) {
+        if (camera->has_player() && !camera->is_stopped())
             camera->stop();
-        }
     }
-    for (const auto &camera : qAsConst(cameras)) {
-        if (camera && camera->has_player()) {
+    for (const auto &camera : qAsConst(cameras))
+        if (camera && camera->has_player())
             camera->wait_stopped();
-        }
-    }
 }

@@ -13,9 +13,8 @@ QString build_request(const QString &username, const QString &password, const QS
                    "Camera");
     QString request = QStringLiteral("GET /form/") + command;
     const int count = std::min(params.length(), values.length());
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i)
         request += QLatin1Char(i == 0 ? '?' : '&') + params[i] + QLatin1Char('=') + values[i];
-    }
     const QByteArray credentials = (username + QLatin1Char(':') + password).toUtf8().toBase64();
     return request + QStringLiteral(" HTTP/1.1\r\nAuthorization: Basic ") +
            QLatin1String(credentials) + QStringLiteral("\r\n\r\n");
@@ -67,9 +66,8 @@ CommandReply parse_reply(const QString &text)
 {
     const QStringList lines = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     CommandReply reply;
-    if (lines.isEmpty() || lines.first() != QLatin1String("000 Success")) {
+    if (lines.isEmpty() || lines.first() != QLatin1String("000 Success"))
         return reply;
-    }
     reply.code = 0;
     for (int i = 1; i < lines.length(); ++i) {
         const QStringList parts = lines[i].split(QLatin1Char('='));

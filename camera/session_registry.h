@@ -18,9 +18,8 @@ public:
     static void withSession(void *context, Post post)
     {
         const Hold hold(context);
-        if (hold.session) {
+        if (hold.session)
             post(hold.session);
-        }
     }
 
 private:

@@ -11,9 +11,8 @@ void waitEvents(int milliseconds)
     timer.setSingleShot(true);
     timer.start(milliseconds);
     QEventLoop loop;
-    while (timer.isActive()) {
+    while (timer.isActive())
         loop.processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::WaitForMoreEvents);
-    }
 }
 
 } // namespace zelvaro

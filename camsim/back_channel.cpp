@@ -13,7 +13,7 @@ namespace {
 
 using Shared = std::shared_ptr<BackChannel>;
 
-constexpr std::size_t kSecond = 8000;
+constexpr std::size_t second = 8000;
 
 GstFlowReturn onSample(GstAppSink *sink, gpointer self)
 {
@@ -50,8 +50,8 @@ void BackChannel::hear(const std::uint8_t *data, std::size_t size)
         m_squares += sample * sample;
     }
     m_heard.insert(m_heard.end(), data, data + size);
-    if (m_heard.size() > 4 * kSecond)
-        m_heard.erase(m_heard.begin(), m_heard.end() - std::ptrdiff_t{kSecond});
+    if (m_heard.size() > 4 * second)
+        m_heard.erase(m_heard.begin(), m_heard.end() - std::ptrdiff_t{second});
 }
 
 BackChannel::Report BackChannel::report() const
@@ -66,7 +66,7 @@ BackChannel::Report BackChannel::report() const
 std::vector<std::uint8_t> BackChannel::lastSecond() const
 {
     const std::lock_guard lock(m_mutex);
-    const std::size_t count = std::min(m_heard.size(), kSecond);
+    const std::size_t count = std::min(m_heard.size(), second);
     return {m_heard.end() - static_cast<std::ptrdiff_t>(count), m_heard.end()};
 }
 

@@ -12,10 +12,10 @@ namespace camsim {
 namespace {
 
 // Long enough for the answer to the request that caused a move or a reboot.
-constexpr std::chrono::milliseconds kAnswerTime{200};
+constexpr std::chrono::milliseconds answerTime{200};
 
-constexpr std::chrono::milliseconds kShortSound{40};
-constexpr std::chrono::milliseconds kLongSound{125};
+constexpr std::chrono::milliseconds shortSound{40};
+constexpr std::chrono::milliseconds longSound{125};
 
 /// Derives a stable UUID (version 5 layout) and a locally administered hardware address.
 void deriveIdentity(const std::string &seed, int index, Identity &identity)
@@ -61,7 +61,7 @@ Camera::Camera(const Shared &shared, const Options &options, int index)
     if (options.audio) {
         // Packets cost more than bytes where there are many cameras.
         m_audio = std::make_unique<AudioSource>(shared.ticker, index,
-                                                options.canned ? kLongSound : kShortSound);
+                                                options.canned ? longSound : shortSound);
     }
     if (options.backChannel)
         m_backChannel = std::make_shared<BackChannel>();
@@ -75,7 +75,8 @@ Camera::Camera(const Shared &shared, const Options &options, int index)
 
     const std::chrono::seconds timeout{options.sessionTimeout};
     m_rtspFront = std::make_unique<TcpFront>(
-        shared.reactor, m_rtsp->port(), [&reactor = shared.reactor, faults = m_faults, timeout] {
+        shared.reactor, m_rtsp->port(),
+        [&reactor = shared.reactor, faults = m_faults, timeout] {
             return std::make_unique<RtspPolicy>(reactor, faults, timeout);
         });
     m_httpFront = std::make_unique<TcpFront>(shared.reactor, m_http->port(),
@@ -218,7 +219,7 @@ CameraModel::Change Camera::setNetwork(const NetworkState &wanted)
     }
     if (m_options.rebootNeeded)
         return Change::AfterReboot;
-    m_timers.after(kAnswerTime, [this] { applyNetwork(); });
+    m_timers.after(answerTime, [this] { applyNetwork(); });
     return Change::Applied;
 }
 
@@ -257,9 +258,9 @@ void Camera::reboot()
     if (m_isRebooting)
         return;
     m_isRebooting = true;
-    m_timers.after(kAnswerTime, [this] { setPower(false); });
+    m_timers.after(answerTime, [this] { setPower(false); });
     const auto down = std::chrono::milliseconds(static_cast<int>(m_options.rebootSeconds * 1000));
-    m_timers.after(kAnswerTime + down, [this] {
+    m_timers.after(answerTime + down, [this] {
         m_isRebooting = false;
         applyNetwork();
         setPower(true);
@@ -280,12 +281,11 @@ void Camera::setVideo(bool enabled)
 
 void Camera::setListening(bool listening)
 {
-    for (TcpFront *front : {m_rtspFront.get(), m_httpFront.get()}) {
+    for (TcpFront *front : {m_rtspFront.get(), m_httpFront.get()})
         if (listening)
             front->listen();
         else
             front->refuse();
-    }
 }
 
 void Camera::setPower(bool on)

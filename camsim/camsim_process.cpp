@@ -30,10 +30,9 @@ using Clock = std::chrono::steady_clock;
 
 std::size_t countOf(const std::vector<std::string> &arguments)
 {
-    for (std::size_t i = 0; i + 1 < arguments.size(); ++i) {
+    for (std::size_t i = 0; i + 1 < arguments.size(); ++i)
         if (arguments[i] == "--count")
             return std::stoul(arguments[i + 1]);
-    }
     return 1;
 }
 

@@ -68,7 +68,7 @@ std::shared_ptr<const CannedVideo::Clip> findClip(const VideoSettings &settings,
 
 CannedVideo::CannedVideo(Ticker &ticker, const VideoSettings &settings, int scene)
     : VideoSource(ticker, settings)
-    , m_scene(scene % Scene::kCount)
+    , m_scene(scene % Scene::count)
     , m_clip(findClip(settings, m_scene))
 {
     start([this](Ticker::Time now) { return tick(now); });

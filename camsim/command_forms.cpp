@@ -6,10 +6,10 @@ namespace camsim {
 
 namespace {
 
-constexpr const char *kSuccess = "000 Success\n";
-constexpr const char *kFailed = "001 Failed\n";
-constexpr const char *kUnknownCommand = "002 Unknown command\n";
-constexpr const char *kWrongParameter = "003 Wrong parameter\n";
+constexpr const char *success = "000 Success\n";
+constexpr const char *failed = "001 Failed\n";
+constexpr const char *unknownCommand = "002 Unknown command\n";
+constexpr const char *wrongParameter = "003 Wrong parameter\n";
 
 struct Field
 {
@@ -18,13 +18,13 @@ struct Field
     int high;
 };
 
-constexpr std::array<Field, 7> kMotionFields{{{"ENABLE", 0, 1},
-                                              {"LEFT", 0, 639},
-                                              {"TOP", 0, 479},
-                                              {"RIGHT", 0, 639},
-                                              {"BOTTOM", 0, 479},
-                                              {"THRESHOLD", 1, 100},
-                                              {"SENSITIVITY", 1, 100}}};
+constexpr std::array<Field, 7> motionFields{{{"ENABLE", 0, 1},
+                                             {"LEFT", 0, 639},
+                                             {"TOP", 0, 479},
+                                             {"RIGHT", 0, 639},
+                                             {"BOTTOM", 0, 479},
+                                             {"THRESHOLD", 1, 100},
+                                             {"SENSITIVITY", 1, 100}}};
 
 /// The number in the text; -1 for anything else than digits.
 int toNumber(const std::string &text)
@@ -34,7 +34,7 @@ int toNumber(const std::string &text)
     return error == std::errc{} && end == text.data() + text.size() ? value : -1;
 }
 
-const std::map<std::string, std::string> kFixedAnswers{
+const std::map<std::string, std::string> fixedAnswers{
     {"getAutoReboot", "ENABLE=0\nDAY=0\nHOUR=3\nMINUTE=0\n"},
     {"getStorageAlarmRecord", "ENABLE=0\nSECONDS=30\n"},
     {"getStorageAlarmSnapshot", "ENABLE=0\nCOUNT=1\n"},
@@ -71,50 +71,50 @@ std::string CommandForms::answer(const std::string &command, const std::string &
         m_log.erase(m_log.begin());
     m_log.push_back(query.empty() ? command : command + "?" + query);
     if (m_fault == Fault::Fail)
-        return kFailed;
+        return failed;
     if (command == "getMotion")
         return getMotion(parse(query));
     if (command == "setMotion")
         return setMotion(parse(query));
     if (command == "sysReboot") {
         m_camera.reboot();
-        return kSuccess;
+        return success;
     }
-    const auto fixed = kFixedAnswers.find(command);
-    return fixed == kFixedAnswers.end() ? kUnknownCommand : kSuccess + fixed->second;
+    const auto fixed = fixedAnswers.find(command);
+    return fixed == fixedAnswers.end() ? unknownCommand : success + fixed->second;
 }
 
 std::string CommandForms::getMotion(const Parameters &parameters) const
 {
     if (parameters.size() != 1 || parameters[0].first != "WINDOW")
-        return kWrongParameter;
+        return wrongParameter;
     const int number = toNumber(parameters[0].second);
-    if (number < 1 || number > kWindows)
-        return kWrongParameter;
-    std::string answer = std::string(kSuccess) + "WINDOW=" + std::to_string(number) + "\n";
+    if (number < 1 || number > windows)
+        return wrongParameter;
+    std::string answer = std::string(success) + "WINDOW=" + std::to_string(number) + "\n";
     const auto &window = m_windows[static_cast<std::size_t>(number - 1)];
-    for (std::size_t i = 0; i < kMotionFields.size(); ++i)
-        answer += std::string(kMotionFields[i].name) + "=" + std::to_string(window[i]) + "\n";
+    for (std::size_t i = 0; i < motionFields.size(); ++i)
+        answer += std::string(motionFields[i].name) + "=" + std::to_string(window[i]) + "\n";
     return answer;
 }
 
 std::string CommandForms::setMotion(const Parameters &parameters)
 {
-    if (parameters.size() != 1 + kMotionFields.size() || parameters[0].first != "WINDOW")
-        return kWrongParameter;
+    if (parameters.size() != 1 + motionFields.size() || parameters[0].first != "WINDOW")
+        return wrongParameter;
     const int number = toNumber(parameters[0].second);
-    if (number < 1 || number > kWindows)
-        return kWrongParameter;
-    std::array<int, kFields> window{};
-    for (std::size_t i = 0; i < kMotionFields.size(); ++i) {
-        const Field &field = kMotionFields[i];
+    if (number < 1 || number > windows)
+        return wrongParameter;
+    std::array<int, fields> window{};
+    for (std::size_t i = 0; i < motionFields.size(); ++i) {
+        const Field &field = motionFields[i];
         window[i] = toNumber(parameters[i + 1].second);
         if (parameters[i + 1].first != field.name || window[i] < field.low ||
             window[i] > field.high)
-            return kWrongParameter;
+            return wrongParameter;
     }
     m_windows[static_cast<std::size_t>(number - 1)] = window;
-    return kSuccess;
+    return success;
 }
 
 } // namespace camsim

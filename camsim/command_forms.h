@@ -36,8 +36,8 @@ public:
 
 private:
     using Parameters = std::vector<std::pair<std::string, std::string>>;
-    static constexpr int kWindows = 4;
-    static constexpr int kFields = 7; ///< all but the window's number
+    static constexpr int windows = 4;
+    static constexpr int fields = 7; ///< all but the window's number
 
     static Parameters parse(std::string_view query);
     std::string getMotion(const Parameters &parameters) const;
@@ -45,7 +45,7 @@ private:
 
     CameraModel &m_camera;
     Fault m_fault = Fault::None;
-    std::array<std::array<int, kFields>, kWindows> m_windows;
+    std::array<std::array<int, fields>, windows> m_windows;
     std::vector<std::string> m_log;
 };
 

@@ -20,8 +20,8 @@ struct Command
     Run run;
 };
 
-const std::optional<std::string> kDone{""};
-const std::optional<std::string> kWrong{};
+const std::optional<std::string> done{""};
+const std::optional<std::string> wrong{};
 
 template <typename Number>
 std::optional<Number> number(const Arguments &arguments, Number low, Number high)
@@ -43,9 +43,9 @@ Run withNumber(Number low, Number high, std::function<void(Camera &, Number)> ru
     return [=](Camera &camera, const Arguments &arguments) {
         const std::optional<Number> value = number<Number>(arguments, low, high);
         if (!value)
-            return kWrong;
+            return wrong;
         run(camera, *value);
-        return kDone;
+        return done;
     };
 }
 
@@ -55,9 +55,9 @@ Run withSwitch(std::function<void(Camera &, bool)> run)
     return [run = std::move(run)](Camera &camera, const Arguments &arguments) {
         const bool off = arguments == Arguments{"off"};
         if (!arguments.empty() && !off && arguments != Arguments{"on"})
-            return kWrong;
+            return wrong;
         run(camera, !off);
-        return kDone;
+        return done;
     };
 }
 
@@ -65,9 +65,9 @@ Run plain(std::function<void(Camera &)> run)
 {
     return [run = std::move(run)](Camera &camera, const Arguments &arguments) {
         if (!arguments.empty())
-            return kWrong;
+            return wrong;
         run(camera);
-        return kDone;
+        return done;
     };
 }
 
@@ -95,33 +95,33 @@ std::optional<std::string> resize(Camera &camera, const Arguments &arguments)
     int width = 0;
     int height = 0;
     if (arguments.empty() || !parseSize(arguments[0], width, height))
-        return kWrong;
+        return wrong;
     const auto which = streams(arguments, 1);
     if (!which)
-        return kWrong;
+        return wrong;
     for (const StreamKind stream : *which)
         camera.resize(stream, width, height);
-    return kDone;
+    return done;
 }
 
 std::optional<std::string> keyFrame(Camera &camera, const Arguments &arguments)
 {
     const auto which = streams(arguments, 0);
     if (!which)
-        return kWrong;
+        return wrong;
     for (const StreamKind stream : *which)
         camera.requestKeyFrame(stream);
-    return kDone;
+    return done;
 }
 
 std::optional<std::string> halfAnswer(Camera &camera, const Arguments &arguments)
 {
     const bool close = arguments == Arguments{"close"};
     if (!arguments.empty() && !close)
-        return kWrong;
+        return wrong;
     camera.faults().halfAnswer =
         close ? RtspFaults::HalfAnswer::ThenClose : RtspFaults::HalfAnswer::ThenSilent;
-    return kDone;
+    return done;
 }
 
 void heal(Camera &camera)
@@ -145,9 +145,9 @@ const std::map<std::string, Command> &commands()
          {"TEXT: new requests need this password",
           [](Camera &camera, const Arguments &arguments) {
               if (arguments.size() != 1)
-                  return kWrong;
+                  return wrong;
               camera.setPassword(arguments[0]);
-              return kDone;
+              return done;
           }}},
         {"drop",
          {": closes all RTSP connections now", plain([](Camera &camera) { camera.drop(); })}},
@@ -183,7 +183,7 @@ const std::map<std::string, Command> &commands()
         {"address",
          {"IP: moves to another address of this machine",
           [](Camera &camera, const Arguments &arguments) {
-              return arguments.size() == 1 && camera.moveTo(arguments[0]) ? kDone : kWrong;
+              return arguments.size() == 1 && camera.moveTo(arguments[0]) ? done : wrong;
           }}},
         {"clock-skew",
          {"SECONDS: the camera's clock is wrong by so much",

@@ -20,12 +20,12 @@ using soap::add;
 
 namespace {
 
-constexpr const char *kGroup = "239.255.255.250";
-constexpr int kGroupPort = 3702;
-constexpr std::size_t kRemembered = 16;
-const std::string kActions = "http://schemas.xmlsoap.org/ws/2005/04/discovery/";
-const std::string kEveryone = "urn:schemas-xmlsoap-org:ws:2005:04:discovery";
-const std::string kAnonymous = "http://schemas.xmlsoap.org/ws/2004/08/addressing/role/anonymous";
+constexpr const char *multicastGroup = "239.255.255.250";
+constexpr int groupPort = 3702;
+constexpr std::size_t remembered = 16;
+const std::string actions = "http://schemas.xmlsoap.org/ws/2005/04/discovery/";
+const std::string everyone = "urn:schemas-xmlsoap-org:ws:2005:04:discovery";
+const std::string anonymous = "http://schemas.xmlsoap.org/ws/2004/08/addressing/role/anonymous";
 
 std::string newMessageId()
 {
@@ -40,10 +40,9 @@ bool allMatch(const std::string &list, const auto &isKnown)
 {
     std::istringstream words(list);
     std::string word;
-    while (words >> word) {
+    while (words >> word)
         if (!isKnown(word))
             return false;
-    }
     return true;
 }
 
@@ -62,7 +61,7 @@ void fillHeader(soap::Reply &reply, const std::string &action, const std::string
     if (!relatesTo.empty())
         add(reply.header(), "a:RelatesTo", relatesTo);
     add(reply.header(), "a:To", to);
-    add(reply.header(), "a:Action", kActions + action);
+    add(reply.header(), "a:Action", actions + action);
     pugi::xml_node sequence = add(reply.header(), "d:AppSequence");
     sequence.append_attribute("InstanceId") = "1";
     sequence.append_attribute("MessageNumber") = ++messageNumber;
@@ -132,11 +131,11 @@ bool DiscoveryResponder::open(const std::string &address, int port)
 
 bool DiscoveryResponder::joinGroup(const std::string &interface)
 {
-    const int handle = net::bindUdp(kGroup, kGroupPort, true);
+    const int handle = net::bindUdp(multicastGroup, groupPort, true);
     if (handle < 0)
         return false;
     ip_mreqn request{};
-    inet_pton(AF_INET, kGroup, &request.imr_multiaddr);
+    inet_pton(AF_INET, multicastGroup, &request.imr_multiaddr);
     request.imr_ifindex =
         interface.empty() ? 0 : static_cast<int>(if_nametoindex(interface.c_str()));
     const bool joined =
@@ -183,7 +182,7 @@ void DiscoveryResponder::remember(const sockaddr_in &asker)
     };
     std::erase_if(m_askers, same);
     m_askers.push_back(asker);
-    if (m_askers.size() > kRemembered)
+    if (m_askers.size() > remembered)
         m_askers.pop_front();
 }
 
@@ -199,13 +198,13 @@ std::string DiscoveryResponder::answerTo(const std::string &text) const
         if (!allMatch(soap::textAt(request.operation(), "Types"), isOwnType) ||
             !matchesScopes(soap::textAt(request.operation(), "Scopes"), m_camera.identity()))
             return {};
-        fillHeader(reply, "ProbeMatches", kAnonymous, id);
+        fillHeader(reply, "ProbeMatches", anonymous, id);
         describe(add(add(reply.body(), "d:ProbeMatches"), "d:ProbeMatch"), m_camera, true);
         return reply.text();
     }
     if (asked == "Resolve" && soap::textAt(request.operation(), "EndpointReference/Address") ==
                                   endpointOf(m_camera.identity())) {
-        fillHeader(reply, "ResolveMatches", kAnonymous, id);
+        fillHeader(reply, "ResolveMatches", anonymous, id);
         describe(add(add(reply.body(), "d:ResolveMatches"), "d:ResolveMatch"), m_camera, true);
         return reply.text();
     }
@@ -215,7 +214,7 @@ std::string DiscoveryResponder::answerTo(const std::string &text) const
 void DiscoveryResponder::announce(const char *action)
 {
     soap::Reply reply;
-    fillHeader(reply, action, kEveryone, "");
+    fillHeader(reply, action, everyone, "");
     describe(add(reply.body(), (std::string("d:") + action).c_str()), m_camera,
              std::string_view(action) == "Hello");
     const std::string text = reply.text();
@@ -225,13 +224,12 @@ void DiscoveryResponder::announce(const char *action)
     };
     if (m_group.handle >= 0) {
         sockaddr_in group{};
-        net::parseAddress(kGroup, kGroupPort, group);
+        net::parseAddress(multicastGroup, groupPort, group);
         send(m_group.handle, group);
     }
-    if (m_unicast.handle >= 0) {
+    if (m_unicast.handle >= 0)
         for (const sockaddr_in &asker : m_askers)
             send(m_unicast.handle, asker);
-    }
 }
 
 } // namespace camsim

@@ -81,17 +81,17 @@ FeedList::Feeds FeedList::active()
 {
     Feeds result;
     const std::lock_guard lock(m_mutex);
-    for (const auto &feed : m_feeds) {
+    for (const auto &feed : m_feeds)
         if (feed->state() != Feed::State::Idle)
             result.push_back(feed);
-    }
     return result;
 }
 
 bool FeedList::isWatched(const Feeds &feeds)
 {
-    return std::any_of(feeds.begin(), feeds.end(),
-                       [](const auto &feed) { return feed->state() == Feed::State::Running; });
+    return std::any_of(
+        feeds.begin(), feeds.end(),
+        [](const auto &feed) { return feed->state() == Feed::State::Running; });
 }
 
 } // namespace camsim

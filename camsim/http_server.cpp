@@ -8,8 +8,8 @@ namespace camsim {
 
 namespace {
 
-constexpr const char *kRealm = "camsim";
-constexpr int kMaxSkew = 10; ///< seconds that a UsernameToken may be away from the camera's clock
+constexpr const char *realm = "camsim";
+constexpr int maxSkew = 10; ///< seconds that a UsernameToken may be away from the camera's clock
 
 void respond(SoupServerMessage *message, guint status, const char *type, const std::string &text)
 {
@@ -60,9 +60,9 @@ HttpServer::HttpServer(CameraModel &camera, OnvifLogin onvifLogin)
         const CameraModel &model = static_cast<HttpServer *>(self)->m_camera;
         return model.user() == user && model.password() == password;
     };
-    m_digest = soup_auth_domain_digest_new("realm", kRealm, nullptr);
+    m_digest = soup_auth_domain_digest_new("realm", realm, nullptr);
     soup_auth_domain_digest_set_auth_callback(m_digest, digestCallback, this, nullptr);
-    m_basic = soup_auth_domain_basic_new("realm", kRealm, nullptr);
+    m_basic = soup_auth_domain_basic_new("realm", realm, nullptr);
     soup_auth_domain_basic_set_auth_callback(m_basic, basicCallback, this, nullptr);
 
     const auto handler = [](SoupServer *, SoupServerMessage *message, const char *path,
@@ -128,30 +128,30 @@ bool HttpServer::mayAsk(SoupServerMessage *message, const soap::Request &request
         return true;
     const std::optional<soap::UsernameToken> token = request.token();
     return m_onvifLogin != OnvifLogin::HttpOnly && token && token->user == m_camera.user() &&
-           token->proves(m_camera.password(), m_camera.clock(), kMaxSkew);
+           token->proves(m_camera.password(), m_camera.clock(), maxSkew);
 }
 
 void HttpServer::onOnvif(SoupServerMessage *message)
 {
-    constexpr const char *kType = "application/soap+xml; charset=utf-8";
+    constexpr const char *soapType = "application/soap+xml; charset=utf-8";
     const SoupMessageBody *body = soup_server_message_get_request_body(message);
     soap::Request request;
     const bool parsed =
         request.parse(std::string_view(body->data, static_cast<std::size_t>(body->length)));
     // A client may send an empty request first to be told how to log in.
     if (!(parsed ? mayAsk(message, request) : isProven(message))) {
-        respond(message, m_onvifLogin == OnvifLogin::TokenOnly ? 400 : 401, kType,
+        respond(message, m_onvifLogin == OnvifLogin::TokenOnly ? 400 : 401, soapType,
                 soap::fault("Sender", "ter:NotAuthorized", nullptr, "Sender not authorized"));
         challenge(message);
         return;
     }
     if (!parsed) {
-        respond(message, 400, kType,
+        respond(message, 400, soapType,
                 soap::fault("Sender", "ter:WellFormed", nullptr, "This is no SOAP request"));
         return;
     }
     const OnvifServer::Answer answer = m_onvif.answer(request);
-    respond(message, static_cast<guint>(answer.status), kType, answer.text);
+    respond(message, static_cast<guint>(answer.status), soapType, answer.text);
 }
 
 void HttpServer::onForm(SoupServerMessage *message, const char *path)

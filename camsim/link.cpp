@@ -14,7 +14,7 @@ namespace camsim {
 namespace {
 
 // A side that takes no more than this keeps the other side from being read.
-constexpr std::size_t kBacklog = 1U << 20;
+constexpr std::size_t backlog = 1U << 20;
 
 } // namespace
 
@@ -132,7 +132,7 @@ void Link::updateEvents()
         std::uint32_t events = 0;
         if (!side.out.empty())
             events |= EPOLLOUT;
-        if (other.out.size() < kBacklog)
+        if (other.out.size() < backlog)
             events |= EPOLLIN;
         return events;
     };

@@ -8,16 +8,16 @@ namespace camsim {
 
 namespace {
 
-constexpr std::string_view kHeadEnd = "\r\n\r\n";
-constexpr std::size_t kPacketHead = 4;
+constexpr std::string_view headEnd = "\r\n\r\n";
+constexpr std::size_t packetHead = 4;
 // A head or body larger than this is not cut any more: it goes through in pieces.
-constexpr std::size_t kLargest = 8U << 20;
+constexpr std::size_t largest = 8U << 20;
 
 bool equalNoCase(std::string_view a, std::string_view b)
 {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
-        return std::tolower(x) == std::tolower(y);
-    });
+    return std::equal(
+        a.begin(), a.end(), b.begin(), b.end(),
+        [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
 std::string_view trim(std::string_view text)
@@ -33,7 +33,7 @@ std::string_view trim(std::string_view text)
 
 std::string_view headerValue(std::string_view message, std::string_view name)
 {
-    std::string_view head = message.substr(0, message.find(kHeadEnd));
+    std::string_view head = message.substr(0, message.find(headEnd));
     while (true) {
         const std::size_t end = head.find("\r\n");
         if (end == std::string_view::npos)
@@ -49,20 +49,20 @@ std::string_view headerValue(std::string_view message, std::string_view name)
 std::size_t MessageSplitter::unitLength(std::string_view text)
 {
     if (text[0] == '$') {
-        if (text.size() < kPacketHead)
+        if (text.size() < packetHead)
             return 0;
         const auto high = static_cast<unsigned char>(text[2]);
         const auto low = static_cast<unsigned char>(text[3]);
-        const std::size_t length = kPacketHead + (std::size_t{high} << 8 | low);
+        const std::size_t length = packetHead + (std::size_t{high} << 8 | low);
         return text.size() < length ? 0 : length;
     }
-    const std::size_t head = text.find(kHeadEnd);
+    const std::size_t head = text.find(headEnd);
     if (head == std::string_view::npos)
-        return text.size() > kLargest ? text.size() : 0;
+        return text.size() > largest ? text.size() : 0;
     const std::string_view value = headerValue(text, "Content-Length");
     std::size_t body = 0;
     std::from_chars(value.data(), value.data() + value.size(), body);
-    const std::size_t length = head + kHeadEnd.size() + std::min(body, kLargest);
+    const std::size_t length = head + headEnd.size() + std::min(body, largest);
     return text.size() < length ? 0 : length;
 }
 

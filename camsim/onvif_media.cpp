@@ -7,12 +7,12 @@ using soap::add;
 
 namespace {
 
-constexpr const char *kMainToken = "profile_main";
-constexpr const char *kSubToken = "profile_sub";
+constexpr const char *mainToken = "profile_main";
+constexpr const char *subToken = "profile_sub";
 
 const char *tokenOf(StreamKind stream)
 {
-    return stream == StreamKind::Main ? kMainToken : kSubToken;
+    return stream == StreamKind::Main ? mainToken : subToken;
 }
 
 pugi::xml_node addNamed(pugi::xml_node parent, const char *element, const std::string &token)
@@ -40,9 +40,9 @@ void addMulticast(pugi::xml_node parent)
 StreamKind OnvifServer::streamOf(pugi::xml_node in) const
 {
     const std::string token = soap::textAt(in, "ProfileToken");
-    if (token == kMainToken)
+    if (token == mainToken)
         return StreamKind::Main;
-    if (token == kSubToken)
+    if (token == subToken)
         return StreamKind::Sub;
     throw OnvifFault{"ter:NoProfile", "There is no such profile"};
 }

@@ -11,7 +11,7 @@ using soap::textAt;
 
 namespace {
 
-constexpr const char *kInterface = "eth0";
+constexpr const char *interface = "eth0";
 
 int toNumber(const std::string &text, int fallback)
 {
@@ -67,10 +67,10 @@ void OnvifServer::getNetworkInterfaces(pugi::xml_node, pugi::xml_node out)
 {
     const NetworkState &network = m_camera.network();
     pugi::xml_node node = add(out, "tds:NetworkInterfaces");
-    node.append_attribute("token") = kInterface;
+    node.append_attribute("token") = interface;
     add(node, "tt:Enabled", "true");
     const pugi::xml_node info = add(node, "tt:Info");
-    add(info, "tt:Name", kInterface);
+    add(info, "tt:Name", interface);
     add(info, "tt:HwAddress", m_camera.identity().mac);
     add(info, "tt:MTU", "1500");
     const pugi::xml_node ipv4 = add(node, "tt:IPv4");
@@ -84,7 +84,7 @@ void OnvifServer::getNetworkInterfaces(pugi::xml_node, pugi::xml_node out)
 
 void OnvifServer::setNetworkInterfaces(pugi::xml_node in, pugi::xml_node out)
 {
-    if (textAt(in, "InterfaceToken") != kInterface)
+    if (textAt(in, "InterfaceToken") != interface)
         throw OnvifFault{"ter:InvalidNetworkInterface", "There is no such interface"};
     const pugi::xml_node ipv4 = soap::child(soap::child(in, "NetworkInterface"), "IPv4");
     NetworkState wanted = m_camera.network();

@@ -12,7 +12,7 @@ using soap::add;
 
 namespace {
 
-constexpr std::string_view kScopeRoot = "onvif://www.onvif.org/";
+constexpr std::string_view scopeRoot = "onvif://www.onvif.org/";
 
 std::string escape(const std::string &text)
 {
@@ -34,7 +34,7 @@ std::string unescape(const std::string &text)
 
 std::vector<Scope> scopesOf(const Identity &identity)
 {
-    const std::string root(kScopeRoot);
+    const std::string root(scopeRoot);
     return {{root + "type/video_encoder", true},
             {root + "type/audio_encoder", true},
             {root + "Profile/Streaming", true},
@@ -174,8 +174,8 @@ void OnvifServer::getScopes(pugi::xml_node, pugi::xml_node out)
 
 void OnvifServer::setScopes(pugi::xml_node in, pugi::xml_node)
 {
-    const std::string nameRoot = std::string(kScopeRoot) + "name/";
-    const std::string locationRoot = std::string(kScopeRoot) + "location/";
+    const std::string nameRoot = std::string(scopeRoot) + "name/";
+    const std::string locationRoot = std::string(scopeRoot) + "location/";
     // All changeable scopes are replaced (ONVIF Core 8.3.6): one that is not sent is gone.
     std::string name;
     std::string location;

@@ -9,7 +9,7 @@ namespace camsim {
 
 namespace {
 
-const char *const kHelp = R"(Usage: camsim [options]
+const char *const helpText = R"(Usage: camsim [options]
 
 Starts simulated network cameras and prints one line of JSON for each when it is ready.
 
@@ -191,7 +191,7 @@ CommandLine parseCommandLine(const std::vector<std::string> &arguments)
     CommandLine result;
     for (const std::string &argument : arguments) {
         if (argument == "--help") {
-            result.message = kHelp;
+            result.message = helpText;
             return result;
         }
     }

@@ -30,7 +30,7 @@ G_DEFINE_TYPE(CamsimRtspServer, camsim_rtsp_server, GST_TYPE_RTSP_ONVIF_SERVER)
 
 namespace {
 
-constexpr const char *kKeptDescription = "camsim-description";
+constexpr const char *keptDescription = "camsim-description";
 
 void freeDescription(gpointer description)
 {
@@ -46,13 +46,13 @@ GstSDPMessage *copyOf(GstSDPMessage *description)
 
 GstSDPMessage *createDescription(GstRTSPClient *client, GstRTSPMedia *media)
 {
-    auto *kept = static_cast<GstSDPMessage *>(g_object_get_data(G_OBJECT(media), kKeptDescription));
+    auto *kept = static_cast<GstSDPMessage *>(g_object_get_data(G_OBJECT(media), keptDescription));
     if (kept)
         return copyOf(kept);
     auto *parent = GST_RTSP_CLIENT_CLASS(camsim_rtsp_client_parent_class);
     GstSDPMessage *description = parent->create_sdp(client, media);
     if (description) {
-        g_object_set_data_full(G_OBJECT(media), kKeptDescription, copyOf(description),
+        g_object_set_data_full(G_OBJECT(media), keptDescription, copyOf(description),
                                freeDescription);
     }
     return description;

@@ -8,14 +8,14 @@ namespace {
 
 using Kind = MessageSplitter::Kind;
 
-constexpr std::size_t kPacketHead = 4;
-constexpr std::size_t kRtpHead = 12;
+constexpr std::size_t packetHead = 4;
+constexpr std::size_t rtpHead = 12;
 
 /// The last packet of a picture carries the marker (RFC 6184 5.1). The picture is described first,
 /// so that clients give it the first channel.
 bool endsPicture(const std::string &packet)
 {
-    return packet.size() > kPacketHead + 1 && packet[1] == 0 && (packet[kPacketHead + 1] & 0x80);
+    return packet.size() > packetHead + 1 && packet[1] == 0 && (packet[packetHead + 1] & 0x80);
 }
 
 /// Cuts after two letters of the first header.
@@ -27,11 +27,11 @@ std::size_t middleOfWord(const std::string &message)
 /// The same answer with a session description of more than a megabyte.
 std::string makeHuge(const std::string &message)
 {
-    constexpr std::string_view kLine = "a=x-note:padding padding padding padding padding\r\n";
+    constexpr std::string_view lineEnd = "a=x-note:padding padding padding padding padding\r\n";
     const std::size_t headEnd = message.find("\r\n\r\n");
     std::string body = message.substr(headEnd + 4);
     while (body.size() < (1U << 20))
-        body += kLine;
+        body += lineEnd;
     std::string head;
     std::string_view rest(message.data(), headEnd);
     while (!rest.empty()) {
@@ -103,11 +103,13 @@ void RtspPolicy::onRequest(const std::string &message, Link &link)
 
 void RtspPolicy::guardSession(Link &link)
 {
-    m_reactor.after(m_sessionTimeout, [this, seen = m_requests, weak = link.weak_from_this()] {
-        const auto alive = weak.lock(); // which owns this policy
-        if (alive && m_watching && m_requests == seen)
-            alive->close();
-    });
+    m_reactor.after(
+        m_sessionTimeout,
+        [this, seen = m_requests, weak = link.weak_from_this()] {
+            const auto alive = weak.lock(); // which owns this policy
+            if (alive && m_watching && m_requests == seen)
+                alive->close();
+        });
 }
 
 void RtspPolicy::onAnswer(std::string message, Link &link)
@@ -136,9 +138,10 @@ void RtspPolicy::onPacket(std::string packet, Link &link)
     const int loss = m_faults->lossPercent;
     if (isRtp && loss > 0 && static_cast<int>(m_random() % 100) < loss)
         return;
-    if (m_faults->garbage && isRtp && packet.size() > kPacketHead + kRtpHead) {
-        std::generate(packet.begin() + kPacketHead + kRtpHead, packet.end(),
-                      [this] { return static_cast<char>(m_random() >> 8); });
+    if (m_faults->garbage && isRtp && packet.size() > packetHead + rtpHead) {
+        std::generate(
+            packet.begin() + packetHead + rtpHead, packet.end(),
+            [this] { return static_cast<char>(m_random() >> 8); });
     }
     m_faults->videoFrames += endsPicture(packet) ? 1 : 0;
     link.toClient(packet, std::chrono::milliseconds(m_faults->slowMs));

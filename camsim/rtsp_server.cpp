@@ -11,18 +11,18 @@ namespace camsim {
 
 namespace {
 
-constexpr const char *kRole = "viewer";
+constexpr const char *role = "viewer";
 
 // A media that is prepared and not watched lets old data go instead of piling it up.
-constexpr const char *kVideoLine =
+constexpr const char *videoLine =
     "appsrc name=video is-live=true format=time do-timestamp=true max-buffers=60 max-bytes=0 "
     "leaky-type=downstream caps=video/x-h264,stream-format=byte-stream,alignment=au "
     "! rtph264pay name=pay0 pt=96 ";
-constexpr const char *kAudioLine =
+constexpr const char *audioLine =
     "appsrc name=audio is-live=true format=time do-timestamp=true max-buffers=25 max-bytes=0 "
     "leaky-type=downstream caps=audio/x-mulaw,rate=8000,channels=1 "
     "! rtppcmupay pt=0 name=";
-constexpr const char *kBackChannelLine =
+constexpr const char *backChannelLine =
     "( capsfilter caps=\"application/x-rtp,media=audio,payload=0,clock-rate=8000,"
     "encoding-name=PCMU\" name=depay_backchannel ! rtppcmudepay "
     "! appsink name=heard sync=false async=false )";
@@ -127,7 +127,7 @@ void RtspServer::waitForClients()
 void RtspServer::allow(const std::string &password)
 {
     GstRTSPToken *token =
-        gst_rtsp_token_new(GST_RTSP_TOKEN_MEDIA_FACTORY_ROLE, G_TYPE_STRING, kRole, nullptr);
+        gst_rtsp_token_new(GST_RTSP_TOKEN_MEDIA_FACTORY_ROLE, G_TYPE_STRING, role, nullptr);
     gchar *basic = gst_rtsp_auth_make_basic(m_login.user.c_str(), m_login.password.c_str());
     gst_rtsp_auth_remove_basic(m_auth, basic);
     g_free(basic);
@@ -150,9 +150,9 @@ std::string RtspServer::launchLine(bool video) const
 {
     std::string line = "( ";
     if (video)
-        line += kVideoLine;
+        line += videoLine;
     if (m_streams.audio)
-        line += std::string(kAudioLine) + (video ? "pay1 " : "pay0 ");
+        line += std::string(audioLine) + (video ? "pay1 " : "pay0 ");
     return line + ")";
 }
 
@@ -173,14 +173,14 @@ void RtspServer::mount(Stream &stream, bool video)
     gst_rtsp_media_factory_set_launch(factory, launchLine(video).c_str());
     if (m_streams.backChannel) {
         gst_rtsp_onvif_media_factory_set_backchannel_launch(GST_RTSP_ONVIF_MEDIA_FACTORY(factory),
-                                                            kBackChannelLine);
+                                                            backChannelLine);
     }
     gst_rtsp_media_factory_set_media_gtype(factory, GST_TYPE_RTSP_ONVIF_MEDIA);
     gst_rtsp_media_factory_set_shared(factory, TRUE);
     // A media that was only described is put to sleep, so that it starts with a fresh frame.
     gst_rtsp_media_factory_set_suspend_mode(factory, GST_RTSP_SUSPEND_MODE_RESET);
     gst_rtsp_media_factory_set_protocols(factory, lowerTransport(m_transport));
-    gst_rtsp_media_factory_add_role(factory, kRole, GST_RTSP_PERM_MEDIA_FACTORY_ACCESS,
+    gst_rtsp_media_factory_add_role(factory, role, GST_RTSP_PERM_MEDIA_FACTORY_ACCESS,
                                     G_TYPE_BOOLEAN, TRUE, GST_RTSP_PERM_MEDIA_FACTORY_CONSTRUCT,
                                     G_TYPE_BOOLEAN, TRUE, nullptr);
     g_signal_connect(factory, "media-configure", G_CALLBACK(configureMedia), &stream);
@@ -201,8 +201,10 @@ void RtspServer::configureMedia(GstRTSPMediaFactory *, GstRTSPMedia *media, gpoi
     auto *stream = static_cast<Stream *>(data);
     const StreamSet &streams = stream->server->m_streams;
     GstElement *bin = gst_rtsp_media_get_element(media);
-    withElement(bin, "video", [&](GstElement *appsrc) { stream->video->attach(appsrc); });
-    withElement(bin, "audio", [&](GstElement *appsrc) { streams.audio->attach(appsrc); });
+    withElement(
+        bin, "video", [&](GstElement *appsrc) { stream->video->attach(appsrc); });
+    withElement(
+        bin, "audio", [&](GstElement *appsrc) { streams.audio->attach(appsrc); });
     withElement(bin, "heard", [&](GstElement *appsink) { streams.backChannel->attach(appsink); });
     gst_object_unref(bin);
 }

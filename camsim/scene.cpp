@@ -31,7 +31,7 @@ struct Landscape
     Vehicle kind;
 };
 
-const std::array<Landscape, Scene::kCount> kLandscapes{{
+const std::array<Landscape, Scene::count> landscapes{{
     {{.25, .52, .86},
      {.80, .91, .98},
      {1, .95, .72},
@@ -238,15 +238,15 @@ Scene::Scene(int index, std::string name, int width, int height, bool timeCode)
     , m_height(height)
     , m_timeCode(timeCode)
 {
-    const Landscape &land = kLandscapes[static_cast<std::size_t>(index % kCount)];
+    const Landscape &land = landscapes[static_cast<std::size_t>(index % count)];
     m_background =
         Sprite(width, height, [&](cairo_t *cr) { paintLandscape(cr, land, width, height); });
-    paintMovers(index % kCount);
+    paintMovers(index % count);
 }
 
 void Scene::paintMovers(int index)
 {
-    const Landscape &land = kLandscapes[static_cast<std::size_t>(index)];
+    const Landscape &land = landscapes[static_cast<std::size_t>(index)];
     const bool flies = land.kind == Vehicle::Balloon || land.kind == Vehicle::Bird;
     const int size = m_height / (flies ? 4 : 6);
     const Sprite vehicle(size * 2, size, [&](cairo_t *cr) {

@@ -14,7 +14,7 @@ namespace camsim {
 class Scene
 {
 public:
-    static constexpr int kCount = 6;
+    static constexpr int count = 6;
 
     Scene(int index, std::string name, int width, int height, bool timeCode);
 

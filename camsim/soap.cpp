@@ -62,10 +62,9 @@ std::string_view localName(const pugi::xml_node &node)
 
 pugi::xml_node child(const pugi::xml_node &node, std::string_view name)
 {
-    for (const pugi::xml_node &candidate : node.children()) {
+    for (const pugi::xml_node &candidate : node.children())
         if (localName(candidate) == name)
             return candidate;
-    }
     return {};
 }
 

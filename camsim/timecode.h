@@ -14,23 +14,23 @@
 /// picture fills on its screen. Readable down to cells of about five pixels.
 namespace camsim::timecode {
 
-inline constexpr int kColumns = 16;
-inline constexpr int kRows = 2;
-inline constexpr int kCellsPerHeight = 30;
-inline constexpr std::uint32_t kModulus = 1U << 24;
+inline constexpr int columns = 16;
+inline constexpr int rows = 2;
+inline constexpr int cellsPerHeight = 30;
+inline constexpr std::uint32_t modulus = 1U << 24;
 
-/// Milliseconds of CLOCK_MONOTONIC modulo kModulus.
+/// Milliseconds of CLOCK_MONOTONIC modulo modulus.
 inline std::uint32_t now()
 {
     const auto since = std::chrono::steady_clock::now().time_since_epoch();
     const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
-    return static_cast<std::uint32_t>(ms) % kModulus;
+    return static_cast<std::uint32_t>(ms) % modulus;
 }
 
 /// Milliseconds from the time in the picture to the later time, right across the wrap-around.
 inline std::uint32_t elapsed(std::uint32_t from, std::uint32_t to)
 {
-    return (to - from) % kModulus;
+    return (to - from) % modulus;
 }
 
 inline std::uint8_t checksum(std::uint32_t ms)
@@ -46,7 +46,7 @@ inline std::uint8_t checksum(std::uint32_t ms)
 
 inline std::uint32_t encode(std::uint32_t ms)
 {
-    ms %= kModulus;
+    ms %= modulus;
     return ms << 8 | checksum(ms);
 }
 
@@ -64,12 +64,12 @@ inline void draw(std::uint8_t *luma, int lumaStride, std::uint8_t *cb, std::uint
                  int chromaStride, int width, int height, std::uint32_t ms)
 {
     const std::uint32_t word = encode(ms);
-    const int cell = height / kCellsPerHeight;
-    const int right = (1 + kColumns) * cell;
-    for (int y = cell; y < (1 + kRows) * cell; ++y) {
+    const int cell = height / cellsPerHeight;
+    const int right = (1 + columns) * cell;
+    for (int y = cell; y < (1 + rows) * cell; ++y) {
         const int row = y / cell - 1;
         for (int x = cell; x < right && x < width; ++x) {
-            const int bit = 31 - (row * kColumns + x / cell - 1);
+            const int bit = 31 - (row * columns + x / cell - 1);
             luma[y * lumaStride + x] = word >> bit & 1 ? 235 : 16;
             cb[y / 2 * chromaStride + x / 2] = 128;
             cr[y / 2 * chromaStride + x / 2] = 128;
@@ -82,13 +82,13 @@ inline void draw(std::uint8_t *luma, int lumaStride, std::uint8_t *cb, std::uint
 template <typename Brightness>
 std::optional<std::uint32_t> read(int width, int height, Brightness brightness)
 {
-    const double cell = static_cast<double>(height) / kCellsPerHeight;
-    if (cell < 2 || (1 + kColumns) * cell > width)
+    const double cell = static_cast<double>(height) / cellsPerHeight;
+    if (cell < 2 || (1 + columns) * cell > width)
         return std::nullopt;
     std::uint32_t word = 0;
-    for (int index = 0; index < kColumns * kRows; ++index) {
-        const double left = (1 + index % kColumns) * cell;
-        const double top = (1 + index / kColumns) * cell;
+    for (int index = 0; index < columns * rows; ++index) {
+        const double left = (1 + index % columns) * cell;
+        const double top = (1 + index / columns) * cell;
         int sum = 0;
         int count = 0;
         for (int y = static_cast<int>(top + cell * 0.3); y < top + cell * 0.7; ++y) {
@@ -105,17 +105,20 @@ std::optional<std::uint32_t> read(int width, int height, Brightness brightness)
 inline std::optional<std::uint32_t> readLuma(const std::uint8_t *luma, int stride, int width,
                                              int height)
 {
-    return read(width, height, [=](int x, int y) { return int(luma[y * stride + x]); });
+    return read(
+        width, height, [=](int x, int y) { return int(luma[y * stride + x]); });
 }
 
 /// Pixels of bytesPerPixel bytes, the first three of them the colours in any order.
 inline std::optional<std::uint32_t> readRgb(const std::uint8_t *pixels, int stride,
                                             int bytesPerPixel, int width, int height)
 {
-    return read(width, height, [=](int x, int y) {
-        const std::uint8_t *p = pixels + y * stride + x * bytesPerPixel;
-        return (p[0] + p[1] + p[2]) / 3;
-    });
+    return read(
+        width, height,
+        [=](int x, int y) {
+            const std::uint8_t *p = pixels + y * stride + x * bytesPerPixel;
+            return (p[0] + p[1] + p[2]) / 3;
+        });
 }
 
 } // namespace camsim::timecode

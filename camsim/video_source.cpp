@@ -7,7 +7,7 @@ namespace camsim {
 namespace {
 
 // An encoder without watchers is kept this long, for those who come back.
-constexpr std::chrono::seconds kEncoderIdle{5};
+constexpr std::chrono::seconds encoderIdle{5};
 
 /// Length of the parameter sets at the start of an access unit in byte-stream format: all that
 /// lies before the first NAL unit that holds picture data (types 1 to 5).
@@ -109,11 +109,11 @@ Ticker::Time LiveVideo::tick(Ticker::Time now)
     if (feeds.empty() && !m_picture.warm) {
         if (!m_encoder)
             return Ticker::never();
-        if (now - m_lastUse >= kEncoderIdle) {
+        if (now - m_lastUse >= encoderIdle) {
             m_encoder.reset();
             return Ticker::never();
         }
-        return m_lastUse + kEncoderIdle;
+        return m_lastUse + encoderIdle;
     }
     m_lastUse = now;
     if (isEarly(now, feeds))

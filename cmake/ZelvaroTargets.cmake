@@ -47,7 +47,8 @@ endfunction()
 
 set(ZELVARO_QT_DEFINITIONS QT_DISABLE_DEPRECATED_BEFORE=0x050F00 QT_DEPRECATED_WARNINGS)
 # Tests are run once for each build: compiling them fast is worth more than running them fast.
-set(ZELVARO_TEST_OPTIONS -O0)
+# GoogleTest's macros end in an else of their own.
+set(ZELVARO_TEST_OPTIONS -O0 -Wno-dangling-else)
 
 add_library(zelvaro_qt_interface INTERFACE)
 target_compile_definitions(zelvaro_qt_interface INTERFACE ${ZELVARO_QT_DEFINITIONS})

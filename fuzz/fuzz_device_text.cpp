@@ -13,10 +13,9 @@ bool isClean(const std::string &text, std::size_t maxBytes)
     if (text.size() > maxBytes ||
         !g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr))
         return false;
-    for (const char c : text) {
+    for (const char c : text)
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F)
             return false;
-    }
     return true;
 }
 

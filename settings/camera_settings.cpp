@@ -213,9 +213,8 @@ CameraRecord *CameraSettings::addRecord(int type, const QString &hostname, const
                                         bool multiLive)
 {
     const auto sameHost = [&](const auto &record) { return record->hostname == hostname; };
-    if (std::any_of(m_records.begin(), m_records.end(), sameHost)) {
+    if (std::any_of(m_records.begin(), m_records.end(), sameHost))
         return nullptr;
-    }
     auto record = std::make_unique<CameraRecord>();
     record->type = type;
     record->hostname = hostname;
@@ -231,9 +230,8 @@ void CameraSettings::removeRecord(CameraRecord *record)
 {
     const auto same = [&](const auto &candidate) { return candidate.get() == record; };
     const auto found = std::find_if(m_records.begin(), m_records.end(), same);
-    if (found != m_records.end()) {
+    if (found != m_records.end())
         m_records.erase(found);
-    }
 }
 
 int CameraSettings::count() const

@@ -19,10 +19,9 @@ public:
     {
         int zeros = 0;
         bool bit = false;
-        while (readBit(bit) && !bit) {
+        while (readBit(bit) && !bit)
             if (++zeros > 31)
                 return false;
-        }
         if (!bit)
             return false;
         unsigned rest = 0;

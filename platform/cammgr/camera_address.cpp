@@ -131,9 +131,11 @@ bool isUid(std::string_view text)
 /// The characters that discovery lets through in a UID.
 bool hasUidCharacters(std::string_view text)
 {
-    return std::all_of(text.begin(), text.end(), [](char c) {
-        return g_ascii_isalnum(c) || std::string_view("-_.:").find(c) != std::string_view::npos;
-    });
+    return std::all_of(
+        text.begin(), text.end(),
+        [](char c) {
+            return g_ascii_isalnum(c) || std::string_view("-_.:").find(c) != std::string_view::npos;
+        });
 }
 
 } // namespace
@@ -208,10 +210,12 @@ std::string rtspOrigin(const Endpoint &endpoint)
 
 bool hasNoWhitespace(const std::string &text)
 {
-    return std::none_of(text.begin(), text.end(), [](char c) {
-        const auto byte = static_cast<unsigned char>(c);
-        return byte <= 0x20 || byte == 0x7f;
-    });
+    return std::none_of(
+        text.begin(), text.end(),
+        [](char c) {
+            const auto byte = static_cast<unsigned char>(c);
+            return byte <= 0x20 || byte == 0x7f;
+        });
 }
 
 } // namespace cammgr

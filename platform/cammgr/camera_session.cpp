@@ -257,10 +257,12 @@ void CameraSession::streamEnded(StreamEnd reason)
     if (reason == StreamEnd::Refused) {
         m_schedule.record(ProbeOutcome::LoginRefused, Clock::now());
     } else if (reason == StreamEnd::NotFound) {
-        fallBack(m_order.path, [this, ticket = m_order.ticket](bool again) {
-            if (again && ticket == m_order.ticket)
-                startStream();
-        });
+        fallBack(
+            m_order.path,
+            [this, ticket = m_order.ticket](bool again) {
+                if (again && ticket == m_order.ticket)
+                    startStream();
+            });
     }
 }
 

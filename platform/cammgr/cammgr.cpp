@@ -74,20 +74,24 @@ Result guarded(Result otherwise, Call call)
 template <class Call>
 int with(RtspPlayer *handle, int otherwise, Call call)
 {
-    return guarded(otherwise, [&] {
-        const PlayerPtr player = players().find(handle);
-        return player ? call(*player) : otherwise;
-    });
+    return guarded(
+        otherwise,
+        [&] {
+            const PlayerPtr player = players().find(handle);
+            return player ? call(*player) : otherwise;
+        });
 }
 
 /// What the player's stream says; 0 for a handle that is none.
 template <class Result>
 int ask(RtspPlayer *handle, Result (LiveStream::*question)() const)
 {
-    return with(handle, 0, [&](RtspPlayer &player) {
-        return player.withStream(
-            [&](const LiveStream &stream) { return static_cast<int>((stream.*question)()); });
-    });
+    return with(
+        handle, 0,
+        [&](RtspPlayer &player) {
+            return player.withStream(
+                [&](const LiveStream &stream) { return static_cast<int>((stream.*question)()); });
+        });
 }
 
 /// A text of the client; what is not UTF-8 counts as empty.
@@ -124,46 +128,57 @@ RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username, const 
 
 int RtspPlayer_TickAlive(RtspPlayer *player)
 {
-    return with(player, failure, [](RtspPlayer &p) {
-        p.tickAlive();
-        return 0;
-    });
+    return with(
+        player, failure,
+        [](RtspPlayer &p) {
+            p.tickAlive();
+            return 0;
+        });
 }
 
 int RtspPlayer_Stop_Connecting(RtspPlayer *player)
 {
-    return with(player, failure, [](RtspPlayer &p) {
-        p.stopConnecting();
-        return 0;
-    });
+    return with(
+        player, failure,
+        [](RtspPlayer &p) {
+            p.stopConnecting();
+            return 0;
+        });
 }
 
 int RtspPlayer_GetMode(RtspPlayer *player)
 {
-    return with(player, 1, [](RtspPlayer &p) { return p.mode(); });
+    return with(
+        player, 1, [](RtspPlayer &p) { return p.mode(); });
 }
 
 int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_t native_window)
 {
-    return with(player, failure, [&](RtspPlayer &p) {
-        const std::string text = utf8OrEmpty(path);
-        if (text.empty() || text.front() != '/' || text.size() > maxPath || !hasNoWhitespace(text))
-            return failure;
-        return p.setup(text, native_window);
-    });
+    return with(
+        player, failure,
+        [&](RtspPlayer &p) {
+            const std::string text = utf8OrEmpty(path);
+            if (text.empty() || text.front() != '/' || text.size() > maxPath ||
+                !hasNoWhitespace(text))
+                return failure;
+            return p.setup(text, native_window);
+        });
 }
 
 int RtspPlayer_Play(RtspPlayer *player)
 {
-    return with(player, failure, [](RtspPlayer &p) { return p.play(); });
+    return with(
+        player, failure, [](RtspPlayer &p) { return p.play(); });
 }
 
 int RtspPlayer_Stop(RtspPlayer *player)
 {
-    return with(player, failure, [](RtspPlayer &p) {
-        p.stop();
-        return 0;
-    });
+    return with(
+        player, failure,
+        [](RtspPlayer &p) {
+            p.stop();
+            return 0;
+        });
 }
 
 int RtspPlayer_IsPlaying(RtspPlayer *player)
@@ -173,18 +188,20 @@ int RtspPlayer_IsPlaying(RtspPlayer *player)
 
 int RtspPlayer_Delete(RtspPlayer *player)
 {
-    return guarded(failure, [&] {
-        PlayerPtr last = players().take(player);
-        if (!last)
-            return failure;
-        last->stop();
-        // Clips that are being closed may take their time on the disk.
-        std::thread([last = std::move(last)]() mutable {
-            pthread_setname_np(pthread_self(), "cammgr-delete");
-            RtspPlayer::release(std::move(last));
-        }).detach();
-        return 0;
-    });
+    return guarded(
+        failure,
+        [&] {
+            PlayerPtr last = players().take(player);
+            if (!last)
+                return failure;
+            last->stop();
+            // Clips that are being closed may take their time on the disk.
+            std::thread([last = std::move(last)]() mutable {
+                pthread_setname_np(pthread_self(), "cammgr-delete");
+                RtspPlayer::release(std::move(last));
+            }).detach();
+            return 0;
+        });
 }
 
 int RtspPlayer_DeleteSync(RtspPlayer *player)
@@ -214,37 +231,46 @@ int RtspPlayer_HasAudioStream(RtspPlayer *player)
 
 int RtspPlayer_SetVolume(RtspPlayer *player, int volume)
 {
-    return with(player, failure, [&](RtspPlayer &p) {
-        p.withStream([&](LiveStream &stream) { stream.setVolume(std::clamp(volume, 0, 200)); });
-        return 0;
-    });
+    return with(
+        player, failure,
+        [&](RtspPlayer &p) {
+            p.withStream([&](LiveStream &stream) { stream.setVolume(std::clamp(volume, 0, 200)); });
+            return 0;
+        });
 }
 
 int RtspPlayer_Snapshot(RtspPlayer *player, const char *path)
 {
-    return with(player, failure, [&](RtspPlayer &p) {
-        const std::string file = utf8OrEmpty(path);
-        if (file.empty())
-            return failure;
-        return p.withStream([&](LiveStream &stream) { return stream.snapshot(file); });
-    });
+    return with(
+        player, failure,
+        [&](RtspPlayer &p) {
+            const std::string file = utf8OrEmpty(path);
+            if (file.empty())
+                return failure;
+            return p.withStream([&](LiveStream &stream) { return stream.snapshot(file); });
+        });
 }
 
 int RtspPlayer_BeginWriting(RtspPlayer *player, const char *base_path, int limit)
 {
-    return with(player, failure, [&](RtspPlayer &p) {
-        const std::string base = utf8OrEmpty(base_path);
-        if (base.empty() || limit < 0)
-            return failure;
-        return p.withStream([&](LiveStream &stream) { return stream.beginWriting(base, limit); });
-    });
+    return with(
+        player, failure,
+        [&](RtspPlayer &p) {
+            const std::string base = utf8OrEmpty(base_path);
+            if (base.empty() || limit < 0)
+                return failure;
+            return p.withStream(
+                [&](LiveStream &stream) { return stream.beginWriting(base, limit); });
+        });
 }
 
 int RtspPlayer_EndWriting(RtspPlayer *player)
 {
-    return with(player, failure, [](RtspPlayer &p) {
-        return p.withStream([](LiveStream &stream) { return stream.endWriting(); });
-    });
+    return with(
+        player, failure,
+        [](RtspPlayer &p) {
+            return p.withStream([](LiveStream &stream) { return stream.endWriting(); });
+        });
 }
 
 int RtspPlayer_IsWriting(RtspPlayer *player)
@@ -274,36 +300,43 @@ int RtspPlayer_GetVideoHeight(RtspPlayer *player)
 
 int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requests, int count)
 {
-    return with(player, failure, [&](RtspPlayer &p) {
-        if (!requests || count < 1 || count > maxCommands)
-            return failure;
-        std::vector<std::string> texts;
-        for (int i = 0; i < count; ++i) {
-            if (!requests[i])
+    return with(
+        player, failure,
+        [&](RtspPlayer &p) {
+            if (!requests || count < 1 || count > maxCommands)
                 return failure;
-            texts.emplace_back(requests[i]);
-        }
-        return p.issueCommands(std::move(texts));
-    });
+            std::vector<std::string> texts;
+            for (int i = 0; i < count; ++i) {
+                if (!requests[i])
+                    return failure;
+                texts.emplace_back(requests[i]);
+            }
+            return p.issueCommands(std::move(texts));
+        });
 }
 
 int AudioUpload_Play(RtspPlayer *player)
 {
-    return with(player, failure, [](RtspPlayer &p) {
-        p.talk();
-        return 0;
-    });
+    return with(
+        player, failure,
+        [](RtspPlayer &p) {
+            p.talk();
+            return 0;
+        });
 }
 
 int AudioUpload_Stop(RtspPlayer *player)
 {
-    return with(player, failure, [](RtspPlayer &p) {
-        p.stopTalk();
-        return 0;
-    });
+    return with(
+        player, failure,
+        [](RtspPlayer &p) {
+            p.stopTalk();
+            return 0;
+        });
 }
 
 int AudioUpload_IsPlaying(RtspPlayer *player)
 {
-    return with(player, 0, [](RtspPlayer &p) { return p.isTalking() ? 1 : 0; });
+    return with(
+        player, 0, [](RtspPlayer &p) { return p.isTalking() ? 1 : 0; });
 }

@@ -85,17 +85,16 @@ void CommandBatch::received(std::string_view data)
 
 void CommandBatch::ended(ChannelEnd reason)
 {
-    if (reason != ChannelEnd::Closed) {
+    if (reason != ChannelEnd::Closed)
         failRest(); // the next one would not get there either
-    } else if (!m_bareText.empty()) {
+    else if (!m_bareText.empty())
         next(std::move(m_bareText));
-    } else if (m_connectionUsed && !m_reader.hasBegun()) {
+    else if (m_connectionUsed && !m_reader.hasBegun())
         connect(); // dropped between two requests
-    } else if (m_reader.end() == ReplyReader::State::Complete) {
+    else if (m_reader.end() == ReplyReader::State::Complete)
         answered(m_reader.take());
-    } else {
+    else
         next(failureText());
-    }
 }
 
 void CommandBatch::answered(const Reply &reply)

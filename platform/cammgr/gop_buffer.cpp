@@ -21,10 +21,9 @@ void GopBuffer::takeFrame(const AccessUnit &unit)
         startOver();
         return;
     }
-    if (unit.key) {
+    if (unit.key)
         while (!m_audio.empty() && m_audio.front().time < unit.time)
             m_audio.pop_front();
-    }
     m_frames.push_back(unit);
 }
 

@@ -41,7 +41,8 @@ void Housekeeper::work()
 {
     std::unique_lock lock(m_lock);
     for (;;) {
-        m_wake.wait(lock, [this] { return !m_charges.empty(); });
+        m_wake.wait(
+            lock, [this] { return !m_charges.empty(); });
         m_wake.wait_for(lock, period, [] { return false; });
         std::vector<std::shared_ptr<Charge>> present;
         std::vector<std::weak_ptr<Charge>> still;

@@ -30,10 +30,9 @@ bool PictureChain::open()
     GstElement *convert = gst_element_factory_make("videoconvert", nullptr);
     m_sink = makeWindowSink(m_window);
     if (!m_scale || !convert || !m_sink) {
-        for (GstElement *element : {m_scale, convert, m_sink}) {
+        for (GstElement *element : {m_scale, convert, m_sink})
             if (element)
                 gst_object_unref(gst_object_ref_sink(element));
-        }
         m_pipeline.reset();
         return false;
     }

@@ -25,14 +25,21 @@ void postTo(const std::weak_ptr<CameraSession> &target, std::function<void(Camer
 
 LiveStream::Listener listenerFor(const std::weak_ptr<CameraSession> &session)
 {
-    return {
-        .firstFrame = [session] { postTo(session, [](CameraSession &s) { s.pictureShown(); }); },
-        .ended =
-            [session](StreamEnd reason) {
-                postTo(session, [reason](CameraSession &s) { s.streamEnded(reason); });
-            },
-        .wantKeyFrame =
-            [session] { postTo(session, [](CameraSession &s) { s.keyFrameWanted(); }); }};
+    return {.firstFrame =
+                [session] {
+                    postTo(
+                        session, [](CameraSession &s) { s.pictureShown(); });
+                },
+            .ended =
+                [session](StreamEnd reason) {
+                    postTo(
+                        session, [reason](CameraSession &s) { s.streamEnded(reason); });
+                },
+            .wantKeyFrame =
+                [session] {
+                    postTo(
+                        session, [](CameraSession &s) { s.keyFrameWanted(); });
+                }};
 }
 
 } // namespace
@@ -54,12 +61,14 @@ RtspPlayer::~RtspPlayer()
 
 void RtspPlayer::tickAlive()
 {
-    postTo(m_session, [](CameraSession &session) { session.tick(); });
+    postTo(
+        m_session, [](CameraSession &session) { session.tick(); });
 }
 
 void RtspPlayer::stopConnecting()
 {
-    postTo(m_session, [](CameraSession &session) { session.stopConnecting(); });
+    postTo(
+        m_session, [](CameraSession &session) { session.stopConnecting(); });
 }
 
 int RtspPlayer::setup(const std::string &path, uintptr_t window)

@@ -75,10 +75,9 @@ int Recorder::begin(const std::string &basePath, int limitBytes, bool withAudio)
         needKey = frames.empty();
         for (const AccessUnit &unit : frames) {
             write(unit);
-            if (unit.number == frames.front().number && m_clip) {
+            if (unit.number == frames.front().number && m_clip)
                 for (const AudioUnit &sound : audio)
                     m_clip->push(sound);
-            }
         }
     }
     if (needKey)

@@ -55,10 +55,9 @@ size_t headEnd(std::string_view data)
 std::vector<std::string> Reply::all(std::string_view name) const
 {
     std::vector<std::string> values;
-    for (const auto &[key, value] : headers) {
+    for (const auto &[key, value] : headers)
         if (equalNoCase(key, name))
             values.push_back(value);
-    }
     return values;
 }
 

@@ -49,8 +49,9 @@ void Resolver::lost()
 
 void Resolver::lookUp()
 {
-    m_findRequest =
-        m_lookup.resolve(m_address.uid, [this](std::optional<onvif::CameraLocation> location) {
+    m_findRequest = m_lookup.resolve(
+        m_address.uid,
+        [this](std::optional<onvif::CameraLocation> location) {
             if (location)
                 located(*location);
             else

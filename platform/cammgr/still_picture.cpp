@@ -72,10 +72,9 @@ SampleRef decodeLast(const std::vector<AccessUnit> &units, std::chrono::millisec
     loadMediaFramework();
     StillDecoder decoder;
     const auto end = SteadyClock::now() + budget;
-    for (const AccessUnit &unit : units) {
+    for (const AccessUnit &unit : units)
         if (!decoder.push(unit) || SteadyClock::now() >= end)
             break;
-    }
     decoder.drain();
     return decoder.picture();
 }

@@ -9,10 +9,9 @@ std::string StreamPaths::path(StreamPlace place)
 
 std::optional<StreamPlace> StreamPaths::placeOf(const std::string &path)
 {
-    for (const StreamPlace place : {StreamPlace::Main, StreamPlace::Sub}) {
+    for (const StreamPlace place : {StreamPlace::Main, StreamPlace::Sub})
         if (path == StreamPaths::path(place))
             return place;
-    }
     return std::nullopt;
 }
 
@@ -43,10 +42,9 @@ std::string StreamPaths::profileToken(const std::string &wantedPath) const
     if (!m_profiles)
         return {};
     const std::string &shown = m_fixedPath.empty() || m_usesProfiles ? wantedPath : m_fixedPath;
-    for (const onvif::CameraStream *stream : {&m_profiles->main, &m_profiles->sub}) {
+    for (const onvif::CameraStream *stream : {&m_profiles->main, &m_profiles->sub})
         if (parseUrl(stream->uri).path == shown)
             return stream->profileToken;
-    }
     return profileOf(placeOf(wantedPath).value_or(StreamPlace::Main))->profileToken;
 }
 

@@ -200,10 +200,9 @@ bool WindowWatch::Private::adopt()
         if (!m_changed)
             return true;
         m_changed = false;
-        for (const auto &[number, watched] : m_wanted) {
+        for (const auto &[number, watched] : m_wanted)
             if (m_watched.count(number) == 0)
                 fresh.push_back(watched);
-        }
         m_watched = m_wanted;
     }
     if (m_display) {
@@ -250,10 +249,9 @@ void WindowWatch::Private::select()
         for (const Window ancestor : watched->ancestors)
             wanted[ancestor] |= ancestorMask;
     }
-    for (const auto &[window, mask] : m_selected) {
+    for (const auto &[window, mask] : m_selected)
         if (wanted.count(window) == 0)
             XSelectInput(m_display, window, NoEventMask);
-    }
     for (const auto &[window, mask] : wanted) {
         const auto before = m_selected.find(window);
         if (before == m_selected.end() || before->second != mask)
@@ -315,10 +313,9 @@ void WindowWatch::Private::readEvents()
         select();
     for (const auto &watched : damaged)
         report(*watched, true);
-    for (const auto &watched : changed) {
+    for (const auto &watched : changed)
         if (damaged.count(watched) == 0)
             report(*watched, false);
-    }
 }
 
 void WindowWatch::Private::report(Watched &watched, bool damaged)

@@ -83,13 +83,12 @@ void ConfigurationWriter::connectTo(const std::string &service)
 
 void ConfigurationWriter::runNext()
 {
-    if (m_nextStep < m_steps.size()) {
+    if (m_nextStep < m_steps.size())
         m_request = m_steps[m_nextStep](*m_device, [this](SoapStatus status) { stepDone(status); });
-    } else if (m_interface) {
+    else if (m_interface)
         startInterfaceStep();
-    } else {
+    else
         finish(SoapStatus::Ok);
-    }
 }
 
 void ConfigurationWriter::stepDone(SoapStatus status)
@@ -104,10 +103,9 @@ void ConfigurationWriter::stepDone(SoapStatus status)
 
 void ConfigurationWriter::startInterfaceStep()
 {
-    m_request =
-        m_device->setNetworkInterface(*m_interface, [this](SoapStatus status, bool needsReboot) {
-            interfaceDone(status, needsReboot);
-        });
+    m_request = m_device->setNetworkInterface(
+        *m_interface,
+        [this](SoapStatus status, bool needsReboot) { interfaceDone(status, needsReboot); });
 }
 
 void ConfigurationWriter::interfaceDone(SoapStatus status, bool needsReboot)

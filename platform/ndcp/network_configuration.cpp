@@ -28,10 +28,9 @@ onvif::ScopeTexts textsOf(const std::vector<DeviceScope> &scopes)
 {
     std::vector<std::string> uris;
     for (const bool isFixed : {false, true}) {
-        for (const DeviceScope &scope : scopes) {
+        for (const DeviceScope &scope : scopes)
             if (scope.isFixed == isFixed)
                 uris.push_back(scope.uri);
-        }
     }
     return onvif::textsFromScopes(uris);
 }
@@ -47,10 +46,9 @@ DnsInformation wantedDns(const ndcp_device &record)
 {
     DnsInformation dns;
     dns.dhcp = record.manual_dns == 0;
-    for (const Ipv4 server : {record.dns1, record.dns2}) {
+    for (const Ipv4 server : {record.dns1, record.dns2})
         if (!dns.dhcp && server != 0)
             dns.servers.push_back(server);
-    }
     return dns;
 }
 

@@ -111,16 +111,17 @@ private:
 
     void askForMain()
     {
-        next(media().streamUri(m_streams.main.profileToken,
-                               [this](SoapStatus status, const std::string &address) {
-                                   m_streams.main.uri = address;
-                                   if (status != SoapStatus::Ok)
-                                       failed(status);
-                                   else if (hasOneStream())
-                                       takeSub(SoapStatus::Ok, address);
-                                   else
-                                       askForSub();
-                               }));
+        next(media().streamUri(
+            m_streams.main.profileToken,
+            [this](SoapStatus status, const std::string &address) {
+                m_streams.main.uri = address;
+                if (status != SoapStatus::Ok)
+                    failed(status);
+                else if (hasOneStream())
+                    takeSub(SoapStatus::Ok, address);
+                else
+                    askForSub();
+            }));
     }
 
     [[nodiscard]] bool hasOneStream() const
@@ -175,11 +176,13 @@ public:
 private:
     void withMedia() override
     {
-        next(media().setSynchronizationPoint(m_profileToken, [this](SoapStatus status) {
-            if (status == SoapStatus::NoAnswer)
-                forgetMedia();
-            finish(status);
-        }));
+        next(media().setSynchronizationPoint(
+            m_profileToken,
+            [this](SoapStatus status) {
+                if (status == SoapStatus::NoAnswer)
+                    forgetMedia();
+                finish(status);
+            }));
     }
 
     void failed(SoapStatus status) override { finish(status); }
@@ -209,10 +212,9 @@ public:
 
     KnownCameraPtr camera(const std::string &xaddr, const Credentials &credentials)
     {
-        for (const KnownCameraPtr &known : m_known) {
+        for (const KnownCameraPtr &known : m_known)
             if (known->soap.deviceService() == xaddr && known->credentials == credentials)
                 return known;
-        }
         if (m_known.size() == maxKnownCameras)
             m_known.pop_front();
         return m_known.emplace_back(

@@ -21,13 +21,14 @@ public:
         : m_soap(soap)
         , m_done(std::move(done))
     {
-        m_step = askFor("GetCapabilities", buildGetCapabilities(),
-                        [this](SoapStatus status, const std::string &address) {
-                            if (status == SoapStatus::Fault)
-                                askForServices();
-                            else
-                                finish(status, address);
-                        });
+        m_step = askFor(
+            "GetCapabilities", buildGetCapabilities(),
+            [this](SoapStatus status, const std::string &address) {
+                if (status == SoapStatus::Fault)
+                    askForServices();
+                else
+                    finish(status, address);
+            });
     }
 
 private:

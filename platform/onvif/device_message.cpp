@@ -130,10 +130,9 @@ std::string buildGetDns()
 std::string buildSetDns(const DnsInformation &dns)
 {
     std::string content = element("tds:FromDHCP", boolText(dns.dhcp));
-    if (!dns.dhcp) {
+    if (!dns.dhcp)
         for (const Ipv4 server : dns.servers)
             content += element("tds:DNSManual", ipv4Element(server));
-    }
     return element("tds:SetDNS", content);
 }
 
@@ -218,10 +217,9 @@ std::optional<std::vector<NetworkInterface>> parseNetworkInterfaces(const XmlMes
     if (!response)
         return std::nullopt;
     std::vector<NetworkInterface> interfaces;
-    for (const pugi::xml_node node : children(response, "NetworkInterfaces")) {
+    for (const pugi::xml_node node : children(response, "NetworkInterfaces"))
         if (attribute(node, "token").size() <= maxTokenLength && interfaces.size() < maxEntries)
             interfaces.push_back(readInterface(node));
-    }
     return interfaces;
 }
 

@@ -124,7 +124,8 @@ DiscoverySearch::Private::Private(GMainContext *context, SearchScope scope, Done
     if (m_scope.multicast)
         openMulticastSockets();
     for (std::size_t i = 0; i < rounds.size(); ++i)
-        m_roundTimers[i] = Timer(context, rounds[i], [this] { sendRound(); });
+        m_roundTimers[i] = Timer(
+            context, rounds[i], [this] { sendRound(); });
     m_endTimer = Timer(context, m_scope.milliseconds, [this] { finish(); });
     findTargets();
 }
@@ -265,10 +266,9 @@ void DiscoverySearch::Private::add(DiscoveredDevice device)
 Ipv4 DiscoverySearch::Private::subnetMaskOf(std::string_view sender) const
 {
     const std::optional<Ipv4> address = parseIpv4(sender);
-    for (const LocalAddress &local : m_localAddresses) {
+    for (const LocalAddress &local : m_localAddresses)
         if (address && (*address & local.mask) == (local.address & local.mask))
             return local.mask;
-    }
     return unknownSubnet;
 }
 

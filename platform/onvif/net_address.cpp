@@ -24,11 +24,10 @@ bool isPlainAddress(std::string_view text)
 {
     if (text.empty() || text.size() > maxAddressLength)
         return false;
-    for (const char c : text) {
+    for (const char c : text)
         if (static_cast<unsigned char>(c) <= 0x20 || c == 0x7F || c == '"' || c == '<' ||
             c == '>' || c == '\\')
             return false;
-    }
     return true;
 }
 

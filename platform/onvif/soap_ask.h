@@ -13,26 +13,28 @@ template <class T, class Parse>
 RequestPtr ask(SoapClient &soap, const std::string &service, const std::string &action,
                const std::string &body, Parse parse, std::function<void(SoapStatus, T)> done)
 {
-    return soap.call(service, action, body,
-                     [parse = std::move(parse), done = std::move(done)](const SoapReply &reply) {
-                         if (reply.status != SoapStatus::Ok) {
-                             done(reply.status, T{});
-                             return;
-                         }
-                         std::optional<T> answer = parse(*reply.message);
-                         if (answer)
-                             done(SoapStatus::Ok, std::move(*answer));
-                         else
-                             done(SoapStatus::Fault, T{});
-                     });
+    return soap.call(
+        service, action, body,
+        [parse = std::move(parse), done = std::move(done)](const SoapReply &reply) {
+            if (reply.status != SoapStatus::Ok) {
+                done(reply.status, T{});
+                return;
+            }
+            std::optional<T> answer = parse(*reply.message);
+            if (answer)
+                done(SoapStatus::Ok, std::move(*answer));
+            else
+                done(SoapStatus::Fault, T{});
+        });
 }
 
 /// Calls a service whose answer says no more than that it was done.
 inline RequestPtr tell(SoapClient &soap, const std::string &service, const std::string &action,
                        const std::string &body, std::function<void(SoapStatus)> done)
 {
-    return soap.call(service, action, body,
-                     [done = std::move(done)](const SoapReply &reply) { done(reply.status); });
+    return soap.call(
+        service, action, body,
+        [done = std::move(done)](const SoapReply &reply) { done(reply.status); });
 }
 
 } // namespace onvif

@@ -99,34 +99,36 @@ private:
 
     void sendForHttpSigning()
     {
-        post(m_service, m_action, buildEnvelope(m_body), m_session->credentials,
-             [this](const HttpAnswer &answer) {
-                 const SoapReply reply = readReply(answer);
-                 const bool canUseToken =
-                     !answer.wasChallenged && !m_session->credentials.user.empty();
-                 if (reply.status == SoapStatus::Refused && canUseToken)
-                     readClock();
-                 else
-                     finish(reply);
-             });
+        post(
+            m_service, m_action, buildEnvelope(m_body), m_session->credentials,
+            [this](const HttpAnswer &answer) {
+                const SoapReply reply = readReply(answer);
+                const bool canUseToken =
+                    !answer.wasChallenged && !m_session->credentials.user.empty();
+                if (reply.status == SoapStatus::Refused && canUseToken)
+                    readClock();
+                else
+                    finish(reply);
+            });
     }
 
     void readClock()
     {
-        post(m_session->deviceService, clockAction, buildEnvelope(clockBody), {},
-             [this](const HttpAnswer &answer) {
-                 const SoapReply reply = readReply(answer);
-                 if (reply.status == SoapStatus::NoAnswer) {
-                     finish(reply);
-                     return;
-                 }
-                 std::optional<std::int64_t> time;
-                 if (reply.message)
-                     time = parseSystemTime(*reply.message);
-                 const std::int64_t now = g_get_real_time() / G_USEC_PER_SEC;
-                 const std::int64_t offset = time ? *time - now : 0;
-                 gotClock(offset);
-             });
+        post(
+            m_session->deviceService, clockAction, buildEnvelope(clockBody), {},
+            [this](const HttpAnswer &answer) {
+                const SoapReply reply = readReply(answer);
+                if (reply.status == SoapStatus::NoAnswer) {
+                    finish(reply);
+                    return;
+                }
+                std::optional<std::int64_t> time;
+                if (reply.message)
+                    time = parseSystemTime(*reply.message);
+                const std::int64_t now = g_get_real_time() / G_USEC_PER_SEC;
+                const std::int64_t offset = time ? *time - now : 0;
+                gotClock(offset);
+            });
     }
 
     void gotClock(std::int64_t offset)

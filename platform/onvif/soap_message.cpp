@@ -66,10 +66,9 @@ bool saysRefused(std::string_view text)
 {
     const std::string lower = lowerAscii(text);
     for (const char *word : {"notauthorized", "not authorized", "failedauthentication",
-                             "failedcheck", "invalidsecurity", "unauthorized"}) {
+                             "failedcheck", "invalidsecurity", "unauthorized"})
         if (lower.find(word) != std::string::npos)
             return true;
-    }
     return false;
 }
 

@@ -51,10 +51,9 @@ std::vector<std::string> words(std::string_view text, std::size_t maxCount)
 
 bool isOnvifDevice(std::string_view types, const std::vector<std::string> &scopes)
 {
-    for (const std::string &scope : scopes) {
+    for (const std::string &scope : scopes)
         if (lowerAscii(scope).starts_with("onvif://"))
             return true;
-    }
     return types.find("NetworkVideoTransmitter") != std::string_view::npos ||
            types.find("Device") != std::string_view::npos;
 }

@@ -71,10 +71,9 @@ std::string_view localName(pugi::xml_node node)
 
 pugi::xml_node child(pugi::xml_node node, std::string_view name)
 {
-    for (const pugi::xml_node candidate : node.children()) {
+    for (const pugi::xml_node candidate : node.children())
         if (candidate.type() == pugi::node_element && localName(candidate) == name)
             return candidate;
-    }
     return {};
 }
 
@@ -88,19 +87,17 @@ pugi::xml_node child(pugi::xml_node node, std::initializer_list<std::string_view
 std::vector<pugi::xml_node> children(pugi::xml_node node, std::string_view name)
 {
     std::vector<pugi::xml_node> found;
-    for (const pugi::xml_node candidate : node.children()) {
+    for (const pugi::xml_node candidate : node.children())
         if (candidate.type() == pugi::node_element && localName(candidate) == name)
             found.push_back(candidate);
-    }
     return found;
 }
 
 std::string_view attribute(pugi::xml_node node, std::string_view name)
 {
-    for (const pugi::xml_attribute candidate : node.attributes()) {
+    for (const pugi::xml_attribute candidate : node.attributes())
         if (withoutPrefix(candidate.name()) == name)
             return candidate.value();
-    }
     return {};
 }
 

@@ -109,14 +109,12 @@ int main(int argc, char **argv)
     QTextStream list(&text);
     list << "<RCC><qresource prefix=\"/\">\n";
     QString error = book.error();
-    for (const ArtBook::Image &image : book.images()) {
+    for (const ArtBook::Image &image : book.images())
         if (error.isEmpty())
             error = renderImage(book, image, output, list);
-    }
-    for (const QString &argument : arguments.mid(2)) {
+    for (const QString &argument : arguments.mid(2))
         if (error.isEmpty())
             error = addFile(book, argument, output, list);
-    }
     list << "</qresource></RCC>\n";
 
     const QString listFile = output + QLatin1String("/zelvaro.qrc");

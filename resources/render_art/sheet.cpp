@@ -16,12 +16,12 @@ namespace {
 using zelvaro::ArtBook;
 using zelvaro::Palette;
 
-constexpr int kSheetWidth = 1480;
-constexpr int kMargin = 16;
-constexpr int kGap = 8;
-constexpr int kCaption = 16;
-constexpr int kHeading = 32;
-constexpr int kLarge = 128;
+constexpr int sheetWidth = 1480;
+constexpr int margin = 16;
+constexpr int gap = 8;
+constexpr int caption = 16;
+constexpr int heading = 32;
+constexpr int large = 128;
 
 /// One image with both its pictures; the second is null for a frame, which has only one, and left
 /// out for what is large anyway.
@@ -33,9 +33,9 @@ struct Sample
 
     QSize size() const
     {
-        const int pictures = plain.width() + (dense.isNull() ? 0 : dense.width() + kGap);
-        return {qMax(pictures + 2 * kGap, 150),
-                qMax(plain.height(), dense.height()) + 2 * kGap + kCaption};
+        const int pictures = plain.width() + (dense.isNull() ? 0 : dense.width() + gap);
+        return {qMax(pictures + 2 * gap, 150),
+                qMax(plain.height(), dense.height()) + 2 * gap + caption};
     }
 };
 
@@ -44,7 +44,7 @@ class Sheet
 public:
     explicit Sheet(const Palette &palette)
         : m_palette(palette)
-        , m_image(kSheetWidth, 6000, QImage::Format_RGB32)
+        , m_image(sheetWidth, 6000, QImage::Format_RGB32)
     {
         m_image.fill(m_palette.colours[QStringLiteral("chrome-top")]);
     }
@@ -58,8 +58,8 @@ public:
         font.setPixelSize(18);
         font.setBold(true);
         painter.setFont(font);
-        painter.drawText(QPoint(kMargin, m_y + 22), folder);
-        m_y += kHeading;
+        painter.drawText(QPoint(margin, m_y + 22), folder);
+        m_y += heading;
         font.setPixelSize(11);
         font.setBold(false);
         painter.setFont(font);
@@ -70,31 +70,31 @@ public:
     QImage whole()
     {
         newRow();
-        return m_image.copy(0, 0, kSheetWidth, m_y + kMargin);
+        return m_image.copy(0, 0, sheetWidth, m_y + margin);
     }
 
 private:
     void newRow()
     {
         m_y += m_rowHeight;
-        m_x = kMargin;
+        m_x = margin;
         m_rowHeight = 0;
     }
 
     void add(QPainter &painter, const Sample &sample)
     {
         const QSize size = sample.size();
-        if (m_x + size.width() > kSheetWidth - kMargin)
+        if (m_x + size.width() > sheetWidth - margin)
             newRow();
-        const QRect plate(m_x, m_y, size.width(), size.height() - kCaption);
+        const QRect plate(m_x, m_y, size.width(), size.height() - caption);
         painter.fillRect(plate, background(sample.name));
-        painter.drawImage(plate.topLeft() + QPoint(kGap, kGap), sample.plain);
-        painter.drawImage(plate.topLeft() + QPoint(2 * kGap + sample.plain.width(), kGap),
+        painter.drawImage(plate.topLeft() + QPoint(gap, gap), sample.plain);
+        painter.drawImage(plate.topLeft() + QPoint(2 * gap + sample.plain.width(), gap),
                           sample.dense);
-        painter.drawText(plate.bottomLeft() + QPoint(0, kCaption - 3),
+        painter.drawText(plate.bottomLeft() + QPoint(0, caption - 3),
                          sample.name.section(QLatin1Char('/'), -1));
-        m_x += size.width() + kGap;
-        m_rowHeight = qMax(m_rowHeight, size.height() + kGap);
+        m_x += size.width() + gap;
+        m_rowHeight = qMax(m_rowHeight, size.height() + gap);
     }
 
     QColor background(const QString &name) const
@@ -111,15 +111,15 @@ private:
 
     Palette m_palette;
     QImage m_image;
-    int m_x = kMargin;
-    int m_y = kMargin;
+    int m_x = margin;
+    int m_y = margin;
     int m_rowHeight = 0;
 };
 
 Sample loadSample(const QString &name, const QString &file)
 {
     Sample sample{name, QImage(file + QLatin1String(".png")), {}};
-    if (sample.plain.width() < kLarge)
+    if (sample.plain.width() < large)
         sample.dense = QImage(file + QLatin1String("@2x.png"));
     sample.dense.setDevicePixelRatio(1); // the sheet shows the pixels themselves
     return sample;

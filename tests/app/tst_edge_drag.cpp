@@ -9,12 +9,12 @@ Q_DECLARE_METATYPE(zelvaro::Edge)
 namespace {
 
 // Left 100, top 200, right 899, bottom 799.
-constexpr QRect kWindow(100, 200, 800, 600);
-constexpr zelvaro::DragLimits kLimits{QSize(1280, 760), QSize(400, 300)};
+constexpr QRect windowRect(100, 200, 800, 600);
+constexpr zelvaro::DragLimits sizeLimits{QSize(1280, 760), QSize(400, 300)};
 
-QRect dragged(Edge edge, QPoint pointer, zelvaro::DragLimits limits = kLimits)
+QRect dragged(Edge edge, QPoint pointer, zelvaro::DragLimits limits = sizeLimits)
 {
-    return zelvaro::draggedTo(edge, kWindow, kWindow, pointer, limits);
+    return zelvaro::draggedTo(edge, windowRect, windowRect, pointer, limits);
 }
 
 } // namespace
@@ -70,7 +70,7 @@ void EdgeDragTest::zones_data()
 void EdgeDragTest::zones()
 {
     QFETCH(QPoint, pointer);
-    QTEST(zelvaro::edgeAt(kWindow, pointer), "edge");
+    QTEST(zelvaro::edgeAt(windowRect, pointer), "edge");
 }
 
 void EdgeDragTest::cursors()
@@ -96,7 +96,7 @@ void EdgeDragTest::draggingMovesTheEdgeToThePointer_data()
     QTest::newRow("top in") << Edge::Top << QPoint(1, 300) << QRect(100, 300, 800, 500);
     QTest::newRow("bottom out") << Edge::Bottom << QPoint(1, 849) << QRect(100, 200, 800, 650);
     QTest::newRow("corner") << Edge::Corner << QPoint(949, 699) << QRect(100, 200, 850, 500);
-    QTest::newRow("none") << Edge::None << QPoint(1, 1) << kWindow;
+    QTest::newRow("none") << Edge::None << QPoint(1, 1) << windowRect;
 }
 
 void EdgeDragTest::draggingMovesTheEdgeToThePointer()
@@ -140,16 +140,16 @@ void EdgeDragTest::sizesStayBetweenSmallestAndLargest()
 void EdgeDragTest::leftAndTopStayBelowTheWidgetsMinimum()
 {
     const zelvaro::DragLimits large{QSize(1280, 760), QSize(600, 500)};
-    QCOMPARE(dragged(Edge::Left, QPoint(301, 1), large), kWindow);
+    QCOMPARE(dragged(Edge::Left, QPoint(301, 1), large), windowRect);
     QCOMPARE(dragged(Edge::Left, QPoint(300, 1), large), QRect(300, 200, 600, 600));
-    QCOMPARE(dragged(Edge::Top, QPoint(1, 301), large), kWindow);
+    QCOMPARE(dragged(Edge::Top, QPoint(1, 301), large), windowRect);
     QCOMPARE(dragged(Edge::Top, QPoint(1, 300), large), QRect(100, 300, 800, 500));
 }
 
 void EdgeDragTest::theEdgesThatAreNotDraggedComeFromNow()
 {
     const QRect now(100, 200, 700, 600);
-    QCOMPARE(zelvaro::draggedTo(Edge::Bottom, kWindow, now, QPoint(1, 699), kLimits),
+    QCOMPARE(zelvaro::draggedTo(Edge::Bottom, windowRect, now, QPoint(1, 699), sizeLimits),
              QRect(100, 200, 700, 500));
 }
 

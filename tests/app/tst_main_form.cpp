@@ -1,12 +1,12 @@
 #include "app/main_form.h"
-#include "ui/common/message_box.h"
-#include "ui/common/title_widget.h"
 #include "camera/camera.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/manager/manager_fixture.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/common/desktop.h"
+#include "ui/common/message_box.h"
+#include "ui/common/title_widget.h"
 #include "ui/discovery/search_camera_form.h"
 #include "ui/manager/add_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
@@ -25,7 +25,7 @@
 
 namespace {
 
-constexpr int kDeadline = 20000; // milliseconds
+constexpr int deadline = 20000; // milliseconds
 
 /// Answers the folder chooser and notes what it was asked.
 class FolderDesktop : public Desktop
@@ -50,9 +50,9 @@ public:
     QString start;
 };
 
-const QStringList kPages = {"pageCameraMgr", "pagePlayCamera",      "pageMultiLive",
-                            "pagePhotoMgr",  "pagePlayPhoto",       "pageVideoMgr",
-                            "pagePlayVideo", "pageSearchCameraList"};
+const QStringList pages = {"pageCameraMgr", "pagePlayCamera",      "pageMultiLive",
+                           "pagePhotoMgr",  "pagePlayPhoto",       "pageVideoMgr",
+                           "pagePlayVideo", "pageSearchCameraList"};
 
 struct ToolButton
 {
@@ -63,7 +63,7 @@ struct ToolButton
     int page;
 };
 
-const ToolButton kToolButtons[] = {
+const ToolButton toolButtons[] = {
     {"btnCameraMgr", "Camera", "cameramgrbtn.png", "cameramgrbtn_pressed.png", 0},
     {"btnMultiLive", "MultiLive", "multilivebtn.png", "multilivebtn_pressed.png", 2},
     {"btnVideoMgr", "Video", "videobtn.png", "videobtn_pressed.png", 5},
@@ -207,12 +207,12 @@ void MainFormTest::showForm()
     m_form->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_form.get()));
     m_form->setGeometry(100, 60, 500, 400);
-    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), QRect(100, 60, 500, 400), kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), QRect(100, 60, 500, 400), deadline);
 }
 
 void MainFormTest::expectIcons(const char *pressedButton)
 {
-    for (const ToolButton &button : kToolButtons) {
+    for (const ToolButton &button : toolButtons) {
         const bool pressed = qstrcmp(button.name, pressedButton) == 0;
         const QString file =
             QString(":/images/toolbarbtn/") + (pressed ? button.pressed : button.normal);
@@ -243,16 +243,16 @@ void MainFormTest::theFormHasItsNamesAndTexts()
     QCOMPARE(find<QToolButton>("btnMin")->text(), QString("Minimize"));
     QCOMPARE(find<QToolButton>("btnMax")->text(), QString("Maximize"));
     QCOMPARE(find<QToolButton>("btnClose")->text(), QString("Close"));
-    for (const ToolButton &button : kToolButtons)
+    for (const ToolButton &button : toolButtons)
         QCOMPARE(find<QToolButton>(button.name)->text(), QString(button.text));
     for (const char *name : {"btnMenu", "btnMin", "btnMax", "btnClose"}) {
         QVERIFY2(!find<QToolButton>(name)->toolTip().isEmpty(), name);
         QVERIFY2(!find<QToolButton>(name)->accessibleName().isEmpty(), name);
     }
     auto *stack = find<QStackedWidget>("stackedWidget");
-    QCOMPARE(stack->count(), kPages.size());
-    for (int i = 0; i < kPages.size(); ++i)
-        QCOMPARE(stack->widget(i)->objectName(), kPages.at(i));
+    QCOMPARE(stack->count(), pages.size());
+    for (int i = 0; i < pages.size(); ++i)
+        QCOMPARE(stack->widget(i)->objectName(), pages.at(i));
 }
 
 void MainFormTest::theWindowIsFramelessAndCentred()
@@ -294,7 +294,7 @@ void MainFormTest::theStatusRowShowsWhatAPageTells()
 void MainFormTest::toolButtonsSwitchPagesAndIcons()
 {
     showForm();
-    for (const ToolButton &button : kToolButtons) {
+    for (const ToolButton &button : toolButtons) {
         click(button.name);
         QCOMPARE(page(), button.page);
         expectIcons(button.name);
@@ -310,9 +310,9 @@ void MainFormTest::toolButtonsHaveShortcuts()
     m_form->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
     QTest::keyClick(m_form.get(), Qt::Key_A, Qt::AltModifier);
-    QTRY_COMPARE_WITH_TIMEOUT(page(), 3, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), 3, deadline);
     QTest::keyClick(m_form.get(), Qt::Key_C, Qt::AltModifier);
-    QTRY_COMPARE_WITH_TIMEOUT(page(), 0, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), 0, deadline);
 }
 
 void MainFormTest::otherSwitchesLeaveTheIcons()
@@ -348,7 +348,7 @@ void MainFormTest::leavingStopsTheSingleView()
     showForm();
     m_form->playCamera(Registry::cameras().at(0));
     player("UID-1")->probeOk();
-    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), deadline);
     click("btnPhotoMgr");
     QVERIFY(!Registry::cameras().at(0)->is_playing());
     QCOMPARE(page(), 3);
@@ -364,7 +364,7 @@ void MainFormTest::multiLiveStartsAndStopsItsTiles()
     QCOMPARE(player("UID-1")->path(), std::string("/live/1/h264.sdp"));
     QCOMPARE(player("UID-2")->count("RtspPlayer_SetupP2PliveStream"), 0);
     player("UID-1")->probeOk();
-    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), deadline);
     click("btnCameraMgr");
     QVERIFY(!Registry::cameras().at(0)->is_playing());
 }
@@ -389,7 +389,7 @@ void MainFormTest::videoWhileTheGridRecordsAsksForConfirmation()
     click("btnMultiLive");
     QVERIFY(player("UID-1"));
     player("UID-1")->probeOk();
-    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), deadline);
     {
         ModalScript script;
         script.then([](QWidget *dialog) { press(dialog, "btnOK"); });
@@ -422,10 +422,10 @@ void MainFormTest::albumShowsThePhotosOfTheFirstCamera()
     writeFile("UID-1/20240305_070811.mp4");
     click("btnPhotoMgr");
     QCOMPARE(page(), 3);
-    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 2, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 2, deadline);
     click("btnVideoMgr");
     QCOMPARE(page(), 5);
-    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, deadline);
 }
 
 void MainFormTest::photoViewerOpensFromTheAlbumAndGoesBack()
@@ -434,13 +434,13 @@ void MainFormTest::photoViewerOpensFromTheAlbumAndGoesBack()
     showForm();
     writeFile("UID-1/20240305_070809.jpg");
     click("btnPhotoMgr");
-    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, deadline);
     QTest::mouseDClick(albumTiles("pagePhotoMgr").at(0), Qt::LeftButton);
     QCOMPARE(page(), 4);
     expectIcons("btnPhotoMgr");
     press(find<QWidget>("pagePlayPhoto"), "btnBack");
     QCOMPARE(page(), 3);
-    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, deadline);
 }
 
 void MainFormTest::recordingOpensFromTheAlbumAndGoesBack()
@@ -449,12 +449,12 @@ void MainFormTest::recordingOpensFromTheAlbumAndGoesBack()
     showForm();
     writeFile("UID-1/20240305_070809.mp4");
     click("btnVideoMgr");
-    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, deadline);
     QTest::mouseDClick(albumTiles("pageVideoMgr").at(0), Qt::LeftButton);
     QCOMPARE(page(), 6);
     press(find<QWidget>("pagePlayVideo"), "btnBack");
     QCOMPARE(page(), 5);
-    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, deadline);
 }
 
 void MainFormTest::anAlbumThatIsOpenedAgainShowsNewCameras()
@@ -479,9 +479,9 @@ void MainFormTest::anotherPageLeavesTheAlbum()
     showForm();
     writeFile("UID-1/20240305_070809.jpg");
     click("btnPhotoMgr");
-    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, deadline);
     click("btnCameraMgr");
-    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 0, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 0, deadline);
 }
 
 void MainFormTest::savePathIsTheOnlyMenuEntry()
@@ -554,13 +554,13 @@ void MainFormTest::aLowWindowLeavesItsHeightToThePage()
     showForm();
     const auto pageHeight = [this] { return find<QStackedWidget>("stackedWidget")->height(); };
     m_form->resize(500, 420);
-    QTRY_VERIFY_WITH_TIMEOUT(find<QWidget>("frameStatus")->isVisible(), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(find<QWidget>("frameStatus")->isVisible(), deadline);
     QCOMPARE(find<QToolButton>("btnSetUp")->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
     const int inUsualWindow = pageHeight();
     m_form->resize(500, 419);
-    QTRY_VERIFY_WITH_TIMEOUT(!find<QWidget>("frameStatus")->isVisible(), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!find<QWidget>("frameStatus")->isVisible(), deadline);
     QCOMPARE(find<QToolButton>("btnSetUp")->toolButtonStyle(), Qt::ToolButtonIconOnly);
-    QTRY_VERIFY_WITH_TIMEOUT(pageHeight() > inUsualWindow, kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(pageHeight() > inUsualWindow, deadline);
     click("btnPhotoMgr");
     QCOMPARE(page(), 3);
 }
@@ -572,10 +572,10 @@ void MainFormTest::maximizeTogglesGeometryAndButton()
     auto *button = find<QToolButton>("btnMax");
     QVERIFY(button->styleSheet().contains(":/images/sysbtn/maxbtn_default.png"));
     click("btnMax");
-    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), m_form->screen()->availableGeometry(), kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), m_form->screen()->availableGeometry(), deadline);
     QVERIFY(button->styleSheet().contains(":/images/sysbtn/restorebtn_default.png"));
     click("btnMax");
-    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), normal, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), normal, deadline);
     QVERIFY(button->styleSheet().contains(":/images/sysbtn/maxbtn_default.png"));
 }
 
@@ -623,7 +623,7 @@ void MainFormTest::titleBarMovesTheWindow()
     QMouseEvent move(QEvent::MouseMove, QPoint(220, 40), start + QPoint(20, 30), Qt::NoButton,
                      Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(strip, &move);
-    QTRY_COMPARE_WITH_TIMEOUT(m_form->pos(), QPoint(120, 90), kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->pos(), QPoint(120, 90), deadline);
 }
 
 void MainFormTest::draggingEdgesResizes_data()
@@ -648,7 +648,7 @@ void MainFormTest::draggingEdgesResizes()
     pressAt(from);
     dragTo(from + by / 2);
     dragTo(from + by);
-    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), result, kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), result, deadline);
     releaseAt(from + by);
     dragTo(from);
     QCOMPARE(m_form->geometry(), result);
@@ -736,7 +736,7 @@ void MainFormTest::minimizeMinimizes()
 {
     showForm();
     click("btnMin");
-    QTRY_VERIFY_WITH_TIMEOUT(m_form->isMinimized(), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(m_form->isMinimized(), deadline);
 }
 
 void MainFormTest::discoverOpensThePicker()

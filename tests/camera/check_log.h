@@ -34,9 +34,8 @@ public:
     static QStringList camera(const QStringList &conditions)
     {
         QStringList reports;
-        for (const QString &condition : conditions) {
+        for (const QString &condition : conditions)
             reports << QStringLiteral("\"%1\" in Camera").arg(condition);
-        }
         return reports;
     }
 

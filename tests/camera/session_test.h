@@ -9,7 +9,7 @@
 
 #include <memory>
 
-constexpr int Deadline = 30000; // ms
+constexpr int deadline = 30000; // ms
 
 /// A session with its record over the scripted library. The session is put to its end in order
 /// when this goes.
@@ -38,7 +38,7 @@ struct Session
     {
         start();
         player()->probeOk();
-        QTRY_COMPARE_WITH_TIMEOUT(camera->get_state(), int(CAMERA_STATE_CONNECTED), Deadline);
+        QTRY_COMPARE_WITH_TIMEOUT(camera->get_state(), int(CAMERA_STATE_CONNECTED), deadline);
     }
     void stopAndWait() const
     {
@@ -47,12 +47,10 @@ struct Session
     }
     void end()
     {
-        if (!camera) {
+        if (!camera)
             return;
-        }
-        if (camera->has_player() && !camera->is_stopped()) {
+        if (camera->has_player() && !camera->is_stopped())
             stopAndWait();
-        }
         camera.reset();
     }
 
@@ -64,15 +62,14 @@ struct Session
 inline QStringList names(const std::vector<fake_cammgr::Call> &calls)
 {
     QStringList list;
-    for (const fake_cammgr::Call &call : calls) {
+    for (const fake_cammgr::Call &call : calls)
         list << QString::fromStdString(call.name);
-    }
     return list;
 }
 
 /// Lets every message of the library, and what it set going, come to the session.
 inline void deliverAll()
 {
-    QVERIFY(fake_cammgr::waitDelivered(Deadline));
+    QVERIFY(fake_cammgr::waitDelivered(deadline));
     QCoreApplication::sendPostedEvents();
 }

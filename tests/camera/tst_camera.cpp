@@ -52,9 +52,8 @@ QStringList TstCamera::filesBelow(const QString &folder) const
 {
     QStringList files;
     QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
+    while (it.hasNext())
         files << it.next();
-    }
     return files;
 }
 

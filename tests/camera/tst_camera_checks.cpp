@@ -71,9 +71,8 @@ void TstCameraChecks::operationsWithoutAPlayer_data()
                                  "RtspPlayer_GetVideoHeight",
                                  "RtspPlayer_Issue_P2PConf_URLCMDs"};
     int index = 0;
-    for (const char *call : calls) {
+    for (const char *call : calls)
         QTest::newRow(call) << index++ << call;
-    }
 }
 
 /// The check is reported, then the library is asked anyway.
@@ -259,9 +258,8 @@ void TstCameraChecks::unknownMessage()
 {
     Session session;
     session.startConnected();
-    for (const int message : {4, -1, 1000000}) {
+    for (const int message : {4, -1, 1000000})
         session.player()->send(message, 1, std::vector<std::string>{"x"});
-    }
     deliverAll();
     QCOMPARE(reports(), CheckLog::camera({"false", "false", "false"}));
     QCOMPARE(session->get_state(), int(CAMERA_STATE_CONNECTED));

@@ -10,8 +10,9 @@ struct StateLog
 {
     explicit StateLog(CCameraCore *session)
     {
-        QObject::connect(session, &CCameraCore::signalStateChanged, session,
-                         [this] { log << QStringLiteral("changed"); });
+        QObject::connect(
+            session, &CCameraCore::signalStateChanged, session,
+            [this] { log << QStringLiteral("changed"); });
         QObject::connect(session, &CCameraCore::signalStateReport, session,
                          [this] { log << QStringLiteral("report"); });
     }
@@ -187,7 +188,7 @@ void TstCameraCore::probeResultsMoveTheState()
     session.start();
     QSignalSpy report(session.camera.get(), &CCameraCore::signalStateReport);
     session.player()->send(message, argument);
-    QVERIFY(report.count() == 1 || report.wait(Deadline));
+    QVERIFY(report.count() == 1 || report.wait(deadline));
     QTEST(session->get_state(), "state");
     QTEST(session->get_state_code(), "code");
     QCOMPARE(report.count(), 1);
@@ -244,7 +245,7 @@ void TstCameraCore::stateIsHandledOnTheGuiThread()
         session.camera.get(), &CCameraCore::signalStateReport, session.camera.get(),
         [&] { report = QThread::currentThread(); }, Qt::DirectConnection);
     session.player()->probeOk();
-    QTRY_VERIFY_WITH_TIMEOUT(report, Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(report, deadline);
     QVERIFY(event != QThread::currentThread());
     QCOMPARE(report, QThread::currentThread());
 }
@@ -256,7 +257,7 @@ void TstCameraCore::probesAgainThreeSecondsAfterAResult()
     QElapsedTimer timer;
     timer.start();
     session.player()->probeFailed();
-    QTRY_COMPARE_WITH_TIMEOUT(session.player()->count("RtspPlayer_TickAlive"), 2, Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(session.player()->count("RtspPlayer_TickAlive"), 2, deadline);
     // Qt's coarse timers may be 5 % early.
     QVERIFY2(timer.elapsed() >= 2850, qPrintable(QString::number(timer.elapsed())));
 }
@@ -278,15 +279,14 @@ void TstCameraCore::answerThatComesTwiceDoesNotDoubleTheProbes()
 {
     Session session;
     session.start();
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < 5; ++i)
         session.player()->probeOk();
-    }
     deliverAll();
     QCOMPARE(m_checks->take(),
              CheckLog::camera({"cam_started", "cam_started", "cam_started", "cam_started"}));
     const auto player = session.player();
     player->change([](fake_cammgr::Script &s) { s.probe = fake_cammgr::Probe::Ok; });
-    QTRY_COMPARE_WITH_TIMEOUT(player->count("RtspPlayer_TickAlive"), 2, Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(player->count("RtspPlayer_TickAlive"), 2, deadline);
     deliverAll();
     QCOMPARE(player->count("RtspPlayer_TickAlive"), 2);
 }
@@ -429,9 +429,8 @@ void TstCameraCore::everyOperationGoesToItsCall_data()
          {"RtspPlayer_Stop", "RtspPlayer_IsPlaying", "AudioUpload_Play", "AudioUpload_Stop",
           "AudioUpload_IsPlaying", "RtspPlayer_SetVolume", "RtspPlayer_Snapshot",
           "RtspPlayer_BeginWriting", "RtspPlayer_EndWriting", "RtspPlayer_IsWriting",
-          "RtspPlayer_GetVideoFrameRate", "RtspPlayer_GetBitRate"}) {
+          "RtspPlayer_GetVideoFrameRate", "RtspPlayer_GetBitRate"})
         QTest::newRow(name) << name;
-    }
 }
 
 void TstCameraCore::everyOperationGoesToItsCall()
@@ -456,9 +455,8 @@ void TstCameraCore::everyOperationGoesToItsCall()
         {"RtspPlayer_IsWriting", [&] { return camera.is_writing(); }},
         {"RtspPlayer_GetVideoFrameRate", [&] { return camera.get_frame_rate(); }},
         {"RtspPlayer_GetBitRate", [&] { return camera.get_bit_rate(); }}};
-    if (call == "RtspPlayer_Snapshot") {
+    if (call == "RtspPlayer_Snapshot")
         player->change([](fake_cammgr::Script &s) { s.snapshotWrites = false; });
-    }
     QCOMPARE(operations[call](), 42);
     QCOMPARE(names(player->calls()), QStringList(call));
     player->change([](fake_cammgr::Script &s) { s.results.clear(); });

@@ -55,7 +55,8 @@ void TstCameraEnd::stopAsksTheLibraryAndCutsTheStateSignals()
     QSignalSpy changed(session.camera.get(), &CCameraCore::signalStateChanged);
     QSignalSpy report(session.camera.get(), &CCameraCore::signalStateReport);
     int received = 0;
-    connect(session.camera.get(), &CCameraCore::signalStateChanged, this, [&] { ++received; });
+    connect(
+        session.camera.get(), &CCameraCore::signalStateChanged, this, [&] { ++received; });
     connect(session.camera.get(), &CCameraCore::signalStateReport, this, [&] { ++received; });
     session.player()->forgetCalls();
     session->stop();
@@ -232,9 +233,8 @@ void TstCameraEnd::messageAfterTheEndIsDropped()
         session.startConnected();
         player = session.player();
     }
-    for (int message = 0; message <= 4; ++message) {
+    for (int message = 0; message <= 4; ++message)
         player->send(message, 1, std::vector<std::string>{"x"});
-    }
     deliverAll();
 }
 
@@ -243,11 +243,10 @@ void TstCameraEnd::messagesWhileSessionsComeAndGo()
     std::atomic<bool> run = true;
     std::thread storm([&] {
         while (run) {
-            for (const auto &player : fake_cammgr::players()) {
+            for (const auto &player : fake_cammgr::players())
                 player->send(CAMMGR_MSG_COMMAND_REPLIES, 1,
                              std::vector<std::string>{"000 Success"});
-            }
-            fake_cammgr::waitDelivered(Deadline);
+            fake_cammgr::waitDelivered(deadline);
         }
     });
     for (int i = 0; i < 40; ++i) {
@@ -257,11 +256,10 @@ void TstCameraEnd::messagesWhileSessionsComeAndGo()
         camera.set_info(&record);
         QCOMPARE(camera.create(), 0);
         QSignalSpy finished(&camera, &CCameraCore::signalP2PConfFinished);
-        QVERIFY(finished.wait(Deadline));
+        QVERIFY(finished.wait(deadline));
         camera.stop();
-        while (camera.is_playing() || fake_cammgr::lastPlayer()->probeOutstanding()) {
+        while (camera.is_playing() || fake_cammgr::lastPlayer()->probeOutstanding())
             QCoreApplication::processEvents();
-        }
         camera.wait_stopped();
         camera.delete_sync();
     }
@@ -286,13 +284,12 @@ void TstCameraEnd::sessionMayGoInItsOwnStateSignal()
             camera->wait_stopped();
             delete camera;
         };
-        if (atChange) {
+        if (atChange)
             connect(camera, &CCameraCore::signalStateChanged, this, go);
-        } else {
+        else
             connect(camera, &CCameraCore::signalStateReport, this, go);
-        }
         fake_cammgr::lastPlayer()->probeOk();
-        QTRY_VERIFY_WITH_TIMEOUT(guard.isNull(), Deadline);
+        QTRY_VERIFY_WITH_TIMEOUT(guard.isNull(), deadline);
     }
 }
 

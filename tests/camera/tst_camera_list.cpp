@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int Deadline = 30000; // ms
+constexpr int deadline = 30000; // ms
 
 /// Names of the calls of all players, without the questions, each with its host name.
 QStringList actions(const QStringList &wanted)
@@ -19,14 +19,11 @@ QStringList actions(const QStringList &wanted)
     QStringList names;
     for (const fake_cammgr::Call &call : fake_cammgr::calls()) {
         const QString name = QString::fromStdString(call.name);
-        if (!wanted.contains(name)) {
+        if (!wanted.contains(name))
             continue;
-        }
-        for (const auto &player : fake_cammgr::players()) {
-            if (player->handle() == call.player) {
+        for (const auto &player : fake_cammgr::players())
+            if (player->handle() == call.player)
                 names << name + " " + QString::fromStdString(player->hostname());
-            }
-        }
     }
     return names;
 }
@@ -83,9 +80,8 @@ void TstCameraList::cleanup()
 
 void TstCameraList::addRecords(const QStringList &hostnames)
 {
-    for (const QString &hostname : hostnames) {
+    for (const QString &hostname : hostnames)
         m_settings->addRecord(CAMERA_TYPE_P2P, hostname, "admin", "secret", "name", false);
-    }
 }
 
 void TstCameraList::startsASessionForEachRecordInOrder()
@@ -203,9 +199,8 @@ void TstCameraList::closingWhileProbesAreOut()
 void TstCameraList::hundredDeadCamerasCloseQuickly()
 {
     QStringList hostnames;
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 100; ++i)
         hostnames << QString::number(i);
-    }
     addRecords(hostnames);
     m_list->startSessions(*m_settings);
     QCOMPARE(m_list->count(), 100);

@@ -112,9 +112,8 @@ void TstCommandChannel::motionWindowIsChecked()
         zelvaro::get_motion_request("u", "p", window);
         QCOMPARE(m_checks->take(), CheckLog::camera({"(window > 0) && (window < 5)"}));
     }
-    for (const int window : {1, 4}) {
+    for (const int window : {1, 4})
         zelvaro::get_motion_request("u", "p", window);
-    }
 }
 
 void TstCommandChannel::parametersWithoutValuesAreChecked()
@@ -160,7 +159,7 @@ void TstCommandChannel::replies()
     QSignalSpy finished(session.camera.get(), &CCameraCore::signalP2PConfFinished);
     session->issue_conf_commands({"request"});
     session.player()->reply({text.toStdString()});
-    QVERIFY(finished.count() == 1 || finished.wait(Deadline));
+    QVERIFY(finished.count() == 1 || finished.wait(deadline));
     QCOMPARE(session->command_codes().length(), 1);
     QTEST(session->command_codes().first(), "code");
     QTEST(session->command_keys().first(), "keys");
@@ -175,7 +174,7 @@ void TstCommandChannel::batchGoesToTheLibraryInOrder()
     QCOMPARE(session.player()->requests(), std::vector<std::string>({"one", "zw\xc3\xb6lf", ""}));
     QSignalSpy finished(session.camera.get(), &CCameraCore::signalP2PConfFinished);
     session.player()->reply({"000 Success\nA=1", "no", "000 Success"});
-    QVERIFY(finished.count() == 1 || finished.wait(Deadline));
+    QVERIFY(finished.count() == 1 || finished.wait(deadline));
     QCOMPARE(session->command_codes(), QList<int>({0, -1, 0}));
     QCOMPARE(session->command_keys(), QList<QStringList>({{"A"}, {}, {}}));
     QCOMPARE(session->command_values(), QList<QStringList>({{"1"}, {}, {}}));
@@ -209,7 +208,7 @@ void TstCommandChannel::batchThatTheLibraryRefusesFails()
     QSignalSpy finished(session.camera.get(), &CCameraCore::signalP2PConfFinished);
     QCOMPARE(session->issue_conf_commands({"a", "b"}), -1);
     QCOMPARE(finished.count(), 0);
-    QVERIFY(finished.wait(Deadline));
+    QVERIFY(finished.wait(deadline));
     QCOMPARE(session->command_codes(), QList<int>({-1, -1}));
 }
 
@@ -222,9 +221,9 @@ void TstCommandChannel::finishedComesThroughTheEventLoop()
     });
     QSignalSpy finished(session.camera.get(), &CCameraCore::signalP2PConfFinished);
     session->issue_conf_commands({"a"});
-    QVERIFY(fake_cammgr::waitDelivered(Deadline));
+    QVERIFY(fake_cammgr::waitDelivered(deadline));
     QCOMPARE(finished.count(), 0);
-    QVERIFY(finished.wait(Deadline));
+    QVERIFY(finished.wait(deadline));
 }
 
 void TstCommandChannel::repliesWithOtherBytesAreTaken()
@@ -243,9 +242,8 @@ void TstCommandChannel::hugeReplyIsTaken()
     Session session;
     session.start();
     std::string text = "000 Success\n";
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < 100000; ++i)
         text += "K" + std::to_string(i) + "=v\n";
-    }
     session->issue_conf_commands({"a"});
     session.player()->reply({text});
     deliverAll();

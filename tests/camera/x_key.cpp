@@ -9,9 +9,8 @@ bool pressSpaceInWindow(unsigned long window)
 {
     static Time time = 1000;
     Display *const display = XOpenDisplay(nullptr);
-    if (!display) {
+    if (!display)
         return false;
-    }
     XKeyEvent event = {};
     event.display = display;
     event.window = window;

@@ -1,5 +1,5 @@
-#include "tests/camsim/peer.h"
 #include "camsim/camsim_process.h"
+#include "tests/camsim/peer.h"
 
 #include "camsim/tone.h"
 

@@ -1,5 +1,5 @@
-#include "tests/camsim/peer.h"
 #include "camsim/camsim_process.h"
+#include "tests/camsim/peer.h"
 
 #include <gtest/gtest.h>
 
@@ -10,11 +10,11 @@ using zelvaro::test::SimulatedCamera;
 namespace {
 
 // "admin:camsim" and "admin:wrong"
-const std::string kRight = "YWRtaW46Y2Ftc2lt";
-const std::string kWrong = "YWRtaW46d3Jvbmc=";
+const std::string right = "YWRtaW46Y2Ftc2lt";
+const std::string wrong = "YWRtaW46d3Jvbmc=";
 
 /// A command request as the client sends it: nothing but the authorization, not even a Host.
-std::string request(const std::string &command, const std::string &login = kRight)
+std::string request(const std::string &command, const std::string &login = right)
 {
     return "GET /form/" + command + " HTTP/1.1\r\nAuthorization: Basic " + login + "\r\n\r\n";
 }
@@ -100,9 +100,9 @@ TEST_F(Commands, AnotherClientUnderstandsThemToo)
 
 TEST_F(Commands, AWrongPasswordIsRefused)
 {
-    EXPECT_TRUE(has(answer(request("getMotion?WINDOW=1", kWrong), "401"), "HTTP/1.1 401"));
+    EXPECT_TRUE(has(answer(request("getMotion?WINDOW=1", wrong), "401"), "HTTP/1.1 401"));
     EXPECT_TRUE(m_camsim.tell(0, "password wrong"));
-    EXPECT_TRUE(has(answer(request("getMotion?WINDOW=1", kWrong), "000"), "000 Success"));
+    EXPECT_TRUE(has(answer(request("getMotion?WINDOW=1", wrong), "000"), "000 Success"));
 }
 
 TEST_F(Commands, RebootAnswersAndThenGoesDown)

@@ -1,5 +1,5 @@
-#include "tests/camsim/peer.h"
 #include "camsim/camsim_process.h"
+#include "tests/camsim/peer.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ protected:
     RawRtsp connect(const std::string &password = "camsim") const
     {
         const SimulatedCamera &camera = m_camsim.camera();
-        return {camera.address, camera.rtspPort, kPath, "admin", password};
+        return {camera.address, camera.rtspPort, path, "admin", password};
     }
     std::string describe(RawRtsp client) const
     {
@@ -29,7 +29,7 @@ protected:
         return "'" + m_camsim.camera().urlWithLogin(m_camsim.camera().subUrl) + "'";
     }
 
-    static constexpr const char *kPath = "/live/1/h264.sdp";
+    static constexpr const char *path = "/live/1/h264.sdp";
     CamsimProcess m_camsim{{"--sub-size", "320x180"}};
     RawRtsp m_client = connect();
 };
@@ -204,7 +204,7 @@ TEST_F(Faults, TheCameraMovesToAnotherAddress)
 {
     EXPECT_TRUE(m_camsim.tell(0, "address 127.0.0.77"));
     EXPECT_FALSE(connect().connection().isConnected());
-    RawRtsp moved("127.0.0.77", m_camsim.camera().rtspPort, kPath, "admin", "camsim");
+    RawRtsp moved("127.0.0.77", m_camsim.camera().rtspPort, path, "admin", "camsim");
     EXPECT_TRUE(moved.ask("DESCRIBE").starts_with("RTSP/1.0 200"));
     EXPECT_TRUE(m_camsim.control("0 address 203.0.113.9").starts_with("ERR"));
     EXPECT_EQ(m_camsim.status()["address"], "127.0.0.77");

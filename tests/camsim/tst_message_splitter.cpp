@@ -17,9 +17,9 @@ struct Unit
     bool operator==(const Unit &) const = default;
 };
 
-const std::string kOptions = "OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n\r\n";
-const std::string kAnswer = "RTSP/1.0 200 OK\r\nCSeq: 2\r\ncontent-length: 5\r\n\r\nhello";
-const std::string kPacket("$\0\0\3abc", 7);
+const std::string options = "OPTIONS * RTSP/1.0\r\nCSeq: 1\r\n\r\n";
+const std::string answer = "RTSP/1.0 200 OK\r\nCSeq: 2\r\ncontent-length: 5\r\n\r\nhello";
+const std::string packet("$\0\0\3abc", 7);
 
 std::vector<Unit> split(const std::vector<std::string> &pieces)
 {
@@ -37,28 +37,28 @@ std::vector<Unit> split(const std::vector<std::string> &pieces)
 TEST(MessageSplitter, CutsMessagesAndPackets)
 {
     using enum MessageSplitter::Kind;
-    const std::vector<Unit> expected{{Message, kOptions}, {Packet, kPacket}, {Message, kAnswer}};
-    EXPECT_EQ(split({kOptions + kPacket + kAnswer}), expected);
+    const std::vector<Unit> expected{{Message, options}, {Packet, packet}, {Message, answer}};
+    EXPECT_EQ(split({options + packet + answer}), expected);
 }
 
 TEST(MessageSplitter, BytesMayComeOneByOne)
 {
     std::vector<std::string> pieces;
-    for (const char c : kOptions + kPacket + kAnswer + kPacket)
+    for (const char c : options + packet + answer + packet)
         pieces.emplace_back(1, c);
-    EXPECT_EQ(split(pieces), split({kOptions, kPacket, kAnswer, kPacket}));
+    EXPECT_EQ(split(pieces), split({options, packet, answer, packet}));
 }
 
 TEST(MessageSplitter, WaitsForTheRest)
 {
-    EXPECT_TRUE(split({kAnswer.substr(0, kAnswer.size() - 1)}).empty());
-    EXPECT_TRUE(split({kPacket.substr(0, 3)}).empty());
+    EXPECT_TRUE(split({answer.substr(0, answer.size() - 1)}).empty());
+    EXPECT_TRUE(split({packet.substr(0, 3)}).empty());
 }
 
 TEST(MessageSplitter, FindsHeadersWhateverTheirCase)
 {
-    EXPECT_EQ(headerValue(kAnswer, "CONTENT-LENGTH"), "5");
-    EXPECT_EQ(headerValue(kAnswer, "Cseq"), "2");
-    EXPECT_TRUE(headerValue(kAnswer, "hello").empty());
+    EXPECT_EQ(headerValue(answer, "CONTENT-LENGTH"), "5");
+    EXPECT_EQ(headerValue(answer, "Cseq"), "2");
+    EXPECT_TRUE(headerValue(answer, "hello").empty());
     EXPECT_TRUE(headerValue("no message at all", "CSeq").empty());
 }

@@ -1,5 +1,5 @@
-#include "tests/camsim/peer.h"
 #include "camsim/camsim_process.h"
+#include "tests/camsim/peer.h"
 
 #include <glib.h>
 #include <gtest/gtest.h>
@@ -10,8 +10,8 @@ using zelvaro::test::SimulatedCamera;
 
 namespace {
 
-const std::string kDevice = "http://www.onvif.org/ver10/device/wsdl";
-const std::string kMedia = "http://www.onvif.org/ver10/media/wsdl";
+const std::string device = "http://www.onvif.org/ver10/device/wsdl";
+const std::string media = "http://www.onvif.org/ver10/media/wsdl";
 
 std::string envelope(const std::string &body, const std::string &header = {})
 {
@@ -20,7 +20,7 @@ std::string envelope(const std::string &body, const std::string &header = {})
 }
 
 std::string operation(const std::string &name, const std::string &arguments = {},
-                      const std::string &service = kDevice)
+                      const std::string &service = device)
 {
     return "<" + name + " xmlns=\"" + service +
            "\" xmlns:tt=\"http://www.onvif.org/ver10/schema\">" + arguments + "</" + name + ">";
@@ -41,7 +41,7 @@ std::string digest(const SimulatedCamera &camera)
 }
 
 std::string ask(const SimulatedCamera &camera, const std::string &name,
-                const std::string &arguments = {}, const std::string &service = kDevice)
+                const std::string &arguments = {}, const std::string &service = device)
 {
     return post(camera, envelope(operation(name, arguments, service)), digest(camera));
 }
@@ -131,12 +131,12 @@ TEST(Onvif, TellsItsProfilesAndWhereTheStreamsAre)
 {
     const CamsimProcess camsim({"--alt-paths", "--main-size", "960x540"});
     const SimulatedCamera &camera = camsim.camera();
-    const std::string profiles = ask(camera, "GetProfiles", "", kMedia);
+    const std::string profiles = ask(camera, "GetProfiles", "", media);
     EXPECT_TRUE(has(profiles, "token=\"profile_main\"")) << profiles;
     EXPECT_TRUE(has(profiles, "<tt:Width>960</tt:Width><tt:Height>540</tt:Height>"));
     EXPECT_TRUE(has(profiles, "<tt:Width>640</tt:Width><tt:Height>360</tt:Height>"));
     const auto uri = [&](const std::string &profile) {
-        return ask(camera, "GetStreamUri", "<ProfileToken>" + profile + "</ProfileToken>", kMedia);
+        return ask(camera, "GetStreamUri", "<ProfileToken>" + profile + "</ProfileToken>", media);
     };
     EXPECT_TRUE(has(uri("profile_main"), "<tt:Uri>" + camera.mainUrl + "</tt:Uri>"));
     EXPECT_TRUE(has(uri("profile_sub"), "<tt:Uri>" + camera.subUrl + "</tt:Uri>"));
@@ -155,15 +155,14 @@ TEST(Onvif, ASynchronizationPointIsAKeyFrame)
     ASSERT_TRUE(client.receivesData(30'000)); // the first key frame has passed
     client.connection().forget();
     const std::string answer =
-        ask(camera, "SetSynchronizationPoint", "<ProfileToken>profile_sub</ProfileToken>", kMedia);
+        ask(camera, "SetSynchronizationPoint", "<ProfileToken>profile_sub</ProfileToken>", media);
     EXPECT_TRUE(has(answer, "status 200")) << answer;
     // A sequence parameter set: NAL unit type 7 in a packet of its own.
     const auto hasKeyFrame = [](const std::string &data) {
-        for (std::size_t at = 0; at + 17 < data.size(); ++at) {
+        for (std::size_t at = 0; at + 17 < data.size(); ++at)
             if (data[at] == '$' && data[at + 1] == 0 && (data[at + 16] & 0x1F) == 7 &&
                 data[at + 17] == 0x42)
                 return true;
-        }
         return false;
     };
     EXPECT_TRUE(hasKeyFrame(client.connection().readUntil(hasKeyFrame)));

@@ -74,7 +74,7 @@ TEST(Timecode, AnyWrongBitIsNoticed)
 TEST(Timecode, ElapsedTimeGoesAcrossTheWrapAround)
 {
     EXPECT_EQ(timecode::elapsed(1000, 1040), 40U);
-    EXPECT_EQ(timecode::elapsed(timecode::kModulus - 10, 30), 40U);
+    EXPECT_EQ(timecode::elapsed(timecode::modulus - 10, 30), 40U);
 }
 
 TEST(Timecode, ReadsAPictureOfEachSize)
@@ -134,16 +134,16 @@ TEST(Timecode, SurvivesTheEncoderAtTheRateOfTheSubStream)
     GstElement *out = gst_bin_get_by_name(GST_BIN(decoder), "out");
     gst_element_set_state(decoder, GST_STATE_PLAYING);
 
-    constexpr int kFrames = 45;
-    constexpr std::uint32_t kStep = 67;
+    constexpr int frames = 45;
+    constexpr std::uint32_t step = 67;
     Scene scene(1, "Time code", 640, 360, true);
     Encoder encoder(VideoSettings{}, [in](GstBuffer *unit, bool) {
         gst_app_src_push_buffer(GST_APP_SRC(in), gst_buffer_ref(unit));
     });
     ASSERT_TRUE(encoder.isUsable());
-    for (std::uint32_t frame = 0; frame < kFrames; ++frame) {
+    for (std::uint32_t frame = 0; frame < frames; ++frame) {
         encoder.encode([&](const PictureView &view) {
-            scene.draw(view, frame / 15.0, 1'534'155'630, 5'000'000 + frame * kStep);
+            scene.draw(view, frame / 15.0, 1'534'155'630, 5'000'000 + frame * step);
         });
     }
     encoder.finish();
@@ -153,13 +153,13 @@ TEST(Timecode, SurvivesTheEncoderAtTheRateOfTheSubStream)
     while (GstSample *sample = gst_app_sink_try_pull_sample(GST_APP_SINK(out), 20 * GST_SECOND)) {
         GstMapInfo map;
         ASSERT_TRUE(gst_buffer_map(gst_sample_get_buffer(sample), &map, GST_MAP_READ));
-        EXPECT_EQ(timecode::readLuma(map.data, 640, 640, 360), 5'000'000 + frame * kStep)
+        EXPECT_EQ(timecode::readLuma(map.data, 640, 640, 360), 5'000'000 + frame * step)
             << "frame " << frame;
         gst_buffer_unmap(gst_sample_get_buffer(sample), &map);
         gst_sample_unref(sample);
         ++frame;
     }
-    EXPECT_EQ(frame, std::uint32_t{kFrames});
+    EXPECT_EQ(frame, std::uint32_t{frames});
     gst_element_set_state(decoder, GST_STATE_NULL);
     gst_object_unref(in);
     gst_object_unref(out);

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int kPatience = 60'000; // milliseconds
+constexpr int patience = 60'000; // milliseconds
 
 struct Result
 {
@@ -27,7 +27,7 @@ Result run(const QString &program, const QStringList &arguments)
 {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(kPatience))
+    if (!process.waitForFinished(patience))
         return {};
     return {process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0,
             QString::fromUtf8(process.readAllStandardOutput()),

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "camsim/camsim_process.h"
 #include "tests/e2e/real_input.h"
 #include "tests/e2e/screen.h"
-#include "camsim/camsim_process.h"
 
 #include <QString>
 #include <QTemporaryDir>
@@ -46,9 +46,8 @@ private:
 template <typename Widget>
 Widget *visibleChild(const QWidget &parent, const char *name)
 {
-    for (Widget *child : parent.findChildren<Widget *>(QLatin1String(name))) {
+    for (Widget *child : parent.findChildren<Widget *>(QLatin1String(name)))
         if (child->isVisible())
             return child;
-    }
     return nullptr;
 }

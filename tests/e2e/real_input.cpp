@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int kPatience = 20'000; // milliseconds until a widget can be pointed at
+constexpr int patience = 20'000; // milliseconds until a widget can be pointed at
 
 const QWidget *nativeAncestor(const QWidget *widget)
 {
@@ -48,12 +48,11 @@ struct RealInput::Private
         const Window root = DefaultRootWindow(display);
         const Window wanted = nativeAncestor(widget)->internalWinId();
         int x = 0, y = 0;
-        for (Window window = root, child = 0; window != wanted; window = child) {
+        for (Window window = root, child = 0; window != wanted; window = child)
             if (!XTranslateCoordinates(display, root, window, global.x(), global.y(), &x, &y,
                                        &child) ||
                 child == 0)
                 return false;
-        }
         return true;
     }
 
@@ -64,7 +63,7 @@ struct RealInput::Private
             global = globalPoint(widget, point);
             return isOnTop(widget, global);
         };
-        if (!QTest::qWaitFor(found, kPatience)) {
+        if (!QTest::qWaitFor(found, patience)) {
             QTest::qFail(qPrintable("nobody can point at " + widget->objectName()), __FILE__,
                          __LINE__);
         }

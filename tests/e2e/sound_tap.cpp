@@ -12,10 +12,10 @@ namespace {
 
 using SteadyClock = std::chrono::steady_clock;
 
-constexpr int kRate = 8000;
-constexpr std::size_t kHeard = kRate / 4; // samples that a pitch is read from
-constexpr auto kSilence = std::chrono::milliseconds(500);
-constexpr int kPitches = 8;
+constexpr int rate = 8000;
+constexpr std::size_t heard = rate / 4; // samples that a pitch is read from
+constexpr auto silence = std::chrono::milliseconds(500);
+constexpr int pitches = 8;
 
 struct Ear
 {
@@ -34,7 +34,7 @@ Ear &ear()
 /// Goertzel's algorithm: power of one frequency.
 double power(const std::deque<gint16> &samples, int hertz)
 {
-    const double factor = 2 * std::cos(2 * M_PI * hertz / kRate);
+    const double factor = 2 * std::cos(2 * M_PI * hertz / rate);
     double last = 0, beforeLast = 0;
     for (const gint16 sample : samples) {
         const double now = sample + factor * last - beforeLast;
@@ -65,7 +65,7 @@ GstFlowReturn render(GstBaseSink *, GstBuffer *buffer)
     {
         const std::lock_guard lock(ear().lock);
         ear().samples.insert(ear().samples.end(), samples, samples + map.size / sizeof *samples);
-        while (ear().samples.size() > kHeard)
+        while (ear().samples.size() > heard)
             ear().samples.pop_front();
         ear().lastPlayed = SteadyClock::now();
     }
@@ -80,7 +80,7 @@ void setUpClass(gpointer type, gpointer)
     sink->stop = stop;
     sink->render = render;
     GstCaps *caps = gst_caps_new_simple("audio/x-raw", "format", G_TYPE_STRING, "S16LE", "rate",
-                                        G_TYPE_INT, kRate, "channels", G_TYPE_INT, 1, "layout",
+                                        G_TYPE_INT, rate, "channels", G_TYPE_INT, 1, "layout",
                                         G_TYPE_STRING, "interleaved", nullptr);
     const auto element = GST_ELEMENT_CLASS(type);
     gst_element_class_add_pad_template(
@@ -110,11 +110,11 @@ int soundtap::openDevices()
 int soundtap::pitch()
 {
     const std::lock_guard lock(ear().lock);
-    if (ear().samples.size() < kHeard || SteadyClock::now() - ear().lastPlayed > kSilence)
+    if (ear().samples.size() < heard || SteadyClock::now() - ear().lastPlayed > silence)
         return 0;
     int strongest = 0;
     double most = 0;
-    for (int i = 0; i < kPitches; ++i) {
+    for (int i = 0; i < pitches; ++i) {
         const double now = power(ear().samples, pitchOf(i));
         if (now > most) {
             most = now;
@@ -126,5 +126,5 @@ int soundtap::pitch()
 
 int soundtap::pitchOf(int camera)
 {
-    return 220 + 55 * (camera % kPitches);
+    return 220 + 55 * (camera % pitches);
 }

@@ -1,8 +1,7 @@
 #include "app/main_form.h"
-#include "ui/common/message_box.h"
-#include "ui/manager/motion_dialog.h"
 #include "tests/e2e/program_run.h"
 #include "tests/support/modal_script.h"
+#include "ui/common/message_box.h"
 #include "ui/discovery/address_edit.h"
 #include "ui/discovery/camera_set_up.h"
 #include "ui/discovery/search_camera_form.h"
@@ -11,6 +10,7 @@
 #include "ui/manager/add_button_form.h"
 #include "ui/manager/add_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
+#include "ui/manager/motion_dialog.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -28,7 +28,7 @@ using zelvaro::test::CamsimProcess;
 
 namespace {
 
-constexpr int kPatience = 40'000; // milliseconds for anything that needs a camera
+constexpr int patience = 40'000; // milliseconds for anything that needs a camera
 
 QString className(const QObject *object)
 {
@@ -77,13 +77,13 @@ private:
     {
         auto *edit = parent->findChild<QLineEdit *>(QLatin1String(name));
         m_input->click(edit);
-        QVERIFY2(QTest::qWaitFor([edit] { return edit->hasFocus(); }, kPatience),
+        QVERIFY2(QTest::qWaitFor([edit] { return edit->hasFocus(); }, patience),
                  qPrintable(QString("%1 has no focus; active: %2, with focus: %3")
                                 .arg(name, className(QApplication::activeWindow()),
                                      className(QApplication::focusWidget()))));
         m_input->selectAll();
         m_input->type(text);
-        QTRY_COMPARE_WITH_TIMEOUT(edit->text(), text, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(edit->text(), text, patience);
     }
     void chooseFromMenu(const QString &text);
     void playAndGoBack();
@@ -133,7 +133,7 @@ void TestAddAndSetUp::cameraIsFoundAddedChangedMovedAndDeleted()
 
 void TestAddAndSetUp::add()
 {
-    QVERIFY(QTest::qWaitForWindowActive(m_window, kPatience));
+    QVERIFY(QTest::qWaitForWindowActive(m_window, patience));
     ModalScript modals;
     modals
         .then([this](CAddCameraForm *dialog) {
@@ -143,12 +143,12 @@ void TestAddAndSetUp::add()
         })
         .then([this](CSearchCameraForm *picker) {
             auto *list = picker->findChild<QListView *>("listCameraList");
-            QTRY_COMPARE_WITH_TIMEOUT(list->model()->rowCount(), 1, kPatience);
+            QTRY_COMPARE_WITH_TIMEOUT(list->model()->rowCount(), 1, patience);
             const QModelIndex row = list->model()->index(0, 0);
             QVERIFY(row.data().toString().endsWith(
                 QStringLiteral("  (%1)").arg(QString::fromStdString(m_uid))));
             m_input->click(list->viewport(), list->visualRect(row).center());
-            QTRY_COMPARE_WITH_TIMEOUT(list->currentIndex(), row, kPatience);
+            QTRY_COMPARE_WITH_TIMEOUT(list->currentIndex(), row, patience);
             clickOn(picker, "btnOk");
         })
         .then([this](CAddCameraForm *dialog) {
@@ -160,8 +160,8 @@ void TestAddAndSetUp::add()
             clickOn(dialog, "btnOk");
         });
     clickOn(m_window->findChild<CAddButtonForm *>(), "btnAdd");
-    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(isConnected(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(isConnected(), patience);
     QCOMPARE(m_run->settings(), settingsWith("Porch"));
 }
 
@@ -174,19 +174,19 @@ void TestAddAndSetUp::watch()
 void TestAddAndSetUp::playAndGoBack()
 {
     m_input->doubleClick(tiles().first()->findChild<QWidget *>("frameCameraItem"));
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), patience);
     auto *live = m_window->findChild<CPlayCameraForm *>();
     QTRY_VERIFY_WITH_TIMEOUT(
-        live->findChild<QLabel *>("labelStatus")->text().startsWith("640x360("), 2 * kPatience);
+        live->findChild<QLabel *>("labelStatus")->text().startsWith("640x360("), 2 * patience);
     clickOn(live, "btnBack");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), patience);
 }
 
 void TestAddAndSetUp::chooseFromMenu(const QString &text)
 {
     auto *button = tiles().first()->findChild<QToolButton *>("btnMenu");
     m_input->click(button);
-    QTRY_VERIFY_WITH_TIMEOUT(button->menu()->isVisible(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(button->menu()->isVisible(), patience);
     for (QAction *action : button->menu()->actions()) {
         if (action->text() == text) {
             m_input->click(button->menu(), button->menu()->actionGeometry(action).center());
@@ -206,9 +206,9 @@ void TestAddAndSetUp::rename()
         clickOn(dialog, "btnOk");
     });
     chooseFromMenu("Modify");
-    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(m_run->settings(), settingsWith("\"Back porch\""), kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(isConnected(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_run->settings(), settingsWith("\"Back porch\""), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(isConnected(), patience);
     QCOMPARE(tiles().first()->findChild<QLabel *>("labelCameraName")->text(),
              QStringLiteral("Back porch"));
 }
@@ -222,17 +222,17 @@ void TestAddAndSetUp::changeMotionWindows()
         clickOn(dialog, "btnApply");
         QTRY_VERIFY_WITH_TIMEOUT(
             QString::fromStdString(m_cameras->status()["command_log"]).contains("SENSITIVITY=42"),
-            kPatience);
-        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, kPatience);
+            patience);
+        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, patience);
         dialog->findChild<QLineEdit *>("sens1")->clear();
         clickOn(dialog, "btnQuery");
         QTRY_COMPARE_WITH_TIMEOUT(dialog->findChild<QLineEdit *>("sens1")->text(),
-                                  QStringLiteral("42"), kPatience);
-        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, kPatience);
+                                  QStringLiteral("42"), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, patience);
         clickOn(dialog, "btnExit");
     });
     QMetaObject::invokeMethod(tiles().first(), "slotMotion", Qt::QueuedConnection);
-    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * patience);
 }
 
 void TestAddAndSetUp::reboot()
@@ -250,23 +250,23 @@ void TestAddAndSetUp::reboot()
             clickOn(result, "btnOk");
         });
     QMetaObject::invokeMethod(tiles().first(), "slotReboot", Qt::QueuedConnection);
-    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == nullptr, kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(m_cameras->statusNumber("rebooting"), 0L, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * patience);
+    QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == nullptr, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_cameras->statusNumber("rebooting"), 0L, patience);
 }
 
 void TestAddAndSetUp::moveToOtherAddress()
 {
     clickOn(m_window, "btnSetUp");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageSearchCameraList), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageSearchCameraList), patience);
     auto *search = m_window->findChild<CSearchCameraListForm *>();
     auto *table = search->findChild<QTableView *>("tableView");
     clickOn(search, "btnSearch");
-    QTRY_COMPARE_WITH_TIMEOUT(table->model()->rowCount(), 1, kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == nullptr, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(table->model()->rowCount(), 1, patience);
+    QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == nullptr, patience);
     QCOMPARE(table->model()->index(0, 3).data().toString(), QStringLiteral("127.0.0.1"));
     m_input->click(table->viewport(), table->visualRect(table->model()->index(0, 0)).center());
-    QTRY_COMPARE_WITH_TIMEOUT(table->currentIndex().row(), 0, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(table->currentIndex().row(), 0, patience);
 
     ModalScript modals;
     modals.then([this](CCameraSetUp *dialog) {
@@ -274,14 +274,14 @@ void TestAddAndSetUp::moveToOtherAddress()
         enter(dialog, "editPassword", "secret");
         QSignalSpy read(dialog, &CCameraSetUp::signalGetConfFinished);
         clickOn(dialog, "btnQuery");
-        QTRY_COMPARE_WITH_TIMEOUT(read.count(), 1, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(read.count(), 1, patience);
         QTRY_COMPARE_WITH_TIMEOUT(dialog->findChild<QLineEdit *>("editDeviceName")->text(),
-                                  QStringLiteral("Porch camera"), kPatience);
-        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, kPatience);
+                                  QStringLiteral("Porch camera"), patience);
+        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, patience);
         auto *manual = dialog->findChild<QCheckBox *>("checkAssignIp");
         if (!manual->isChecked())
             m_input->click(manual, QPoint(12, manual->height() / 2));
-        QTRY_VERIFY_WITH_TIMEOUT(manual->isChecked(), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(manual->isChecked(), patience);
         auto *ip = dialog->findChild<CAddressEdit *>("addressIp");
         enter(ip, "octet1", "127");
         enter(ip, "octet2", "0");
@@ -291,18 +291,18 @@ void TestAddAndSetUp::moveToOtherAddress()
         enter(mask, "octet1", "255");
         QSignalSpy written(dialog, &CCameraSetUp::signalSetConfFinished);
         clickOn(dialog, "btnApply");
-        QTRY_COMPARE_WITH_TIMEOUT(written.count(), 1, kPatience);
-        QTRY_VERIFY_WITH_TIMEOUT(m_cameras->status()["address"] == "127.0.0.2", kPatience);
-        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(written.count(), 1, patience);
+        QTRY_VERIFY_WITH_TIMEOUT(m_cameras->status()["address"] == "127.0.0.2", patience);
+        QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, patience);
         clickOn(dialog, "btnExit");
     });
     clickOn(search, "btnOk");
-    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * patience);
     QCOMPARE(table->model()->index(0, 3).data().toString(), QStringLiteral("127.0.0.2"));
 
     // Nobody told the session: it finds the camera by its UID.
     clickOn(m_window, "btnCameraMgr");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), patience);
     playAndGoBack();
     QCOMPARE(m_run->settings(), settingsWith("\"Back porch\""));
 }
@@ -316,10 +316,10 @@ void TestAddAndSetUp::remove()
         clickOn(box, "btnOk");
     });
     chooseFromMenu("Delete");
-    QTRY_VERIFY_WITH_TIMEOUT(modals.done() && tiles().isEmpty(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done() && tiles().isEmpty(), patience);
     QTRY_COMPARE_WITH_TIMEOUT(m_run->settings(),
                               QByteArray("ALBUMPATH=" + m_run->albumFolder().toUtf8() + "\n"),
-                              kPatience);
+                              patience);
 }
 
 QTEST_APPLESS_MAIN(TestAddAndSetUp)

@@ -1,5 +1,4 @@
 #include "app/main_form.h"
-#include "ui/common/message_box.h"
 #include "tests/e2e/program_run.h"
 #include "tests/e2e/screen.h"
 #include "tests/support/modal_script.h"
@@ -10,6 +9,7 @@
 #include "ui/album/play_photo_form.h"
 #include "ui/album/play_video_form.h"
 #include "ui/album/player_frame.h"
+#include "ui/common/message_box.h"
 #include "ui/live/play_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
@@ -34,26 +34,26 @@ using zelvaro::test::CamsimProcess;
 
 namespace {
 
-constexpr int kPatience = 60'000;     // milliseconds for anything that needs a camera or a decoder
-constexpr qint64 kClipLength = 6'000; // milliseconds that each clip lasts at least
+constexpr int patience = 60'000;     // milliseconds for anything that needs a camera or a decoder
+constexpr qint64 clipLength = 6'000; // milliseconds that each clip lasts at least
 
 /// Share of points that two pictures of any size show alike, 0 to 1. JPEG, scaling and the tile's
 /// border change some.
 double likeness(const QImage &a, const QImage &b)
 {
-    constexpr QSize Raster(32, 18);
-    const QImage left = a.scaled(Raster, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    const QImage right = b.scaled(Raster, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    constexpr QSize raster(32, 18);
+    const QImage left = a.scaled(raster, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QImage right = b.scaled(raster, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     int alike = 0;
-    for (int y = 0; y < Raster.height(); ++y) {
-        for (int x = 0; x < Raster.width(); ++x) {
+    for (int y = 0; y < raster.height(); ++y) {
+        for (int x = 0; x < raster.width(); ++x) {
             const QColor p = left.pixelColor(x, y), q = right.pixelColor(x, y);
             alike +=
                 qAbs(p.red() - q.red()) + qAbs(p.green() - q.green()) + qAbs(p.blue() - q.blue()) <
                 90;
         }
     }
-    return double(alike) / (Raster.width() * Raster.height());
+    return double(alike) / (raster.width() * raster.height());
 }
 
 bool shows(const QWidget *widget, const QString &pictureFile)
@@ -124,10 +124,9 @@ private:
     static QList<CPhotoMgrItemForm *> tiles(const QWidget *album)
     {
         QList<CPhotoMgrItemForm *> seen;
-        for (auto *tile : album->findChildren<CPhotoMgrItemForm *>()) {
+        for (auto *tile : album->findChildren<CPhotoMgrItemForm *>())
             if (tile->isVisible())
                 seen << tile;
-        }
         std::sort(seen.begin(), seen.end(),
                   [](auto *a, auto *b) { return a->fileName() < b->fileName(); });
         return seen;
@@ -228,16 +227,16 @@ void TestAlbum::fillTheAlbum()
     const auto tile = [this] { return m_window->findChildren<CCameraMgrItemForm *>().value(0); };
     QTRY_VERIFY_WITH_TIMEOUT(
         tile() && tile()->findChild<QWidget *>("labelStatusImage")->toolTip() == "Connected",
-        kPatience);
+        patience);
     settledInput().doubleClick(tile()->findChild<QWidget *>("frameCameraItem"));
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), patience);
     PictureWatch picture(*live()->findChild<QWidget *>("frameVideoFrame"));
-    QTRY_VERIFY_WITH_TIMEOUT(status(live()).startsWith("640x360") && picture.hasMoved(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(status(live()).startsWith("640x360") && picture.hasMoved(), patience);
     takePhotos(3);
     if (!QTest::currentTestFailed())
         recordClips(2);
     click(live(), "btnBack");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), patience);
 }
 
 void TestAlbum::takePhotos(int count)
@@ -245,9 +244,9 @@ void TestAlbum::takePhotos(int count)
     for (int taken = 1; taken <= count; ++taken) {
         // A photo is named by its second.
         const QDateTime second = QDateTime::currentDateTime();
-        QTRY_VERIFY_WITH_TIMEOUT(second.secsTo(QDateTime::currentDateTime()) >= 1, kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(second.secsTo(QDateTime::currentDateTime()) >= 1, patience);
         click(live(), "btnSnapshot");
-        QTRY_COMPARE_WITH_TIMEOUT(photoFiles().size(), taken, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(photoFiles().size(), taken, patience);
     }
     m_photos = photoFiles();
 }
@@ -265,7 +264,7 @@ void TestAlbum::recordClips(int count)
     for (const QString &clip : qAsConst(m_clips))
         expected << clip + ".jpeg";
     expected.sort();
-    QTRY_COMPARE_WITH_TIMEOUT(folder().join(' '), expected.join(' '), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(folder().join(' '), expected.join(' '), patience);
 }
 
 /// @return the name of the clip; empty when the stream broke on a machine that is too busy, and the
@@ -286,13 +285,13 @@ QString TestAlbum::recordClip()
     };
     click(live(), "btnRecord");
     const auto begun = [&] { return mark->styleSheet().contains("recordbtn_down"); };
-    if (!QTest::qWaitFor([&] { return begun() && made().size() >= 2; }, kPatience))
+    if (!QTest::qWaitFor([&] { return begun() && made().size() >= 2; }, patience))
         QTest::qFail("the recording does not begin", __FILE__, __LINE__);
     QElapsedTimer clock;
     clock.start();
-    (void)QTest::qWaitFor([&] { return clock.hasExpired(kClipLength); }, kPatience);
+    (void)QTest::qWaitFor([&] { return clock.hasExpired(clipLength); }, patience);
     click(live(), "btnRecord");
-    if (!QTest::qWaitFor([&] { return !begun(); }, kPatience))
+    if (!QTest::qWaitFor([&] { return !begun(); }, patience))
         QTest::qFail("the recording does not end", __FILE__, __LINE__);
     const QStringList files = made();
     if (files.size() == 2)
@@ -308,8 +307,8 @@ QString TestAlbum::recordClip()
 void TestAlbum::findThePhotos()
 {
     click(m_window, "btnPhotoMgr");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePhotoMgr), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePhotoMgr), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, patience);
 
     auto *list = photos()->findChild<QListView *>("listCameraList");
     const auto clickCamera = [this, list](int row) {
@@ -317,40 +316,40 @@ void TestAlbum::findThePhotos()
                              list->visualRect(list->model()->index(row, 0)).center());
     };
     clickCamera(1);
-    QTRY_VERIFY_WITH_TIMEOUT(names(photos()).isEmpty(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(names(photos()).isEmpty(), patience);
     QCOMPARE(list->currentIndex().data().toString(), QStringLiteral("Garage"));
     clickCamera(0);
-    QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, patience);
     for (const CPhotoMgrItemForm *tile : tiles(photos()))
         QTRY_VERIFY_WITH_TIMEOUT(
-            shows(tile->findChild<QFrame *>("framePhotoItem"), tile->fullPath()), kPatience);
+            shows(tile->findChild<QFrame *>("framePhotoItem"), tile->fullPath()), patience);
 }
 
 void TestAlbum::stepThroughThePhotos()
 {
     settledInput().doubleClick(tiles(photos()).first()->findChild<QFrame *>("framePhotoItem"));
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayPhoto), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayPhoto), patience);
     const auto *picture = viewer()->findChild<CPhotoFrame *>("framePhoto");
     const auto isShown = [&](int index) {
         return status(viewer()).startsWith(m_photos.at(index) + "  640x360(") &&
                shows(picture, path(m_photos.at(index)));
     };
-    QTRY_VERIFY_WITH_TIMEOUT(isShown(0), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(0), patience);
     click(viewer(), "btnNext");
-    QTRY_VERIFY_WITH_TIMEOUT(isShown(1), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(1), patience);
     settledInput().key(XK_Right);
-    QTRY_VERIFY_WITH_TIMEOUT(isShown(2), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(2), patience);
     settledInput().key(XK_Right); // there is no way round
     click(viewer(), "btnPrev");
-    QTRY_VERIFY_WITH_TIMEOUT(isShown(1), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(isShown(1), patience);
 
     click(viewer(), "btnZoomOut");
-    QTRY_COMPARE_WITH_TIMEOUT(status(viewer()), m_photos.at(1) + "  640x360(75%)", kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(status(viewer()), m_photos.at(1) + "  640x360(75%)", patience);
     settledInput().doubleClick(picture);
-    QTRY_VERIFY_WITH_TIMEOUT(picture->isFullScreen() && picture->isActiveWindow(), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(picture->size(), picture->screen()->size(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(picture->isFullScreen() && picture->isActiveWindow(), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(picture->size(), picture->screen()->size(), patience);
     settledInput().key(XK_Escape);
-    QTRY_VERIFY_WITH_TIMEOUT(!picture->isWindow() && isShown(1), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(!picture->isWindow() && isShown(1), patience);
     QCOMPARE(photoFiles(), m_photos);
 }
 
@@ -358,11 +357,11 @@ void TestAlbum::deletePhotoInTheViewer()
 {
     click(viewer(), "btnDelete");
     m_photos.removeAt(1);
-    QTRY_COMPARE_WITH_TIMEOUT(photoFiles(), m_photos, kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(status(viewer()).startsWith(m_photos.at(1)), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(photoFiles(), m_photos, patience);
+    QTRY_VERIFY_WITH_TIMEOUT(status(viewer()).startsWith(m_photos.at(1)), patience);
     click(viewer(), "btnBack");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePhotoMgr), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePhotoMgr), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, patience);
 }
 
 void TestAlbum::answerQuestion(const QString &text, const char *button, const QWidget *deleteButton)
@@ -372,7 +371,7 @@ void TestAlbum::answerQuestion(const QString &text, const char *button, const QW
         settledInput().click(box->findChild<QPushButton *>(QLatin1String(button)));
     });
     settledInput().click(deleteButton);
-    QTRY_VERIFY_WITH_TIMEOUT(modals.done() && !QApplication::activeModalWidget(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(modals.done() && !QApplication::activeModalWidget(), patience);
 }
 
 void TestAlbum::deletePhotosInTheGrid()
@@ -386,8 +385,8 @@ void TestAlbum::deletePhotosInTheGrid()
     while (!m_photos.isEmpty() && !QTest::currentTestFailed()) {
         answerQuestion("Delete photo?", "btnOk", deleteButton());
         m_photos.removeFirst();
-        QTRY_COMPARE_WITH_TIMEOUT(photoFiles(), m_photos, kPatience);
-        QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(photoFiles(), m_photos, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(names(photos()), m_photos, patience);
     }
     QCOMPARE(folder(), QStringList({m_clips.at(0), m_clips.at(0) + ".jpeg", m_clips.at(1),
                                     m_clips.at(1) + ".jpeg"}));
@@ -398,24 +397,24 @@ void TestAlbum::deletePhotosInTheGrid()
 void TestAlbum::playAndPause()
 {
     click(m_window, "btnVideoMgr");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageVideoMgr), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(names(videos()), m_clips, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageVideoMgr), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(videos()), m_clips, patience);
     for (const CPhotoMgrItemForm *tile : tiles(videos()))
         QTRY_VERIFY_WITH_TIMEOUT(
             shows(tile->findChild<QFrame *>("framePhotoItem"), tile->fullPath() + ".jpeg"),
-            kPatience);
+            patience);
 
     click(tiles(videos()).first(), "btnPlay");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayVideo), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayVideo), patience);
     if (!player()->player()->hasBackEnd())
         QSKIP("No back end of Phonon is installed.");
-    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.at(0)), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.at(0)), patience);
     PictureWatch picture(*videoSurface());
-    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), kPatience);
-    QVERIFY(media()->totalTime() > kClipLength / 2);
+    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), patience);
+    QVERIFY(media()->totalTime() > clipLength / 2);
 
     click(player(), "btnPlay");
-    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Play"), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Play"), patience);
     QCOMPARE(media()->state(), Phonon::PausedState);
 }
 
@@ -424,8 +423,8 @@ void TestAlbum::seek()
     auto *slider = player()->findChild<Phonon::SeekSlider *>()->findChild<QSlider *>();
     QVERIFY(slider && slider->isVisible());
     const auto handleAt = [slider](double share) {
-        constexpr int Margin = 8; // half of the handle
-        return QPoint(Margin + int(share * (slider->width() - 2 * Margin)), slider->height() / 2);
+        constexpr int margin = 8; // half of the handle
+        return QPoint(margin + int(share * (slider->width() - 2 * margin)), slider->height() / 2);
     };
     const double before = double(media()->currentTime()) / media()->totalTime();
     const QImage picture = pictureOnScreen(*videoSurface());
@@ -434,31 +433,31 @@ void TestAlbum::seek()
     QTRY_VERIFY2_WITH_TIMEOUT(
         qAbs(double(media()->currentTime()) / media()->totalTime() - target) < 0.15,
         qPrintable(QString("%1 of %2 ms").arg(media()->currentTime()).arg(media()->totalTime())),
-        kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(pictureOnScreen(*videoSurface()) != picture, kPatience);
+        patience);
+    QTRY_VERIFY_WITH_TIMEOUT(pictureOnScreen(*videoSurface()) != picture, patience);
     click(player(), "btnPlay");
-    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Pause"), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Pause"), patience);
     // At the end the same button starts again.
-    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Play"), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(media()->state(), Phonon::StoppedState, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Play"), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(media()->state(), Phonon::StoppedState, patience);
     click(player(), "btnPlay");
-    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Pause"), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(playButtonSays("Pause"), patience);
 }
 
 void TestAlbum::stepAndZoomTheRecordings()
 {
     click(player(), "btnPrev");
     click(player(), "btnNext");
-    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.at(1)), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.at(1)), patience);
     click(player(), "btnZoomOut");
-    QTRY_COMPARE_WITH_TIMEOUT(status(player()), m_clips.at(1) + "  640x360(75%)", kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(status(player()), m_clips.at(1) + "  640x360(75%)", patience);
     settledInput().doubleClick(videoSurface());
     QTRY_VERIFY_WITH_TIMEOUT(videoSurface()->isFullScreen() && videoSurface()->isActiveWindow(),
-                             kPatience);
+                             patience);
     settledInput().key(XK_Escape);
-    QTRY_VERIFY_WITH_TIMEOUT(!videoSurface()->isWindow(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(!videoSurface()->isWindow(), patience);
     click(player(), "btnPrev");
-    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.at(0)), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.at(0)), patience);
     QCOMPARE(clipFiles(), m_clips);
 }
 
@@ -469,23 +468,23 @@ void TestAlbum::deleteWhatPlays()
     // The still stays: only the album's grid deletes it.
     QTRY_COMPARE_WITH_TIMEOUT(
         folder(), QStringList({deleted + ".jpeg", m_clips.first(), m_clips.first() + ".jpeg"}),
-        kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.first()), kPatience);
+        patience);
+    QTRY_VERIFY_WITH_TIMEOUT(plays(m_clips.first()), patience);
     click(player(), "btnBack");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageVideoMgr), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageVideoMgr), patience);
     QCOMPARE(media()->state(), Phonon::StoppedState);
-    QTRY_COMPARE_WITH_TIMEOUT(names(videos()), m_clips, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(videos()), m_clips, patience);
 }
 
 void TestAlbum::leaveByTheToolBar()
 {
     settledInput().doubleClick(tiles(videos()).first()->findChild<QFrame *>("framePhotoItem"));
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayVideo), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(media()->state(), Phonon::PlayingState, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayVideo), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(media()->state(), Phonon::PlayingState, patience);
     click(m_window, "btnVideoMgr");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageVideoMgr), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(media()->state(), Phonon::StoppedState, kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(names(videos()), m_clips, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageVideoMgr), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(media()->state(), Phonon::StoppedState, patience);
+    QTRY_COMPARE_WITH_TIMEOUT(names(videos()), m_clips, patience);
 }
 
 void TestAlbum::deleteRecordingInTheGrid()
@@ -497,8 +496,8 @@ void TestAlbum::deleteRecordingInTheGrid()
     answerQuestion("Delete video?", "btnCancel", deleteButton());
     QCOMPARE(folder(), before);
     answerQuestion("Delete video?", "btnOk", deleteButton());
-    QTRY_COMPARE_WITH_TIMEOUT(folder().size(), 1, kPatience); // the still that was left behind
-    QTRY_VERIFY_WITH_TIMEOUT(names(videos()).isEmpty(), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(folder().size(), 1, patience); // the still that was left behind
+    QTRY_VERIFY_WITH_TIMEOUT(names(videos()).isEmpty(), patience);
     QVERIFY(clipFiles().isEmpty());
 }
 
@@ -507,7 +506,7 @@ void TestAlbum::quit()
     auto *close = m_window->findChild<QToolButton *>("btnClose");
     QSignalSpy clicked(close, &QToolButton::clicked);
     settledInput().click(close);
-    QTRY_COMPARE_WITH_TIMEOUT(clicked.count(), 1, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(clicked.count(), 1, patience);
 }
 
 QTEST_APPLESS_MAIN(TestAlbum)

@@ -1,8 +1,8 @@
 #include "app/main_form.h"
-#include "ui/common/message_box.h"
 #include "tests/e2e/clip_check.h"
 #include "tests/e2e/program_run.h"
 #include "tests/support/modal_script.h"
+#include "ui/common/message_box.h"
 #include "ui/live/play_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
@@ -24,7 +24,7 @@ using zelvaro::test::CamsimProcess;
 
 namespace {
 
-constexpr int kPatience = 40'000; // milliseconds for anything that needs a camera
+constexpr int patience = 40'000; // milliseconds for anything that needs a camera
 
 } // namespace
 
@@ -101,8 +101,8 @@ void TestFirstLight::camerasConnectPlayAndGo()
 void TestFirstLight::steps(CMainForm &window, CamsimProcess &cameras)
 {
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    QTRY_COMPARE_WITH_TIMEOUT(window.findChildren<CCameraMgrItemForm *>().size(), 2, kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(isConnected(0) && isConnected(1), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(window.findChildren<CCameraMgrItemForm *>().size(), 2, patience);
+    QTRY_VERIFY_WITH_TIMEOUT(isConnected(0) && isConnected(1), patience);
     m_videoFrame = live()->findChild<QWidget *>("frameVideoFrame");
 
     const auto failed = [] { return QTest::currentTestFailed(); };
@@ -126,20 +126,20 @@ void TestFirstLight::steps(CMainForm &window, CamsimProcess &cameras)
 void TestFirstLight::watch()
 {
     m_input->doubleClick(tile(0)->findChild<QWidget *>("frameCameraItem"));
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PagePlayCamera), patience);
     QTRY_VERIFY_WITH_TIMEOUT(QRegularExpression("^640x360\\(\\d+%\\)  \\d+FPS \\d+\\.\\d\\dKbps$")
                                  .match(statusLine())
                                  .hasMatch(),
-                             kPatience);
+                             patience);
     PictureWatch picture(*videoFrame());
-    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), patience);
 }
 
 void TestFirstLight::takePhoto()
 {
     clickLive("btnSnapshot");
     const auto photos = [this] { return m_run->albumFiles(m_uid, "\\d{8}_\\d{6}\\.jpg"); };
-    QTRY_COMPARE_WITH_TIMEOUT(photos().size(), 1, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(photos().size(), 1, patience);
     QCOMPARE(QImage(photos().first()).size(), QSize(640, 360));
 }
 
@@ -147,16 +147,16 @@ void TestFirstLight::record()
 {
     clickLive("btnRecord");
     const auto clips = [this] { return m_run->albumFiles(m_uid, "\\d{8}_\\d{6}\\.mp4"); };
-    QTRY_COMPARE_WITH_TIMEOUT(clips().size(), 1, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(clips().size(), 1, patience);
     const QString clip = clips().first();
     QVERIFY(live()->findChild<QLabel *>("labelRecording")->styleSheet().contains("recordbtn_down"));
     QCOMPARE(m_run->albumFiles(m_uid, "\\d{8}_\\d{6}\\.mp4\\.jpeg").size(), 1);
     // Every second is safe on disk, so another program can count it while it is written.
-    QTRY_VERIFY_WITH_TIMEOUT(decodedFrames(clip) > 30, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(decodedFrames(clip) > 30, patience);
     clickLive("btnRecord");
     QTRY_VERIFY(live()->findChild<QLabel *>("labelRecording")->styleSheet().isEmpty());
     // The file is finished behind the button.
-    QTRY_VERIFY_WITH_TIMEOUT(decodedFrames(clip) >= 35, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(decodedFrames(clip) >= 35, patience);
 }
 
 void TestFirstLight::zoomAndFullScreen()
@@ -165,17 +165,17 @@ void TestFirstLight::zoomAndFullScreen()
     QTRY_VERIFY_WITH_TIMEOUT(statusLine().startsWith("640x360(75%)") ||
                                  live()->findChild<QWidget *>("frameVideoClient")->width() ==
                                      480 + 13,
-                             kPatience);
+                             patience);
     clickLive("btnFullScreen");
     QTRY_VERIFY_WITH_TIMEOUT(videoFrame()->isFullScreen() && videoFrame()->isActiveWindow(),
-                             kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(videoFrame()->size(), videoFrame()->screen()->size(), kPatience);
+                             patience);
+    QTRY_COMPARE_WITH_TIMEOUT(videoFrame()->size(), videoFrame()->screen()->size(), patience);
     PictureWatch picture(*videoFrame());
-    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), patience);
     m_input->key(XK_Escape);
-    QTRY_VERIFY_WITH_TIMEOUT(!videoFrame()->isFullScreen() && !videoFrame()->isWindow(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(!videoFrame()->isFullScreen() && !videoFrame()->isWindow(), patience);
     PictureWatch onPage(*videoFrame());
-    QTRY_VERIFY_WITH_TIMEOUT(onPage.hasMoved(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(onPage.hasMoved(), patience);
 }
 
 void TestFirstLight::surviveDrop(CamsimProcess &cameras)
@@ -183,13 +183,13 @@ void TestFirstLight::surviveDrop(CamsimProcess &cameras)
     QVERIFY(cameras.tell(0, "refuse"));
     QVERIFY(cameras.tell(0, "drop"));
     QTRY_COMPARE_WITH_TIMEOUT(statusLine(), QStringLiteral("Front door is connecting..."),
-                              kPatience);
+                              patience);
     QVERIFY(cameras.tell(0, "listen"));
-    QTRY_VERIFY_WITH_TIMEOUT(statusLine().startsWith("640x360"), 2 * kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(statusLine().startsWith("640x360"), 2 * patience);
     PictureWatch picture(*videoFrame());
-    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(picture.hasMoved(), patience);
     clickLive("btnBack");
-    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), patience);
 }
 
 void TestFirstLight::refuseAndAcceptPassword(CamsimProcess &cameras)
@@ -197,21 +197,20 @@ void TestFirstLight::refuseAndAcceptPassword(CamsimProcess &cameras)
     auto *status = tile(1)->findChild<QLabel *>("labelStatusText");
     QVERIFY(cameras.tell(1, "password other"));
     QVERIFY(cameras.tell(1, "drop"));
-    QTRY_COMPARE_WITH_TIMEOUT(status->text(), QStringLiteral("Invalid Password!"), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(status->text(), QStringLiteral("Invalid Password!"), patience);
     QVERIFY(cameras.tell(1, "password secret"));
-    QTRY_VERIFY_WITH_TIMEOUT(status->text().isEmpty() && isConnected(1), 2 * kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(status->text().isEmpty() && isConnected(1), 2 * patience);
 }
 
 void TestFirstLight::deleteSecondCamera()
 {
     m_input->click(tile(1)->findChild<QToolButton *>("btnMenu"));
     auto *menu = tile(1)->findChild<QToolButton *>("btnMenu")->menu();
-    QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), patience);
     QAction *remove = nullptr;
-    for (QAction *action : menu->actions()) {
+    for (QAction *action : menu->actions())
         if (action->text() == "Delete")
             remove = action;
-    }
     QVERIFY(remove);
     ModalScript modals([this](CMessageBox *box) {
         QCOMPARE(box->findChild<QLabel *>("labelMessage")->text(),
@@ -219,12 +218,12 @@ void TestFirstLight::deleteSecondCamera()
         m_input->click(box->findChild<QPushButton *>("btnOk"));
     });
     m_input->click(menu, menu->actionGeometry(remove).center());
-    QTRY_COMPARE_WITH_TIMEOUT(m_window->findChildren<CCameraMgrItemForm *>().size(), 1, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_window->findChildren<CCameraMgrItemForm *>().size(), 1, patience);
     const QByteArray expected = "ALBUMPATH=" + m_run->albumFolder().toUtf8() +
                                 "\n[0]\nTYPE=P2P\nHOSTNAME=" + QByteArray::fromStdString(m_uid) +
                                 "\nUSERNAME=admin\nPASSWORD=secret\nNAME=\"Front door\"\n"
                                 "MULTILIVE=1\n";
-    QTRY_COMPARE_WITH_TIMEOUT(m_run->settings(), expected, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_run->settings(), expected, patience);
 }
 
 void TestFirstLight::quit()
@@ -232,7 +231,7 @@ void TestFirstLight::quit()
     auto *close = m_window->findChild<QToolButton *>("btnClose");
     QSignalSpy clicked(close, &QToolButton::clicked);
     m_input->click(close);
-    QTRY_COMPARE_WITH_TIMEOUT(clicked.count(), 1, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(clicked.count(), 1, patience);
 }
 
 QTEST_APPLESS_MAIN(TestFirstLight)

@@ -1,10 +1,10 @@
 #include "app/main_form.h"
-#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "tests/e2e/clip_check.h"
 #include "tests/e2e/program_run.h"
 #include "tests/e2e/sound_tap.h"
 #include "tests/support/modal_script.h"
+#include "ui/common/message_box.h"
 #include "ui/live/multi_live_form.h"
 #include "ui/live/multi_live_frame.h"
 #include "ui/live/multi_live_item_form.h"
@@ -30,17 +30,17 @@ using zelvaro::test::CamsimProcess;
 
 namespace {
 
-constexpr int kPatience = 60'000; // milliseconds for anything that needs all cameras
-constexpr int kCameras = 16;
-constexpr int kFrameRate = 10;
-constexpr int kRecorded = 10'000; // milliseconds
+constexpr int patience = 60'000; // milliseconds for anything that needs all cameras
+constexpr int cameraCount = 16;
+constexpr int frameRate = 10;
+constexpr int recorded = 10'000; // milliseconds
 
 // Two frames; but a simulated camera stamps a frame when its turn comes, and late on a busy
 // machine.
-constexpr double kLongestGap = 4.0 / kFrameRate;
+constexpr double longestGap = 4.0 / frameRate;
 
-const QString kStamp = QStringLiteral("\\d{8}_\\d{6}");
-const QSize kPicture(320, 180);
+const QString stamp = QStringLiteral("\\d{8}_\\d{6}");
+const QSize pictureSize(320, 180);
 
 double seconds(qint64 milliseconds)
 {
@@ -105,9 +105,11 @@ private:
     }
     bool allWriting(bool writing) const
     {
-        return std::all_of(m_recorded.begin(), m_recorded.end(), [this, writing](int index) {
-            return bool(tile(index)->camera()->is_writing()) == writing;
-        });
+        return std::all_of(
+            m_recorded.begin(), m_recorded.end(),
+            [this, writing](int index) {
+                return bool(tile(index)->camera()->is_writing()) == writing;
+            });
     }
     void click(const QWidget *parent, const char *name)
     {
@@ -135,10 +137,11 @@ void TestGrid::camerasAreChosenWatchedHeardAndRecorded()
     if (!input.isValid())
         QSKIP("The display has no XTEST extension.");
     soundtap::listen();
-    CamsimProcess cameras({"--count", QByteArray::number(kCameras).toStdString(), "--user", "admin",
-                           "--password", "secret", "--canned", "--sub-size", "320x180", "--sub-fps",
-                           QByteArray::number(kFrameRate).toStdString(), "--sub-bitrate", "200000",
-                           "--main-size", "320x180", "--key-interval", "0.5"});
+    CamsimProcess cameras({"--count", QByteArray::number(cameraCount).toStdString(), "--user",
+                           "admin", "--password", "secret", "--canned", "--sub-size", "320x180",
+                           "--sub-fps", QByteArray::number(frameRate).toStdString(),
+                           "--sub-bitrate", "200000", "--main-size", "320x180", "--key-interval",
+                           "0.5"});
     ProgramRun run;
     run.registerCameras(cameras, false);
     m_run = &run;
@@ -165,39 +168,39 @@ void TestGrid::camerasAreChosenWatchedHeardAndRecorded()
 void TestGrid::tick(QWidget *dialog, const QList<int> &wanted)
 {
     const auto tiles = dialog->findChild<zelvaro::SelectionFrame *>()->tiles();
-    QCOMPARE(tiles.size(), kCameras);
+    QCOMPARE(tiles.size(), cameraCount);
     m_input->click(tiles.first());
     for (int i = 0; i < tiles.size(); ++i) {
-        QTRY_VERIFY_WITH_TIMEOUT(tiles.at(i)->hasFocus(), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(tiles.at(i)->hasFocus(), patience);
         if (i > 0 && wanted.contains(i))
             m_input->key(XK_space);
-        QTRY_COMPARE_WITH_TIMEOUT(tiles.at(i)->isChecked(), wanted.contains(i), kPatience);
+        QTRY_COMPARE_WITH_TIMEOUT(tiles.at(i)->isChecked(), wanted.contains(i), patience);
         m_input->key(XK_Tab);
     }
 }
 
 void TestGrid::choose()
 {
-    QVERIFY(QTest::qWaitForWindowActive(m_window, kPatience));
+    QVERIFY(QTest::qWaitForWindowActive(m_window, patience));
     click(m_window, "btnMax");
-    QTRY_COMPARE_WITH_TIMEOUT(m_window->size(), m_window->screen()->availableSize(), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(m_window->size(), m_window->screen()->availableSize(), patience);
     click(m_window, "btnMultiLive");
     QTRY_COMPARE_WITH_TIMEOUT(
         m_window->findChild<QStackedWidget *>("stackedWidget")->currentIndex(),
-        int(CMainForm::PageMultiLive), kPatience);
+        int(CMainForm::PageMultiLive), patience);
     QCOMPARE(grid()->tiles().size(), 0);
 
     QList<int> all;
-    for (int i = 0; i < kCameras; ++i)
+    for (int i = 0; i < cameraCount; ++i)
         all << i;
     ModalScript script([&](CSelectCameraForm *dialog) {
         tick(dialog, all);
         click(dialog, "btnOK");
     });
     click(page(), "btnSelect");
-    QTRY_VERIFY_WITH_TIMEOUT(script.done(), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(grid()->tiles().size(), kCameras, kPatience);
-    QCOMPARE(m_run->settings().count("MULTILIVE=1"), kCameras);
+    QTRY_VERIFY_WITH_TIMEOUT(script.done(), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(grid()->tiles().size(), cameraCount, patience);
+    QCOMPARE(m_run->settings().count("MULTILIVE=1"), cameraCount);
 }
 
 void TestGrid::watch()
@@ -205,13 +208,13 @@ void TestGrid::watch()
     QCOMPARE(grid()->shape().rows, 4);
     QCOMPARE(grid()->shape().columns, 4);
     QVERIFY(qAbs(grid()->shape().width * 3 - grid()->shape().height * 4) < 4);
-    for (int i = 0; i < kCameras; ++i) {
+    for (int i = 0; i < cameraCount; ++i) {
         QCOMPARE(tile(i)->camera()->hostname(), QString::fromStdString(m_cameras->camera(i).uid));
         QTRY_VERIFY_WITH_TIMEOUT(
-            tile(i)->findChild<QLabel *>("labelStatus")->text().startsWith("320x180  "), kPatience);
+            tile(i)->findChild<QLabel *>("labelStatus")->text().startsWith("320x180  "), patience);
     }
     expectAllAlive();
-    for (int i = 0; i < kCameras; ++i)
+    for (int i = 0; i < cameraCount; ++i)
         m_keyFramesBefore << m_cameras->statusNumber("key_frame_requests", i);
     QCOMPARE(soundtap::openDevices(), 0);
 }
@@ -219,39 +222,39 @@ void TestGrid::watch()
 void TestGrid::expectAllAlive()
 {
     std::vector<PictureWatch> watches;
-    for (int i = 0; i < kCameras; ++i)
+    for (int i = 0; i < cameraCount; ++i)
         watches.emplace_back(*picture(i));
     const auto allMoved = [&watches] {
         const auto moved = [](PictureWatch &watch) { return watch.hasMoved(); };
-        return std::count_if(watches.begin(), watches.end(), moved) == kCameras;
+        return std::count_if(watches.begin(), watches.end(), moved) == cameraCount;
     };
-    QTRY_VERIFY_WITH_TIMEOUT(allMoved(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(allMoved(), patience);
 }
 
 void TestGrid::hear()
 {
     for (const int index : {5, 10}) {
         m_input->click(picture(index));
-        QTRY_VERIFY_WITH_TIMEOUT(isSelected(index), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(isSelected(index), patience);
         QCOMPARE(grid()->selectedTile(), tile(index));
         QTRY_VERIFY_WITH_TIMEOUT(soundtap::pitch() == soundtap::pitchOf(index) &&
                                      soundtap::openDevices() == 1,
-                                 kPatience);
+                                 patience);
     }
     QVERIFY(!isSelected(5));
     click(page(), "btnMute");
-    QTRY_COMPARE_WITH_TIMEOUT(soundtap::openDevices(), 0, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(soundtap::openDevices(), 0, patience);
     click(page(), "btnMute");
-    QTRY_COMPARE_WITH_TIMEOUT(soundtap::pitch(), soundtap::pitchOf(10), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(soundtap::pitch(), soundtap::pitchOf(10), patience);
 }
 
 void TestGrid::takePhotos()
 {
     click(page(), "btnSnapshot");
     for (const auto &camera : m_cameras->cameras()) {
-        const auto photos = [&] { return m_run->albumFiles(camera.uid, kStamp + "\\.jpg"); };
-        QTRY_COMPARE_WITH_TIMEOUT(photos().size(), 1, kPatience);
-        QTRY_COMPARE_WITH_TIMEOUT(QImage(photos().first()).size(), kPicture, kPatience);
+        const auto photos = [&] { return m_run->albumFiles(camera.uid, stamp + "\\.jpg"); };
+        QTRY_COMPARE_WITH_TIMEOUT(photos().size(), 1, patience);
+        QTRY_COMPARE_WITH_TIMEOUT(QImage(photos().first()).size(), pictureSize, patience);
     }
 }
 
@@ -263,9 +266,9 @@ void TestGrid::beginRecording()
         click(dialog, "btnOK");
     });
     click(page(), "btnRecord");
-    QTRY_VERIFY_WITH_TIMEOUT(script.done() && allWriting(true), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(script.done() && allWriting(true), patience);
     m_surelyRecording = m_recording.elapsed();
-    for (int i = 0; i < kCameras; ++i) {
+    for (int i = 0; i < cameraCount; ++i) {
         const bool marked = m_recorded.contains(i);
         QCOMPARE(
             tile(i)->findChild<QLabel *>("labelRecording")->styleSheet().contains("recordbtn_down"),
@@ -278,18 +281,18 @@ void TestGrid::fullScreenOfATile()
 {
     QWidget *surface = picture(6);
     m_input->doubleClick(surface);
-    QTRY_VERIFY_WITH_TIMEOUT(surface->isFullScreen() && surface->isActiveWindow(), kPatience);
-    QTRY_COMPARE_WITH_TIMEOUT(surface->size(), surface->screen()->size(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(surface->isFullScreen() && surface->isActiveWindow(), patience);
+    QTRY_COMPARE_WITH_TIMEOUT(surface->size(), surface->screen()->size(), patience);
     PictureWatch large(*surface);
-    QTRY_VERIFY_WITH_TIMEOUT(large.hasMoved(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(large.hasMoved(), patience);
     m_input->key(XK_Escape);
-    QTRY_VERIFY_WITH_TIMEOUT(!surface->isFullScreen() && !surface->isWindow(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(!surface->isFullScreen() && !surface->isWindow(), patience);
     expectAllAlive();
 }
 
 void TestGrid::changeOfViewAsksFirst()
 {
-    QTRY_VERIFY_WITH_TIMEOUT(m_recording.elapsed() > kRecorded, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(m_recording.elapsed() > recorded, patience);
     const QList<CMultiLiveItemForm *> before = grid()->tiles();
     const auto isTheQuestion = [](const CMessageBox *box) {
         return box->findChild<QLabel *>("labelMessage")->text() ==
@@ -301,7 +304,7 @@ void TestGrid::changeOfViewAsksFirst()
             click(box, "btnCancel");
         });
         click(page(), "btnSelect");
-        QTRY_VERIFY_WITH_TIMEOUT(script.done() && !QApplication::activeModalWidget(), kPatience);
+        QTRY_VERIFY_WITH_TIMEOUT(script.done() && !QApplication::activeModalWidget(), patience);
         QCOMPARE(grid()->tiles(), before);
         QVERIFY(allWriting(true));
     }
@@ -318,45 +321,43 @@ void TestGrid::changeOfViewAsksFirst()
             click(dialog, "btnClose");
         });
     click(page(), "btnSelect");
-    QTRY_VERIFY_WITH_TIMEOUT(script.done() && !QApplication::activeModalWidget(), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(script.done() && !QApplication::activeModalWidget(), patience);
     QCOMPARE(grid()->tiles(), before);
 }
 
 void TestGrid::judgeClips()
 {
-    for (int i = 0; i < kCameras; ++i) {
+    for (int i = 0; i < cameraCount; ++i) {
         const std::string &uid = m_cameras->camera(i).uid;
-        const QStringList clips = m_run->albumFiles(uid, kStamp + "\\.mp4");
+        const QStringList clips = m_run->albumFiles(uid, stamp + "\\.mp4");
         QCOMPARE(clips.size(), m_recorded.contains(i) ? 1 : 0);
         if (clips.isEmpty())
             continue;
         const QString clip = clips.first();
         QVERIFY(QFile::exists(clip + ".jpeg"));
         // It is finished behind the button.
-        QVERIFY(QTest::qWaitFor([&] { return decodingErrors(clip).isEmpty(); }, kPatience));
+        QVERIFY(QTest::qWaitFor([&] { return decodingErrors(clip).isEmpty(); }, patience));
         const ClipFacts facts = clipFacts(clip);
         QVERIFY2(
             facts.seconds > m_atLeast - 1 && facts.seconds < m_atMost + 1,
             qPrintable(
                 QString("%1 s of %2 to %3 s").arg(facts.seconds).arg(m_atLeast).arg(m_atMost)));
-        QCOMPARE(QSet<QString>(facts.contents.begin(), facts.contents.end()).size(),
-                 2 * kFrameRate);
+        QCOMPARE(QSet<QString>(facts.contents.begin(), facts.contents.end()).size(), 2 * frameRate);
         const long asked =
             m_cameras->statusNumber("key_frame_requests", i) - m_keyFramesBefore.at(i);
         const QStringList breaks = breaksInOrder(facts.contents);
         QVERIFY2(breaks.size() <= asked, qPrintable(breaks.join(", ")));
-        QVERIFY2(facts.longestGap < kLongestGap, qPrintable(QString::number(facts.longestGap)));
+        QVERIFY2(facts.longestGap < longestGap, qPrintable(QString::number(facts.longestGap)));
         if (isInstalled("mpv"))
-            QVERIFY(playsInMpv(clip, 5 * kFrameRate));
+            QVERIFY(playsInMpv(clip, 5 * frameRate));
     }
     if (isInstalled("vlc")) {
-        const QString clip = m_run->albumFiles(m_cameras->camera(0).uid, kStamp + "\\.mp4").first();
+        const QString clip = m_run->albumFiles(m_cameras->camera(0).uid, stamp + "\\.mp4").first();
         QVERIFY(framesShownByVlc(clip) > 5);
     }
-    for (const char *player : {"mpv", "vlc"}) {
+    for (const char *player : {"mpv", "vlc"})
         if (!isInstalled(player))
             qWarning("%s is not installed: no recording was played in it", player);
-    }
 }
 
 void TestGrid::quit()
@@ -364,7 +365,7 @@ void TestGrid::quit()
     auto *close = m_window->findChild<QToolButton *>("btnClose");
     QSignalSpy clicked(close, &QToolButton::clicked);
     m_input->click(close);
-    QTRY_COMPARE_WITH_TIMEOUT(clicked.count(), 1, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(clicked.count(), 1, patience);
 }
 
 QTEST_APPLESS_MAIN(TestGrid)

@@ -80,9 +80,8 @@ void RtspPlayer::send(int message, int countOrError,
 {
     {
         const std::lock_guard lock(library().mutex);
-        if (message == CAMMGR_MSG_PROBE_OK || message == CAMMGR_MSG_PROBE_FAILED) {
+        if (message == CAMMGR_MSG_PROBE_OK || message == CAMMGR_MSG_PROBE_FAILED)
             m_probing = false;
-        }
     }
     fake_cammgr::post(shared_from_this(), message, countOrError, strings);
 }
@@ -95,15 +94,13 @@ void deliver(RtspPlayer &player, int message, int countOrError,
 {
     {
         const std::lock_guard lock(library().mutex);
-        if (message == CAMMGR_MSG_DELETED) {
+        if (message == CAMMGR_MSG_DELETED)
             player.m_deleted = true;
-        }
     }
     std::vector<char *> pointers;
     if (strings) {
-        for (std::string &text : *strings) {
+        for (std::string &text : *strings)
             pointers.push_back(text.data());
-        }
         pointers.push_back(nullptr);
     }
     player.m_callback(message, countOrError, player.m_context, strings ? pointers.data() : nullptr);
@@ -120,7 +117,8 @@ Library &library()
 void post(const std::shared_ptr<RtspPlayer> &player, int message, int countOrError,
           const std::optional<std::vector<std::string>> &strings)
 {
-    library().thread.post(player.get(), [=] { deliver(*player, message, countOrError, strings); });
+    library().thread.post(
+        player.get(), [=] { deliver(*player, message, countOrError, strings); });
 }
 
 void reset()

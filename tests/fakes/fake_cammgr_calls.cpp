@@ -25,21 +25,18 @@ public:
         const auto found = std::find_if(library().players.begin(), library().players.end(), same);
         Call call{name, std::move(texts), std::move(numbers), handle};
         library().calls.push_back(call);
-        if (library().thread.isCurrent()) {
+        if (library().thread.isCurrent())
             breach("called from the callback");
-        }
         if (found == library().players.end()) {
-            if (handle) {
+            if (handle)
                 breach("unknown player");
-            }
             return;
         }
         (*found)->m_calls.push_back(std::move(call));
-        if ((*found)->m_deleted) {
+        if ((*found)->m_deleted)
             breach("deleted player");
-        } else {
+        else
             m_player = *found;
-        }
     }
 
     explicit operator bool() const { return m_player != nullptr; }
@@ -56,9 +53,8 @@ public:
     /// there `none`.
     int result(int usual, int none) const
     {
-        if (!m_player) {
+        if (!m_player)
             return none;
-        }
         const auto found = m_player->m_script.results.find(m_name);
         return found == m_player->m_script.results.end() ? usual : found->second;
     }
@@ -89,7 +85,7 @@ bool writeFile(const std::string &path, const std::string &bytes)
 std::string snapshotBytes(const Script &script)
 {
     return script.snapshotImage.empty()
-               ? std::string(reinterpret_cast<const char *>(SmallJpeg), sizeof SmallJpeg)
+               ? std::string(reinterpret_cast<const char *>(smallJpeg), sizeof smallJpeg)
                : script.snapshotImage;
 }
 
@@ -119,9 +115,8 @@ RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username, const 
 int RtspPlayer_TickAlive(RtspPlayer *player)
 {
     Entry entry("RtspPlayer_TickAlive", player);
-    if (!entry || !entry.works() || entry->m_probing) {
+    if (!entry || !entry.works() || entry->m_probing)
         return entry.result(0, -1);
-    }
     const Probe probe = entry.script().probe;
     entry->m_probing = probe == Probe::ByHand;
     if (probe == Probe::Ok) {
@@ -161,9 +156,8 @@ int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_
 int RtspPlayer_Play(RtspPlayer *player)
 {
     Entry entry("RtspPlayer_Play", player);
-    if (entry && entry.works() && entry.script().playPlays) {
+    if (entry && entry.works() && entry.script().playPlays)
         entry.script().playing = 1;
-    }
     return entry.result(0, -1);
 }
 
@@ -186,12 +180,10 @@ int RtspPlayer_IsPlaying(RtspPlayer *player)
 int RtspPlayer_Delete(RtspPlayer *player)
 {
     Entry entry("RtspPlayer_Delete", player);
-    if (entry && entry.script().playing) {
+    if (entry && entry.script().playing)
         entry.breach("the player plays");
-    }
-    if (entry && entry.works() && entry.script().deleteAnswers) {
+    if (entry && entry.works() && entry.script().deleteAnswers)
         post(entry.player(), CAMMGR_MSG_DELETED, 0);
-    }
     return entry.result(0, -1);
 }
 
@@ -200,9 +192,8 @@ int RtspPlayer_DeleteSync(RtspPlayer *player)
     Entry entry("RtspPlayer_DeleteSync", player);
     const int result = entry.result(0, -1);
     if (entry) {
-        if (entry.script().playing) {
+        if (entry.script().playing)
             entry.breach("the player plays");
-        }
         entry->m_deleted = true;
         entry.unlock();
         library().thread.drop(player);
@@ -229,9 +220,8 @@ int RtspPlayer_Snapshot(RtspPlayer *player, const char *path)
 {
     Entry entry("RtspPlayer_Snapshot", player, {path});
     if (entry && entry.works() && entry.script().snapshotWrites &&
-        !writeFile(path, snapshotBytes(entry.script()))) {
+        !writeFile(path, snapshotBytes(entry.script())))
         return -1;
-    }
     return entry.result(0, -1);
 }
 
@@ -300,18 +290,16 @@ int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requ
 int AudioUpload_Play(RtspPlayer *player)
 {
     Entry entry("AudioUpload_Play", player);
-    if (entry && entry.works()) {
+    if (entry && entry.works())
         entry.script().uploading = 1;
-    }
     return entry.result(0, -1);
 }
 
 int AudioUpload_Stop(RtspPlayer *player)
 {
     Entry entry("AudioUpload_Stop", player);
-    if (entry && entry.works()) {
+    if (entry && entry.works())
         entry.script().uploading = 0;
-    }
     return entry.result(0, -1);
 }
 

@@ -63,13 +63,11 @@ void deliver(ndcp_client *client, int message, int error)
 {
     {
         const std::lock_guard lock(library().mutex);
-        if (message == NDCP_EVENT_DISCOVERY && error == 0) {
+        if (message == NDCP_EVENT_DISCOVERY && error == 0)
             client->found = library().devices;
-        }
         if (message == NDCP_EVENT_GET_CONF) {
-            if (error == 0 && client->pending) {
+            if (error == 0 && client->pending)
                 fill(*client->pending, library().conf);
-            }
             client->pending = nullptr;
         }
     }
@@ -78,7 +76,8 @@ void deliver(ndcp_client *client, int message, int error)
 
 void post(ndcp_client *client, int message, int error)
 {
-    library().thread.post(client, [=] { deliver(client, message, error); });
+    library().thread.post(
+        client, [=] { deliver(client, message, error); });
 }
 
 /// Notes the call and checks the client. With the mutex locked.
@@ -86,14 +85,12 @@ bool enter(const char *name, const ndcp_client *client)
 {
     Library &lib = library();
     lib.calls.emplace_back(name);
-    if (lib.thread.isCurrent()) {
+    if (lib.thread.isCurrent())
         lib.breaches.push_back(std::string(name) + ": called from the callback");
-    }
     const bool known = std::any_of(lib.clients.begin(), lib.clients.end(),
                                    [&](const auto &c) { return c.get() == client; });
-    if (!known && client) {
+    if (!known && client)
         lib.breaches.push_back(std::string(name) + ": unknown client");
-    }
     return known;
 }
 
@@ -101,13 +98,11 @@ bool enter(const char *name, const ndcp_client *client)
 int request(const char *name, int event, ndcp_client *client)
 {
     const auto result = library().results.find(name);
-    if (result != library().results.end() && result->second < 0) {
+    if (result != library().results.end() && result->second < 0)
         return result->second;
-    }
     const auto answer = library().answers.find(event);
-    if (answer != library().answers.end()) {
+    if (answer != library().answers.end())
         post(client, event, answer->second);
-    }
     return result == library().results.end() ? 0 : result->second;
 }
 
@@ -115,9 +110,8 @@ void setAnswer(int event, std::optional<int> error)
 {
     const std::lock_guard lock(library().mutex);
     library().answers.erase(event);
-    if (error) {
+    if (error)
         library().answers.emplace(event, *error);
-    }
 }
 
 } // namespace
@@ -195,9 +189,8 @@ void answerSetConf(std::optional<int> error)
 void finish(int message, int error)
 {
     const std::lock_guard lock(library().mutex);
-    if (!library().clients.empty()) {
+    if (!library().clients.empty())
         post(library().clients.back().get(), message, error);
-    }
 }
 
 void failCreate(int times)
@@ -276,27 +269,24 @@ int ndcpclient_discover(ndcp_client *client)
 int32_t ndcpclient_getcnt(ndcp_client *client)
 {
     const std::lock_guard lock(library().mutex);
-    if (!enter("getcnt", client)) {
+    if (!enter("getcnt", client))
         return 0;
-    }
     return library().count.value_or(int32_t(client->found.size()));
 }
 
 const ndcp_device *ndcpclient_getdev(ndcp_client *client, int32_t index)
 {
     const std::lock_guard lock(library().mutex);
-    if (!enter("getdev", client) || index < 0 || size_t(index) >= client->found.size()) {
+    if (!enter("getdev", client) || index < 0 || size_t(index) >= client->found.size())
         return nullptr;
-    }
     return &client->found[size_t(index)];
 }
 
 int ndcpclient_get_conf(ndcp_client *client, ndcp_device *device)
 {
     const std::lock_guard lock(library().mutex);
-    if (!enter("get_conf", client) || !device) {
+    if (!enter("get_conf", client) || !device)
         return -1;
-    }
     library().asked.push_back(*device);
     client->pending = device;
     return request("get_conf", NDCP_EVENT_GET_CONF, client);
@@ -305,9 +295,8 @@ int ndcpclient_get_conf(ndcp_client *client, ndcp_device *device)
 int ndcpclient_set_conf(ndcp_client *client, ndcp_device *device)
 {
     const std::lock_guard lock(library().mutex);
-    if (!enter("set_conf", client) || !device) {
+    if (!enter("set_conf", client) || !device)
         return -1;
-    }
     library().written.push_back(*device);
     return request("set_conf", NDCP_EVENT_SET_CONF, client);
 }
@@ -316,9 +305,8 @@ void ndcpclient_delete(ndcp_client *client)
 {
     {
         const std::lock_guard lock(library().mutex);
-        if (!enter("delete", client)) {
+        if (!enter("delete", client))
             return;
-        }
     }
     library().thread.drop(client);
     const std::lock_guard lock(library().mutex);

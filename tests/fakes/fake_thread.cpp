@@ -30,9 +30,8 @@ void DeliveryThread::drop(const void *owner)
 {
     std::unique_lock lock(m_mutex);
     std::erase_if(m_jobs, [&](const Job &job) { return job.owner == owner; });
-    if (std::this_thread::get_id() != m_thread.get_id()) {
+    if (std::this_thread::get_id() != m_thread.get_id())
         m_changed.wait(lock, [&] { return m_running != owner; });
-    }
     m_changed.notify_all();
 }
 
@@ -53,9 +52,8 @@ void DeliveryThread::stop()
         m_changed.notify_all();
         thread = std::move(m_thread);
     }
-    if (thread.joinable()) {
+    if (thread.joinable())
         thread.join();
-    }
 }
 
 bool DeliveryThread::isCurrent()
@@ -72,9 +70,8 @@ void DeliveryThread::run()
     std::unique_lock lock(m_mutex);
     for (;;) {
         m_changed.wait(lock, [this] { return m_stop || !m_jobs.empty(); });
-        if (m_stop) {
+        if (m_stop)
             return;
-        }
         const Job job = std::move(m_jobs.front());
         m_jobs.pop_front();
         m_running = job.owner;

@@ -17,8 +17,8 @@ namespace gallery {
 namespace {
 
 // A focus mark is at least a line of this many logical pixels.
-constexpr int LeastFocusMark = 24;
-constexpr int VisibleDifference = 40; // of the three channels' 765
+constexpr int leastFocusMark = 24;
+constexpr int visibleDifference = 40; // of the three channels' 765
 
 QString accessibleName(QWidget &widget)
 {
@@ -43,7 +43,7 @@ int differentPixels(const QImage &a, const QImage &b)
             different += left[x] != right[x] && qAbs(qRed(left[x]) - qRed(right[x])) +
                                                         qAbs(qGreen(left[x]) - qGreen(right[x])) +
                                                         qAbs(qBlue(left[x]) - qBlue(right[x])) >=
-                                                    VisibleDifference;
+                                                    visibleDifference;
         }
     }
     return different;
@@ -71,10 +71,9 @@ QStringList unnamedControls(QWidget &window)
         if (accessibleName(*control).isEmpty())
             found << QStringLiteral("no accessible name: %1").arg(nameOf(*control));
     }
-    for (QWidget *control : tabChain(window)) {
+    for (QWidget *control : tabChain(window))
         if (accessibleName(*control).isEmpty())
             found << QStringLiteral("no accessible name: %1").arg(nameOf(*control));
-    }
     found.removeDuplicates();
     return found;
 }
@@ -90,7 +89,7 @@ QStringList invisibleFocus(QWidget &window)
         clearFocus();
         const QImage without = picture(window);
         control->setFocus(Qt::TabFocusReason);
-        if (differentPixels(picture(window), without) < LeastFocusMark)
+        if (differentPixels(picture(window), without) < leastFocusMark)
             found << QStringLiteral("focus cannot be seen: %1").arg(nameOf(*control));
     }
     clearFocus();

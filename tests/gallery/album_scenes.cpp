@@ -26,10 +26,9 @@ PageHost::TileList &tiles(Stage &stage, const char *album)
 /// Every tile in sight has its picture.
 bool thumbnailsShown(Stage &stage, const char *album)
 {
-    for (const CPhotoMgrItemForm *tile : tiles(stage, album)) {
+    for (const CPhotoMgrItemForm *tile : tiles(stage, album))
         if (tile->isNear() && (!tile->hasThumbnail() || tile->isThumbnailDue()))
             return false;
-    }
     return true;
 }
 
@@ -82,43 +81,50 @@ void showStill(Stage &stage, CPlayVideoForm &page, int number)
 QVector<Scene> albumScenes()
 {
     return {
-        page(QStringLiteral("photos-no-camera"), [](Stage &stage) { return openPhotos(stage); }),
-        page(QStringLiteral("photos-none"),
-             [](Stage &stage) {
-                 stage.addCameras(2);
-                 return openPhotos(stage);
-             }),
-        page(QStringLiteral("photos-one"),
-             [](Stage &stage) {
-                 stage.addCameras(3);
-                 stage.addPhotos(0, 1);
-                 return openPhotos(stage);
-             }),
-        page(QStringLiteral("photos-many"),
-             [](Stage &stage) {
-                 stage.addCamera(QStringLiteral("The camera above the door of the stables"));
-                 stage.addCameras(30);
-                 stage.addPhotos(0, 40);
-                 return openPhotos(stage);
-             }),
-        page(QStringLiteral("videos-many"),
-             [](Stage &stage) {
-                 stage.addCameras(4);
-                 stage.addClips(0, 7);
-                 return openVideos(stage);
-             }),
-        page(QStringLiteral("photo"),
-             [](Stage &stage) {
-                 openPhoto(stage);
-                 return Subject{&stage.form(), {}};
-             }),
-        page(QStringLiteral("photo-zoomed"),
-             [](Stage &stage) {
-                 CPlayPhotoForm *viewer = openPhoto(stage);
-                 for (int i = 0; i < 4; ++i)
-                     viewer->slotZoomIn();
-                 return Subject{&stage.form(), {}};
-             }),
+        page(
+            QStringLiteral("photos-no-camera"), [](Stage &stage) { return openPhotos(stage); }),
+        page(
+            QStringLiteral("photos-none"),
+            [](Stage &stage) {
+                stage.addCameras(2);
+                return openPhotos(stage);
+            }),
+        page(
+            QStringLiteral("photos-one"),
+            [](Stage &stage) {
+                stage.addCameras(3);
+                stage.addPhotos(0, 1);
+                return openPhotos(stage);
+            }),
+        page(
+            QStringLiteral("photos-many"),
+            [](Stage &stage) {
+                stage.addCamera(QStringLiteral("The camera above the door of the stables"));
+                stage.addCameras(30);
+                stage.addPhotos(0, 40);
+                return openPhotos(stage);
+            }),
+        page(
+            QStringLiteral("videos-many"),
+            [](Stage &stage) {
+                stage.addCameras(4);
+                stage.addClips(0, 7);
+                return openVideos(stage);
+            }),
+        page(
+            QStringLiteral("photo"),
+            [](Stage &stage) {
+                openPhoto(stage);
+                return Subject{&stage.form(), {}};
+            }),
+        page(
+            QStringLiteral("photo-zoomed"),
+            [](Stage &stage) {
+                CPlayPhotoForm *viewer = openPhoto(stage);
+                for (int i = 0; i < 4; ++i)
+                    viewer->slotZoomIn();
+                return Subject{&stage.form(), {}};
+            }),
         {QStringLiteral("album"), QStringLiteral("photo-full-screen"), Scene::Kind::Other,
          [](Stage &stage) {
              CPlayPhotoForm *viewer = openPhoto(stage);
@@ -126,27 +132,30 @@ QVector<Scene> albumScenes()
              viewer->slotFullScreen();
              return Subject{photo, {}};
          }},
-        page(QStringLiteral("video-paused"),
-             [](Stage &stage) {
-                 CPlayVideoForm *player = openVideo(stage);
-                 showStill(stage, *player, 1);
-                 return Subject{&stage.form(), {}};
-             }),
-        page(QStringLiteral("video-playing"),
-             [](Stage &stage) {
-                 CPlayVideoForm *player = openVideo(stage);
-                 showStill(stage, *player, 2);
-                 player->slotStateChanged(Phonon::PlayingState, Phonon::BufferingState);
-                 return Subject{&stage.form(), {}};
-             }),
-        page(QStringLiteral("video-error"),
-             [](Stage &stage) {
-                 CPlayVideoForm *player = openVideo(stage);
-                 auto *status = player->findChild<QLabel *>(QStringLiteral("labelStatus"));
-                 return Subject{&stage.form(), [status] {
-                                    return status->text().contains(QLatin1String("played"));
-                                }};
-             }),
+        page(
+            QStringLiteral("video-paused"),
+            [](Stage &stage) {
+                CPlayVideoForm *player = openVideo(stage);
+                showStill(stage, *player, 1);
+                return Subject{&stage.form(), {}};
+            }),
+        page(
+            QStringLiteral("video-playing"),
+            [](Stage &stage) {
+                CPlayVideoForm *player = openVideo(stage);
+                showStill(stage, *player, 2);
+                player->slotStateChanged(Phonon::PlayingState, Phonon::BufferingState);
+                return Subject{&stage.form(), {}};
+            }),
+        page(
+            QStringLiteral("video-error"),
+            [](Stage &stage) {
+                CPlayVideoForm *player = openVideo(stage);
+                auto *status = player->findChild<QLabel *>(QStringLiteral("labelStatus"));
+                return Subject{
+                    &stage.form(),
+                    [status] { return status->text().contains(QLatin1String("played")); }};
+            }),
     };
 }
 

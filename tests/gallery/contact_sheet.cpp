@@ -6,10 +6,10 @@ namespace gallery {
 
 namespace {
 
-constexpr int Gap = 12;
-constexpr int LabelHeight = 18;
-const QColor Paper(0xf4, 0xf6, 0xf8);
-const QColor Ink(0x27, 0x45, 0x5d);
+constexpr int gap = 12;
+constexpr int labelHeight = 18;
+const QColor paper(0xf4, 0xf6, 0xf8);
+const QColor ink(0x27, 0x45, 0x5d);
 
 } // namespace
 
@@ -23,7 +23,7 @@ int ContactSheet::Row::height() const
 
 void ContactSheet::add(const QString &row, const QString &label, const QImage &picture)
 {
-    if (m_rows.isEmpty() || m_rows.last().name != row || m_rows.last().cells.size() == Columns)
+    if (m_rows.isEmpty() || m_rows.last().name != row || m_rows.last().cells.size() == columns)
         m_rows.append({row, {}});
     QImage small = picture;
     small.setDevicePixelRatio(1);
@@ -34,24 +34,24 @@ void ContactSheet::add(const QString &row, const QString &label, const QImage &p
 
 QImage ContactSheet::paint() const
 {
-    int height = Gap;
+    int height = gap;
     for (const Row &row : m_rows)
-        height += LabelHeight + row.height() + Gap;
-    QImage sheet(Gap + Columns * (m_cell.width() + Gap), height, QImage::Format_RGB32);
-    sheet.fill(Paper);
+        height += labelHeight + row.height() + gap;
+    QImage sheet(gap + columns * (m_cell.width() + gap), height, QImage::Format_RGB32);
+    sheet.fill(paper);
     QPainter painter(&sheet);
-    painter.setPen(Ink);
+    painter.setPen(ink);
     painter.setFont(QFont(QStringLiteral("Arial"), 9));
-    int y = Gap;
+    int y = gap;
     for (const Row &row : m_rows) {
-        int x = Gap;
+        int x = gap;
         for (const Cell &cell : row.cells) {
-            painter.drawText(QRect(x, y, m_cell.width(), LabelHeight), Qt::AlignVCenter,
+            painter.drawText(QRect(x, y, m_cell.width(), labelHeight), Qt::AlignVCenter,
                              cell.label);
-            painter.drawImage(x, y + LabelHeight, cell.picture);
-            x += m_cell.width() + Gap;
+            painter.drawImage(x, y + labelHeight, cell.picture);
+            x += m_cell.width() + gap;
         }
-        y += LabelHeight + row.height() + Gap;
+        y += labelHeight + row.height() + gap;
     }
     return sheet;
 }

@@ -10,7 +10,7 @@ namespace gallery {
 class ContactSheet
 {
 public:
-    static constexpr int Columns = 4;
+    static constexpr int columns = 4;
 
     /// @param cell size in pixels into which each picture is fitted; it is never enlarged
     explicit ContactSheet(QSize cell) : m_cell(cell) {}

@@ -32,10 +32,9 @@ bool isControl(const QWidget *widget)
 bool insideControl(const QWidget *widget, const QWidget *window)
 {
     for (const QWidget *parent = widget->parentWidget(); parent && parent != window;
-         parent = parent->parentWidget()) {
+         parent = parent->parentWidget())
         if (isControl(parent))
             return true;
-    }
     return false;
 }
 
@@ -44,11 +43,10 @@ bool insideControl(const QWidget *widget, const QWidget *window)
 QVector<QWidget *> controlsOf(QWidget &window)
 {
     QVector<QWidget *> controls;
-    for (QWidget *widget : window.findChildren<QWidget *>()) {
+    for (QWidget *widget : window.findChildren<QWidget *>())
         if (widget->window() == &window && widget->isVisible() && isControl(widget) &&
             !insideControl(widget, &window))
             controls.append(widget);
-    }
     return controls;
 }
 
@@ -56,21 +54,19 @@ QVector<QWidget *> tabChain(QWidget &window)
 {
     QVector<QWidget *> chain;
     for (QWidget *widget = window.nextInFocusChain(); widget != &window;
-         widget = widget->nextInFocusChain()) {
+         widget = widget->nextInFocusChain())
         if (widget->window() == &window && widget->isVisible() && widget->isEnabled() &&
             widget->focusPolicy() & Qt::TabFocus && !widget->focusProxy())
             chain.append(widget);
-    }
     return chain;
 }
 
 bool isScrolled(const QWidget &window, const QWidget &widget)
 {
     for (const QWidget *parent = widget.parentWidget(); parent && parent != &window;
-         parent = parent->parentWidget()) {
+         parent = parent->parentWidget())
         if (qobject_cast<const QAbstractScrollArea *>(parent))
             return true;
-    }
     return false;
 }
 
@@ -89,18 +85,16 @@ QString nameOf(const QWidget &widget)
 {
     QString name = widget.objectName();
     for (const QWidget *parent = widget.parentWidget(); name.isEmpty() && parent;
-         parent = parent->parentWidget()) {
+         parent = parent->parentWidget())
         if (!parent->objectName().isEmpty())
             name = QStringLiteral("in ") + parent->objectName();
-    }
     return QStringLiteral("%1 (%2)").arg(name, QLatin1String(widget.metaObject()->className()));
 }
 
 bool showsText(const QWidget &button)
 {
-    if (const auto *tool = qobject_cast<const QToolButton *>(&button)) {
+    if (const auto *tool = qobject_cast<const QToolButton *>(&button))
         return tool->toolButtonStyle() != Qt::ToolButtonIconOnly && !tool->text().isEmpty();
-    }
     const auto *any = qobject_cast<const QAbstractButton *>(&button);
     return any && !any->text().isEmpty();
 }

@@ -1,7 +1,7 @@
 #include "app/main_form.h"
-#include "ui/common/message_box.h"
 #include "tests/gallery/stage.h"
 #include "ui/common/busy_dialog.h"
+#include "ui/common/message_box.h"
 
 namespace gallery {
 
@@ -11,7 +11,8 @@ Scene message(const QString &name, int kind, const QString &title, const QString
               QMessageBox::StandardButtons buttons)
 {
     return {
-        QStringLiteral("dialogs"), name, Scene::Kind::Dialog, [=](Stage &stage) {
+        QStringLiteral("dialogs"), name, Scene::Kind::Dialog,
+        [=](Stage &stage) {
             return Subject{stage.show<CMessageBox>(kind, title, text, buttons, &stage.open()), {}};
         }};
 }

@@ -14,7 +14,7 @@ namespace gallery {
 namespace {
 
 // What a style sheet names to show no image at all.
-const QString NoImage = QStringLiteral("none.jpg");
+const QString noImage = QStringLiteral("none.jpg");
 
 QSet<QString> imagesOf(const QString &sheet)
 {
@@ -25,7 +25,7 @@ QSet<QString> imagesOf(const QString &sheet)
         const QRegularExpressionMatch one = match.next();
         names.insert(one.captured(1).isEmpty() ? one.captured(2).trimmed() : one.captured(1));
     }
-    names.remove(NoImage);
+    names.remove(noImage);
     return names;
 }
 

@@ -9,8 +9,8 @@ namespace {
 /// The strip below a picture that is smaller than the strip: its text is in the tool tip.
 bool isTooSmallToRead(const QWidget &control)
 {
-    constexpr int LeastWidth = 32;
-    return qobject_cast<const zelvaro::ElidedLabel *>(&control) && control.width() < LeastWidth;
+    constexpr int leastWidth = 32;
+    return qobject_cast<const zelvaro::ElidedLabel *>(&control) && control.width() < leastWidth;
 }
 
 } // namespace

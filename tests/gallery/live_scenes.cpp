@@ -18,10 +18,12 @@ namespace {
 
 Scene page(const QString &name, std::function<void(Stage &)> fill)
 {
-    return {QStringLiteral("live"), name, Scene::Kind::Page, [fill](Stage &stage) {
+    return {QStringLiteral("live"), name, Scene::Kind::Page,
+            [fill](Stage &stage) {
                 fill(stage);
                 // The status lines follow the size of their pictures with the next report.
-                return Subject{&stage.form(), [&stage] {
+                return Subject{&stage.form(),
+                               [&stage] {
                                    stage.report();
                                    return true;
                                }};
@@ -68,7 +70,8 @@ fake_cammgr::Script fullHd()
 template <typename Dialog>
 Scene selection(const QString &name, int cameras, const QString &longName = {})
 {
-    return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog, [=](Stage &stage) {
+    return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog,
+            [=](Stage &stage) {
                 stage.addCameras(cameras);
                 if (!longName.isEmpty())
                     stage.addCamera(longName);

@@ -12,13 +12,14 @@ namespace gallery {
 
 namespace {
 
-const QString LongName =
+const QString longName =
     QStringLiteral("The camera above the door between the kitchen garden and the old stables");
-const QString LongUid = QStringLiteral("rtsp://camera-17.stables.long-house-name.example.lan:8554");
+const QString longUid = QStringLiteral("rtsp://camera-17.stables.long-house-name.example.lan:8554");
 
 Scene page(const QString &name, std::function<void(Stage &)> fill)
 {
-    return {QStringLiteral("manager"), name, Scene::Kind::Page, [fill](Stage &stage) {
+    return {QStringLiteral("manager"), name, Scene::Kind::Page,
+            [fill](Stage &stage) {
                 fill(stage);
                 return Subject{&stage.form(), {}};
             }};
@@ -26,7 +27,8 @@ Scene page(const QString &name, std::function<void(Stage &)> fill)
 
 Scene addDialog(const QString &name, std::function<void(CAddCameraForm &)> fill)
 {
-    return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog, [fill](Stage &stage) {
+    return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog,
+            [fill](Stage &stage) {
                 auto *dialog = stage.show<CAddCameraForm>(&stage.open(), nullptr);
                 fill(*dialog);
                 return Subject{dialog, {}};
@@ -43,49 +45,55 @@ void type(CAddCameraForm &dialog, const char *edit, const QString &text)
 QVector<Scene> managerScenes()
 {
     return {
-        page(QStringLiteral("manager-empty"), [](Stage &stage) { stage.open(); }),
-        page(QStringLiteral("manager-one"),
-             [](Stage &stage) {
-                 stage.addCameras(1);
-                 stage.open();
-             }),
-        page(QStringLiteral("manager-four"),
-             [](Stage &stage) {
-                 stage.addCameras(4);
-                 for (int i = 0; i < 4; ++i)
-                     stage.addThumbnail(i);
-                 stage.open();
-                 stage.connectAll();
-             }),
-        page(QStringLiteral("manager-states"),
-             [](Stage &stage) {
-                 stage.addCameras(4);
-                 stage.addThumbnail(0);
-                 stage.addThumbnail(3);
-                 stage.open();
-                 stage.connectCamera(0);
-                 stage.refuseCamera(1);
-                 stage.failCamera(2);
-                 stage.refuseCamera(3);
-             }),
-        page(QStringLiteral("manager-many"),
-             [](Stage &stage) {
-                 stage.addCameras(60);
-                 for (int i = 0; i < 60; i += 1 + i % 2)
-                     stage.addThumbnail(i);
-                 stage.open();
-                 for (int i = 0; i < 60; i += 1 + i % 3)
-                     stage.connectCamera(i);
-             }),
-        page(QStringLiteral("manager-long-names"),
-             [](Stage &stage) {
-                 stage.addCamera(LongName, LongUid);
-                 stage.addCamera(LongName + QStringLiteral(" <b>&amp;</b>"));
-                 stage.addCamera(QString(), QStringLiteral("192.168.1.20"));
-                 stage.open();
-                 stage.connectCamera(0);
-                 stage.refuseCamera(1);
-             }),
+        page(
+            QStringLiteral("manager-empty"), [](Stage &stage) { stage.open(); }),
+        page(
+            QStringLiteral("manager-one"),
+            [](Stage &stage) {
+                stage.addCameras(1);
+                stage.open();
+            }),
+        page(
+            QStringLiteral("manager-four"),
+            [](Stage &stage) {
+                stage.addCameras(4);
+                for (int i = 0; i < 4; ++i)
+                    stage.addThumbnail(i);
+                stage.open();
+                stage.connectAll();
+            }),
+        page(
+            QStringLiteral("manager-states"),
+            [](Stage &stage) {
+                stage.addCameras(4);
+                stage.addThumbnail(0);
+                stage.addThumbnail(3);
+                stage.open();
+                stage.connectCamera(0);
+                stage.refuseCamera(1);
+                stage.failCamera(2);
+                stage.refuseCamera(3);
+            }),
+        page(
+            QStringLiteral("manager-many"),
+            [](Stage &stage) {
+                stage.addCameras(60);
+                for (int i = 0; i < 60; i += 1 + i % 2)
+                    stage.addThumbnail(i);
+                stage.open();
+                for (int i = 0; i < 60; i += 1 + i % 3)
+                    stage.connectCamera(i);
+            }),
+        page(
+            QStringLiteral("manager-long-names"),
+            [](Stage &stage) {
+                stage.addCamera(longName, longUid);
+                stage.addCamera(longName + QStringLiteral(" <b>&amp;</b>"));
+                stage.addCamera(QString(), QStringLiteral("192.168.1.20"));
+                stage.open();
+                stage.connectCamera(0);
+                stage.refuseCamera(1);
+            }),
         {QStringLiteral("dialogs"), QStringLiteral("tile-menu"), Scene::Kind::Other,
          [](Stage &stage) {
              stage.addCameras(1);
@@ -101,17 +109,19 @@ QVector<Scene> managerScenes()
              menu->popup(QPoint(40, 40));
              return Subject{menu, {}};
          }},
-        addDialog(QStringLiteral("add-camera"), [](CAddCameraForm &) {}),
-        addDialog(QStringLiteral("add-camera-filled"),
-                  [](CAddCameraForm &dialog) {
-                      type(dialog, "editUid", QStringLiteral("192.168.1.20:8554"));
-                      type(dialog, "editUserName", QStringLiteral("admin"));
-                      type(dialog, "editPassword", QStringLiteral("a long password"));
-                      type(dialog, "editCameraName", QStringLiteral("Front door"));
-                  }),
+        addDialog(
+            QStringLiteral("add-camera"), [](CAddCameraForm &) {}),
+        addDialog(
+            QStringLiteral("add-camera-filled"),
+            [](CAddCameraForm &dialog) {
+                type(dialog, "editUid", QStringLiteral("192.168.1.20:8554"));
+                type(dialog, "editUserName", QStringLiteral("admin"));
+                type(dialog, "editPassword", QStringLiteral("a long password"));
+                type(dialog, "editCameraName", QStringLiteral("Front door"));
+            }),
         {QStringLiteral("dialogs"), QStringLiteral("modify-camera"), Scene::Kind::Dialog,
          [](Stage &stage) {
-             stage.addCamera(LongName, LongUid);
+             stage.addCamera(longName, longUid);
              stage.open();
              return Subject{
                  stage.show<CAddCameraForm>(&stage.form(), CameraSettings::instance().at(0)), {}};

@@ -9,7 +9,7 @@ namespace gallery {
 namespace {
 
 // All painting is done on a sheet of this size and scaled.
-constexpr QRectF Sheet(0, 0, 160, 90);
+constexpr QRectF sheet(0, 0, 160, 90);
 
 struct Light
 {
@@ -20,7 +20,7 @@ struct Light
     QColor leaf;
 };
 
-const Light Lights[] = {
+const Light lights[] = {
     {{108, 160, 208}, {214, 230, 240}, {126, 148, 104}, {206, 188, 160}, {74, 112, 66}}, // noon
     {{72, 84, 132}, {240, 176, 128}, {92, 92, 84}, {164, 132, 118}, {48, 70, 58}},       // dusk
     {{40, 44, 50}, {112, 116, 120}, {88, 92, 94}, {158, 160, 162}, {62, 66, 68}},        // infrared
@@ -70,18 +70,18 @@ void paintPath(QPainter &painter, qreal horizon, const QColor &ground)
 
 QImage motif(int number, QSize size)
 {
-    const Light &light = Lights[number % 4];
+    const Light &light = lights[number % 4];
     QImage image(size, QImage::Format_RGB32);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.scale(size.width() / Sheet.width(), size.height() / Sheet.height());
+    painter.scale(size.width() / sheet.width(), size.height() / sheet.height());
     painter.setPen(Qt::NoPen);
 
     const qreal horizon = 48 + number * 7 % 12;
     QLinearGradient sky(0, 0, 0, horizon);
     sky.setColorAt(0, light.skyTop);
     sky.setColorAt(1, light.skyBottom);
-    painter.fillRect(Sheet, sky);
+    painter.fillRect(sheet, sky);
     QLinearGradient ground(0, horizon, 0, 90);
     ground.setColorAt(0, light.ground.lighter(112));
     ground.setColorAt(1, light.ground.darker(125));

@@ -1,11 +1,11 @@
 #include "app/main_form.h"
-#include "ui/manager/motion_dialog.h"
 #include "tests/fakes/fake_cammgr.h"
 #include "tests/fakes/fake_ndcp.h"
 #include "tests/gallery/stage.h"
 #include "ui/discovery/camera_set_up.h"
 #include "ui/discovery/search_camera_form.h"
 #include "ui/discovery/search_camera_list_form.h"
+#include "ui/manager/motion_dialog.h"
 
 #include <QListView>
 #include <QPushButton>
@@ -19,14 +19,14 @@ namespace gallery {
 
 namespace {
 
-const char *const Rooms[] = {"Front door", "Garage", "Garden", "Living room", "Driveway"};
+const char *const rooms[] = {"Front door", "Garage", "Garden", "Living room", "Driveway"};
 
 ndcp_device device(int number)
 {
     const QByteArray uid = QUuid::createUuidV5(QUuid(), QString::number(number))
                                .toString(QUuid::WithoutBraces)
                                .toLatin1();
-    ndcp_device made = fake_ndcp::device(uid.toStdString(), Rooms[number % std::size(Rooms)],
+    ndcp_device made = fake_ndcp::device(uid.toStdString(), rooms[number % std::size(rooms)],
                                          0xC0A80114u + unsigned(number), 80);
     std::strcpy(made.location, number % 2 == 0 ? "House" : "Yard");
     return made;
@@ -58,7 +58,8 @@ void search(Stage &stage)
 
 Scene searchPage(const QString &name, std::vector<ndcp_device> found, bool select = false)
 {
-    return {QStringLiteral("setup"), name, Scene::Kind::Page, [=](Stage &stage) {
+    return {QStringLiteral("setup"), name, Scene::Kind::Page,
+            [=](Stage &stage) {
                 fake_ndcp::answerDiscover(0);
                 fake_ndcp::setDevices(found);
                 stage.open();
@@ -71,7 +72,8 @@ Scene searchPage(const QString &name, std::vector<ndcp_device> found, bool selec
 
 Scene picker(const QString &name, std::vector<ndcp_device> found)
 {
-    return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog, [=](Stage &stage) {
+    return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog,
+            [=](Stage &stage) {
                 fake_ndcp::answerDiscover(0);
                 fake_ndcp::setDevices(found);
                 auto *dialog = stage.show<CSearchCameraForm>(&stage.open());
@@ -86,7 +88,8 @@ Scene picker(const QString &name, std::vector<ndcp_device> found)
 
 Scene networkSetUp(const QString &name, const ndcp_device &record)
 {
-    return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog, [=](Stage &stage) {
+    return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog,
+            [=](Stage &stage) {
                 stage.open();
                 stage.click("frameButtons", "btnSetUp");
                 stage.record() = record;
@@ -114,12 +117,11 @@ Subject showMotion(Stage &stage)
     fake_cammgr::Script script;
     script.replies = [](const std::vector<std::string> &requests) {
         std::vector<std::string> replies;
-        for (std::size_t window = 1; window <= requests.size(); ++window) {
+        for (std::size_t window = 1; window <= requests.size(); ++window)
             replies.push_back("000 Success\nWINDOW=" + std::to_string(window) +
                               "\nENABLE=" + (window < 3 ? "1" : "0") +
                               "\nLEFT=120\nTOP=80\nRIGHT=520\nBOTTOM=400\nTHRESHOLD=60\n"
                               "SENSITIVITY=70\n");
-        }
         return replies;
     };
     fake_cammgr::setDefaults(script);

@@ -19,9 +19,9 @@ namespace gallery {
 
 namespace {
 
-constexpr int Deadline = 30000; // milliseconds
+constexpr int deadline = 30000; // milliseconds
 
-const char *const Places[] = {"Front door", "Garage",  "Garden",  "Living room", "Driveway",
+const char *const places[] = {"Front door", "Garage",  "Garden",  "Living room", "Driveway",
                               "Workshop",   "Terrace", "Kitchen", "Hall",        "Attic"};
 
 class Painter : public QObject
@@ -53,7 +53,7 @@ void answerProbe(CCamera *camera, const std::function<void(fake_cammgr::Player &
 {
     QSignalSpy reports(camera, &CCamera::signalStateReport);
     answer(*playerOf(camera));
-    QTRY_VERIFY_WITH_TIMEOUT(!reports.isEmpty(), Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!reports.isEmpty(), deadline);
     QCoreApplication::sendPostedEvents();
 }
 
@@ -99,11 +99,11 @@ void Stage::addCamera(const QString &name, const QString &uid)
 
 void Stage::addCameras(int count)
 {
-    constexpr int PlaceCount = int(std::size(Places));
+    constexpr int placeCount = int(std::size(places));
     for (int i = 0; i < count; ++i) {
-        const QString place = QLatin1String(Places[i % PlaceCount]);
-        addCamera(i < PlaceCount ? place
-                                 : QStringLiteral("%1 %2").arg(place).arg(i / PlaceCount + 1));
+        const QString place = QLatin1String(places[i % placeCount]);
+        addCamera(i < placeCount ? place
+                                 : QStringLiteral("%1 %2").arg(place).arg(i / placeCount + 1));
     }
 }
 
@@ -151,7 +151,8 @@ CCamera *Stage::camera(int index) const
 
 void Stage::connectCamera(int index)
 {
-    answerProbe(camera(index), [](fake_cammgr::Player &player) { player.probeOk(); });
+    answerProbe(
+        camera(index), [](fake_cammgr::Player &player) { player.probeOk(); });
 }
 
 void Stage::connectAll()
@@ -162,13 +163,15 @@ void Stage::connectAll()
 
 void Stage::refuseCamera(int index)
 {
-    answerProbe(camera(index),
-                [](fake_cammgr::Player &player) { player.probeFailed(CAMMGR_ERROR_REFUSED); });
+    answerProbe(
+        camera(index),
+        [](fake_cammgr::Player &player) { player.probeFailed(CAMMGR_ERROR_REFUSED); });
 }
 
 void Stage::failCamera(int index)
 {
-    answerProbe(camera(index), [](fake_cammgr::Player &player) { player.probeFailed(); });
+    answerProbe(
+        camera(index), [](fake_cammgr::Player &player) { player.probeFailed(); });
 }
 
 void Stage::report()
@@ -185,10 +188,9 @@ void Stage::runStreams()
     for (int reports = 0; reports < 3; ++reports)
         report();
     int number = 0;
-    for (const CVideoFrame *frame : m_form->findChildren<CVideoFrame *>()) {
+    for (const CVideoFrame *frame : m_form->findChildren<CVideoFrame *>())
         if (frame->isVisible() && frame->renderSurface())
             paintOver(frame->renderSurface(), motif(number++, {640, 360}));
-    }
 }
 
 void Stage::paintOver(QWidget *surface, const QImage &picture)
@@ -207,10 +209,9 @@ void Stage::click(const char *page, const char *button)
 
 QObject *Stage::findWidget(const char *name, const QMetaObject *type) const
 {
-    for (QWidget *widget : m_form->findChildren<QWidget *>(QLatin1String(name))) {
+    for (QWidget *widget : m_form->findChildren<QWidget *>(QLatin1String(name)))
         if (type->cast(widget))
             return widget;
-    }
     qFatal("no %s named %s", type->className(), name);
 }
 

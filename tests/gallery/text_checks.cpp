@@ -138,10 +138,9 @@ QStringList clippedTexts(QWidget &window)
             if (group->minimumSizeHint().width() > group->width())
                 add(*group, sizes(group->minimumSizeHint(), group->size()));
         } else if (const auto *header = qobject_cast<QHeaderView *>(widget)) {
-            if (header->orientation() == Qt::Horizontal) {
+            if (header->orientation() == Qt::Horizontal)
                 for (const QString &problem : clippedHeadings(*header))
                     add(*header->parentWidget(), problem);
-            }
         } else if (const auto *view = qobject_cast<QAbstractItemView *>(widget)) {
             for (const QString &problem : cutRows(*view))
                 add(*view, problem);

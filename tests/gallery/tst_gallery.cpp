@@ -16,16 +16,16 @@ namespace gallery {
 
 namespace {
 
-constexpr int Deadline = 30000; // milliseconds
+constexpr int deadline = 30000; // milliseconds
 
 // The smallest that the window allows, small screens, the usual one, and large ones: at 2x that
 // is a screen of 3840x2160.
-constexpr QSize SmallestSize(400, 300);
-constexpr QSize UsualSize(1280, 800); // what does not depend on the size is looked at in this one
-constexpr QSize LargestSize(1920, 1080);
+constexpr QSize smallestSize(400, 300);
+constexpr QSize usualSize(1280, 800); // what does not depend on the size is looked at in this one
+constexpr QSize largestSize(1920, 1080);
 // Every dialog fits on the smallest screen that is in use.
-constexpr QSize SmallestScreen(800, 600);
-constexpr QSize SheetCell(400, 300);
+constexpr QSize smallestScreen(800, 600);
+constexpr QSize sheetCell(400, 300);
 
 QVector<Scene> allScenes()
 {
@@ -40,7 +40,7 @@ bool activate(QWidget &window)
             window.activateWindow();
             return QApplication::activeWindow() == &window;
         },
-        Deadline);
+        deadline);
 }
 
 QString sizeName(QSize size)
@@ -128,14 +128,14 @@ bool Gallery::settle(const Subject &subject)
 {
     for (int round = 0; round < 3; ++round)
         QCoreApplication::processEvents();
-    return QTest::qWaitFor([&] { return !subject.ready || subject.ready(); }, Deadline);
+    return QTest::qWaitFor([&] { return !subject.ready || subject.ready(); }, deadline);
 }
 
 QVector<QSize> Gallery::windowSizes() const
 {
     if (isDense())
-        return {SmallestSize, UsualSize, LargestSize};
-    return {SmallestSize, SmallestScreen, UsualSize, LargestSize};
+        return {smallestSize, usualSize, largestSize};
+    return {smallestSize, smallestScreen, usualSize, largestSize};
 }
 
 QStringList Gallery::keyboardProblems(QWidget &window)
@@ -155,7 +155,7 @@ void Gallery::showPage(const Scene &scene, const Subject &subject)
         QVERIFY(settle(subject));
         keepPicture(scene, size, window);
         note(size, clippedTexts(window) + misplacedControls(window));
-        if (size == UsualSize)
+        if (size == usualSize)
             note(size, missingImages(window) + blurredPictures(window) + keyboardProblems(window));
     }
 }
@@ -170,7 +170,7 @@ void Gallery::showDialog(const Scene &scene, const Subject &subject)
     if (scene.kind == Scene::Kind::Other)
         return;
     note(size, clippedTexts(window) + misplacedControls(window) + keyboardProblems(window));
-    if (size.boundedTo(SmallestScreen) != size)
+    if (size.boundedTo(smallestScreen) != size)
         note(size, {QStringLiteral("does not fit on a screen of 800x600")});
     if (scene.kind == Scene::Kind::Dialog && !isDense())
         note(size, deafKeys(*qobject_cast<QDialog *>(&window)));
@@ -188,12 +188,12 @@ void Gallery::keepPicture(const Scene &scene, QSize size, QWidget &window)
 
     const bool isPage = scene.kind == Scene::Kind::Page;
     QString name = isPage ? scene.name + QLatin1Char('-') + sizeName(size) : scene.name;
-    m_sheets.try_emplace(scene.group, SheetCell)
+    m_sheets.try_emplace(scene.group, sheetCell)
         .first->second.add(isPage ? scene.name : QString(), name, flat);
     name += m_scale + QStringLiteral(".png");
     m_writers.start([file = m_folder.filePath(name), flat] {
-        constexpr int QuickCompression = 80;
-        if (!flat.save(file, "PNG", QuickCompression))
+        constexpr int quickCompression = 80;
+        if (!flat.save(file, "PNG", quickCompression))
             qFatal("cannot write %s", qPrintable(file));
     });
 }

@@ -122,15 +122,13 @@ void TestImages::everyReferenceIsInTheTree()
 void TestImages::noImageIsUnused()
 {
     QSet<QString> used;
-    for (const ImageReference &reference : qAsConst(m_references)) {
+    for (const ImageReference &reference : qAsConst(m_references))
         for (const QString &name : imagesMeant(reference.name))
             used.insert(name);
-    }
     QStringList unused;
-    for (const QString &name : allImages()) {
+    for (const QString &name : allImages())
         if (!used.contains(name))
             unused.append(name);
-    }
     QVERIFY2(unused.isEmpty(), qPrintable(unused.join(", ")));
 }
 
@@ -279,10 +277,9 @@ void TestImages::statesDifferWithoutColour()
     const QImage b = grey(second);
     int different = 0;
     for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
+        for (int x = 0; x < a.width(); ++x)
             if (qAbs(qGray(a.pixel(x, y)) - qGray(b.pixel(x, y))) >= 12)
                 ++different;
-        }
     }
     const double share = double(different) / (a.width() * a.height());
     QVERIFY2(share >= 0.04, qPrintable(QStringLiteral("%1 %").arg(share * 100)));

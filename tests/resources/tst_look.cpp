@@ -202,10 +202,9 @@ void TestLook::focusIsVisible()
     QTRY_VERIFY_WITH_TIMEOUT(widget->hasFocus(), 30000);
     const QImage with = drawn(*widget, 1);
     int different = 0;
-    for (int y = 0; y < with.height(); ++y) {
+    for (int y = 0; y < with.height(); ++y)
         for (int x = 0; x < with.width(); ++x)
             different += distance(with.pixelColor(x, y), without.pixelColor(x, y)) >= 60;
-    }
     QVERIFY2(different >= with.width(), qPrintable(QString::number(different)));
 }
 

@@ -26,9 +26,8 @@ public:
     {
         QDir().mkpath(folder());
         QFile file(this->file());
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
             qFatal("cannot write %s", qPrintable(file.fileName()));
-        }
     }
     QByteArray read() const { return read(file()); }
     /// The copy of the file as a run found it.

@@ -48,9 +48,8 @@ QByteArray section(int index, const QByteArray &hostname, const QByteArray &rest
 QStringList hostnames(const CameraSettings &settings)
 {
     QStringList names;
-    for (int i = 0; i < settings.count(); ++i) {
+    for (int i = 0; i < settings.count(); ++i)
         names << settings.at(i)->hostname;
-    }
     return names;
 }
 
@@ -481,9 +480,8 @@ void TestCameraSettings::fiveHundredCamerasLoad()
 {
     CameraSettings settings;
     settings.load();
-    for (int i = 0; i < 500; ++i) {
+    for (int i = 0; i < 500; ++i)
         QVERIFY(settings.addRecord(1, QString("host %1").arg(i), "u", "p", "n", i % 2));
-    }
     settings.save();
     CameraSettings again;
     again.load();
@@ -493,9 +491,8 @@ void TestCameraSettings::fiveHundredCamerasLoad()
 void TestCameraSettings::manyCamerasLoadInSensibleTime()
 {
     QByteArray file;
-    for (int i = 0; file.size() < (10 << 20); ++i) {
+    for (int i = 0; file.size() < (10 << 20); ++i)
         file += section(i, "h" + QByteArray::number(i));
-    }
     m_home->write(file);
     CameraSettings settings;
     QElapsedTimer timer;
@@ -511,9 +508,8 @@ void TestCameraSettings::randomBytesNeverHarm()
     QRandomGenerator random(42);
     for (int round = 0; round < 100; ++round) {
         QByteArray bytes = section(0, "a");
-        for (int i = random.bounded(2000); i > 0; --i) {
+        for (int i = random.bounded(2000); i > 0; --i)
             bytes.insert(random.bounded(bytes.size()), char(random.bounded(256)));
-        }
         m_home->write(bytes);
         CameraSettings settings;
         QCOMPARE(settings.load(), 0);
@@ -635,17 +631,15 @@ void TestCameraSettings::loadSaveLoadIsStable()
     const QString alphabet = QStringLiteral("ab0 =\"[]#;\\/,'");
     const auto text = [&](int least) {
         QString made;
-        for (int i = least + random.bounded(30); i > 0; --i) {
+        for (int i = least + random.bounded(30); i > 0; --i)
             made += alphabet[random.bounded(alphabet.size())];
-        }
         return made;
     };
     for (int round = 0; round < 60; ++round) {
         CameraSettings settings;
         settings.load();
-        while (settings.count() > 0) {
+        while (settings.count() > 0)
             settings.removeRecord(settings.at(0));
-        }
         for (int i = random.bounded(12); i > 0; --i) {
             settings.addRecord(random.bounded(2), text(1), text(0), text(0), text(0),
                                random.bounded(2));

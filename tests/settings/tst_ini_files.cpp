@@ -13,9 +13,8 @@ std::string randomFile(std::mt19937 &random, bool lines)
     static const std::string alphabet("=\"[]# \t\r\nab0\\;\xe9");
     const std::size_t length = random() % 600;
     std::string bytes;
-    for (std::size_t i = 0; i < length; ++i) {
+    for (std::size_t i = 0; i < length; ++i)
         bytes += lines ? alphabet[random() % alphabet.size()] : char(random());
-    }
     return bytes;
 }
 
@@ -44,9 +43,8 @@ INSTANTIATE_TEST_SUITE_P(Data, IniSamples,
 TEST_F(IniFiles, everySampleIsTested)
 {
     std::size_t samples = 0;
-    for (const auto &file : std::filesystem::directory_iterator(TEST_DATA)) {
+    for (const auto &file : std::filesystem::directory_iterator(TEST_DATA))
         samples += file.path().extension() == ".cfg";
-    }
     EXPECT_EQ(samples, 11u);
 }
 
@@ -59,9 +57,8 @@ TEST_F(IniFiles, writtenFilesAreStable)
     for (int round = 0; round < 100; ++round) {
         std::string bytes;
         for (int line = 0; line < 20; ++line) {
-            for (std::size_t i = random() % 12; i > 0; --i) {
+            for (std::size_t i = random() % 12; i > 0; --i)
                 bytes += alphabet[random() % alphabet.size()];
-            }
             bytes += '\n';
         }
         // Quotes around a key go one layer at a time, and a line "=x" becomes "x=": a few rounds.
@@ -82,9 +79,8 @@ TEST_F(IniFiles, valuesComeBackAfterWriting)
     static const std::string alphabet("=\"[]# ab0;\\\xe9");
     for (int round = 0; round < 100; ++round) {
         std::string value;
-        for (std::size_t i = random() % 40; i > 0; --i) {
+        for (std::size_t i = random() % 40; i > 0; --i)
             value += alphabet[random() % alphabet.size()];
-        }
         Store store = open(m_file, "w");
         ini_use_section(store.get(), "0");
         ASSERT_EQ(ini_set(store.get(), "PASSWORD", value.c_str()), 0);
@@ -116,31 +112,28 @@ TEST_F(IniFiles, whatIsNoPlainFileIsNotRead)
 
 TEST_F(IniFiles, fileOfTenMegabytesIsTaken)
 {
-    constexpr std::size_t Size = 10u << 20;
+    constexpr std::size_t size = 10u << 20;
     std::mt19937 random(3);
-    std::string bytes(Size, '\0');
-    for (char &byte : bytes) {
+    std::string bytes(size, '\0');
+    for (char &byte : bytes)
         byte = char(random());
-    }
     EXPECT_EQ(ini_set(loaded(bytes).get(), "k", "v"), 0);
     // One line without an end; nothing but headers; nothing but line ends.
-    EXPECT_EQ(ini_set(loaded(std::string(Size, 'x')).get(), "k", "v"), 0);
+    EXPECT_EQ(ini_set(loaded(std::string(size, 'x')).get(), "k", "v"), 0);
     std::string headers;
-    while (headers.size() < Size) {
+    while (headers.size() < size)
         headers += "[x]\n";
-    }
     const Store store = loaded(headers);
     EXPECT_EQ(ini_select_section(store.get(), "x"), 0);
     EXPECT_EQ(ini_select_section(store.get(), "y"), -1);
-    EXPECT_EQ(ini_set(loaded(std::string(Size, '\n')).get(), "k", "v"), 0);
+    EXPECT_EQ(ini_set(loaded(std::string(size, '\n')).get(), "k", "v"), 0);
 }
 
 TEST_F(IniFiles, hundredThousandNumberedSectionsAreReadInTurn)
 {
     std::string bytes;
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < 100000; ++i)
         bytes += "[" + std::to_string(i) + "]\nHOSTNAME=" + std::to_string(i) + "\n";
-    }
     const Store store = loaded(bytes);
     for (int i = 0; i < 100000; ++i) {
         ASSERT_EQ(ini_select_section(store.get(), std::to_string(i).c_str()), 0);

@@ -278,9 +278,8 @@ TEST_F(IniStore, nextEntryVisitsEveryLineAndSelectingStartsAgain)
         std::string seen;
         const char *key = nullptr;
         const char *value = nullptr;
-        while (ini_next_entry(store.get(), &key, &value) == 0) {
+        while (ini_next_entry(store.get(), &key, &value) == 0)
             seen += std::string(key ? key : "-") + ":" + (value ? value : "-") + " ";
-        }
         return seen;
     };
     EXPECT_EQ(visit(), "-:- a:1 -:- b:- ");
@@ -306,9 +305,8 @@ TEST_F(IniStore, nextSectionWalksInFileOrder)
     const Store store = loaded("[b]\n[a]\n[b]\n");
     std::string seen;
     const char *name = nullptr;
-    while (ini_next_section(store.get(), &name) == 0) {
+    while (ini_next_section(store.get(), &name) == 0)
         seen += name;
-    }
     EXPECT_EQ(seen, "bab");
 }
 
@@ -336,14 +334,12 @@ TEST_F(IniStore, manySectionsAreFoundInTheirPlace)
         ASSERT_EQ(ini_use_section(store.get(), std::to_string(i).c_str()), 0);
         ASSERT_EQ(ini_set(store.get(), "k", std::to_string(i).c_str()), 0);
     }
-    for (int i = 0; i < 20000; i += 2) {
+    for (int i = 0; i < 20000; i += 2)
         ASSERT_EQ(ini_delete_section(store.get(), std::to_string(i).c_str()), 0);
-    }
     for (int i = 0; i < 20000; ++i) {
         ASSERT_EQ(ini_select_section(store.get(), std::to_string(i).c_str()), i % 2 ? 0 : -1);
-        if (i % 2) {
+        if (i % 2)
             ASSERT_EQ(ini_get_string(store.get(), "k"), std::to_string(i));
-        }
     }
 }
 

@@ -75,9 +75,8 @@ mode_t permissions(const std::filesystem::path &path)
 std::string uniform(char letter)
 {
     std::string bytes;
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < 2000; ++i)
         bytes += "k" + std::to_string(i) + "=" + std::string(60, letter) + "\n";
-    }
     return bytes;
 }
 
@@ -379,9 +378,8 @@ TEST_F(IniWriting, killInTheMiddleLeavesOldOrNewWhole)
     for (int round = 0; round < 60; ++round) {
         const pid_t child = fork();
         ASSERT_GE(child, 0);
-        if (child == 0) {
+        if (child == 0)
             writeForEver(m_file);
-        }
         // A new file beside the old one shows that the child is in the middle of writing.
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         for (int seen = 0; seen <= round % 5 && std::chrono::steady_clock::now() < deadline;) {

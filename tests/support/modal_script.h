@@ -23,12 +23,11 @@ class ModalScript : public QObject
 public:
     ModalScript()
     {
-        for (QWidget *window : QApplication::topLevelWidgets()) {
+        for (QWidget *window : QApplication::topLevelWidgets())
             if (window->isModal() && window->isVisible())
                 m_known.append(window);
-        }
         connect(&m_timer, &QTimer::timeout, this, &ModalScript::look);
-        m_timer.start(kInterval);
+        m_timer.start(interval);
         m_sinceStep.start();
     }
 
@@ -68,7 +67,7 @@ private:
         QWidget *modal = QApplication::activeModalWidget();
         if (!modal || !modal->isVisible())
             return;
-        if (m_sinceStep.hasExpired(kPatience) && !QTest::currentTestFailed())
+        if (m_sinceStep.hasExpired(patience) && !QTest::currentTestFailed())
             QTest::qFail("a window is open and what should close it does not come", __FILE__,
                          __LINE__);
         // The test waits behind the window: after a failed check nobody else would close it.
@@ -97,8 +96,8 @@ private:
         --m_running;
     }
 
-    static constexpr int kInterval = 5;       // milliseconds
-    static constexpr int kPatience = 120'000; // milliseconds; a step may wait for a camera
+    static constexpr int interval = 5;       // milliseconds
+    static constexpr int patience = 120'000; // milliseconds; a step may wait for a camera
 
     QTimer m_timer;
     QElapsedTimer m_sinceStep;

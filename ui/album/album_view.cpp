@@ -171,10 +171,10 @@ void AlbumView::showStatus()
         m_status->clear();
         return;
     }
-    QString text = m_current->fileName() + QLatin1String(StatusGap) +
+    QString text = m_current->fileName() + QLatin1String(statusGap) +
                    scaledSizeText(m_picture, m_box->layout().videoRect.width());
     if (!m_note.isEmpty())
-        text += QLatin1String(StatusGap) + m_note;
+        text += QLatin1String(statusGap) + m_note;
     m_status->setText(text);
 }
 

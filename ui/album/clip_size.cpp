@@ -10,12 +10,12 @@ namespace zelvaro {
 namespace {
 
 // A file of ours has a handful of boxes on each level.
-constexpr int MostBoxes = 1000;
+constexpr int mostBoxes = 1000;
 
 // Fields of a sample entry, from the start of its box.
-constexpr qint64 FirstEntry = 16; // in the box of descriptions
-constexpr qint64 EntryWidth = 32;
-constexpr qint64 EntryHeight = 34;
+constexpr qint64 firstEntry = 16; // in the box of descriptions
+constexpr qint64 entryWidth = 32;
+constexpr qint64 entryHeight = 34;
 
 struct Box
 {
@@ -61,7 +61,7 @@ std::optional<Box> boxAt(QFile &file, qint64 start, qint64 end)
 /// The first box of that type, from a position on.
 std::optional<Box> findBox(QFile &file, const char *type, qint64 from, qint64 end)
 {
-    for (int i = 0; i < MostBoxes && from < end; ++i) {
+    for (int i = 0; i < mostBoxes && from < end; ++i) {
         const auto box = boxAt(file, from, end);
         if (!box || box->type == type)
             return box;
@@ -81,10 +81,10 @@ QSize trackSize(QFile &file, const Box &track)
         if (!box)
             return {};
     }
-    const qint64 entry = box->start + FirstEntry;
-    const auto width = number(file, entry + EntryWidth, 2);
-    const auto height = number(file, entry + EntryHeight, 2);
-    if (!width || !height || entry + EntryHeight + 2 > box->end)
+    const qint64 entry = box->start + firstEntry;
+    const auto width = number(file, entry + entryWidth, 2);
+    const auto height = number(file, entry + entryHeight, 2);
+    if (!width || !height || entry + entryHeight + 2 > box->end)
         return {};
     return {static_cast<int>(*width), static_cast<int>(*height)};
 }
@@ -100,7 +100,7 @@ QSize clipSize(const QString &fileName)
     if (!movie)
         return {};
     qint64 from = movie->content;
-    for (int i = 0; i < MostBoxes; ++i) {
+    for (int i = 0; i < mostBoxes; ++i) {
         const auto track = findBox(file, "trak", from, movie->end);
         if (!track)
             break;

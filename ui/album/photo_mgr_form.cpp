@@ -48,7 +48,6 @@ void CPhotoMgrForm::slotCameraItemChanged()
     if (current.row() < 0)
         return;
     zelvaro::markCurrentCamera(m_model, current.row());
-    m_ui->framePhotoMgr->setCamera(
-        current.data(zelvaro::kCameraListPointerRole).value<CCamera *>());
+    m_ui->framePhotoMgr->setCamera(current.data(zelvaro::cameraListPointerRole).value<CCamera *>());
     m_ui->framePhotoMgr->refill();
 }

@@ -1,11 +1,11 @@
 #include "ui/album/photo_mgr_frame.h"
 
-#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "settings/camera_settings.h"
 #include "settings/developer_check.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/common/album_files.h"
+#include "ui/common/message_box.h"
 #include "ui/common/windowless.h"
 
 #include <QDir>
@@ -16,24 +16,24 @@
 
 namespace {
 
-constexpr int kThumbInterval = 100; // milliseconds between two thumbnails
-constexpr int kLoadInterval = 5;    // milliseconds for input between two pictures that come back
-constexpr int kSpacing = 20;        // pixels between tiles
-constexpr int kColumnWidth = 220;   // pixels that a column needs
+constexpr int thumbInterval = 100; // milliseconds between two thumbnails
+constexpr int loadInterval = 5;    // milliseconds for input between two pictures that come back
+constexpr int spacing = 20;        // pixels between tiles
+constexpr int columnWidth = 220;   // pixels that a column needs
 // A row out of sight on either side is kept ready for a short scroll and for the Tab key.
-constexpr int kRowsAhead = 1;
+constexpr int rowsAhead = 1;
 
 } // namespace
 
 CPhotoMgrFrame::CPhotoMgrFrame(QWidget *parent)
     : QWidget(parent)
-    , m_grid(zelvaro::makeTileLayout(this, kSpacing))
+    , m_grid(zelvaro::makeTileLayout(this, spacing))
 {
     m_timer.setSingleShot(true);
-    m_timer.setInterval(kThumbInterval);
+    m_timer.setInterval(thumbInterval);
     connect(&m_timer, &QTimer::timeout, this, &CPhotoMgrFrame::slotTimer);
     m_loadTimer.setSingleShot(true);
-    m_loadTimer.setInterval(kLoadInterval);
+    m_loadTimer.setInterval(loadInterval);
     connect(&m_loadTimer, &QTimer::timeout, this, &CPhotoMgrFrame::loadDueThumbnail);
     followViewport();
 }
@@ -47,7 +47,7 @@ void CPhotoMgrFrame::refill()
         return;
     const QDir folder(CameraSettings::instance().cameraFolder(m_camera->hostname()));
     const QStringList names =
-        folder.entryList({QLatin1String(m_videoMode ? zelvaro::ClipFilter : zelvaro::PhotoFilter)},
+        folder.entryList({QLatin1String(m_videoMode ? zelvaro::clipFilter : zelvaro::photoFilter)},
                          QDir::Files | QDir::NoSymLinks);
     const QString path = folder.absolutePath() + QLatin1Char('/');
     for (const QString &name : names)
@@ -82,7 +82,7 @@ void CPhotoMgrFrame::addTile(const QString &fileName, const QString &folder)
 int CPhotoMgrFrame::columns() const
 {
     const QWidget *seen = parentWidget() ? parentWidget() : this;
-    return std::max(seen->width() / kColumnWidth, 1);
+    return std::max(seen->width() / columnWidth, 1);
 }
 
 void CPhotoMgrFrame::layoutTiles()
@@ -101,11 +101,11 @@ void CPhotoMgrFrame::showNearTiles()
     if (!isVisible())
         return; // it comes back here when it is shown
     const zelvaro::Windowless tiles;
-    constexpr int RowHeight = CPhotoMgrItemForm::Height + kSpacing;
+    constexpr int rowHeight = CPhotoMgrItemForm::Height + spacing;
     const int top = parentWidget() ? -y() : 0;
     const int bottom = top + (parentWidget() ? parentWidget()->height() : height());
-    const int firstRow = top / RowHeight - kRowsAhead;
-    const int lastRow = bottom / RowHeight + kRowsAhead;
+    const int firstRow = top / rowHeight - rowsAhead;
+    const int lastRow = bottom / rowHeight + rowsAhead;
     int firstBare = -1;
     for (int i = 0; i < m_tiles.size(); ++i) {
         CPhotoMgrItemForm *tile = m_tiles.at(i);

@@ -8,7 +8,7 @@
 
 namespace {
 
-const QString kFrameHovered = QStringLiteral(
+const QString frameHovered = QStringLiteral(
     "QFrame#framePhotoItemBk{border-image:url(:/images/cameraitem/cameraitemframe_hover.png) 8 12 "
     "14 10;border-top-width:4px;border-right-width:6px;border-bottom-width:7px;"
     "border-left-width:5px;}");
@@ -96,5 +96,5 @@ void CPhotoMgrItemForm::slotPlay()
 void CPhotoMgrItemForm::showFocus(bool focused)
 {
     if (m_ui)
-        m_ui->framePhotoItemBk->setStyleSheet(focused ? kFrameHovered : QString());
+        m_ui->framePhotoItemBk->setStyleSheet(focused ? frameHovered : QString());
 }

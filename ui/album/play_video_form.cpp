@@ -12,9 +12,9 @@
 
 namespace {
 
-constexpr QSize kUnknownSize(640, 480); // until the recording's own is known
-constexpr int kStartDelay = 100;        // milliseconds
-constexpr int kStartLimit = 5000;       // milliseconds until a recording must be playing
+constexpr QSize unknownSize(640, 480); // until the recording's own is known
+constexpr int startDelay = 100;        // milliseconds
+constexpr int startLimit = 5000;       // milliseconds until a recording must be playing
 
 } // namespace
 
@@ -29,10 +29,10 @@ CPlayVideoForm::CPlayVideoForm(QWidget *parent)
     m_ui->sliderSeek->setTracking(false);
 
     m_startTimer.setSingleShot(true);
-    m_startTimer.setInterval(kStartDelay);
+    m_startTimer.setInterval(startDelay);
     connect(&m_startTimer, &QTimer::timeout, this, &CPlayVideoForm::slotPlay);
     m_watchTimer.setSingleShot(true);
-    m_watchTimer.setInterval(kStartLimit);
+    m_watchTimer.setInterval(startLimit);
     connect(&m_watchTimer, &QTimer::timeout, this, &CPlayVideoForm::watchStart);
 
     connect(m_ui->btnPlay, &QToolButton::clicked, this, &CPlayVideoForm::slotPlay);
@@ -68,8 +68,8 @@ void CPlayVideoForm::showVideo(CPhotoMgrItemForm *tile)
 {
     stopPlayer();
     showPlaying(false);
-    m_ui->framePlayer->setVideoSize(kUnknownSize);
-    setCurrent(tile, kUnknownSize);
+    m_ui->framePlayer->setVideoSize(unknownSize);
+    setCurrent(tile, unknownSize);
     m_startTimer.start();
     m_ui->framePlayer->setFocus();
 }

@@ -6,18 +6,18 @@ namespace zelvaro {
 
 namespace {
 
-constexpr int MostSegments = 1000; // a photo has a dozen before its frame header
+constexpr int mostSegments = 1000; // a photo has a dozen before its frame header
 
 // Marker codes, the second byte behind an 0xFF.
-constexpr uchar StartOfImage = 0xD8;
-constexpr uchar StartOfScan = 0xDA;
-constexpr uchar FirstFrameHeader = 0xC0;
-constexpr uchar LastFrameHeader = 0xCF;
+constexpr uchar startOfImage = 0xD8;
+constexpr uchar startOfScan = 0xDA;
+constexpr uchar firstFrameHeader = 0xC0;
+constexpr uchar lastFrameHeader = 0xCF;
 
 /// Three codes among those of the frame headers stand for tables.
 bool isFrameHeader(uchar marker)
 {
-    return marker >= FirstFrameHeader && marker <= LastFrameHeader && marker != 0xC4 &&
+    return marker >= firstFrameHeader && marker <= lastFrameHeader && marker != 0xC4 &&
            marker != 0xC8 && marker != 0xCC;
 }
 
@@ -33,10 +33,9 @@ uchar nextMarker(QFile &file)
     char byte = 0;
     if (!file.getChar(&byte) || static_cast<uchar>(byte) != 0xFF)
         return 0;
-    while (static_cast<uchar>(byte) == 0xFF) { // any number of fill bytes
+    while (static_cast<uchar>(byte) == 0xFF) // any number of fill bytes
         if (!file.getChar(&byte))
             return 0;
-    }
     return static_cast<uchar>(byte);
 }
 
@@ -54,13 +53,13 @@ bool skipSegment(QFile &file)
 bool isProgressiveJpeg(const QString &fileName)
 {
     QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly) || nextMarker(file) != StartOfImage)
+    if (!file.open(QIODevice::ReadOnly) || nextMarker(file) != startOfImage)
         return false;
-    for (int i = 0; i < MostSegments; ++i) {
+    for (int i = 0; i < mostSegments; ++i) {
         const uchar marker = nextMarker(file);
         if (isFrameHeader(marker))
             return isProgressive(marker);
-        if (marker == 0 || marker == StartOfScan || !skipSegment(file))
+        if (marker == 0 || marker == startOfScan || !skipSegment(file))
             return false;
     }
     return false;

@@ -14,15 +14,15 @@ namespace zelvaro {
 namespace {
 
 // A JPEG in one scan is made smaller while it is read; all else is held whole before.
-constexpr qint64 MostPixels = 32'000'000;
-constexpr qint64 MostScannedPixels = 120'000'000;
+constexpr qint64 mostPixels = 32'000'000;
+constexpr qint64 mostScannedPixels = 120'000'000;
 
 bool mayDecode(const QImageReader &reader, QSize size)
 {
     const qint64 pixels = static_cast<qint64>(size.width()) * size.height();
-    if (pixels <= MostPixels)
+    if (pixels <= mostPixels)
         return pixels > 0;
-    return pixels <= MostScannedPixels && reader.format() == "jpeg" &&
+    return pixels <= mostScannedPixels && reader.format() == "jpeg" &&
            !isProgressiveJpeg(reader.fileName());
 }
 

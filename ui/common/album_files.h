@@ -15,10 +15,10 @@ using Clock = std::function<QDateTime()>;
 QDateTime localTime();
 
 /// Size in bytes at which a clip is closed and the next one begun.
-constexpr int RecordingLimit = 104857600;
+constexpr int recordingLimit = 104857600;
 
-constexpr char PhotoFilter[] = "*.jpg";
-constexpr char ClipFilter[] = "*.mp4";
+constexpr char photoFilter[] = "*.jpg";
+constexpr char clipFilter[] = "*.mp4";
 
 /// Makes a camera's folder, with all its parents, when it is missing. A failure shows when a file
 /// is written into it.

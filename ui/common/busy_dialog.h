@@ -34,9 +34,8 @@ bool runBusy(QWidget *parent, const QString &text, Sender *sender, Signal finish
     QObject::connect(sender, finished, &dialog, &QProgressDialog::cancel);
     QObject::connect(sender, &QObject::destroyed, &dialog, &QProgressDialog::cancel);
     const bool started = start();
-    if (started) {
+    if (started)
         dialog.exec();
-    }
     return started;
 }
 

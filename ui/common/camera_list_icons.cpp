@@ -19,7 +19,7 @@ QStandardItem *makeCameraListItem(const QString &text, const QVariant &pointer)
 {
     auto *item = new QStandardItem(plainIcon(), text);
     item->setToolTip(plainToolTip(text)); // a list may be too narrow for it
-    item->setData(pointer, kCameraListPointerRole);
+    item->setData(pointer, cameraListPointerRole);
     return item;
 }
 

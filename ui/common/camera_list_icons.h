@@ -7,7 +7,7 @@
 namespace zelvaro {
 
 /// Role under which a row of a camera list keeps the pointer to what it stands for.
-constexpr int kCameraListPointerRole = Qt::UserRole + 1;
+constexpr int cameraListPointerRole = Qt::UserRole + 1;
 
 /// A row of a camera list: the camera icon, the text, and the pointer that it stands for.
 /// The model that it is appended to takes ownership.

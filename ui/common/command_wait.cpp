@@ -16,9 +16,8 @@ bool runCommands(QWidget *parent, CCameraCore *camera, const QString &text,
         camera->issue_conf_commands(requests);
         return true;
     });
-    if (session) {
+    if (session)
         QObject::disconnect(camera, &CCameraCore::signalP2PConfFinished, nullptr, nullptr);
-    }
     return !session.isNull();
 }
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kWrapWidth = 360; // pixels; longer texts are wrapped
+constexpr int wrapWidth = 360; // pixels; longer texts are wrapped
 
 QPixmap iconOf(int kind)
 {
@@ -76,6 +76,6 @@ void CMessageBox::fitToText(const QString &text)
         longestWord = qMax(longestWord, metrics.horizontalAdvance(word));
     const int natural = metrics.size(0, text).width();
     const int screenLimit = QGuiApplication::primaryScreen()->availableGeometry().width() * 3 / 4;
-    const int width = qMin(qMax(longestWord, qMin(natural, kWrapWidth)), screenLimit);
+    const int width = qMin(qMax(longestWord, qMin(natural, wrapWidth)), screenLimit);
     m_ui->labelMessage->setMinimumWidth(width + metrics.averageCharWidth());
 }

@@ -130,10 +130,12 @@ void PictureBox::showFullScreen()
 
 void PictureBox::markFocusOn(QWidget *strip)
 {
-    connect(this, &PictureBox::focusChanged, strip, [strip](bool focused) {
-        strip->setProperty("pictureFocused", focused);
-        strip->setStyleSheet(strip->styleSheet()); // a property alone does not style it anew
-    });
+    connect(
+        this, &PictureBox::focusChanged, strip,
+        [strip](bool focused) {
+            strip->setProperty("pictureFocused", focused);
+            strip->setStyleSheet(strip->styleSheet()); // a property alone does not style it anew
+        });
 }
 
 bool PictureBox::eventFilter(QObject *watched, QEvent *event)

@@ -26,7 +26,7 @@ public:
     /// As last calculated; empty rectangles before.
     const PictureLayout &layout() const { return m_layout; }
 
-    void resetZoom() { m_layout.zoom = NaturalZoom; }
+    void resetZoom() { m_layout.zoom = naturalZoom; }
     void zoomIn() { m_layout.zoom = zoomedIn(m_layout.zoom); }
     void zoomOut() { m_layout.zoom = zoomedOut(m_layout.zoom); }
 

@@ -7,29 +7,29 @@ namespace zelvaro {
 
 namespace {
 
-constexpr std::array Ladder{800, 600, 500, 400, 300, 200, 150, 125,
+constexpr std::array ladder{800, 600, 500, 400, 300, 200, 150, 125,
                             100, 75,  60,  50,  40,  25,  20,  10};
 
 // What stays free around the picture, for its border and for the strip under it.
-constexpr int FreeSide = 15;
-constexpr int FreeBelow = 33;
+constexpr int freeSide = 15;
+constexpr int freeBelow = 33;
 
-constexpr int BorderLeft = 6;
-constexpr int BorderTop = 5;
-constexpr int BorderRight = 7;
-constexpr int BorderBelow = 26;
+constexpr int borderLeft = 6;
+constexpr int borderTop = 5;
+constexpr int borderRight = 7;
+constexpr int borderBelow = 26;
 
 // A picture is shown one step larger while zoom times side, which is 100 times the pixels shown, is
 // not above this.
-constexpr qint64 TinySide = 9999;
+constexpr qint64 tinySide = 9999;
 
 // Larger than any widget. A picture a thousand times as high as it is wide, in an area that is
 // smaller than its margins, comes out beyond what a coordinate holds.
-constexpr qint64 CoordinateLimit = 1 << 24;
+constexpr qint64 coordinateLimit = 1 << 24;
 
 int toCoordinate(qint64 value)
 {
-    return static_cast<int>(std::clamp(value, -CoordinateLimit, CoordinateLimit));
+    return static_cast<int>(std::clamp(value, -coordinateLimit, coordinateLimit));
 }
 
 qint64 scaled(int zoom, int side)
@@ -68,15 +68,15 @@ void fit(PictureLayout &layout, QSize picture)
 int zoomedIn(int zoom)
 {
     const auto step =
-        std::find_if(Ladder.begin() + 1, Ladder.end(), [zoom](int entry) { return entry <= zoom; });
-    return step == Ladder.end() ? zoom : *(step - 1);
+        std::find_if(ladder.begin() + 1, ladder.end(), [zoom](int entry) { return entry <= zoom; });
+    return step == ladder.end() ? zoom : *(step - 1);
 }
 
 int zoomedOut(int zoom)
 {
-    const auto last = Ladder.end() - 1;
+    const auto last = ladder.end() - 1;
     const auto step =
-        std::find_if(Ladder.begin(), last, [zoom](int entry) { return entry <= zoom; });
+        std::find_if(ladder.begin(), last, [zoom](int entry) { return entry <= zoom; });
     if (step == last)
         return zoom < *last ? zoom : *last;
     return *step == zoom ? *(step + 1) : *step;
@@ -86,8 +86,8 @@ PictureLayout layoutPicture(QSize area, QSize picture, int zoom)
 {
     PictureLayout layout;
     layout.zoom = zoom;
-    layout.clientRect.setCoords(FreeSide, FreeSide, area.width() - 1 - FreeSide,
-                                area.height() - 1 - FreeBelow);
+    layout.clientRect.setCoords(freeSide, freeSide, area.width() - 1 - freeSide,
+                                area.height() - 1 - freeBelow);
     layout.hasPicture = picture.width() > 0 && picture.height() > 0;
 
     if (!layout.hasPicture) {
@@ -97,13 +97,13 @@ PictureLayout layoutPicture(QSize area, QSize picture, int zoom)
         fit(layout, picture);
     } else {
         const qint64 shorter = std::min(picture.width(), picture.height());
-        if (zoom * shorter <= TinySide)
+        if (zoom * shorter <= tinySide)
             layout.zoom = zoomedIn(zoom);
         layout.videoRect = centred(layout.clientRect, scaled(layout.zoom, picture.width()),
                                    scaled(layout.zoom, picture.height()));
     }
 
-    layout.frameRect = layout.videoRect.adjusted(-BorderLeft, -BorderTop, BorderRight, BorderBelow);
+    layout.frameRect = layout.videoRect.adjusted(-borderLeft, -borderTop, borderRight, borderBelow);
     return layout;
 }
 

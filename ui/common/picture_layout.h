@@ -9,7 +9,7 @@
 namespace zelvaro {
 
 /// Zoom in percent of the picture's own size that every picture starts at.
-constexpr int NaturalZoom = 100;
+constexpr int naturalZoom = 100;
 
 /// One step up the ladder 10, 20, 25, 40 ... 800 percent; a zoom between two steps goes to the one
 /// above it. 800 stays, and so does anything below 10.
@@ -20,7 +20,7 @@ int zoomedOut(int zoom);
 /// Result of layoutPicture. Rectangles have inclusive corners, in pixels of the area.
 struct PictureLayout
 {
-    int zoom = NaturalZoom; ///< percent; differs from the wish when the picture was fitted
+    int zoom = naturalZoom; ///< percent; differs from the wish when the picture was fitted
     QRect clientRect;       ///< what the area offers to a picture
     QRect videoRect;        ///< the picture itself
     QRect frameRect;        ///< the picture with its border and the strip under it

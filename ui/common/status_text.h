@@ -8,7 +8,7 @@
 namespace zelvaro {
 
 /// What stands between two pieces of a status line.
-constexpr char StatusGap[] = "  ";
+constexpr char statusGap[] = "  ";
 
 /// "1280x720"
 QString sizeText(QSize picture);

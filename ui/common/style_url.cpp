@@ -9,10 +9,10 @@ namespace {
 // A safe part of what the style-sheet scanner takes in an address without quotes.
 bool isBare(QChar c)
 {
-    static const QString Marks = QStringLiteral("-./:_~+,=@");
+    static const QString marks = QStringLiteral("-./:_~+,=@");
     const ushort code = c.unicode();
     return (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z') ||
-           (code >= 'a' && code <= 'z') || Marks.contains(c);
+           (code >= 'a' && code <= 'z') || marks.contains(c);
 }
 
 QString escaped(QChar c)

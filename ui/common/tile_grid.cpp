@@ -7,7 +7,7 @@
 namespace zelvaro {
 
 namespace {
-constexpr int SlackStretch = 10;
+constexpr int slackStretch = 10;
 }
 
 QGridLayout *makeTileLayout(QWidget *page, int spacing)
@@ -30,16 +30,15 @@ void TileGrid::place(const QWidgetList &tiles, int columns, int trailing)
     }
     m_slackColumn = columns;
     m_slackRow = (static_cast<int>(tiles.size()) - trailing) / columns + 1;
-    m_layout->setColumnStretch(m_slackColumn, SlackStretch);
-    m_layout->setRowStretch(m_slackRow, SlackStretch);
+    m_layout->setColumnStretch(m_slackColumn, slackStretch);
+    m_layout->setRowStretch(m_slackRow, slackStretch);
 }
 
 void TileGrid::takeOut()
 {
-    for (const QPointer<QWidget> &tile : qAsConst(m_placed)) {
+    for (const QPointer<QWidget> &tile : qAsConst(m_placed))
         if (tile)
             m_layout->removeWidget(tile);
-    }
     m_placed.clear();
     // A column that took the slack of a narrower grid would tear a wider one apart.
     if (m_slackColumn >= 0)

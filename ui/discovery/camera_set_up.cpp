@@ -1,8 +1,8 @@
 #include "ui/discovery/camera_set_up.h"
 
-#include "ui/common/message_box.h"
 #include "settings/developer_check.h"
 #include "ui/common/busy_dialog.h"
+#include "ui/common/message_box.h"
 #include "ui/discovery/address_edit.h"
 #include "ui/discovery/device_records.h"
 #include "ui/discovery/search_camera_list_form.h"

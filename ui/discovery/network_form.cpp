@@ -9,7 +9,7 @@ namespace zelvaro {
 
 namespace {
 
-constexpr int kLongestText = 50; // characters of a device name or location
+constexpr int longestText = 50; // characters of a device name or location
 
 bool isPrintable(const QString &text)
 {
@@ -20,9 +20,11 @@ bool isPrintable(const QString &text)
 
 bool hasOnlyDigits(const QString &text)
 {
-    return std::all_of(text.begin(), text.end(), [](QChar character) {
-        return character >= QLatin1Char('0') && character <= QLatin1Char('9');
-    });
+    return std::all_of(
+        text.begin(), text.end(),
+        [](QChar character) {
+            return character >= QLatin1Char('0') && character <= QLatin1Char('9');
+        });
 }
 
 } // namespace
@@ -37,16 +39,15 @@ quint32 contiguousMask(quint32 mask)
     return shift == 32 ? 0xFFFFFFFFU : 0xFFFFFFFFU << (32 - shift);
 }
 
-std::optional<QString> NetworkFormCheck::store(const NetworkForm &input,
-                                                        ndcp_device &record)
+std::optional<QString> NetworkFormCheck::store(const NetworkForm &input, ndcp_device &record)
 {
     if (!isPrintable(input.deviceName))
         return tr("Device Name input invalid!");
-    if (input.deviceName.length() > kLongestText)
+    if (input.deviceName.length() > longestText)
         return tr("Device Name is too long!");
     if (!isPrintable(input.location))
         return tr("Location input invalid!");
-    if (input.location.length() > kLongestText)
+    if (input.location.length() > longestText)
         return tr("Location is too long!");
     if (!hasOnlyDigits(input.httpPort))
         return tr("Http Port input invalid!");

@@ -1,7 +1,7 @@
 #include "ui/discovery/search_camera_form.h"
 
-#include "ui/common/message_box.h"
 #include "ui/common/camera_list_icons.h"
+#include "ui/common/message_box.h"
 #include "ui_search_camera_form.h"
 
 #include <QDebug>
@@ -65,7 +65,7 @@ void CSearchCameraForm::slotCameraItemChanged()
 void CSearchCameraForm::slotOK()
 {
     const QModelIndex current = m_ui->listCameraList->currentIndex();
-    const auto *record = current.data(zelvaro::kCameraListPointerRole).value<ndcp_device *>();
+    const auto *record = current.data(zelvaro::cameraListPointerRole).value<ndcp_device *>();
     if (record == nullptr) {
         CMessageBox(CMessageBox::Error, tr("Error"), tr("Please select a camera."), QMessageBox::Ok,
                     this)

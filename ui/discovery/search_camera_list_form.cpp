@@ -1,10 +1,10 @@
 #include "ui/discovery/search_camera_list_form.h"
 
-#include "ui/common/message_box.h"
 #include "settings/developer_check.h"
 #include "ui/common/busy_dialog.h"
 #include "ui/common/camera_list_icons.h"
 #include "ui/common/desktop.h"
+#include "ui/common/message_box.h"
 #include "ui/common/tool_tip.h"
 #include "ui/discovery/camera_set_up.h"
 #include "ui_search_camera_list_form.h"
@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int kLeastColumnWidth = 80; // pixels; narrower ones would cut their headings
+constexpr int leastColumnWidth = 80; // pixels; narrower ones would cut their headings
 
 } // namespace
 
@@ -31,7 +31,7 @@ CSearchCameraListForm::CSearchCameraListForm(QWidget *parent)
         {tr("Model"), tr("Name"), tr("Location"), tr("IP"), tr("Port"), tr("MAC"), tr("P2P UID")});
     m_ui->tableView->setModel(&m_model);
     m_ui->tableView->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    m_ui->tableView->horizontalHeader()->setMinimumSectionSize(kLeastColumnWidth);
+    m_ui->tableView->horizontalHeader()->setMinimumSectionSize(leastColumnWidth);
 
     noteWhenEmpty();
 
@@ -62,9 +62,9 @@ void CSearchCameraListForm::noteWhenEmpty()
 
 void CSearchCameraListForm::slotSearch()
 {
-    zelvaro::runBusy(this, tr("Please wait for search camera..."), this,
-                     &CSearchCameraListForm::signalSearchFinished,
-                     [this] { return m_client.discover(); });
+    zelvaro::runBusy(
+        this, tr("Please wait for search camera..."), this,
+        &CSearchCameraListForm::signalSearchFinished, [this] { return m_client.discover(); });
 }
 
 void CSearchCameraListForm::slotNDCPEvent(int nMsg, int nErrorCode)
@@ -107,13 +107,13 @@ void CSearchCameraListForm::appendRow(ndcp_device *record)
         item->setToolTip(zelvaro::plainToolTip(text));
         row.append(item);
     }
-    row.first()->setData(QVariant::fromValue(record), zelvaro::kCameraListPointerRole);
+    row.first()->setData(QVariant::fromValue(record), zelvaro::cameraListPointerRole);
     m_model.appendRow(row);
 }
 
 ndcp_device *CSearchCameraListForm::recordOf(const QModelIndex &index) const
 {
-    return index.siblingAtColumn(0).data(zelvaro::kCameraListPointerRole).value<ndcp_device *>();
+    return index.siblingAtColumn(0).data(zelvaro::cameraListPointerRole).value<ndcp_device *>();
 }
 
 ndcp_device *CSearchCameraListForm::selectedRecord()

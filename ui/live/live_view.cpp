@@ -16,8 +16,8 @@ namespace {
 Q_LOGGING_CATEGORY(liveLog, "zelvaro.live")
 
 // Reports between two thumbnails, and from the start of a stream to its first one.
-constexpr int ThumbnailPeriod = 60;
-constexpr int FirstThumbnail = 3;
+constexpr int thumbnailPeriod = 60;
+constexpr int firstThumbnail = 3;
 
 } // namespace
 
@@ -90,7 +90,7 @@ void LiveView::report()
             layOutStream();
         if (m_thumbnailCountdown < 1) {
             m_camera->take_thumb();
-            m_thumbnailCountdown = ThumbnailPeriod;
+            m_thumbnailCountdown = thumbnailPeriod;
         } else {
             --m_thumbnailCountdown;
         }
@@ -104,7 +104,7 @@ void LiveView::streamChanged()
     if (isPlaying()) {
         applyVolume();
         applyRecording();
-        m_thumbnailCountdown = FirstThumbnail;
+        m_thumbnailCountdown = firstThumbnail;
         layOutStream();
     } else {
         m_box.resetZoom();
@@ -221,7 +221,7 @@ void LiveView::applyRecording()
     if (m_recording && !writing) {
         const QString base = recordingBase(madeFolder(), m_clock());
         m_camera->snapshot(clipStill(clipFile(base)));
-        m_camera->begin_writing(base, RecordingLimit);
+        m_camera->begin_writing(base, recordingLimit);
     } else if (!m_recording && writing) {
         m_camera->end_writing();
     }
@@ -245,7 +245,7 @@ void LiveView::showStatus()
     const QString first = m_statusSize == StatusSize::Scaled
                               ? scaledSizeText(size, m_box.layout().videoRect.width())
                               : sizeText(size);
-    showStatusText(first + QLatin1String(StatusGap) +
+    showStatusText(first + QLatin1String(statusGap) +
                    rateText(m_camera->get_frame_rate(), m_camera->get_bit_rate()));
 }
 

@@ -1,8 +1,8 @@
 #include "ui/live/multi_live_form.h"
 
-#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "settings/camera_record.h"
+#include "ui/common/message_box.h"
 #include "ui/common/page_host.h"
 #include "ui/live/live_view.h"
 #include "ui/live/multi_live_item_form.h"
@@ -17,8 +17,8 @@ CMultiLiveForm::CMultiLiveForm(QWidget *parent, zelvaro::Clock clock)
 {
     m_ui->setupUi(this);
     m_ui->frameMultiLive->setClock(std::move(clock));
-    m_ui->sliderVolume->setRange(0, zelvaro::MaxVolume);
-    m_ui->sliderVolume->setValue(zelvaro::NaturalVolume);
+    m_ui->sliderVolume->setRange(0, zelvaro::maxVolume);
+    m_ui->sliderVolume->setValue(zelvaro::naturalVolume);
 
     connect(m_ui->btnSelect, &QToolButton::clicked, this, &CMultiLiveForm::slotSelect);
     connect(m_ui->btnSnapshot, &QToolButton::clicked, this, &CMultiLiveForm::slotSnapshot);

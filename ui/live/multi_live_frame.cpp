@@ -12,12 +12,12 @@
 
 namespace {
 
-constexpr int Spacing = 10;
+constexpr int spacing = 10;
 // With the border of the well around the grid as wide as the spacing.
-constexpr int Margin = 4;
+constexpr int margin = 4;
 // What a tile leaves free of its cell, for the spacing and the margins of the grid.
-constexpr int CellFreeWidth = 20;
-constexpr int CellFreeHeight = 30;
+constexpr int cellFreeWidth = 20;
+constexpr int cellFreeHeight = 30;
 
 } // namespace
 
@@ -132,10 +132,10 @@ void CMultiLiveFrame::layOutGrid()
     m_shape = zelvaro::gridShape(parentWidget() ? parentWidget()->size() : size(),
                                  static_cast<int>(m_tiles.size()));
     m_layout = new QGridLayout(this);
-    m_layout->setSpacing(Spacing);
-    m_layout->setContentsMargins(Margin, Margin, Margin, Margin);
+    m_layout->setSpacing(spacing);
+    m_layout->setContentsMargins(margin, margin, margin, margin);
     const QSize tileSize =
-        QSize(m_shape.width - CellFreeWidth, m_shape.height - CellFreeHeight).expandedTo({0, 0});
+        QSize(m_shape.width - cellFreeWidth, m_shape.height - cellFreeHeight).expandedTo({0, 0});
     for (int i = 0; i < m_tiles.size(); ++i) {
         QWidget *tile = m_tiles.at(i);
         tile->setFixedSize(tileSize);

@@ -4,15 +4,15 @@ namespace zelvaro {
 
 namespace {
 
-constexpr int AspectWidth = 400;
-constexpr int AspectHeight = 300;
+constexpr int aspectWidth = 400;
+constexpr int aspectHeight = 300;
 
 QSize fittedCell(int width, int height)
 {
-    const double aspect = static_cast<double>(AspectWidth) / AspectHeight;
+    const double aspect = static_cast<double>(aspectWidth) / aspectHeight;
     if (aspect > static_cast<double>(width) / height)
-        return {width, static_cast<int>(qint64(width) * AspectHeight / AspectWidth)};
-    return {static_cast<int>(qint64(height) * AspectWidth / AspectHeight), height};
+        return {width, static_cast<int>(qint64(width) * aspectHeight / aspectWidth)};
+    return {static_cast<int>(qint64(height) * aspectWidth / aspectHeight), height};
 }
 
 } // namespace

@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr int SubStream = 1;
+constexpr int subStream = 1;
 // Around the picture of the tile that has the keyboard focus.
-constexpr QColor kFocused(91, 144, 189);
+constexpr QColor focusColour(91, 144, 189);
 
 } // namespace
 
@@ -29,7 +29,7 @@ CMultiLiveItemForm::CMultiLiveItemForm(zelvaro::Clock clock, QWidget *parent)
             &CMultiLiveItemForm::slotVideoDoubleClicked);
     setSelected(false);
     QPalette focused = m_ui->frameVideoArea->palette();
-    focused.setColor(QPalette::Window, kFocused);
+    focused.setColor(QPalette::Window, focusColour);
     m_ui->frameVideoArea->setPalette(focused);
 }
 
@@ -51,7 +51,7 @@ void CMultiLiveItemForm::start()
     CCamera *session = camera();
     if (!session)
         return;
-    m_live->open(SubStream);
+    m_live->open(subStream);
     connect(session, &CCamera::signalStateReport, this, &CMultiLiveItemForm::slotTimer,
             Qt::ConnectionType(Qt::QueuedConnection | Qt::UniqueConnection));
     session->tick_alive();

@@ -14,8 +14,8 @@ CPlayCameraForm::CPlayCameraForm(QWidget *parent, zelvaro::Clock clock)
         zelvaro::LiveWidgets{m_ui->frameVideoArea, m_ui->frameVideoClient, m_ui->frameVideoFrame,
                              m_ui->labelStatus, m_ui->labelRecording},
         zelvaro::LiveView::StatusSize::Scaled, [this] { return volume(); }, std::move(clock));
-    m_ui->sliderVolume->setRange(0, zelvaro::MaxVolume);
-    m_ui->sliderVolume->setValue(zelvaro::NaturalVolume);
+    m_ui->sliderVolume->setRange(0, zelvaro::maxVolume);
+    m_ui->sliderVolume->setValue(zelvaro::naturalVolume);
 
     connect(m_ui->frameVideoArea, &CVideoAreaFrame::signalResize, this,
             &CPlayCameraForm::slotVideoAreaResize);
@@ -91,9 +91,8 @@ void CPlayCameraForm::slotTimer()
     if (!camera)
         return;
     if (camera->get_state() == CAMERA_STATE_CONNECTED && m_talking &&
-        !camera->audio_upload_is_playing()) {
+        !camera->audio_upload_is_playing())
         camera->audio_upload_play();
-    }
     m_live->report();
 }
 

@@ -7,8 +7,8 @@
 namespace zelvaro {
 
 namespace {
-constexpr int Columns = 4;
-constexpr int Spacing = 10;
+constexpr int columns = 4;
+constexpr int spacing = 10;
 } // namespace
 
 SelectionFrame::SelectionFrame(bool recordingMode, QWidget *parent)
@@ -16,7 +16,7 @@ SelectionFrame::SelectionFrame(bool recordingMode, QWidget *parent)
     , m_recordingMode(recordingMode)
     , m_grid(new QGridLayout(this))
 {
-    layout()->setSpacing(Spacing);
+    layout()->setSpacing(spacing);
 }
 
 void SelectionFrame::fill(const QList<CCamera *> &cameras)
@@ -26,7 +26,7 @@ void SelectionFrame::fill(const QList<CCamera *> &cameras)
         tile->setCamera(camera);
         m_tiles.append(tile);
     }
-    m_grid.place(asWidgets(m_tiles), Columns);
+    m_grid.place(asWidgets(m_tiles), columns);
 }
 
 void SelectionFrame::applyMarks() const

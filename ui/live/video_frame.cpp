@@ -6,7 +6,7 @@
 
 namespace {
 
-const QString BlackBackground = QStringLiteral("background-color:rgb(0,0,0);");
+const QString blackBackground = QStringLiteral("background-color:rgb(0,0,0);");
 
 void dismiss(QWidget *surface)
 {
@@ -20,7 +20,7 @@ void dismiss(QWidget *surface)
 
 CVideoFrame::CVideoFrame(QWidget *parent) : QWidget(parent)
 {
-    setStyleSheet(BlackBackground);
+    setStyleSheet(blackBackground);
     setAttribute(Qt::WA_StyledBackground);
     QPalette black = palette();
     black.setColor(QPalette::Window, Qt::black);
@@ -35,7 +35,7 @@ QWidget *CVideoFrame::CreateRenderSurface()
     dismiss(m_renderSurface);
 
     m_renderSurface = new QWidget(this);
-    m_renderSurface->setStyleSheet(BlackBackground);
+    m_renderSurface->setStyleSheet(blackBackground);
     m_renderSurface->ensurePolished();
     m_renderSurface->setAutoFillBackground(true);
 

@@ -10,8 +10,8 @@ class CVolumeSliderForm;
 
 namespace zelvaro {
 /// Volumes of a session: the loudest, and the level of the source.
-constexpr int MaxVolume = 200;
-constexpr int NaturalVolume = 100;
+constexpr int maxVolume = 200;
+constexpr int naturalVolume = 100;
 } // namespace zelvaro
 
 /// A volume slider with a mute button. Muting does not move the slider. GUI thread only.

@@ -1,31 +1,31 @@
 #include "ui/manager/camera_mgr_frame.h"
 
-#include "ui/common/message_box.h"
 #include "camera/camera.h"
-#include "camera/command_channel.h"
-#include "ui/manager/motion_dialog.h"
 #include "camera/camera_list.h"
+#include "camera/command_channel.h"
 #include "settings/camera_settings.h"
 #include "settings/developer_check.h"
 #include "ui/common/command_wait.h"
+#include "ui/common/message_box.h"
 #include "ui/common/page_host.h"
 #include "ui/manager/add_button_form.h"
 #include "ui/manager/add_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
+#include "ui/manager/motion_dialog.h"
 
 namespace {
 
-constexpr int kMostCameras = 100;
-constexpr int kSpacing = 20; // pixels between tiles
+constexpr int mostCameras = 100;
+constexpr int spacing = 20; // pixels between tiles
 
 // A row beyond what is seen is ready on either side: the next scroll, or the Tab key, finds it.
-constexpr int kRowsAhead = 1;
+constexpr int rowsAhead = 1;
 
 } // namespace
 
 CCameraMgrFrame::CCameraMgrFrame(QWidget *parent)
     : QWidget(parent)
-    , m_grid(zelvaro::makeTileLayout(this, kSpacing))
+    , m_grid(zelvaro::makeTileLayout(this, spacing))
     , m_addButton(new CAddButtonForm(this))
 {
     connect(m_addButton, &CAddButtonForm::clicked, this, &CCameraMgrFrame::slotAddButtonClicked);
@@ -46,7 +46,7 @@ void CCameraMgrFrame::layoutTiles(int visibleWidth)
     m_visibleWidth = visibleWidth;
     const int tileWidth = m_addButton->minimumWidth();
     if (tileWidth <= visibleWidth)
-        m_columns = qMax(1, (visibleWidth + 1) / (tileWidth + kSpacing + 1));
+        m_columns = qMax(1, (visibleWidth + 1) / (tileWidth + spacing + 1));
     QWidgetList widgets = zelvaro::asWidgets(m_tiles);
     widgets.append(m_addButton);
     m_grid.place(widgets, m_columns, 1);
@@ -70,9 +70,9 @@ void CCameraMgrFrame::showNearTiles()
 {
     if (m_visibleBottom < m_visibleTop)
         return;
-    const int rowHeight = m_addButton->minimumHeight() + kSpacing;
-    const int firstRow = m_visibleTop / rowHeight - kRowsAhead;
-    const int lastRow = m_visibleBottom / rowHeight + kRowsAhead;
+    const int rowHeight = m_addButton->minimumHeight() + spacing;
+    const int firstRow = m_visibleTop / rowHeight - rowsAhead;
+    const int lastRow = m_visibleBottom / rowHeight + rowsAhead;
     for (int i = 0; i < m_tiles.size(); ++i) {
         const int row = i / m_columns;
         m_tiles.at(i)->setNear(firstRow <= row && row <= lastRow);
@@ -134,7 +134,7 @@ void CCameraMgrFrame::takeDown(CCameraMgrItemForm *item)
 
 void CCameraMgrFrame::slotAddButtonClicked()
 {
-    if (CameraSettings::instance().count() >= kMostCameras) {
+    if (CameraSettings::instance().count() >= mostCameras) {
         CMessageBox(CMessageBox::Error, tr("Error"), tr("Cannot add camera, 100 is maxnum."),
                     QMessageBox::Ok, dialogParent(this))
             .exec();

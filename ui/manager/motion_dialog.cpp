@@ -1,11 +1,11 @@
 #include "ui/manager/motion_dialog.h"
 
-#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "camera/command_channel.h"
-#include "ui/manager/range_validator.h"
 #include "settings/camera_record.h"
 #include "ui/common/command_wait.h"
+#include "ui/common/message_box.h"
+#include "ui/manager/range_validator.h"
 #include "ui_motion_dialog.h"
 
 namespace {
@@ -18,7 +18,7 @@ struct Defaults
 
 /// The first window is the whole picture of 640x480; the others are the quarters beside the top
 /// left one, and off.
-constexpr Defaults WindowDefaults[] = {{true, {"0", "0", "639", "479", "60", "70"}},
+constexpr Defaults windowDefaults[] = {{true, {"0", "0", "639", "479", "60", "70"}},
                                        {false, {"320", "0", "639", "240", "60", "70"}},
                                        {false, {"0", "240", "320", "479", "60", "70"}},
                                        {false, {"320", "240", "639", "479", "60", "70"}}};
@@ -55,12 +55,12 @@ void Motion_Dialog::setUpControls()
     auto *const percent = new zelvaro::RangeValidator(1, 100, this);
     const std::array<zelvaro::RangeValidator *, 6> validators{x, y, x, y, percent, percent};
 
-    for (int i = 0; i < WindowCount; ++i) {
-        m_windows[i].enabled->setChecked(WindowDefaults[i].enabled);
+    for (int i = 0; i < windowCount; ++i) {
+        m_windows[i].enabled->setChecked(windowDefaults[i].enabled);
         for (size_t field = 0; field < validators.size(); ++field) {
             QLineEdit *const edit = m_windows[i].edits[field];
             edit->setValidator(validators[field]);
-            edit->setText(QLatin1String(WindowDefaults[i].texts[field]));
+            edit->setText(QLatin1String(windowDefaults[i].texts[field]));
         }
     }
 }
@@ -74,57 +74,47 @@ bool Motion_Dialog::run(const QString &text, const QStringList &requests)
 
 void Motion_Dialog::slotQuery()
 {
-    if (!m_camera) {
+    if (!m_camera)
         return;
-    }
     const CameraRecord &record = *m_camera->get_info();
     QStringList requests;
-    for (int window = 1; window <= WindowCount; ++window) {
+    for (int window = 1; window <= windowCount; ++window)
         requests << zelvaro::get_motion_request(record.username, record.password, window);
-    }
-    if (!run(tr("Please wait for query motion information..."), requests)) {
+    if (!run(tr("Please wait for query motion information..."), requests))
         return;
-    }
-    for (int i = 0; i < WindowCount; ++i) {
-        if (m_camera->command_codes().value(i, -1) == 0) {
+    for (int i = 0; i < windowCount; ++i)
+        if (m_camera->command_codes().value(i, -1) == 0)
             fill(m_windows[i], m_camera->command_values().value(i));
-        }
-    }
 }
 
 void Motion_Dialog::fill(const Controls &controls, const QStringList &values)
 {
     // The window's number, whether it is on, and the six edits.
-    if (values.length() < 2 + int(controls.edits.size())) {
+    if (values.length() < 2 + int(controls.edits.size()))
         return;
-    }
     controls.enabled->setChecked(values[1] == QLatin1String("1"));
-    for (size_t field = 0; field < controls.edits.size(); ++field) {
+    for (size_t field = 0; field < controls.edits.size(); ++field)
         controls.edits[field]->setText(values[2 + int(field)]);
-    }
 }
 
 void Motion_Dialog::slotApply()
 {
-    if (!m_camera) {
+    if (!m_camera)
         return;
-    }
     const CameraRecord &record = *m_camera->get_info();
     QStringList requests;
-    for (int i = 0; i < WindowCount; ++i) {
+    for (int i = 0; i < windowCount; ++i) {
         const Controls &controls = m_windows[i];
         QStringList values{QString::number(i + 1), controls.enabled->isChecked()
                                                        ? QStringLiteral("1")
                                                        : QStringLiteral("0")};
-        for (const QLineEdit *edit : controls.edits) {
+        for (const QLineEdit *edit : controls.edits)
             values << edit->text();
-        }
         requests << zelvaro::set_motion_request(record.username, record.password, values);
     }
-    if (!run(tr("Please wait for apply motion settings..."), requests)) {
+    if (!run(tr("Please wait for apply motion settings..."), requests))
         return;
-    }
-    for (int i = 0; i < WindowCount; ++i) {
+    for (int i = 0; i < windowCount; ++i) {
         if (m_camera->command_codes().value(i, -1) != 0) {
             CMessageBox(CMessageBox::Information, tr("info"),
                         tr("Some error happens. Please wait a few minutes and re-try."),

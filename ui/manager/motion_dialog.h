@@ -30,7 +30,7 @@ private slots:
     void slotExit();
 
 private:
-    static constexpr int WindowCount = 4;
+    static constexpr int windowCount = 4;
 
     /// The controls of one detection window.
     struct Controls
@@ -48,5 +48,5 @@ private:
 
     std::unique_ptr<Ui::Motion_Dialog> m_ui;
     QPointer<CCamera> m_camera;
-    std::array<Controls, WindowCount> m_windows;
+    std::array<Controls, windowCount> m_windows;
 };

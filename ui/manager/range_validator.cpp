@@ -6,18 +6,15 @@ namespace zelvaro {
 
 QValidator::State RangeValidator::validate(QString &input, int &) const
 {
-    if (input.isEmpty()) {
+    if (input.isEmpty())
         return Intermediate;
-    }
     const auto isDigit = [](QChar c) { return c >= QLatin1Char('0') && c <= QLatin1Char('9'); };
     const int digits = QString::number(top()).length();
-    if (input.length() > digits || !std::all_of(input.cbegin(), input.cend(), isDigit)) {
+    if (input.length() > digits || !std::all_of(input.cbegin(), input.cend(), isDigit))
         return Invalid;
-    }
     const int number = input.toInt();
-    if (number >= bottom() && number <= top()) {
+    if (number >= bottom() && number <= top())
         return Acceptable;
-    }
     // More digits only make it larger, so what is too small may still grow.
     return number > top() || number == 0 ? Invalid : Intermediate;
 }

@@ -1,8 +1,8 @@
 #include "platform/cammgr/cammgr.h"
 
+#include "camsim/camsim_process.h"
 #include "tests/platform/cammgr/player_messages.h"
 #include "tests/platform/cammgr/wait_until.h"
-#include "camsim/camsim_process.h"
 
 #include <glib.h>
 #include <gmock/gmock.h>
@@ -413,9 +413,8 @@ TEST(CammgrWithCamera, DeletesWhileEverythingIsUnderWay)
         RtspPlayer_Play(player);
         AudioUpload_Play(player);
         issue(player, {formRequest("getMotion?WINDOW=1")});
-        if (i % 3 == 0) {
+        if (i % 3 == 0)
             ASSERT_TRUE(messages.next());
-        }
         if (i % 2) {
             EXPECT_EQ(RtspPlayer_DeleteSync(player), 0);
         } else {

@@ -1,9 +1,9 @@
 #include "platform/cammgr/cammgr.h"
 
+#include "camsim/camsim_process.h"
 #include "tests/platform/cammgr/player_messages.h"
 #include "tests/platform/cammgr/process_figures.h"
 #include "tests/platform/cammgr/wait_until.h"
-#include "camsim/camsim_process.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
+#include "camsim/camsim_process.h"
 #include "platform/cammgr/live_stream.h"
 #include "tests/platform/cammgr/media_probe.h"
 #include "tests/platform/cammgr/rtsp_test_server.h"
 #include "tests/platform/cammgr/stream_listener.h"
 #include "tests/platform/cammgr/temporary_folder.h"
 #include "tests/platform/cammgr/test_window.h"
-#include "camsim/camsim_process.h"
 
 #include <gtest/gtest.h>
 
@@ -82,10 +82,9 @@ protected:
 long statusNumber(const std::string &key)
 {
     std::ifstream file("/proc/self/status");
-    for (std::string line; std::getline(file, line);) {
+    for (std::string line; std::getline(file, line);)
         if (line.rfind(key + ":", 0) == 0)
             return std::atol(line.c_str() + key.size() + 1);
-    }
     return 0;
 }
 

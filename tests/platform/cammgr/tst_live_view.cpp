@@ -61,9 +61,8 @@ TEST_F(LiveViewTest, DrawsFromAKeyFrameOn)
     EXPECT_EQ(m_keyFrameWishes, 1);
     for (size_t i = 5; i < 30; ++i) {
         feed({units[i]});
-        if (i >= 10) {
+        if (i >= 10)
             ASSERT_TRUE(waitForDecoded(i - 9));
-        }
     }
     EXPECT_EQ(m_view->decoded(), 20u);
     EXPECT_TRUE(waitUntil([this] { return m_window.grab().white == 0; }));

@@ -169,9 +169,8 @@ TEST(Player, NoCallbackRunsDuringOrAfterASynchronousDelete)
         PlayerMessages messages;
         RtspPlayer *player = makePlayer(server.address(), messages);
         RtspPlayer_TickAlive(player);
-        if (i % 3 == 0) {
+        if (i % 3 == 0)
             ASSERT_TRUE(messages.next());
-        }
         if (i % 3 == 1)
             RtspPlayer_Stop_Connecting(player);
         ASSERT_EQ(RtspPlayer_DeleteSync(player), 0);

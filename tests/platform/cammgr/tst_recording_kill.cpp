@@ -1,7 +1,7 @@
+#include "camsim/camsim_process.h"
 #include "tests/platform/cammgr/media_probe.h"
 #include "tests/platform/cammgr/stream_listener.h"
 #include "tests/platform/cammgr/temporary_folder.h"
-#include "camsim/camsim_process.h"
 
 #include <gtest/gtest.h>
 

@@ -87,11 +87,10 @@ TEST(RtspLogin, SurvivesGarbage)
          {"", " ", "Digest", "Digest ", "Digest realm", "Digest realm=\"", "Digest =,=,=\"\"",
           "Basic", "Digest realm=\"a\" nonce=\"b\"", "\xff\xfe", "Digest nonce=\"\\\""}) {
         RtspLogin login("admin", "secret");
-        if (take(login, {header})) {
+        if (take(login, {header}))
             EXPECT_NE(login.authorization("DESCRIBE", uri), "") << header;
-        } else {
+        else
             EXPECT_EQ(login.authorization("DESCRIBE", uri), "") << header;
-        }
     }
 }
 

@@ -110,10 +110,12 @@ TEST_F(WindowWatchTest, WindowThatNeverWasIsHidden)
 {
     std::atomic<int> calls = 0;
     std::atomic<bool> visible = true;
-    const int number = WindowWatch::instance().add(0x7ffffff0, [&](const WindowState &state, bool) {
-        visible = state.visible;
-        ++calls;
-    });
+    const int number = WindowWatch::instance().add(
+        0x7ffffff0,
+        [&](const WindowState &state, bool) {
+            visible = state.visible;
+            ++calls;
+        });
     EXPECT_TRUE(waitUntil([&] { return calls > 0; }));
     EXPECT_FALSE(visible);
     WindowWatch::instance().remove(number);
@@ -127,8 +129,8 @@ TEST_F(WindowWatchTest, NoCallAfterRemove)
     m_window.hide();
     TestWindow other(50, 50);
     std::atomic<bool> seen = false;
-    const int number =
-        WindowWatch::instance().add(other.id(), [&](const WindowState &, bool) { seen = true; });
+    const int number = WindowWatch::instance().add(
+        other.id(), [&](const WindowState &, bool) { seen = true; });
     ASSERT_TRUE(waitUntil([&] { return seen.load(); }));
     EXPECT_EQ(calls(), before);
     WindowWatch::instance().remove(number);

@@ -1,5 +1,5 @@
-#include "tests/platform/ndcp/client_harness.h"
 #include "camsim/camsim_process.h"
+#include "tests/platform/ndcp/client_harness.h"
 
 #include <gtest/gtest.h>
 

@@ -98,10 +98,9 @@ protected:
     [[nodiscard]] std::vector<std::string> setRequests() const
     {
         std::vector<std::string> names;
-        for (const SoapDevice::Seen &seen : m_device.seen()) {
+        for (const SoapDevice::Seen &seen : m_device.seen())
             if (seen.request.starts_with("Set") || seen.request == "SystemReboot")
                 names.push_back(seen.request);
-        }
         return names;
     }
 

@@ -82,8 +82,9 @@ protected:
     {
         std::optional<CameraLocation> got;
         bool isDone = false;
-        const RequestPtr request =
-            m_lookup.resolve(uid, [&](std::optional<CameraLocation> location) {
+        const RequestPtr request = m_lookup.resolve(
+            uid,
+            [&](std::optional<CameraLocation> location) {
                 got = std::move(location);
                 isDone = true;
             });
@@ -146,8 +147,8 @@ TEST_F(CameraLookupTest, LocatesTheServiceOfAHost)
             discoveryAnswer("ProbeMatches", messageIdOf(question), {AnnouncedDevice{}})};
     });
     std::optional<CameraLocation> got;
-    const RequestPtr request =
-        m_lookup.locate(peer.target(), [&got](CameraLocation found) { got = std::move(found); });
+    const RequestPtr request = m_lookup.locate(
+        peer.target(), [&got](CameraLocation found) { got = std::move(found); });
     EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
     EXPECT_EQ(got->xaddr, "http://127.0.0.1:8080/onvif/device_service");
 }
@@ -156,8 +157,8 @@ TEST_F(CameraLookupTest, TakesTheUsualServiceOfASilentHost)
 {
     UdpPeer peer(m_context, [](const std::string &) { return std::vector<std::string>(); });
     std::optional<CameraLocation> got;
-    const RequestPtr request =
-        m_lookup.locate("127.0.0.1", [&got](CameraLocation found) { got = std::move(found); });
+    const RequestPtr request = m_lookup.locate(
+        "127.0.0.1", [&got](CameraLocation found) { got = std::move(found); });
     EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
     EXPECT_EQ(got->address, "127.0.0.1");
     EXPECT_EQ(got->xaddr, "http://127.0.0.1/onvif/device_service");

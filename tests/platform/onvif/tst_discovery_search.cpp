@@ -230,8 +230,8 @@ TEST_F(DiscoverySearchTest, IsCancelledByItsDestruction)
     SearchScope scope = only({peer.target(), "localhost:9"});
     scope.milliseconds = 1;
     {
-        const DiscoverySearch search(m_context.get(), scope,
-                                     [&isCalled](const auto &) { isCalled = true; });
+        const DiscoverySearch search(
+            m_context.get(), scope, [&isCalled](const auto &) { isCalled = true; });
     }
     m_context.drain();
     EXPECT_FALSE(isCalled);
@@ -242,8 +242,8 @@ TEST_F(DiscoverySearchTest, MayBeDestroyedByItsReceiver)
     SearchScope scope = only({});
     scope.milliseconds = 0;
     RequestPtr search;
-    search = std::make_unique<DiscoverySearch>(m_context.get(), scope,
-                                               [&search](const auto &) { search.reset(); });
+    search = std::make_unique<DiscoverySearch>(
+        m_context.get(), scope, [&search](const auto &) { search.reset(); });
     EXPECT_TRUE(m_context.runUntil([&search] { return !search; }));
 }
 

@@ -257,8 +257,8 @@ TEST_F(SoapClientTest, IsCancelledByTheDestructionOfTheRequest)
     device.keepSilent(request);
     bool isCalled = false;
     SoapClient client(m_context.get(), device.service(), {});
-    RequestPtr running = client.call(client.deviceService(), "a", body,
-                                     [&isCalled](const SoapReply &) { isCalled = true; });
+    RequestPtr running = client.call(
+        client.deviceService(), "a", body, [&isCalled](const SoapReply &) { isCalled = true; });
     EXPECT_TRUE(m_context.runUntil([&device] { return device.seen().size() == 1; }));
     running.reset();
     running = client.call(client.deviceService(), "a", body,

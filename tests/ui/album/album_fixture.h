@@ -12,7 +12,7 @@
 class AlbumFixture : public SessionsFixture
 {
 public:
-    static constexpr int Deadline = 30000; // ms
+    static constexpr int deadline = 30000; // ms
 
     ~AlbumFixture()
     {

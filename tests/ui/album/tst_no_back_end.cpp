@@ -23,14 +23,14 @@ private:
 
 namespace {
 
-constexpr char Inside[] = "ZELVARO_TEST_NO_BACK_END";
-constexpr int NoNamespace = 99; // exit code
+constexpr char inside[] = "ZELVARO_TEST_NO_BACK_END";
+constexpr int noNamespace = 99; // exit code
 
 } // namespace
 
 void tst_NoBackEnd::theStatusLineSaysSo()
 {
-    if (qEnvironmentVariableIsSet(Inside))
+    if (qEnvironmentVariableIsSet(inside))
         lookAtThePage();
     else
         runWithoutBackEnd();
@@ -46,11 +46,11 @@ void tst_NoBackEnd::runWithoutBackEnd()
     child.setProcessChannelMode(QProcess::ForwardedChannels);
     child.start("unshare", {"-rm", "sh", "-c",
                             QString("mount -t tmpfs none \"$1\" || exit %1; %2=1 exec \"$2\"")
-                                .arg(NoNamespace)
-                                .arg(Inside),
+                                .arg(noNamespace)
+                                .arg(inside),
                             "sh", folder, QCoreApplication::applicationFilePath()});
     QVERIFY(child.waitForFinished(90000));
-    if (child.exitCode() == NoNamespace)
+    if (child.exitCode() == noNamespace)
         QSKIP("nothing may be mounted here");
     QCOMPARE(child.exitCode(), 0);
 }
@@ -75,10 +75,10 @@ void tst_NoBackEnd::lookAtThePage()
     const auto *status = page.findChild<QLabel *>("labelStatus");
     const QString says = "  640x480(100%)  Recordings cannot be played: no back end of Phonon is "
                          "installed.";
-    QTRY_COMPARE_WITH_TIMEOUT(status->text(), "a.mp4" + says, AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(status->text(), "a.mp4" + says, AlbumFixture::deadline);
     for (const char *button : {"btnPlay", "btnZoomIn", "btnZoomOut", "btnFullScreen", "btnNext"})
         QTest::mouseClick(page.findChild<QToolButton *>(button), Qt::LeftButton);
-    QTRY_COMPARE_WITH_TIMEOUT(status->text(), "b.mp4" + says, AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(status->text(), "b.mp4" + says, AlbumFixture::deadline);
     QTest::mouseClick(page.findChild<QToolButton *>("btnDelete"), Qt::LeftButton);
     QTest::mouseClick(page.findChild<QToolButton *>("btnBack"), Qt::LeftButton);
     QCOMPARE(list.size(), 1);

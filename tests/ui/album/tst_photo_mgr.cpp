@@ -1,4 +1,3 @@
-#include "ui/common/message_box.h"
 #include "camera/camera.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
@@ -8,6 +7,7 @@
 #include "ui/album/photo_mgr_frame.h"
 #include "ui/common/album_files.h"
 #include "ui/common/camera_list_icons.h"
+#include "ui/common/message_box.h"
 
 #include <QElapsedTimer>
 #include <QFrame>
@@ -83,8 +83,8 @@ private:
     QFrame *picture(int i) { return tiles().at(i)->findChild<QFrame *>("framePhotoItem"); }
     int thumbnails()
     {
-        return static_cast<int>(std::count_if(tiles().cbegin(), tiles().cend(),
-                                              [](auto *tile) { return tile->hasThumbnail(); }));
+        return static_cast<int>(std::count_if(
+            tiles().cbegin(), tiles().cend(), [](auto *tile) { return tile->hasThumbnail(); }));
     }
     bool isMarked(int row)
     {
@@ -300,7 +300,7 @@ void tst_PhotoMgr::theGridFollowsTheWidth()
             }
             return true;
         };
-        QTRY_VERIFY_WITH_TIMEOUT(placed(), AlbumFixture::Deadline);
+        QTRY_VERIFY_WITH_TIMEOUT(placed(), AlbumFixture::deadline);
         QCOMPARE(frame()->grid().placed().size(), 10);
         QCOMPARE(grid->itemAt(0)->alignment(), Qt::AlignLeft | Qt::AlignTop);
     }
@@ -354,7 +354,7 @@ void tst_PhotoMgr::oneThumbnailPerTick()
     frame()->slotTimer();
     QCOMPARE(thumbnails(), 4);
     frame()->refill();
-    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 4, AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 4, AlbumFixture::deadline);
 }
 
 void tst_PhotoMgr::theRuleOfThePictureIsExact()
@@ -362,7 +362,7 @@ void tst_PhotoMgr::theRuleOfThePictureIsExact()
     m_album->addCameras({"A"});
     const QString file = m_album->writePicture("A", "20240305_070809.jpg", Qt::green);
     open();
-    QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(0)), Qt::green), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(0)), Qt::green), AlbumFixture::deadline);
     QCOMPARE(picture(0)->styleSheet(), "QFrame#framePhotoItem{border-image:url(" + file + ");}");
 }
 
@@ -372,7 +372,7 @@ void tst_PhotoMgr::aRecordingShowsTheStillBesideIt()
     const QString file = m_album->write("A", "20240305_070809.mp4");
     m_album->writePicture("A", "20240305_070809.mp4.jpeg", Qt::blue);
     open(true);
-    QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(0)), Qt::blue), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(0)), Qt::blue), AlbumFixture::deadline);
     QCOMPARE(picture(0)->styleSheet(),
              "QFrame#framePhotoItem{border-image:url(" + file + ".jpeg);}");
 }
@@ -384,7 +384,7 @@ void tst_PhotoMgr::aMissingStillLeavesTheTileWithoutPicture()
     m_album->write("A", "2.mp4");
     m_album->write("A", "2.mp4.jpeg", "this is no picture");
     open(true);
-    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 2, AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 2, AlbumFixture::deadline);
     QTest::mouseDClick(tiles().at(1), Qt::LeftButton);
     QCOMPARE(m_album->host.current, tiles().at(1));
 }
@@ -396,7 +396,7 @@ void tst_PhotoMgr::picturesOfOddPathsAreDrawn()
     m_album->addCameras({"A"});
     m_album->writePicture("A", "x y.jpg", Qt::green);
     open();
-    QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(0)), Qt::green), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(0)), Qt::green), AlbumFixture::deadline);
 }
 
 void tst_PhotoMgr::onlyTilesInSightHoldPictures()
@@ -418,11 +418,11 @@ void tst_PhotoMgr::onlyTilesInSightHoldPictures()
     QVERIFY(holding() > 0 && holding() < 30);
     QVERIFY(!tiles().last()->isVisible());
     QScrollBar *bar = m_page->findChild<QScrollArea *>("scrollPhotoMgr")->verticalScrollBar();
-    QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, AlbumFixture::deadline);
     bar->setValue(bar->maximum());
-    QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::Deadline);
-    QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(39)), Qt::green), AlbumFixture::Deadline);
-    QTRY_VERIFY_WITH_TIMEOUT(picture(0)->styleSheet().isEmpty(), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(39)), Qt::green), AlbumFixture::deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(picture(0)->styleSheet().isEmpty(), AlbumFixture::deadline);
     QVERIFY(holding() < 30);
 }
 
@@ -433,9 +433,9 @@ void tst_PhotoMgr::whatWasScrolledToComesFirst()
         m_album->write("A", QString("%1.jpg").arg(i, 3, 10, QChar('0')));
     open();
     QScrollBar *bar = m_page->findChild<QScrollArea *>("scrollPhotoMgr")->verticalScrollBar();
-    QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, AlbumFixture::deadline);
     bar->setValue(bar->maximum());
-    QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::deadline);
     for (int i = 0; i < 40; ++i)
         frame()->slotTimer();
     QVERIFY(tiles().last()->hasThumbnail());
@@ -452,14 +452,14 @@ void tst_PhotoMgr::twoThousandFilesDoNotHoldTheProgramUp()
     QElapsedTimer clock;
     clock.start();
     open();
-    QTRY_VERIFY_WITH_TIMEOUT(tiles().first()->isVisible(), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(tiles().first()->isVisible(), AlbumFixture::deadline);
     qInfo("usable after %lld ms", clock.elapsed());
     QCOMPARE(tiles().size(), 2000);
     int built = 0;
     for (CPhotoMgrItemForm *tile : tiles())
         built += tile->findChild<QToolButton *>("btnPlay") != nullptr;
     QVERIFY2(built > 0 && built < 60, qPrintable(QString::number(built)));
-    QVERIFY(clock.elapsed() < AlbumFixture::Deadline);
+    QVERIFY(clock.elapsed() < AlbumFixture::deadline);
 }
 
 // As the whole program runs: a grid of thousands is higher than an X window can be.
@@ -474,9 +474,9 @@ void tst_PhotoMgr::theGridNeedsNoWindowsOfItsOwn()
     open();
     QScrollArea *area = m_page->findChild<QScrollArea *>("scrollPhotoMgr");
     QVERIFY(area->viewport()->internalWinId());
-    QTRY_VERIFY_WITH_TIMEOUT(area->verticalScrollBar()->maximum() > 0, AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(area->verticalScrollBar()->maximum() > 0, AlbumFixture::deadline);
     area->verticalScrollBar()->setValue(area->verticalScrollBar()->maximum());
-    QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::deadline);
     QVERIFY(!frame()->internalWinId());
     for (const QWidget *widget : frame()->findChildren<QWidget *>())
         QVERIFY2(!widget->internalWinId(), qPrintable(widget->objectName()));
@@ -489,13 +489,13 @@ void tst_PhotoMgr::refillStartsTheThumbnailsAgain()
     for (int i = 0; i < 3; ++i)
         m_album->writePicture("A", QString("%1.jpg").arg(i), Qt::red);
     open();
-    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 3, AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 3, AlbumFixture::deadline);
     const QPointer<CPhotoMgrItemForm> old = tiles().first();
     frame()->refill();
     QCOMPARE(thumbnails(), 0);
     QVERIFY(tiles().first() != old);
-    QTRY_VERIFY_WITH_TIMEOUT(!old, AlbumFixture::Deadline);
-    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 3, AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!old, AlbumFixture::deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 3, AlbumFixture::deadline);
 }
 
 void tst_PhotoMgr::theTileHasItsNamesAndTexts()
@@ -625,7 +625,7 @@ void tst_PhotoMgr::deletingTheLastTileLeavesAnEmptyGrid()
     QVERIFY(script.done());
     QVERIFY(tiles().isEmpty());
     QCOMPARE(frame()->grid().placed().size(), 0);
-    QTRY_VERIFY_WITH_TIMEOUT(!tile, AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!tile, AlbumFixture::deadline);
 }
 
 void tst_PhotoMgr::deletingARecordingDeletesItsStill()
@@ -673,7 +673,7 @@ void tst_PhotoMgr::tilesTakenOutByAViewerLeaveNoHole()
     grid->getItemPosition(grid->indexOf(tiles().first()), &row, &column, &rows, &columns);
     QCOMPARE(row, 0);
     QCOMPARE(column, 0);
-    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 5, AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 5, AlbumFixture::deadline);
 }
 
 QTEST_MAIN(tst_PhotoMgr)

@@ -180,7 +180,7 @@ void tst_PlayPhotoForm::resizingTheAreaStartsAt100Again()
     click("btnZoomOut");
     QCOMPARE(m_page->zoom(), 75);
     m_page->resize(900, 650);
-    QTRY_COMPARE_WITH_TIMEOUT(m_page->zoom(), 100, AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_page->zoom(), 100, AlbumFixture::deadline);
     QCOMPARE(status(), QString("a.jpg  300x200(100%)"));
 }
 
@@ -223,7 +223,7 @@ void tst_PlayPhotoForm::deletingShowsTheNextOne()
     QVERIFY(status().startsWith("b.jpg"));
     QCOMPARE(m_list.size(), 1);
     QVERIFY(!QFile::exists(m_album->path("A", "a.jpg")));
-    QTRY_VERIFY_WITH_TIMEOUT(!gone, AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!gone, AlbumFixture::deadline);
     QVERIFY(m_album->host.pages.isEmpty());
 }
 
@@ -372,7 +372,7 @@ void tst_PlayPhotoForm::aHugePhotoIsShownWithoutALongWait()
     clock.start();
     show();
     QVERIFY(alike(centreOf(m_frame), Qt::green));
-    QVERIFY(clock.elapsed() < AlbumFixture::Deadline);
+    QVERIFY(clock.elapsed() < AlbumFixture::deadline);
     QVERIFY(status().startsWith("huge.jpg  11600x8700("));
 }
 

@@ -191,7 +191,7 @@ void tst_PlayVideoForm::leavingBeforeTheStartDoesNotStart()
     QSignalSpy fired(&later, &QTimer::timeout);
     later.setSingleShot(true);
     later.start(400);
-    QVERIFY(fired.wait(AlbumFixture::Deadline));
+    QVERIFY(fired.wait(AlbumFixture::deadline));
     QCOMPARE(m_page->player()->mediaObject()->currentSource().type(), Phonon::MediaSource::Empty);
 }
 
@@ -267,7 +267,7 @@ void tst_PlayVideoForm::filesThatAreNoRecordings()
     add("b.mp4");
     show();
     QTRY_VERIFY_WITH_TIMEOUT(status().contains("cannot be played") || status().contains("Phonon"),
-                             AlbumFixture::Deadline);
+                             AlbumFixture::deadline);
     QVERIFY(!showsPause());
     click("btnNext");
     QCOMPARE(status(), QString("b.mp4  640x480(100%)"));

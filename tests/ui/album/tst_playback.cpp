@@ -39,7 +39,7 @@ private:
     void show();
     void waitPlaying()
     {
-        QTRY_VERIFY_WITH_TIMEOUT(m_page->player()->isPlaying(), AlbumFixture::Deadline);
+        QTRY_VERIFY_WITH_TIMEOUT(m_page->player()->isPlaying(), AlbumFixture::deadline);
     }
     QString status() { return m_page->findChild<QLabel *>("labelStatus")->text(); }
     QToolButton *button(const char *name) { return m_page->findChild<QToolButton *>(name); }
@@ -136,7 +136,7 @@ void tst_Playback::aRecordingPlaysAtItsTrueSize()
     add("a.mp4", m_clip);
     show();
     QCOMPARE(status(), QString("a.mp4  640x480(100%)"));
-    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("a.mp4  320x180(100%)"), AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("a.mp4  320x180(100%)"), AlbumFixture::deadline);
 }
 
 void tst_Playback::pauseAndResume()
@@ -145,12 +145,12 @@ void tst_Playback::pauseAndResume()
     show();
     waitPlaying();
     click("btnPlay");
-    QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::deadline);
     QTRY_COMPARE_WITH_TIMEOUT(button("btnPlay")->accessibleName(), QString("Play"),
-                              AlbumFixture::Deadline);
+                              AlbumFixture::deadline);
     click("btnPlay");
     QTRY_COMPARE_WITH_TIMEOUT(button("btnPlay")->accessibleName(), QString("Pause"),
-                              AlbumFixture::Deadline);
+                              AlbumFixture::deadline);
 }
 
 void tst_Playback::theEndShowsPlayAndTheSameButtonStartsAgain()
@@ -160,8 +160,8 @@ void tst_Playback::theEndShowsPlayAndTheSameButtonStartsAgain()
     QSignalSpy finished(m_page->player()->mediaObject(), &Phonon::MediaObject::finished);
     show();
     for (int round = 1; round <= 2; ++round) {
-        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), round, AlbumFixture::Deadline);
-        QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::Deadline);
+        QTRY_COMPARE_WITH_TIMEOUT(finished.size(), round, AlbumFixture::deadline);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::deadline);
         QCOMPARE(button("btnPlay")->accessibleName(), QString("Play"));
         if (round == 1)
             click("btnPlay");
@@ -174,7 +174,7 @@ void tst_Playback::leavingStops()
     show();
     waitPlaying();
     m_page->stop(true);
-    QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::deadline);
     QCOMPARE(button("btnPlay")->accessibleName(), QString("Play"));
 }
 
@@ -186,10 +186,10 @@ void tst_Playback::deletingWhatPlaysGoesToTheNext()
     waitPlaying();
     click("btnDelete");
     QVERIFY(!QFile::exists(m_album->path("A", "a.mp4")));
-    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::deadline);
     waitPlaying();
     click("btnDelete");
-    QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::deadline);
     QCOMPARE(m_album->host.pages, QStringList({"back to videos"}));
 }
 
@@ -201,9 +201,9 @@ void tst_Playback::aRecordingThatIsCutOffDoesNotHoldThePage()
     add("a.mp4", m_clip.left(index + 100));
     add("b.mp4", m_clip);
     show();
-    QTRY_VERIFY_WITH_TIMEOUT(status().contains("cannot be played"), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(status().contains("cannot be played"), AlbumFixture::deadline);
     click("btnNext");
-    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::deadline);
 }
 
 void tst_Playback::recordingsThatPlayAsFarAsTheyCan_data()
@@ -236,13 +236,13 @@ void tst_Playback::recordingsThatPlayAsFarAsTheyCan()
             return change.first().value<Phonon::State>() == state;
         });
     };
-    QTRY_VERIFY_WITH_TIMEOUT(reached(Phonon::PlayingState), AlbumFixture::Deadline);
-    QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("a.mp4  320x180(100%)"), AlbumFixture::Deadline);
-    QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(reached(Phonon::PlayingState), AlbumFixture::deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(status().startsWith("a.mp4  320x180(100%)"), AlbumFixture::deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!m_page->player()->isPlaying(), AlbumFixture::deadline);
     QTRY_COMPARE_WITH_TIMEOUT(button("btnPlay")->accessibleName(), QString("Play"),
-                              AlbumFixture::Deadline);
+                              AlbumFixture::deadline);
     click("btnNext");
-    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::deadline);
     waitPlaying();
 }
 
@@ -257,10 +257,10 @@ void tst_Playback::aRecordingOfSoundOnlyDoesNotHoldThePage()
     m_page->setList(&m_list);
     QSignalSpy states(m_page->player()->mediaObject(), &Phonon::MediaObject::stateChanged);
     show();
-    QTRY_VERIFY_WITH_TIMEOUT(!states.isEmpty(), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!states.isEmpty(), AlbumFixture::deadline);
     QVERIFY(status().startsWith("a.mp4  640x480("));
     click("btnNext");
-    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::deadline);
     waitPlaying();
 }
 
@@ -270,9 +270,9 @@ void tst_Playback::aRecordingThatIsGoneDoesNotHoldThePage()
     add("b.mp4", m_clip);
     QVERIFY(QFile::remove(m_album->path("A", "a.mp4")));
     show();
-    QTRY_VERIFY_WITH_TIMEOUT(status().contains("cannot be played"), AlbumFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(status().contains("cannot be played"), AlbumFixture::deadline);
     click("btnNext");
-    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::deadline);
     waitPlaying();
 }
 

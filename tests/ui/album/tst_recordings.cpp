@@ -1,5 +1,5 @@
-#include "platform/cammgr/cammgr.h"
 #include "camsim/camsim_process.h"
+#include "platform/cammgr/cammgr.h"
 #include "ui/album/click_video_player.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/album/play_video_form.h"
@@ -20,10 +20,10 @@ using zelvaro::test::CamsimProcess;
 
 namespace {
 
-constexpr int kPatience = 60'000;     // milliseconds
-constexpr double kClipLength = 6;     // seconds that a clip lasts at least
-constexpr double kLengthMargin = 0.1; // seconds; the camera's frames are 40 ms apart
-constexpr double kSeekMargin = 1.5;   // seconds; a seek may end at a key frame, one each second
+constexpr int patience = 60'000;     // milliseconds
+constexpr double clipLength = 6;     // seconds that a clip lasts at least
+constexpr double lengthMargin = 0.1; // seconds; the camera's frames are 40 ms apart
+constexpr double seekMargin = 1.5;   // seconds; a seek may end at a key frame, one each second
 
 /// Where a player says it is, in seconds.
 struct Playback
@@ -36,7 +36,7 @@ QString outputOf(const QString &program, const QStringList &arguments)
 {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(kPatience))
+    if (!process.waitForFinished(patience))
         return {};
     return QString::fromUtf8(process.readAllStandardOutput());
 }
@@ -125,7 +125,7 @@ public:
         resolve<int (*)(void *)>("libvlc_media_player_play")(player);
         std::optional<Playback> result;
         if (QTest::qWaitFor([&] { return state(player) == Playing && length(player) > 0; },
-                            kPatience)) {
+                            patience)) {
             setPause(player, 1);
             result = Playback{double(length(player)) / 1000, 0};
             const qint64 wanted = length(player) / 2;
@@ -133,7 +133,7 @@ public:
             setPause(player, 0);
             // It says what it was asked for until it has gone somewhere.
             if (QTest::qWaitFor([&] { return time(player) > 0 && time(player) != wanted; },
-                                kPatience))
+                                patience))
                 result->middle = double(time(player)) / 1000;
         }
         resolve<void (*)(void *)>("libvlc_media_player_stop")(player);
@@ -160,15 +160,15 @@ std::optional<Playback> playWithPhonon(const QString &clip)
     player.show();
     player.playFile(clip);
     Phonon::MediaObject *media = player.mediaObject();
-    if (!QTest::qWaitFor([&] { return player.isPlaying() && media->totalTime() > 0; }, kPatience))
+    if (!QTest::qWaitFor([&] { return player.isPlaying() && media->totalTime() > 0; }, patience))
         return {};
     player.pause();
-    if (!QTest::qWaitFor([&] { return player.isPaused(); }, kPatience) || !media->isSeekable())
+    if (!QTest::qWaitFor([&] { return player.isPaused(); }, patience) || !media->isSeekable())
         return {};
     Playback result{double(media->totalTime()) / 1000, 0};
     const qint64 before = media->currentTime();
     player.seek(media->totalTime() / 2);
-    if (QTest::qWaitFor([&] { return media->currentTime() > before + 500; }, kPatience))
+    if (QTest::qWaitFor([&] { return media->currentTime() > before + 500; }, patience))
         result.middle = double(media->currentTime()) / 1000;
     player.closeFile();
     return result;
@@ -215,7 +215,7 @@ void tst_Recordings::initTestCase()
     RtspPlayer_SetVolume(m_session, 0);
     RtspPlayer_SetupP2PliveStream(m_session, "/live/0/h264.sdp", 0);
     RtspPlayer_Play(m_session);
-    QTRY_VERIFY_WITH_TIMEOUT(RtspPlayer_IsPlaying(m_session), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(RtspPlayer_IsPlaying(m_session), patience);
     recordFinished();
     if (!QTest::currentTestFailed())
         recordUntilKilled();
@@ -234,9 +234,9 @@ void tst_Recordings::recordFinished()
 {
     const QString clip = file("finished.mp4");
     QCOMPARE(RtspPlayer_BeginWriting(m_session, QFile::encodeName(file("finished")), 0), 0);
-    QTRY_VERIFY_WITH_TIMEOUT(lengthOnDisk(clip) > kClipLength, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(lengthOnDisk(clip) > clipLength, patience);
     RtspPlayer_EndWriting(m_session);
-    QTRY_VERIFY_WITH_TIMEOUT(!isOpenHere(clip), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(!isOpenHere(clip), patience);
 }
 
 void tst_Recordings::recordUntilKilled()
@@ -246,9 +246,9 @@ void tst_Recordings::recordUntilKilled()
     recorder.start(RECORDING_CHILD,
                    {QString::fromStdString(camera.mainUrl), QString::fromStdString(camera.user),
                     QString::fromStdString(camera.password), file("cut off")});
-    QTRY_VERIFY_WITH_TIMEOUT(lengthOnDisk(file("cut off.mp4")) > kClipLength, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(lengthOnDisk(file("cut off.mp4")) > clipLength, patience);
     recorder.kill();
-    QVERIFY(recorder.waitForFinished(kPatience));
+    QVERIFY(recorder.waitForFinished(patience));
     QCOMPARE(recorder.exitStatus(), QProcess::CrashExit);
 }
 
@@ -256,10 +256,9 @@ void tst_Recordings::everyPlayerSeesTheSameLengthAndSeeks_data()
 {
     QTest::addColumn<QString>("player");
     QTest::addColumn<QString>("clip");
-    for (const char *player : {"Phonon", "VLC", "mpv", "ffprobe"}) {
+    for (const char *player : {"Phonon", "VLC", "mpv", "ffprobe"})
         for (const char *clip : {"finished", "cut off"})
             QTest::addRow("%s, %s", player, clip) << player << QString("%1.mp4").arg(clip);
-    }
 }
 
 void tst_Recordings::everyPlayerSeesTheSameLengthAndSeeks()
@@ -286,9 +285,9 @@ void tst_Recordings::everyPlayerSeesTheSameLengthAndSeeks()
     QVERIFY(seen);
     const double length = lengthOnDisk(path);
     qInfo("%.3f s of %.3f s; half of it is at %.3f s", seen->length, length, seen->middle);
-    QVERIFY2(qAbs(seen->length - length) < kLengthMargin,
+    QVERIFY2(qAbs(seen->length - length) < lengthMargin,
              qPrintable(QString("%1 s, should be %2 s").arg(seen->length).arg(length)));
-    QVERIFY2(qAbs(seen->middle - length / 2) < kSeekMargin,
+    QVERIFY2(qAbs(seen->middle - length / 2) < seekMargin,
              qPrintable(QString("at %1 s of %2 s").arg(seen->middle).arg(length)));
 }
 
@@ -298,7 +297,7 @@ void tst_Recordings::aRecordingThatIsBeingWrittenPlaysOnThePage()
         QSKIP("no back end of Phonon is installed");
     const QString clip = file("written.mp4");
     QCOMPARE(RtspPlayer_BeginWriting(m_session, QFile::encodeName(file("written")), 0), 0);
-    QTRY_VERIFY_WITH_TIMEOUT(lengthOnDisk(clip) > 2, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(lengthOnDisk(clip) > 2, patience);
 
     QWidget owner;
     PageHost::TileList tiles;
@@ -312,18 +311,18 @@ void tst_Recordings::aRecordingThatIsBeingWrittenPlaysOnThePage()
     page.setList(&tiles);
     page.showVideo(tiles.first());
     const auto *status = page.findChild<QLabel *>("labelStatus");
-    QTRY_COMPARE_WITH_TIMEOUT(status->text(), QString("written.mp4  640x360(100%)"), kPatience);
-    QTRY_VERIFY_WITH_TIMEOUT(page.player()->isPlaying(), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(status->text(), QString("written.mp4  640x360(100%)"), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(page.player()->isPlaying(), patience);
     // As far as it went when it was opened.
     QTRY_VERIFY_WITH_TIMEOUT(page.player()->mediaObject()->state() == Phonon::StoppedState,
-                             kPatience);
+                             patience);
     QVERIFY(RtspPlayer_IsWriting(m_session));
     QTest::mouseClick(page.findChild<QToolButton *>("btnNext"), Qt::LeftButton);
-    QTRY_COMPARE_WITH_TIMEOUT(status->text(), QString("finished.mp4  640x360(100%)"), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(status->text(), QString("finished.mp4  640x360(100%)"), patience);
     page.stop(true);
     // Nobody has disturbed the writer.
     RtspPlayer_EndWriting(m_session);
-    QTRY_VERIFY_WITH_TIMEOUT(!isOpenHere(clip), kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(!isOpenHere(clip), patience);
     QVERIFY(lengthOnDisk(clip) > 2);
 }
 

@@ -36,10 +36,9 @@ void tst_SheetPicture::theSheetTakesTheSmallPicture()
     QDir().mkpath(album.root() + "/A");
     const QString file = album.path("A", "dots.png");
     QImage image(800, 600, QImage::Format_RGB32);
-    for (int y = 0; y < 600; ++y) {
+    for (int y = 0; y < 600; ++y)
         for (int x = 0; x < 800; ++x)
             image.setPixel(x, y, (x + y) % 2 ? 0xffffffff : 0xff000000);
-    }
     QVERIFY(image.save(file, "PNG"));
     QFrame frame;
     frame.setObjectName("framePicture");

@@ -16,12 +16,12 @@ private slots:
 };
 
 namespace {
-const QDateTime Moment(QDate(2024, 3, 5), QTime(7, 8, 9));
+const QDateTime moment(QDate(2024, 3, 5), QTime(7, 8, 9));
 }
 
 void tst_AlbumFiles::namesOfARecording()
 {
-    const QString base = zelvaro::recordingBase(QStringLiteral("/album/H"), Moment);
+    const QString base = zelvaro::recordingBase(QStringLiteral("/album/H"), moment);
     QCOMPARE(base, QStringLiteral("/album/H/20240305_070809"));
     QCOMPARE(zelvaro::clipFile(base), QStringLiteral("/album/H/20240305_070809.mp4"));
     QCOMPARE(zelvaro::clipStill(zelvaro::clipFile(base)),
@@ -30,7 +30,7 @@ void tst_AlbumFiles::namesOfARecording()
 
 void tst_AlbumFiles::nameOfAPhoto()
 {
-    QCOMPARE(zelvaro::photoFile(QStringLiteral("/album/H"), Moment),
+    QCOMPARE(zelvaro::photoFile(QStringLiteral("/album/H"), moment),
              QStringLiteral("/album/H/20240305_070809.jpg"));
 }
 
@@ -46,8 +46,8 @@ void tst_AlbumFiles::stampsHaveLeadingZerosInAnyLocale()
 
 void tst_AlbumFiles::twoOfTheSameSecondHaveTheSameName()
 {
-    QCOMPARE(zelvaro::timeStamp(Moment.addMSecs(999)), zelvaro::timeStamp(Moment));
-    QVERIFY(zelvaro::timeStamp(Moment.addMSecs(1000)) != zelvaro::timeStamp(Moment));
+    QCOMPARE(zelvaro::timeStamp(moment.addMSecs(999)), zelvaro::timeStamp(moment));
+    QVERIFY(zelvaro::timeStamp(moment.addMSecs(1000)) != zelvaro::timeStamp(moment));
 }
 
 void tst_AlbumFiles::aMissingFolderIsMadeWithItsParents()
@@ -63,9 +63,9 @@ void tst_AlbumFiles::aMissingFolderIsMadeWithItsParents()
 void tst_AlbumFiles::theFiltersFindPhotosAndClipsOnly()
 {
     QTemporaryDir root;
-    const QString base = zelvaro::recordingBase(root.path(), Moment);
+    const QString base = zelvaro::recordingBase(root.path(), moment);
     const QString clip = zelvaro::clipFile(base);
-    const QStringList written{zelvaro::photoFile(root.path(), Moment), clip,
+    const QStringList written{zelvaro::photoFile(root.path(), moment), clip,
                               zelvaro::clipStill(clip),
                               root.path() + QStringLiteral("/thumb.jpeg")};
     for (const QString &name : written) {
@@ -73,9 +73,9 @@ void tst_AlbumFiles::theFiltersFindPhotosAndClipsOnly()
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
     const QDir folder(root.path());
-    QCOMPARE(folder.entryList({QString::fromLatin1(zelvaro::PhotoFilter)}, QDir::Files),
+    QCOMPARE(folder.entryList({QString::fromLatin1(zelvaro::photoFilter)}, QDir::Files),
              QStringList{QStringLiteral("20240305_070809.jpg")});
-    QCOMPARE(folder.entryList({QString::fromLatin1(zelvaro::ClipFilter)}, QDir::Files),
+    QCOMPARE(folder.entryList({QString::fromLatin1(zelvaro::clipFilter)}, QDir::Files),
              QStringList{QStringLiteral("20240305_070809.mp4")});
 }
 

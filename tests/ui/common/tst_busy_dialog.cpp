@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int Deadline = 30000; // ms
+constexpr int deadline = 30000; // ms
 
 class Job : public QObject
 {
@@ -49,9 +49,8 @@ void TstBusyDialog::onlyTheSignalEndsTheWait()
     QTimer timer;
     connect(&timer, &QTimer::timeout, &job, [&] {
         QWidget *const dialog = QApplication::activeModalWidget();
-        if (!dialog || !dialog->isVisible()) {
+        if (!dialog || !dialog->isVisible())
             return;
-        }
         timer.stop();
         QTest::keyClick(dialog, Qt::Key_Escape);
         dialog->close();
@@ -94,10 +93,9 @@ void TstBusyDialog::staysAwayAfterTheWait()
         QTimer::singleShot(0, &job, &Job::finished);
         zelvaro::runBusy(nullptr, "wait", &job, &Job::finished, [] { return true; });
     }
-    QTRY_VERIFY_WITH_TIMEOUT(!QApplication::activeModalWidget(), Deadline);
-    for (const QWidget *window : QApplication::topLevelWidgets()) {
+    QTRY_VERIFY_WITH_TIMEOUT(!QApplication::activeModalWidget(), deadline);
+    for (const QWidget *window : QApplication::topLevelWidgets())
         QVERIFY(!window->isVisible());
-    }
 }
 
 QTEST_MAIN(TstBusyDialog)

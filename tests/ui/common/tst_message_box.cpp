@@ -1,6 +1,6 @@
+#include "resources/resources.h"
 #include "ui/common/message_box.h"
 #include "ui/common/title_widget.h"
-#include "resources/resources.h"
 
 #include <QIcon>
 #include <QLabel>
@@ -145,8 +145,12 @@ void MessageBoxTest::resultByButton()
 void MessageBoxTest::enterIsOkAndEscapeIsCancel()
 {
     CMessageBox box(2, "Warning", "Delete?", QMessageBox::Ok | QMessageBox::Cancel);
-    QCOMPARE(runWith(box, [&] { QTest::keyClick(&box, Qt::Key_Return); }), 1);
-    QCOMPARE(runWith(box, [&] { QTest::keyClick(&box, Qt::Key_Enter); }), 1);
+    QCOMPARE(runWith(
+                 box, [&] { QTest::keyClick(&box, Qt::Key_Return); }),
+             1);
+    QCOMPARE(runWith(
+                 box, [&] { QTest::keyClick(&box, Qt::Key_Enter); }),
+             1);
     QCOMPARE(runWith(box, [&] { QTest::keyClick(&box, Qt::Key_Escape); }), 0);
 }
 

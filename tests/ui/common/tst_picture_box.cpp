@@ -7,7 +7,7 @@
 using zelvaro::PictureBox;
 
 namespace {
-constexpr int Deadline = 20000;
+constexpr int deadline = 20000;
 }
 
 class tst_PictureBox : public QObject
@@ -64,15 +64,15 @@ void tst_PictureBox::fullScreenTakesTheSurfaceOutOfThePageAndBack()
     QVERIFY(m_surface->isWindow());
     QVERIFY(m_surface->isFullScreen());
     QVERIFY(m_surface->isVisible());
-    QTRY_COMPARE_WITH_TIMEOUT(m_surface->size(), m_area->screen()->size(), Deadline);
-    QTRY_VERIFY_WITH_TIMEOUT(m_surface->hasFocus(), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_surface->size(), m_area->screen()->size(), deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(m_surface->hasFocus(), deadline);
 
     m_box->toggleFullScreen();
     QVERIFY(!m_box->isFullScreen());
     QVERIFY(!m_surface->isWindow());
     QVERIFY(m_surface->isVisible());
     QCOMPARE(m_surface->parentWidget(), m_frame);
-    QTRY_COMPARE_WITH_TIMEOUT(m_surface->geometry(), QRect(6, 5, 640, 360), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_surface->geometry(), QRect(6, 5, 640, 360), deadline);
 }
 
 void tst_PictureBox::enteringTwiceIsEnteringOnce()
@@ -99,7 +99,7 @@ void tst_PictureBox::movingTheBoxKeepsTheKeyboardFocusOfTheSurface()
     m_box->position();
     m_area->activateWindow();
     m_surface->setFocus();
-    QTRY_VERIFY_WITH_TIMEOUT(m_surface->hasFocus(), Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(m_surface->hasFocus(), deadline);
     m_box->calculate({320, 180});
     m_box->position();
     QVERIFY(m_surface->hasFocus());

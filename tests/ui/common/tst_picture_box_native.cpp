@@ -7,7 +7,7 @@
 using zelvaro::PictureBox;
 
 namespace {
-constexpr int Deadline = 30000;
+constexpr int deadline = 30000;
 }
 
 /// With a native window for each widget on a real display, as the program runs.
@@ -56,22 +56,22 @@ void tst_PictureBoxNative::thePictureComesBackToThePageInItsOwnWindow()
 {
     Page page;
     page.area.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&page.area, Deadline));
+    QVERIFY(QTest::qWaitForWindowExposed(&page.area, deadline));
     page.box.calculate({640, 360});
     page.box.position();
-    QTRY_COMPARE_WITH_TIMEOUT(shownColor(page.surface), QColor(Qt::red), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(shownColor(page.surface), QColor(Qt::red), deadline);
 
     const WId window = page.picture->winId();
     for (int i = 0; i < 5; ++i) {
         page.box.enterFullScreen();
-        QVERIFY(QTest::qWaitForWindowExposed(page.surface, Deadline));
-        QTRY_COMPARE_WITH_TIMEOUT(page.surface->size(), page.area.screen()->size(), Deadline);
-        QTRY_COMPARE_WITH_TIMEOUT(shownColor(page.surface), QColor(Qt::red), Deadline);
+        QVERIFY(QTest::qWaitForWindowExposed(page.surface, deadline));
+        QTRY_COMPARE_WITH_TIMEOUT(page.surface->size(), page.area.screen()->size(), deadline);
+        QTRY_COMPARE_WITH_TIMEOUT(shownColor(page.surface), QColor(Qt::red), deadline);
         QCOMPARE(page.picture->winId(), window);
 
         page.box.leaveFullScreen();
-        QTRY_COMPARE_WITH_TIMEOUT(page.surface->geometry(), QRect(6, 5, 640, 360), Deadline);
-        QTRY_COMPARE_WITH_TIMEOUT(shownColor(page.surface), QColor(Qt::red), Deadline);
+        QTRY_COMPARE_WITH_TIMEOUT(page.surface->geometry(), QRect(6, 5, 640, 360), deadline);
+        QTRY_COMPARE_WITH_TIMEOUT(shownColor(page.surface), QColor(Qt::red), deadline);
         QCOMPARE(page.picture->winId(), window);
         QCOMPARE(page.picture->parentWidget(), page.surface);
         QVERIFY(page.picture->isVisible());
@@ -83,11 +83,11 @@ void tst_PictureBoxNative::aHiddenChildStaysHidden()
     Page page;
     page.picture->hide();
     page.area.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&page.area, Deadline));
+    QVERIFY(QTest::qWaitForWindowExposed(&page.area, deadline));
     page.box.calculate({640, 360});
     page.box.position();
     page.box.enterFullScreen();
-    QVERIFY(QTest::qWaitForWindowExposed(page.surface, Deadline));
+    QVERIFY(QTest::qWaitForWindowExposed(page.surface, deadline));
     page.box.leaveFullScreen();
     QVERIFY(page.picture->isHidden());
     QVERIFY(page.surface->isVisible());

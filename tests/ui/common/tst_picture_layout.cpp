@@ -13,26 +13,24 @@ using zelvaro::zoomedOut;
 
 namespace {
 
-const QList<int> Steps{10, 20, 25, 40, 50, 60, 75, 100, 125, 150, 200, 300, 400, 500, 600, 800};
+const QList<int> steps{10, 20, 25, 40, 50, 60, 75, 100, 125, 150, 200, 300, 400, 500, 600, 800};
 
 /// The ladder told by counting upwards and downwards one percent at a time.
 int nextUp(int zoom)
 {
     if (zoom < 10)
         return zoom;
-    for (int candidate = zoom + 1; candidate <= 800; ++candidate) {
-        if (Steps.contains(candidate))
+    for (int candidate = zoom + 1; candidate <= 800; ++candidate)
+        if (steps.contains(candidate))
             return candidate;
-    }
     return 800;
 }
 
 int nextDown(int zoom)
 {
-    for (int candidate = std::min(zoom - 1, 800); candidate >= 10; --candidate) {
-        if (Steps.contains(candidate))
+    for (int candidate = std::min(zoom - 1, 800); candidate >= 10; --candidate)
+        if (steps.contains(candidate))
             return candidate;
-    }
     return zoom;
 }
 
@@ -240,7 +238,7 @@ void tst_PictureLayout::randomAreasAndStreamsAgreeWithASlowFormulation()
                                  : QSize(between(31, 4000), between(49, 3000));
         const QSize picture = i % 3 ? QSize(between(1, 4096), between(1, 4096))
                                     : QSize(between(1, 120), between(1, 120));
-        const int zoom = i % 5 ? Steps.at(between(0, 15)) : between(1, 900);
+        const int zoom = i % 5 ? steps.at(between(0, 15)) : between(1, 900);
 
         const PictureLayout layout = layoutPicture(area, picture, zoom);
         const Expected expected =
@@ -264,9 +262,9 @@ void tst_PictureLayout::randomAreasAndStreamsAgreeWithASlowFormulation()
 
 void tst_PictureLayout::absurdSizesNeitherOverflowNorCrash()
 {
-    constexpr int Huge = std::numeric_limits<int>::max();
+    constexpr int huge = std::numeric_limits<int>::max();
     const QList<int> sides{0, 1, 7, 29, 30, 31, 47, 48, 49, 16777215};
-    const QList<int> pictures{1, 2, 4096, 65535, Huge};
+    const QList<int> pictures{1, 2, 4096, 65535, huge};
     for (int width : sides) {
         for (int height : sides) {
             for (int pictureWidth : pictures) {

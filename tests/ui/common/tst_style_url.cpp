@@ -42,10 +42,9 @@ void tst_StyleUrl::plainPathsStayBare()
 void tst_StyleUrl::aPictureInAFolderOfAnyNameIsShown_data()
 {
     QTest::addColumn<QString>("name");
-    for (int code = 1; code < 256; ++code) {
+    for (int code = 1; code < 256; ++code)
         if (code != '/')
             QTest::addRow("U+%04X", static_cast<unsigned>(code)) << QString(QChar(code));
-    }
     QTest::newRow("two blanks") << "a  b";
     QTest::newRow("blanks around") << " a ";
     QTest::newRow("comment") << "/*a";

@@ -1,7 +1,7 @@
-#include "ui/common/message_box.h"
 #include "tests/fakes/fake_ndcp.h"
 #include "tests/support/modal_script.h"
 #include "ui/common/busy_dialog.h"
+#include "ui/common/message_box.h"
 #include "ui/discovery/address_edit.h"
 #include "ui/discovery/camera_set_up.h"
 #include "ui/discovery/search_camera_list_form.h"

@@ -146,8 +146,7 @@ void TestNetworkConfiguration::nameOf50CharactersPassesAnd51Fails()
     input.location = QString(50, QLatin1Char('l'));
     QVERIFY(!NetworkFormCheck::store(input, record));
     input.deviceName += QLatin1Char('n');
-    QCOMPARE(*NetworkFormCheck::store(input, record),
-             QStringLiteral("Device Name is too long!"));
+    QCOMPARE(*NetworkFormCheck::store(input, record), QStringLiteral("Device Name is too long!"));
 }
 
 void TestNetworkConfiguration::longNameDoesNotSpillIntoLocation()

@@ -1,7 +1,7 @@
-#include "ui/common/message_box.h"
 #include "resources/resources.h"
 #include "tests/fakes/fake_ndcp.h"
 #include "tests/support/modal_script.h"
+#include "ui/common/message_box.h"
 #include "ui/discovery/search_camera_form.h"
 
 #include <QLabel>

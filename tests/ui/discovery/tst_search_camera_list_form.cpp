@@ -1,9 +1,9 @@
-#include "ui/common/message_box.h"
 #include "tests/fakes/fake_ndcp.h"
 #include "tests/support/modal_script.h"
 #include "tests/support/tool_tip_text.h"
 #include "ui/common/busy_dialog.h"
 #include "ui/common/desktop.h"
+#include "ui/common/message_box.h"
 #include "ui/discovery/camera_set_up.h"
 #include "ui/discovery/search_camera_list_form.h"
 

@@ -50,7 +50,7 @@ private:
 class LiveFixture : public SessionsFixture
 {
 public:
-    static constexpr int Deadline = 20000; // ms
+    static constexpr int deadline = 20000; // ms
 
     /// The sessions end while the library's breaches are still known.
     ~LiveFixture()
@@ -69,11 +69,13 @@ public:
     /// The camera's probe is answered; runs what hangs on it.
     static void connectCamera(int index = 0)
     {
-        answer(index, [index] { player(index)->probeOk(); });
+        answer(
+            index, [index] { player(index)->probeOk(); });
     }
     static void failCamera(int index = 0)
     {
-        answer(index, [index] { player(index)->probeFailed(); });
+        answer(
+            index, [index] { player(index)->probeFailed(); });
     }
 
     /// One report of the session, as each answered probe makes one.
@@ -142,7 +144,7 @@ private:
     {
         QSignalSpy reports(camera(index), &CCamera::signalStateReport);
         answerProbe();
-        QTRY_VERIFY_WITH_TIMEOUT(!reports.isEmpty(), Deadline);
+        QTRY_VERIFY_WITH_TIMEOUT(!reports.isEmpty(), deadline);
         QCoreApplication::sendPostedEvents();
     }
 };

@@ -1,9 +1,9 @@
 #include "ui/live/multi_live_form.h"
 
-#include "ui/common/message_box.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/live/live_fixture.h"
+#include "ui/common/message_box.h"
 #include "ui/live/multi_live_frame.h"
 #include "ui/live/multi_live_item_form.h"
 #include "ui/live/select_camera_form.h"
@@ -15,7 +15,7 @@
 #include <QToolButton>
 
 namespace {
-constexpr int Deadline = LiveFixture::Deadline;
+constexpr int deadline = LiveFixture::deadline;
 }
 
 class tst_MultiLiveForm : public QObject
@@ -396,15 +396,14 @@ void tst_MultiLiveForm::theKeyboardReachesEveryControl()
     QSet<QString> reached;
     m_form->activateWindow();
     child("btnSelect")->setFocus();
-    QTRY_VERIFY_WITH_TIMEOUT(child("btnSelect")->hasFocus(), Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(child("btnSelect")->hasFocus(), deadline);
     for (int i = 0; i < 12; ++i) {
         reached.insert(QApplication::focusWidget()->objectName());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
     for (const char *name :
-         {"btnSelect", "btnSnapshot", "btnRecord", "slider", "btnMute", "frameVideoFrame"}) {
+         {"btnSelect", "btnSnapshot", "btnRecord", "slider", "btnMute", "frameVideoFrame"})
         QVERIFY2(reached.contains(QString::fromLatin1(name)), name);
-    }
     QTest::keyClick(frame()->tiles().at(0)->findChild<QWidget *>(QStringLiteral("frameVideoFrame")),
                     Qt::Key_Space);
     QCOMPARE(frame()->selectedTile(), frame()->tiles().at(0));
@@ -416,10 +415,9 @@ void tst_MultiLiveForm::theEmptyGridSaysSoInTheDarkWell()
     const QImage well = child("frameMultiLiveArea")->grab().toImage();
     QVERIFY(well.pixelColor(20, 20).lightness() < 60);
     int lightest = 0;
-    for (int y = 0; y < well.height(); ++y) {
+    for (int y = 0; y < well.height(); ++y)
         for (int x = well.width() / 4; x < well.width() * 3 / 4; ++x)
             lightest = qMax(lightest, well.pixelColor(x, y).lightness());
-    }
     QVERIFY(lightest > 180);
 }
 
@@ -444,7 +442,7 @@ void tst_MultiLiveForm::noTileLeavesTheWell()
         hostnames << QString::number(i);
     show(hostnames);
     const auto *well = child<QFrame>("frameMultiLiveArea");
-    QTRY_COMPARE_WITH_TIMEOUT(frame()->size(), well->contentsRect().size(), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(frame()->size(), well->contentsRect().size(), deadline);
     for (const CMultiLiveItemForm *tile : frame()->tiles())
         QVERIFY(frame()->rect().contains(tile->geometry()));
 }

@@ -11,7 +11,7 @@
 #include <QVBoxLayout>
 
 namespace {
-constexpr int Deadline = LiveFixture::Deadline;
+constexpr int deadline = LiveFixture::deadline;
 }
 
 class tst_MultiLiveFrame : public QObject
@@ -182,8 +182,8 @@ void tst_MultiLiveFrame::gridShapesInAnAreaOf1000x700()
         QCOMPARE(cellOf(i), QPoint(i % rowsColumns.y() + 1, i / rowsColumns.y()));
         QCOMPARE(tile(i)->minimumSize(), tileSize);
         QCOMPARE(tile(i)->maximumSize(), tileSize);
-        QTRY_COMPARE_WITH_TIMEOUT(tile(i)->size(), tileSize, Deadline);
-        QTRY_VERIFY_WITH_TIMEOUT(tile(i)->isVisible(), Deadline);
+        QTRY_COMPARE_WITH_TIMEOUT(tile(i)->size(), tileSize, deadline);
+        QTRY_VERIFY_WITH_TIMEOUT(tile(i)->isVisible(), deadline);
         QVERIFY(m_frame->rect().contains(tile(i)->geometry()));
         for (int other = 0; other < i; ++other)
             QVERIFY(!tile(i)->geometry().intersects(tile(other)->geometry()));
@@ -207,13 +207,13 @@ void tst_MultiLiveFrame::theGridFollowsTheAreaBothWays()
 {
     show({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D")});
     m_area->resize(1600, 1000);
-    QTRY_COMPARE_WITH_TIMEOUT(tile(0)->size(), QSize(666 - 20, 500 - 30), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(tile(0)->size(), QSize(666 - 20, 500 - 30), deadline);
     QCOMPARE(m_frame->size(), QSize(1600, 1000));
     m_area->resize(500, 400);
-    QTRY_COMPARE_WITH_TIMEOUT(m_frame->size(), QSize(500, 400), Deadline);
-    QTRY_COMPARE_WITH_TIMEOUT(tile(0)->size(), QSize(250 - 20, 187 - 30), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_frame->size(), QSize(500, 400), deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(tile(0)->size(), QSize(250 - 20, 187 - 30), deadline);
     m_area->resize(300, 900);
-    QTRY_COMPARE_WITH_TIMEOUT(tile(0)->size(), QSize(300 - 20, 225 - 30), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(tile(0)->size(), QSize(300 - 20, 225 - 30), deadline);
     QCOMPARE(m_frame->shape().columns, 1);
     QCOMPARE(m_frame->layout()->count(), 4);
 }
@@ -229,7 +229,7 @@ void tst_MultiLiveFrame::stretchesKeepTheTilesTogether()
     QCOMPARE(layout->columnStretch(0), 1);
     QCOMPARE(layout->columnStretch(1), 0);
     QCOMPARE(layout->columnStretch(3), 1);
-    QTRY_VERIFY_WITH_TIMEOUT(tile(1)->isVisible(), Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(tile(1)->isVisible(), deadline);
     QCOMPARE(tile(1)->x() - tile(0)->geometry().right() - 1, 10);
     QCOMPARE(tile(0)->x() - 0, m_frame->width() - 1 - tile(1)->geometry().right());
 }

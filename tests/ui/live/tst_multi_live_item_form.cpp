@@ -8,7 +8,7 @@
 #include <QVBoxLayout>
 
 namespace {
-constexpr int Deadline = LiveFixture::Deadline;
+constexpr int deadline = LiveFixture::deadline;
 }
 
 class tst_MultiLiveItemForm : public QObject
@@ -149,9 +149,9 @@ void tst_MultiLiveItemForm::aResizedTileLaysOutAgain()
     const auto fittedWidth = [this] { return child("frameVideoArea")->width() - 30; };
     QCOMPARE(child("frameVideoFrame")->width(), fittedWidth());
     m_tile->resize(300, 250);
-    QTRY_COMPARE_WITH_TIMEOUT(child("frameVideoFrame")->width(), fittedWidth(), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(child("frameVideoFrame")->width(), fittedWidth(), deadline);
     m_tile->resize(550, 450);
-    QTRY_COMPARE_WITH_TIMEOUT(child("frameVideoFrame")->width(), fittedWidth(), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(child("frameVideoFrame")->width(), fittedWidth(), deadline);
 }
 
 void tst_MultiLiveItemForm::reportsFollowTheSameSteps()
@@ -276,11 +276,11 @@ void tst_MultiLiveItemForm::fullScreenIsTheTilesOwn()
     QWidget *frame = child("frameVideoFrame");
     QTest::mouseDClick(surface(), Qt::LeftButton);
     QVERIFY(frame->isFullScreen());
-    QTRY_VERIFY_WITH_TIMEOUT(frame->hasFocus(), Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(frame->hasFocus(), deadline);
     QVERIFY(m_live->host.pages.isEmpty());
     QTest::keyClick(frame, Qt::Key_Escape);
     QVERIFY(!frame->isWindow());
-    QTRY_COMPARE_WITH_TIMEOUT(frame->geometry(), QRect(6, 5, 160, 120), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(frame->geometry(), QRect(6, 5, 160, 120), deadline);
 }
 
 void tst_MultiLiveItemForm::theSelectedFrame()

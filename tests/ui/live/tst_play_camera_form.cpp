@@ -13,7 +13,7 @@
 #include <QWindow>
 
 namespace {
-constexpr int Deadline = LiveFixture::Deadline;
+constexpr int deadline = LiveFixture::deadline;
 }
 
 class tst_PlayCameraForm : public QObject
@@ -155,10 +155,9 @@ void tst_PlayCameraForm::slotsStandInOrder()
                              QStringLiteral("slotOvolumeClicked()")};
     QStringList found;
     const QMetaObject &meta = CPlayCameraForm::staticMetaObject;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
         if (meta.method(i).methodType() == QMetaMethod::Slot)
             found << QString::fromLatin1(meta.method(i).methodSignature());
-    }
     QCOMPARE(found, wanted);
 }
 
@@ -272,7 +271,7 @@ void tst_PlayCameraForm::startSetsUpTheStreamOfTheSessionsMode()
 void tst_PlayCameraForm::startAsksForAProbeUnlessOneIsOut()
 {
     m_live->player()->probeOk();
-    QTRY_COMPARE_WITH_TIMEOUT(m_live->camera()->get_state(), int(CAMERA_STATE_CONNECTED), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_live->camera()->get_state(), int(CAMERA_STATE_CONNECTED), deadline);
     m_live->player()->forgetCalls();
     m_form->SetCamera(m_live->camera());
     m_form->StartPlay();
@@ -314,7 +313,7 @@ void tst_PlayCameraForm::playIsLeftToTheNextReportWhileDisconnected()
     QCOMPARE(m_live->count("RtspPlayer_Play"), 0);
     m_live->camera()->tick_alive();
     m_live->player()->probeOk();
-    QTRY_COMPARE_WITH_TIMEOUT(m_live->count("RtspPlayer_Play"), 1, Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_live->count("RtspPlayer_Play"), 1, deadline);
 }
 
 void tst_PlayCameraForm::theFirstPlayingReportLaysOut()
@@ -464,7 +463,7 @@ void tst_PlayCameraForm::aResizeReturnsToTheNaturalZoom()
     click("btnZoomIn");
     QCOMPARE(shownPicture(), QSize(480, 270));
     m_form->resize(900, 700);
-    QTRY_COMPARE_WITH_TIMEOUT(shownPicture(), QSize(320, 180), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(shownPicture(), QSize(320, 180), deadline);
     click("btnZoomIn");
     QCOMPARE(shownPicture(), QSize(400, 225));
 }
@@ -511,7 +510,7 @@ void tst_PlayCameraForm::fullHdInItsArea()
 {
     QWidget *area = child("frameVideoArea");
     m_form->resize(m_form->size() + QSize(1000, 700) - area->size());
-    QTRY_COMPARE_WITH_TIMEOUT(area->size(), QSize(1000, 700), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(area->size(), QSize(1000, 700), deadline);
     const LogLines log;
     play(1920, 1080);
     QCOMPARE(child("frameVideoClient")->geometry(),
@@ -530,14 +529,14 @@ void tst_PlayCameraForm::aDoubleClickTogglesFullScreen()
     QTest::mouseDClick(surface(), Qt::LeftButton);
     QVERIFY(frame->isWindow());
     QVERIFY(frame->isFullScreen());
-    QTRY_COMPARE_WITH_TIMEOUT(surface()->size(), frame->size(), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(surface()->size(), frame->size(), deadline);
     QVERIFY(surface()->isVisible());
 
     QTest::mouseDClick(surface(), Qt::LeftButton);
     QVERIFY(!frame->isWindow());
     QVERIFY(frame->isVisible());
-    QTRY_COMPARE_WITH_TIMEOUT(frame->geometry(), QRect(6, 5, 640, 360), Deadline);
-    QTRY_COMPARE_WITH_TIMEOUT(surface()->size(), QSize(640, 360), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(frame->geometry(), QRect(6, 5, 640, 360), deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(surface()->size(), QSize(640, 360), deadline);
 
     QTest::mouseDClick(surface(), Qt::RightButton);
     QVERIFY(!frame->isWindow());
@@ -549,10 +548,10 @@ void tst_PlayCameraForm::escapeLeavesAndEntersFullScreen()
     QWidget *frame = child("frameVideoFrame");
     click("btnFullScreen");
     QVERIFY(frame->isFullScreen());
-    QTRY_VERIFY_WITH_TIMEOUT(frame->hasFocus(), Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(frame->hasFocus(), deadline);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
     QVERIFY(!frame->isWindow());
-    QTRY_VERIFY_WITH_TIMEOUT(frame->hasFocus(), Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(frame->hasFocus(), deadline);
     QTest::keyClick(frame, Qt::Key_Escape);
     QVERIFY(frame->isFullScreen());
 }
@@ -613,7 +612,7 @@ void tst_PlayCameraForm::aFocusedPictureShowsIt()
     play();
     m_form->activateWindow();
     child("btnBack")->setFocus();
-    QTRY_VERIFY_WITH_TIMEOUT(child("btnBack")->hasFocus(), Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(child("btnBack")->hasFocus(), deadline);
     const QImage without = child("framePanel")->grab().toImage();
     child("frameVideoFrame")->setFocus();
     QVERIFY(child("framePanel")->grab().toImage() != without);
@@ -825,12 +824,12 @@ void tst_PlayCameraForm::talkBackIsNotRestartedWhileDisconnected()
     m_live->camera()->tick_alive();
     m_live->player()->probeFailed();
     QTRY_COMPARE_WITH_TIMEOUT(m_live->camera()->get_state(), int(CAMERA_STATE_DISCONNECTED),
-                              Deadline);
+                              deadline);
     m_live->reports(3);
     QCOMPARE(m_live->count("AudioUpload_Play"), 1);
     m_live->camera()->tick_alive();
     m_live->player()->probeOk();
-    QTRY_COMPARE_WITH_TIMEOUT(m_live->count("AudioUpload_Play"), 2, Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_live->count("AudioUpload_Play"), 2, deadline);
 }
 
 void tst_PlayCameraForm::backAsksForTheCameraPage()
@@ -925,7 +924,7 @@ void tst_PlayCameraForm::thePageFitsTheSmallestWindow()
     QVERIFY(m_form->minimumSizeHint().height() <= 200);
     play();
     m_form->resize(380, 200);
-    QTRY_COMPARE_WITH_TIMEOUT(m_form->size(), QSize(380, 200), Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->size(), QSize(380, 200), deadline);
     for (const auto *button : m_form->findChildren<QToolButton *>())
         QVERIFY(button->visibleRegion().boundingRect() == button->rect());
 }
@@ -934,10 +933,10 @@ void tst_PlayCameraForm::thePanelDoesNotMoveWithTheFocus()
 {
     m_form->setStyleSheet(zelvaro::applicationStyleSheet());
     m_form->activateWindow();
-    QTRY_COMPARE_WITH_TIMEOUT(child("frameButtonsCenter")->width(), 464, Deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(child("frameButtonsCenter")->width(), 464, deadline);
     for (const char *name : {"btnSnapshot", "btnRecord", "btnBack", "btnMute"}) {
         child(name)->setFocus();
-        QTRY_VERIFY_WITH_TIMEOUT(child(name)->hasFocus(), Deadline);
+        QTRY_VERIFY_WITH_TIMEOUT(child(name)->hasFocus(), deadline);
         QCoreApplication::processEvents();
         QCOMPARE(child("frameButtonsCenter")->width(), 464);
         QCOMPARE(child("btnSnapshot")->size(), QSize(40, 40));
@@ -949,7 +948,7 @@ void tst_PlayCameraForm::theKeyboardReachesEveryControl()
     QSet<QString> reached;
     m_form->activateWindow();
     child("frameVideoFrame")->setFocus();
-    QTRY_VERIFY_WITH_TIMEOUT(child("frameVideoFrame")->hasFocus(), Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(child("frameVideoFrame")->hasFocus(), deadline);
     for (int i = 0; i < 20; ++i) {
         if (QWidget *focus = QApplication::focusWidget())
             reached.insert(focus->objectName());
@@ -957,9 +956,8 @@ void tst_PlayCameraForm::theKeyboardReachesEveryControl()
     }
     for (const char *name :
          {"frameVideoFrame", "btnSnapshot", "btnRecord", "btnZoomIn", "btnZoomOut", "btnFullScreen",
-          "slider", "btnMute", "btnOutVolume", "btnBack"}) {
+          "slider", "btnMute", "btnOutVolume", "btnBack"})
         QVERIFY2(reached.contains(QString::fromLatin1(name)), name);
-    }
     for (const auto *button : m_form->findChildren<QToolButton *>()) {
         QVERIFY2(!button->toolTip().isEmpty(), qPrintable(button->objectName()));
         QVERIFY2(!button->accessibleName().isEmpty(), qPrintable(button->objectName()));

@@ -2,11 +2,11 @@
 #include "ui/live/select_camera_item_form.h"
 #include "ui/live/select_camera_recording_form.h"
 
-#include "ui/common/title_widget.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
 #include "tests/support/tool_tip_text.h"
 #include "tests/ui/live/live_fixture.h"
+#include "ui/common/title_widget.h"
 #include "ui/live/shown_cameras.h"
 
 #include <QGridLayout>
@@ -255,18 +255,18 @@ void tst_SelectionDialogs::aHundredCamerasScroll()
     const auto picture = [&dialog](int index) {
         return tiles(dialog).at(index)->findChild<QFrame *>(QStringLiteral("frameClient"));
     };
-    QTRY_VERIFY_WITH_TIMEOUT(picture(0)->isVisible(), LiveFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(picture(0)->isVisible(), LiveFixture::deadline);
     QVERIFY(!picture(99)->isVisible());
     CSelectCameraItemForm *beforeLast = tiles(dialog).at(98);
     dialog.activateWindow();
     beforeLast->setFocus();
-    QTRY_VERIFY_WITH_TIMEOUT(beforeLast->hasFocus(), LiveFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(beforeLast->hasFocus(), LiveFixture::deadline);
     QTest::keyClick(beforeLast, Qt::Key_Tab);
     QVERIFY(tiles(dialog).last()->hasFocus());
     QTRY_VERIFY_WITH_TIMEOUT(tiles(dialog).last()->visibleRegion().boundingRect() ==
                                  tiles(dialog).last()->rect(),
-                             LiveFixture::Deadline);
-    QTRY_VERIFY_WITH_TIMEOUT(picture(99)->isVisible(), LiveFixture::Deadline);
+                             LiveFixture::deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(picture(99)->isVisible(), LiveFixture::deadline);
 }
 
 void tst_SelectionDialogs::aPressAnywhereOnATileToggles()
@@ -281,7 +281,7 @@ void tst_SelectionDialogs::aPressAnywhereOnATileToggles()
     QCOMPARE(clicked.at(0).at(0).value<CSelectCameraItemForm *>(), &tile);
     tile.show();
     auto *picture = tile.findChild<QWidget *>(QStringLiteral("frameClient"));
-    QTRY_VERIFY_WITH_TIMEOUT(picture->isVisible(), LiveFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(picture->isVisible(), LiveFixture::deadline);
     QTest::mousePress(picture, Qt::LeftButton);
     QVERIFY(!tile.isChecked());
     QTest::mousePress(tile.findChild<QWidget *>(QStringLiteral("labelCameraName")), Qt::LeftButton);
@@ -299,7 +299,7 @@ void tst_SelectionDialogs::spaceTogglesAndTabWalks()
     dialog.show();
     QVERIFY(QTest::qWaitForWindowExposed(&dialog));
     dialog.activateWindow();
-    QTRY_VERIFY_WITH_TIMEOUT(tiles(dialog).at(0)->hasFocus(), LiveFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(tiles(dialog).at(0)->hasFocus(), LiveFixture::deadline);
     const auto *back =
         tiles(dialog).at(0)->findChild<QFrame *>(QStringLiteral("frameSelectCameraItemBk"));
     QVERIFY(!back->styleSheet().contains(QStringLiteral("selectcameraitembk_default.png")));
@@ -346,7 +346,7 @@ void tst_SelectionDialogs::aThumbnailInAFolderWithBlanksIsShown()
     auto *client = tile.findChild<QFrame *>(QStringLiteral("frameClient"));
     tile.show();
     QVERIFY(QTest::qWaitForWindowExposed(&tile));
-    QTRY_VERIFY_WITH_TIMEOUT(client->isVisible(), LiveFixture::Deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(client->isVisible(), LiveFixture::deadline);
     QCOMPARE(client->grab().toImage().pixelColor(client->rect().center()), QColor(Qt::red));
 }
 

@@ -128,9 +128,8 @@ void tst_VolumeSliderForm::soundIsOnAtFirst()
     QVERIFY(!m_form->isMuted());
     QCOMPARE(m_mute->styleSheet(), muteStyle(QStringLiteral("volumebtn_checked")));
     for (const char *name : {"volumebtn_checked", "volumebtn_checkedhover", "volumebtn_unchecked",
-                             "volumebtn_uncheckedhover"}) {
+                             "volumebtn_uncheckedhover"})
         QVERIFY2(QFile::exists(QStringLiteral(":/images/panelbtn/%1.png").arg(name)), name);
-    }
 }
 
 void tst_VolumeSliderForm::theMuteButtonIsReachedByKeyboard()

@@ -25,7 +25,7 @@ class FrameTest : public QObject
     Q_OBJECT
 
 protected:
-    static constexpr int kDeadline = 20000; // milliseconds
+    static constexpr int deadline = 20000; // milliseconds
 
     /// The page with so many cameras.
     void build(int cameras)

@@ -1,7 +1,7 @@
-#include "ui/common/message_box.h"
 #include "settings/camera_record.h"
 #include "tests/support/modal_script.h"
 #include "tests/support/page_recorder.h"
+#include "ui/common/message_box.h"
 #include "ui/manager/add_button_form.h"
 #include "ui/manager/add_camera_form.h"
 

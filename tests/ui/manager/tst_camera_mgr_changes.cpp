@@ -1,8 +1,8 @@
-#include "ui/common/message_box.h"
-#include "ui/manager/motion_dialog.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/manager/frame_test.h"
+#include "ui/common/message_box.h"
 #include "ui/manager/add_camera_form.h"
+#include "ui/manager/motion_dialog.h"
 
 #include <QFile>
 #include <QLabel>
@@ -245,7 +245,7 @@ void CameraMgrChangesTest::deletingEndsSessionTileAndRecord()
     QVERIFY(fake_cammgr::player("UID-001")->deleted());
     QCOMPARE(cellOf(tile(1)), (Cell{0, 1}));
     QCOMPARE(cellOf(addTile()), (Cell{0, 2}));
-    QTRY_VERIFY_WITH_TIMEOUT(deleted.isNull(), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(deleted.isNull(), deadline);
     QVERIFY(fake_cammgr::breaches().empty());
 }
 

@@ -98,7 +98,7 @@ void CameraMgrFrameTest::resizingThePageLaysOutAgain()
     QVERIFY(frame && scroll);
     for (const int width : {1000, 700, 480, 300, 1300}) {
         page.resize(width, 600);
-        QTRY_VERIFY_WITH_TIMEOUT(page.width() == width, kDeadline);
+        QTRY_VERIFY_WITH_TIMEOUT(page.width() == width, deadline);
         const int columns = std::max(1, (scroll->viewport()->width() + 1) / (199 + 21));
         auto *grid = qobject_cast<QGridLayout *>(frame->layout());
         int row = 0;
@@ -135,10 +135,10 @@ void CameraMgrFrameTest::onlyTilesThatAreSeenHoldPictures()
             ->styleSheet()
             .contains("thumb.jpeg");
     };
-    QTRY_VERIFY_WITH_TIMEOUT(!holds(99), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!holds(99), deadline);
     QVERIFY(holds(0));
     auto *bar = page.findChild<QScrollArea *>("scrollCameraMgr")->verticalScrollBar();
-    QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, deadline);
     bar->setValue(bar->maximum());
     QVERIFY(holds(99));
     QVERIFY(!holds(0));

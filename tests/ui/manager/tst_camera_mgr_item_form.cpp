@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int kDeadline = 20000; // milliseconds
+constexpr int deadline = 20000; // milliseconds
 
 void writePicture(const QString &path, QColor colour, QSize size = {64, 48})
 {
@@ -154,10 +154,10 @@ void CameraMgrItemFormTest::refusedPasswordIsShown()
 {
     m_tile->setCamera(camera());
     player()->probeFailed(CAMMGR_ERROR_REFUSED);
-    QTRY_COMPARE_WITH_TIMEOUT(text("labelStatusText"), QString("Invalid Password!"), kDeadline);
-    QTRY_VERIFY_WITH_TIMEOUT(player()->probeOutstanding(), kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(text("labelStatusText"), QString("Invalid Password!"), deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(player()->probeOutstanding(), deadline);
     player()->probeOk();
-    QTRY_COMPARE_WITH_TIMEOUT(text("labelStatusText"), QString(), kDeadline);
+    QTRY_COMPARE_WITH_TIMEOUT(text("labelStatusText"), QString(), deadline);
 }
 
 void CameraMgrItemFormTest::statusImageFollowsTheState()
@@ -169,7 +169,7 @@ void CameraMgrItemFormTest::statusImageFollowsTheState()
     player()->probeOk();
     QTRY_COMPARE_WITH_TIMEOUT(image->styleSheet(),
                               QString("border-image:url(:/images/cameraitem/connected.png);"),
-                              kDeadline);
+                              deadline);
 }
 
 void CameraMgrItemFormTest::showsAThumbnailThatExists()
@@ -296,9 +296,9 @@ void CameraMgrItemFormTest::menuHasExactlyPlayDeleteModify()
     m_tile->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
     QTest::mouseClick(button, Qt::LeftButton);
-    QTRY_VERIFY_WITH_TIMEOUT(button->menu()->isVisible(), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(button->menu()->isVisible(), deadline);
     QTest::keyClick(button->menu(), Qt::Key_Escape);
-    QTRY_VERIFY_WITH_TIMEOUT(!button->menu()->isVisible(), kDeadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!button->menu()->isVisible(), deadline);
 }
 
 void CameraMgrItemFormTest::menuActionsAskForThemselves()
@@ -312,9 +312,9 @@ void CameraMgrItemFormTest::menuActionsAskForThemselves()
     QMenu *menu = find<QToolButton>("btnMenu")->menu();
     for (QAction *action : menu->actions()) {
         m_tile->slotMenu();
-        QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), kDeadline);
+        QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), deadline);
         QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
-        QTRY_VERIFY_WITH_TIMEOUT(!menu->isVisible(), kDeadline);
+        QTRY_VERIFY_WITH_TIMEOUT(!menu->isVisible(), deadline);
     }
     for (QSignalSpy *spy : {&play, &remove, &modify}) {
         QCOMPARE(spy->count(), 1);

@@ -1,10 +1,10 @@
 #include "ui/manager/motion_dialog.h"
 
-#include "ui/common/message_box.h"
 #include "resources/resources.h"
 #include "tests/camera/session_test.h"
 #include "tests/support/modal_script.h"
 #include "ui/common/busy_dialog.h"
+#include "ui/common/message_box.h"
 
 #include <QGroupBox>
 #include <QLabel>
@@ -14,16 +14,15 @@
 
 namespace {
 
-const char *const Fields[] = {"left", "top", "right", "bottom", "thres", "sens"};
+const char *const fields[] = {"left", "top", "right", "bottom", "thres", "sens"};
 
 /// What one detection window shows: "1 0 0 639 479 60 70".
 QString shown(const Motion_Dialog &dialog, int window)
 {
     const QString number = QString::number(window);
     QStringList texts{dialog.findChild<QGroupBox *>("window" + number)->isChecked() ? "1" : "0"};
-    for (const char *field : Fields) {
+    for (const char *field : fields)
         texts << dialog.findChild<QLineEdit *>(field + number)->text();
-    }
     return texts.join(' ');
 }
 
@@ -32,7 +31,7 @@ QStringList shown(const Motion_Dialog &dialog)
     return {shown(dialog, 1), shown(dialog, 2), shown(dialog, 3), shown(dialog, 4)};
 }
 
-const QStringList Defaults{"1 0 0 639 479 60 70", "0 320 0 639 240 60 70", "0 0 240 320 479 60 70",
+const QStringList defaults{"1 0 0 639 479 60 70", "0 320 0 639 240 60 70", "0 0 240 320 479 60 70",
                            "0 320 240 639 479 60 70"};
 
 std::string reply(const QStringList &values)
@@ -40,9 +39,8 @@ std::string reply(const QStringList &values)
     static const QStringList keys{"WINDOW", "ENABLE", "LEFT",      "TOP",
                                   "RIGHT",  "BOTTOM", "THRESHOLD", "SENSITIVITY"};
     QString text = "000 Success\n";
-    for (int i = 0; i < values.length(); ++i) {
+    for (int i = 0; i < values.length(); ++i)
         text += QString("%1=%2\n").arg(keys[i], values[i]);
-    }
     return text.toStdString();
 }
 
@@ -50,9 +48,8 @@ std::string reply(const QStringList &values)
 QStringList targets(const std::vector<std::string> &requests)
 {
     QStringList list;
-    for (const std::string &request : requests) {
+    for (const std::string &request : requests)
         list << QString::fromStdString(request).section(' ', 1, 1);
-    }
     return list;
 }
 
@@ -138,12 +135,10 @@ void TstMotionDialog::answerWhileWaiting(ModalScript &script,
     answer(nullptr);
     script.then([this, replies, text](QWidget *window) {
         const auto *const busy = qobject_cast<QProgressDialog *>(window);
-        if (!busy) {
+        if (!busy)
             qFatal("no wait dialog");
-        }
-        if (!text.isEmpty()) {
+        if (!text.isEmpty())
             QCOMPARE(busy->labelText(), text);
-        }
         m_session->player()->reply(replies);
     });
 }
@@ -152,9 +147,8 @@ std::unique_ptr<Motion_Dialog> TstMotionDialog::open()
 {
     auto dialog = std::make_unique<Motion_Dialog>(nullptr, m_session->camera.get());
     dialog->show();
-    if (!QTest::qWaitForWindowExposed(dialog.get(), Deadline)) {
+    if (!QTest::qWaitForWindowExposed(dialog.get(), deadline))
         qFatal("the dialog does not come up");
-    }
     return dialog;
 }
 
@@ -201,7 +195,7 @@ void TstMotionDialog::cameraThatDoesNotAnswerKeepsTheDefaults()
     answerWhileWaiting(script, {"cannot connect", "cannot connect", "", ""});
     const auto dialog = open();
     QVERIFY(script.done());
-    QCOMPARE(shown(*dialog), Defaults);
+    QCOMPARE(shown(*dialog), defaults);
 }
 
 void TstMotionDialog::answersFillTheControlsByPosition()
@@ -228,7 +222,7 @@ void TstMotionDialog::failedWindowKeepsWhatItShowed()
     });
     const auto dialog = open();
     QCOMPARE(shown(*dialog),
-             QStringList({"0 1 2 3 4 5 6", Defaults[1], Defaults[2], "1 1 2 3 4 5 6"}));
+             QStringList({"0 1 2 3 4 5 6", defaults[1], defaults[2], "1 1 2 3 4 5 6"}));
 }
 
 void TstMotionDialog::enabledOnlyByExactlyOne()
@@ -258,10 +252,10 @@ void TstMotionDialog::shortAnswerKeepsTheForm()
 {
     QFETCH(QString, text);
     answer([&](const auto &) { return std::vector<std::string>(4, text.toStdString()); });
-    QCOMPARE(shown(*open()), Defaults);
+    QCOMPARE(shown(*open()), defaults);
     // Fewer replies than windows.
     answer([&](const auto &) { return std::vector<std::string>(2, text.toStdString()); });
-    QCOMPARE(shown(*open()), Defaults);
+    QCOMPARE(shown(*open()), defaults);
     m_checks->take();
 }
 
@@ -393,7 +387,7 @@ void TstMotionDialog::refusedBatchEndsTheWait()
     m_session->player()->change(
         [](fake_cammgr::Script &s) { s.results["RtspPlayer_Issue_P2PConf_URLCMDs"] = -1; });
     const auto dialog = open();
-    QCOMPARE(shown(*dialog), Defaults);
+    QCOMPARE(shown(*dialog), defaults);
 }
 
 void TstMotionDialog::sessionThatGoesDoesNotHarm()
@@ -405,7 +399,7 @@ void TstMotionDialog::sessionThatGoesDoesNotHarm()
     press(dialog.get(), "btnQuery");
     press(dialog.get(), "btnApply");
     QVERIFY(script.done());
-    QCOMPARE(shown(*dialog), Defaults);
+    QCOMPARE(shown(*dialog), defaults);
 }
 
 void TstMotionDialog::formLooksAsDescribed()
@@ -436,9 +430,8 @@ void TstMotionDialog::formLooksAsDescribed()
                      qPrintable(child->objectName()));
         }
     }
-    if (qEnvironmentVariableIsSet("ZELVARO_SCREENSHOTS")) {
+    if (qEnvironmentVariableIsSet("ZELVARO_SCREENSHOTS"))
         dialog->grab().save(qEnvironmentVariable("ZELVARO_SCREENSHOTS") + "/motion_dialog.png");
-    }
 }
 
 QTEST_MAIN(TstMotionDialog)

@@ -75,9 +75,8 @@ void TstRangeValidator::pastedTextOutsideTheRangeIsRefused()
     const zelvaro::RangeValidator validator(0, 639);
     int position = 0;
     for (QString text : {QStringLiteral("640"), QStringLiteral("99999999999"), QStringLiteral("-1"),
-                         QStringLiteral("+1"), QStringLiteral("1.5"), QStringLiteral("\u0663")}) {
+                         QStringLiteral("+1"), QStringLiteral("1.5"), QStringLiteral("\u0663")})
         QCOMPARE(validator.validate(text, position), QValidator::Invalid);
-    }
 }
 
 void TstRangeValidator::everyNumberOfTheRangeIsTaken()

@@ -119,10 +119,9 @@ void SoapDevice::keepSilent(const std::string &request)
 std::vector<std::string> SoapDevice::seen(const std::string &request) const
 {
     std::vector<std::string> texts;
-    for (const Seen &one : m_seen) {
+    for (const Seen &one : m_seen)
         if (one.request == request)
             texts.push_back(one.text);
-    }
     return texts;
 }
 
