@@ -50,7 +50,7 @@ public:
         const auto *window = qobject_cast<QWindow *>(object);
         if (!window || !window->parent())
             return false;
-        // Later: the server may not have been told of the window yet.
+        // Later: the server may not know the window yet.
         if (m_fresh.isEmpty())
             QTimer::singleShot(0, this, [this] { declare(); });
         m_fresh.append(static_cast<xcb_window_t>(window->winId()));
@@ -67,7 +67,7 @@ private:
         }
         m_fresh.clear();
         xcb_flush(m_server);
-        // A window that is gone already is told as an error, which nobody needs to know.
+        // A window that no longer exists is reported as an error, which can be ignored.
         while (const std::unique_ptr<xcb_generic_event_t, FreeReply> event{
             xcb_poll_for_event(m_server)}) {
         }

@@ -5,7 +5,7 @@
 
 namespace zelvaro {
 
-/// Where the pointer stands on the border of a frameless window, and so what a drag resizes.
+/// Where the pointer is on the border of a frameless window, and so what a drag resizes.
 enum class Edge
 {
     None,

@@ -36,7 +36,7 @@ void EdgeResize::follow()
     recordCorners();
 }
 
-// The corners stand still during a drag, so that the edge opposite to it does.
+// The corners stay where they are during a drag, so that the opposite edge does.
 void EdgeResize::recordCorners()
 {
     if (m_dragged == Edge::None)
@@ -87,7 +87,7 @@ void EdgeResize::move(const QMouseEvent &event)
     }
 }
 
-// The edge frames have cursors of their own and the corner's zone lies over two of them.
+// The edge frames have their own cursors and the corner's zone lies over two of them.
 void EdgeResize::showCursor(Edge edge)
 {
     m_window->setCursor(cursorOf(edge));

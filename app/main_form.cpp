@@ -38,7 +38,7 @@ constexpr int compactHeight = 420;
 constexpr int toolButtonHeight = 68;
 constexpr int compactToolButtonHeight = 44;
 
-// The buttons carry their words for assistive programs; the eye sees the image only.
+// The texts of the buttons are for assistive programs; only the image is drawn.
 void setSystemButtonImages(QToolButton *button, const QString &family)
 {
     button->setStyleSheet(
@@ -117,7 +117,7 @@ void CMainForm::buildToolBar()
 }
 
 // Without a button held, moves reach the window only through widgets that track the mouse. What
-// does not track has a cursor of its own, so that it never inherits a resize cursor.
+// does not track has its own cursor, so that it never inherits a resize cursor.
 void CMainForm::trackEdges(QSize largest)
 {
     for (QWidget *widget : std::initializer_list<QWidget *>{m_ui->frameMain, m_ui->frameStatus,

@@ -35,8 +35,8 @@ void followScreenDensity()
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 }
 
-/// The file that a picture of the window is wanted in; empty for none. Ends the program on
-/// --help, --version and options that it does not know.
+/// The file for the requested picture of the window; empty for none. Ends the program on --help,
+/// --version and options that it does not know.
 QString screenshotFile(const QApplication &application)
 {
     QCommandLineParser parser;
@@ -53,7 +53,7 @@ QString screenshotFile(const QApplication &application)
     return parser.value(screenshot);
 }
 
-// One after the other: what comes later needs what came before, and goes before it at the end.
+// One after the other: each part needs the earlier ones and is destroyed before them.
 int runWindow(QApplication &application, const std::function<void(CMainForm &)> &shown)
 {
     QTranslator translator; // stays empty: the user interface shows the source texts
@@ -83,7 +83,7 @@ int runWindow(QApplication &application, const std::function<void(CMainForm &)> 
 
 int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &shown)
 {
-    // The stream library draws on child windows of its own.
+    // The stream library draws on native child windows.
     QCoreApplication::setAttribute(Qt::AA_NativeWindows, true);
     QCoreApplication::setAttribute(x11InitThreads, true);
     followScreenDensity();
@@ -91,7 +91,7 @@ int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &s
     if (!qEnvironmentVariableIsSet(glIntegration))
         qputenv(glIntegration, "none");
     QThreadPool::globalInstance()->setMaxThreadCount(mostBackgroundTasks);
-    // The settings folder is named by it. No organisation: the folder stands right in the user's.
+    // The settings folder is named by it. No organisation: the folder is directly in the user's.
     QCoreApplication::setApplicationName(QStringLiteral("Zelvaro"));
     QCoreApplication::setApplicationVersion(QStringLiteral("1.4"));
 

@@ -2,9 +2,9 @@
 
 namespace zelvaro {
 
-/// Whether this desktop wants sizes larger than one screen pixel for one logical pixel, by an
-/// eighth at least: what a screen's rounded millimetres make of 96 dots per inch is no wish for a
-/// blurred picture. Ask before the application object is made; about a millisecond.
+/// Whether this desktop scales by at least an eighth. Smaller factors are ignored: screens report
+/// rounded sizes, so 96 dpi often reads as 100. To be called before the application object is made;
+/// takes about a millisecond.
 bool isDenseDesktop();
 
 } // namespace zelvaro

@@ -28,7 +28,7 @@ double dotsPerInch(Display *display)
 } // namespace
 
 // The connection is our own: the application's is not made yet. Without an X server the windows
-// are another system's, which tells exact factors.
+// belong to another window system, which reports exact factors.
 bool isDenseDesktop()
 {
     XInitThreads(); // before every other call, and the stream library draws from its own threads
