@@ -9,8 +9,8 @@ enum CameraType
     CAMERA_TYPE_P2P = 1 ///< by its peer-to-peer UID
 };
 
-/// One registered camera, as it stands in the settings file. Owned by CameraSettings; sessions
-/// refer to it by pointer. GUI thread only.
+/// One registered camera, as stored in the settings file. Owned by CameraSettings; sessions refer
+/// to it by pointer. GUI thread only.
 struct CameraRecord
 {
     int type = CAMERA_TYPE_P2P;

@@ -47,8 +47,8 @@ QString read(const Store &store, SettingsText which)
     return read(store, zelvaro::settingsKey(which));
 }
 
-/// A line end in a text would end its line in the file and make the rest a line of its own, and a
-/// NUL would cut it: both become blanks. False when the text does not come back as it is.
+/// A line end in a text would end its line in the file and make the rest a separate line, and a NUL
+/// would cut it: both become blanks. False when the text does not come back as it is.
 bool write(const Store &store, SettingsText which, QString text)
 {
     static const QRegularExpression lineBreakers(QStringLiteral("[\\r\\n\\x00]"));

@@ -40,7 +40,7 @@ public:
     int load();
 
     /// Writes all records and the album path, on the disk when it returns. What cannot be written
-    /// stays in memory and goes into the file with the next save. The first save after load()
+    /// stays in memory and is written into the file with the next save. The first save after load()
     /// keeps a copy of the file as it was found, with ".bak" after its name.
     /// @return 0, also when the file could not be written
     int save();

@@ -33,7 +33,7 @@ typedef struct ini_entry
     struct ini_entry *next;
     struct ini_entry *prev;
     char *key;     /* NULL for a line that is not "key=value" */
-    char *value;   /* NULL when nothing stands after the "=" */
+    char *value;   /* NULL when nothing follows the "=" */
     char *comment; /* the whole line of a comment or blank line */
 } ini_entry;
 
@@ -70,8 +70,8 @@ typedef struct ini_file
 /*
  * Opens a store. mode: "r" read, "w" write, "w+" both; anything else neither. With reading, the
  * file is loaded; one that cannot be opened is an empty store. Lines are read in pieces of at most
- * INI_LINE bytes, each taken as a line of its own. The mark that some editors put before UTF-8 is
- * no part of the first line. NULL only when memory runs out.
+ * INI_LINE bytes, each taken as a separate line. The mark that some editors put before UTF-8 is no
+ * part of the first line. NULL only when memory runs out.
  */
 ini_file *ini_open(const char *path, const char *mode);
 
@@ -91,7 +91,7 @@ int32_t ini_use_section(ini_file *file, const char *name);
 /* Selects an existing section; -1 and no change when there is none. NULL or "": the leading one. */
 int32_t ini_select_section(ini_file *file, const char *name);
 
-/* Selects the section after the current one and tells its name; -1 after the last. */
+/* Selects the section after the current one and returns its name; -1 after the last. */
 int32_t ini_next_section(ini_file *file, const char **name);
 
 /* Removes the first section of that name with its lines; -1 when there is none and for the
