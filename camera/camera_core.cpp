@@ -282,7 +282,7 @@ int CCameraCore::issue_conf_commands(const QStringList &requests)
     }
     const int result = RtspPlayer_Issue_P2PConf_URLCMDs(player(), texts.data(), cnt);
     if (result < 0) {
-        // Nobody will answer; whoever waits for the end of the batch must not wait for ever.
+        // No reply will come, and a caller may be waiting for the end of the batch.
         const auto fail = [this, cnt] { handleReplies(cnt, QVector<QString>(cnt).toList()); };
         QMetaObject::invokeMethod(this, fail, Qt::QueuedConnection);
     }

@@ -54,7 +54,7 @@ public:
     bool has_player() const { return m_pRtspPlayer != nullptr; }
     bool is_stopped() const { return cam_to_stop != 0; }
 
-    /// Makes the player and sends the first probe. -1 when the library gives none.
+    /// Creates the player and sends the first probe. -1 when the library returns none.
     int create();
     /// Sends a probe unless one is outstanding, the session is stopped or there is no player.
     void tick_alive();
@@ -63,7 +63,7 @@ public:
     int get_mode() const;
     /// Stream 1 is the sub stream, any other number the main stream.
     int setup_live_stream(int stream, QWidget *surface);
-    /// Does nothing and gives -1 unless connected; callers try again on the next state report.
+    /// Does nothing and returns -1 unless connected; callers try again on the next state report.
     int play();
     int stop_play();
     /// Non-zero while a stream plays.
@@ -101,8 +101,8 @@ public:
     int get_video_width() const;  ///< pixels; 640 while unknown
     int get_video_height() const; ///< pixels; 480 while unknown
 
-    /// Sends one batch of requests; signalP2PConfFinished tells that the results can be read. Also
-    /// when the library does not take the batch: then every command has failed. One at a time.
+    /// Sends one batch of requests; signalP2PConfFinished reports that the results can be read.
+    /// Also when the library does not take the batch: then every command has failed. One at a time.
     int issue_conf_commands(const QStringList &requests);
     /// Of the last batch: for each command 0 or -1, and the names and values that it answered.
     const QList<int> &command_codes() const { return m_commandCodes; }

@@ -32,8 +32,8 @@ public:
     /// stopped and waited for. An unknown pointer is passed over.
     void remove(CCamera *camera);
 
-    /// Makes and starts a session for each record. One that cannot start is destroyed at once;
-    /// its record stays. Sessions of before are destroyed first.
+    /// Makes and starts a session for each record. One that cannot start is destroyed at once; its
+    /// record stays. Existing sessions are destroyed first.
     void startSessions(const CameraSettings &settings);
 
     /// Destroys all sessions from the front, each with its player. Waits in event loops only for
@@ -41,7 +41,7 @@ public:
     void destroyAll();
 
 public slots:
-    /// The program is about to quit: asks every session to stop, then waits for each.
+    /// The program is about to quit: requests every session to stop, then waits for each.
     void closing();
 
 private:

@@ -27,7 +27,7 @@ struct CommandReply
 {
     int code = -1;      ///< 0 when the first line is "000 Success", else -1
     QStringList keys;   ///< of the lines "key=value", in their order; empty when the code is -1
-    QStringList values; ///< beside keys
+    QStringList values; ///< parallel to keys
 };
 
 CommandReply parse_reply(const QString &text);

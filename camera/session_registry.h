@@ -4,8 +4,8 @@ class CCameraCore;
 
 namespace zelvaro {
 
-/// The sessions that exist, for the library's callback: a message that comes after its session has
-/// gone is dropped, and a session cannot go while a message is being posted to it. Any thread.
+/// The sessions that exist, for the library's callback: a message for a destroyed session is
+/// dropped, and a session cannot be destroyed while a message is being posted to it. Any thread.
 class SessionRegistry
 {
 public:
@@ -13,7 +13,8 @@ public:
     /// Waits for a message that is just being posted; that takes microseconds.
     static void leave(CCameraCore *session);
 
-    /// Runs post(session) and keeps the session alive meanwhile; nothing when it has gone.
+    /// Runs post(session) and keeps the session alive meanwhile; does nothing when it no longer
+    /// exists.
     template <typename Post>
     static void withSession(void *context, Post post)
     {
