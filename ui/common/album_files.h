@@ -10,7 +10,7 @@
 
 namespace zelvaro {
 
-/// Tells the local date and time; tests put a standing clock in its place.
+/// Returns the local date and time; tests replace it by a fixed clock.
 using Clock = std::function<QDateTime()>;
 QDateTime localTime();
 
@@ -33,7 +33,7 @@ QString photoFile(const QString &folder, const QDateTime &time);
 QString recordingBase(const QString &folder, const QDateTime &time);
 /// The first clip of a recording.
 QString clipFile(const QString &recordingBase);
-/// The still picture beside a clip: its name followed by a second extension.
+/// The still picture of a clip: its name followed by a second extension.
 QString clipStill(const QString &clipFile);
 
 } // namespace zelvaro

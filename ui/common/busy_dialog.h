@@ -21,10 +21,10 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 };
 
-/// The one way to wait for a request whose end a signal tells: shows the dialog, runs start, and
-/// returns when the signal came. The signal must come through the event loop, so that it cannot
-/// come before the dialog runs. When start gives false nothing is waited for. A sender that is
-/// destroyed ends the wait as well.
+/// Use this for every request the user has to wait for, when a signal reports its end: shows the
+/// dialog, runs start, and returns when the signal came. The signal must come through the event
+/// loop, so that it cannot come before the dialog runs. When start gives false nothing is waited
+/// for. A sender that is destroyed ends the wait as well.
 /// @return what start gave.
 template <typename Sender, typename Signal>
 bool runBusy(QWidget *parent, const QString &text, Sender *sender, Signal finished,

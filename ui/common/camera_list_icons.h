@@ -6,10 +6,10 @@
 
 namespace zelvaro {
 
-/// Role under which a row of a camera list keeps the pointer to what it stands for.
+/// Role under which a row of a camera list keeps the pointer to what it represents.
 constexpr int cameraListPointerRole = Qt::UserRole + 1;
 
-/// A row of a camera list: the camera icon, the text, and the pointer that it stands for.
+/// A row of a camera list: the camera icon, the text, and the pointer to what it represents.
 /// The model that it is appended to takes ownership.
 QStandardItem *makeCameraListItem(const QString &text, const QVariant &pointer);
 

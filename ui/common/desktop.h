@@ -5,7 +5,7 @@
 
 class QWidget;
 
-/// What the pages ask of the operating system's desktop. Tests put a recorder in its place.
+/// What the pages need of the operating system's desktop. Tests replace it by a recorder.
 /// GUI thread only.
 class Desktop
 {

@@ -4,8 +4,8 @@
 
 namespace zelvaro {
 
-/// A label of plain text in one line that ends in "…" where it does not fit. The text itself stays
-/// whole, and asks for no room; a label without a tool tip of its own tells it in one.
+/// A label of plain text in one line, elided where it does not fit; text() stays complete. It
+/// requests no width; an elided label without its own tool tip shows the full text in one.
 class ElidedLabel : public QLabel
 {
     Q_OBJECT

@@ -8,7 +8,7 @@ namespace zelvaro {
 
 namespace {
 
-/// Keeps the children of a widget elsewhere while its native window is made anew, so that theirs
+/// Keeps the children of a widget elsewhere while its native window is recreated, so that theirs
 /// live on: something may be drawing on them.
 class ChildrenAside
 {
@@ -89,7 +89,7 @@ void PictureBox::leaveFullScreen()
         return;
     m_fullScreen = false;
     const ChildrenAside children(m_surface, m_box);
-    // The native window must be made anew: one that becomes a child again is taken back to the
+    // The native window must be recreated: one that becomes a child again is taken back to the
     // screen by a window manager that has not seen it leave yet.
     const bool native = m_surface->testAttribute(Qt::WA_NativeWindow);
     m_surface->setAttribute(Qt::WA_NativeWindow, false);
@@ -115,7 +115,7 @@ void PictureBox::toggleFullScreen()
 
 void PictureBox::showFullScreen()
 {
-    // Setting the flag makes the window anew, which blinks.
+    // Setting the flag recreates the window, which blinks.
     if (m_surface->isWindow() && m_surface->isVisible())
         return;
     const QRect screen = m_area->screen()->geometry();
@@ -134,7 +134,7 @@ void PictureBox::markFocusOn(QWidget *strip)
         this, &PictureBox::focusChanged, strip,
         [strip](bool focused) {
             strip->setProperty("pictureFocused", focused);
-            strip->setStyleSheet(strip->styleSheet()); // a property alone does not style it anew
+            strip->setStyleSheet(strip->styleSheet()); // a property alone does not restyle
         });
 }
 

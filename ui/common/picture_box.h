@@ -36,9 +36,9 @@ public:
     /// the calculated place and shows it again.
     void position();
 
-    /// Nothing when it is in full screen already.
+    /// Does nothing when it is in full screen already.
     void enterFullScreen();
-    /// Nothing when it is on the page already.
+    /// Does nothing when it is on the page already.
     void leaveFullScreen();
     void toggleFullScreen();
 

@@ -7,7 +7,7 @@
 
 namespace zelvaro {
 
-/// What stands between two pieces of a status line.
+/// Separates two pieces of a status line.
 constexpr char statusGap[] = "  ";
 
 /// "1280x720"

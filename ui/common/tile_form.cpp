@@ -13,7 +13,7 @@ TileForm::TileForm(QWidget *parent) : QWidget(parent)
     setSizePolicy(policy);
 }
 
-// Accepted first: the tile may be gone, or its page hidden, when the item has been opened.
+// Accepted first: the tile may be deleted, or its page hidden, when the item has been opened.
 void TileForm::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton) {

@@ -4,7 +4,7 @@
 
 namespace zelvaro {
 
-/// A tile of a page's grid that stands for a camera or a file: a left double click or the Return
+/// A tile of a page's grid that represents a camera or a file: a left double click or the Return
 /// key opens it, the Delete key deletes it, and it shows when it has the keyboard focus. Keeps its
 /// place in the grid when it is hidden. GUI thread only.
 class TileForm : public QWidget

@@ -20,15 +20,15 @@ public:
     /// layout: not owned, outlives this.
     explicit TileGrid(QGridLayout *layout);
 
-    /// Takes out what stands in the grid and places the tiles again: tile i at row i / columns,
-    /// column i % columns. columns below 1 count as 1.
+    /// Empties the grid and places the tiles again: tile i at row i / columns, column i % columns.
+    /// columns below 1 count as 1.
     /// @param trailing number of widgets at the end of tiles that are no items of the page (its add
     ///                 button); the row that takes the slack is counted without them
     void place(const QWidgetList &tiles, int columns, int trailing = 0);
     /// Takes out all tiles, without deleting them, and gives back the slack.
     void takeOut();
 
-    /// The tiles that stand in the grid, in order; null for one that was deleted meanwhile.
+    /// The tiles in the grid, in order; null for one that was deleted meanwhile.
     const QList<QPointer<QWidget>> &placed() const { return m_placed; }
 
 private:

@@ -54,7 +54,7 @@ void CTitleWidget::mouseReleaseEvent(QMouseEvent *event)
         QWidget::mouseReleaseEvent(event);
         return;
     }
-    // The vertical part stays: a move without a press starts anew only when both parts are zero.
+    // The vertical part stays: a move without a press starts over only when both parts are zero.
     m_pressOffset.setX(0);
     event->accept();
 }

@@ -33,6 +33,6 @@ private:
 
     QPointer<QWidget> m_target;
     bool m_movable = false;
-    QPoint m_pressOffset; // (0, 0) stands for "nothing recorded"
+    QPoint m_pressOffset; // (0, 0) means "nothing recorded"
     QPoint m_windowPosition;
 };
