@@ -24,16 +24,18 @@ static span stripped(const char *start, size_t length, const char *set)
         ++start;
         --length;
     }
-    while (length > 0 && strchr(set, start[length - 1]))
+    while (length > 0 && strchr(set, start[length - 1])) {
         --length;
+    }
     return (span){start, length};
 }
 
 /* There is no escaping: after an opening quote the last byte is removed, whatever it is. */
 static span unquoted(span value)
 {
-    if (value.length == 0 || value.start[0] != '"')
+    if (value.length == 0 || value.start[0] != '"') {
         return value;
+    }
     ++value.start;
     value.length = value.length > 2 ? value.length - 2 : 0;
     return value;
@@ -42,8 +44,9 @@ static span unquoted(span value)
 static void load_comment(ini_section *section, const char *line)
 {
     char *comment = ini_copy_bytes(line, strlen(line));
-    if (comment)
+    if (comment) {
         ini_entry_append(section, NULL, NULL, comment);
+    }
 }
 
 static void load_pair(ini_section *section, const char *key_start)
@@ -51,8 +54,9 @@ static void load_pair(ini_section *section, const char *key_start)
     const size_t key_length = strcspn(key_start, "=");
     const span key = stripped(key_start, key_length, " \t\r\n\"");
     char *key_copy = ini_copy_bytes(key.start, key.length);
-    if (!key_copy)
+    if (!key_copy) {
         return;
+    }
     char *value_copy = NULL;
     const char *rest = key_start + key_length;
     if (*rest == '=' && rest[1]) {
@@ -81,10 +85,11 @@ static ini_section *load_line(ini_file *file, ini_section *section, char *line)
     /* A key begins after any "=" at the start of the line. A line of nothing else has no key: it is
      * kept as it is, so that nothing of the file is lost when it is written back. */
     const char *key = line + strspn(line, "=");
-    if (first == '#' || !strchr(line, '=') || !*key)
+    if (first == '#' || !strchr(line, '=') || !*key) {
         load_comment(section, line);
-    else
+    } else {
         load_pair(section, key);
+    }
     return section;
 }
 
@@ -93,8 +98,10 @@ static ini_section *load_line(ini_file *file, ini_section *section, char *line)
 static void skip_byte_order_mark(FILE *stream)
 {
     char mark[3];
-    if (fread(mark, 1, sizeof mark, stream) != sizeof mark || memcmp(mark, "\xEF\xBB\xBF", 3) != 0)
+    if (fread(mark, 1, sizeof mark, stream) != sizeof mark ||
+        memcmp(mark, "\xEF\xBB\xBF", 3) != 0) {
         rewind(stream);
+    }
 }
 
 void ini_load(ini_file *file, FILE *stream)
@@ -104,8 +111,9 @@ void ini_load(ini_file *file, FILE *stream)
     skip_byte_order_mark(stream);
     while (fgets(line, sizeof line, stream)) {
         const size_t length = strlen(line);
-        if (length > 0 && line[length - 1] == '\n')
+        if (length > 0 && line[length - 1] == '\n') {
             line[length - 1] = '\0';
+        }
         section = load_line(file, section, line);
     }
 }

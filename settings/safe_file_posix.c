@@ -55,8 +55,9 @@ static char *link_target(const char *path)
     for (int i = 0; current && i < MAX_LINKS; ++i) {
         char text[MAX_LINK_TEXT];
         const ssize_t length = readlink(current, text, sizeof text - 1);
-        if (length < 0)
+        if (length < 0) {
             return current;
+        }
         text[length] = '\0';
         char *next = joined(current, text[0] == '/' ? 0 : folder_length(current), text);
         free(current);
@@ -83,17 +84,20 @@ FILE *safe_file_read(const char *path)
     struct stat status;
     const int handle = open_plain(path, O_RDONLY, &status);
     FILE *stream = handle >= 0 ? fdopen(handle, "r") : NULL;
-    if (handle >= 0 && !stream)
+    if (handle >= 0 && !stream) {
         close(handle);
+    }
     return stream;
 }
 
 static void forget(safe_file *file)
 {
-    if (file->stream)
+    if (file->stream) {
         fclose(file->stream);
-    if (file->handle >= 0)
+    }
+    if (file->handle >= 0) {
         close(file->handle);
+    }
     free(file->bytes);
     free(file->target);
     free(file);
@@ -102,15 +106,17 @@ static void forget(safe_file *file)
 safe_file *safe_file_create(const char *path)
 {
     safe_file *file = calloc(1, sizeof *file);
-    if (!file)
+    if (!file) {
         return NULL;
+    }
     file->handle = -1;
     file->target = link_target(path);
     if (file->target) {
         /* Asked here, because a new file could take the name of one that may not be written. */
         file->handle = open_plain(file->target, O_WRONLY, &file->status);
-        if (file->handle >= 0 || errno == ENOENT)
+        if (file->handle >= 0 || errno == ENOENT) {
             file->stream = open_memstream(&file->bytes, &file->length);
+        }
     }
     if (!file->stream) {
         forget(file);
@@ -128,8 +134,9 @@ static int32_t write_all(int handle, const char *bytes, size_t length)
 {
     while (length > 0) {
         const ssize_t written = write(handle, bytes, length);
-        if (written < 0 && errno != EINTR)
+        if (written < 0 && errno != EINTR) {
             return -1;
+        }
         if (written > 0) {
             bytes += written;
             length -= (size_t)written;
@@ -163,8 +170,9 @@ static int32_t replace(const safe_file *file, const char *name)
     fcntl(handle, F_SETFD, FD_CLOEXEC);
     const int32_t done = fill(handle, file) == 0 && rename(temporary, name) == 0;
     const int reason = errno;
-    if (!done)
+    if (!done) {
         unlink(temporary);
+    }
     free(temporary);
     errno = reason;
     return done ? 0 : -1;
@@ -187,11 +195,13 @@ static int32_t overwrite(const safe_file *file)
     const int failed =
         length > old_length ? posix_fallocate(file->handle, old_length, length - old_length) : 0;
     const int32_t full = failed && failed != EOPNOTSUPP && failed != EINVAL;
-    if (full && ftruncate(file->handle, old_length) == 0)
+    if (full && ftruncate(file->handle, old_length) == 0) {
         return -1;
+    }
     if (full || write_all(file->handle, file->bytes, file->length) != 0 ||
-        ftruncate(file->handle, length) != 0)
+        ftruncate(file->handle, length) != 0) {
         return -1;
+    }
     fchmod(file->handle, S_IRUSR | S_IWUSR); /* refused to all but the owner */
     return fsync(file->handle);
 }
@@ -200,8 +210,9 @@ int32_t safe_file_commit(safe_file *file)
 {
     int32_t done = fclose(file->stream) == 0;
     file->stream = NULL;
-    if (done && replace(file, file->target) != 0)
+    if (done && replace(file, file->target) != 0) {
         done = file->handle >= 0 && stays_in_its_place(errno) && overwrite(file) == 0;
+    }
     forget(file);
     return done ? 0 : -1;
 }
@@ -216,11 +227,13 @@ static int32_t load(safe_file *file)
 {
     char block[4096];
     ssize_t length = 0;
-    while ((length = read(file->handle, block, sizeof block)) > 0)
+    while ((length = read(file->handle, block, sizeof block)) > 0) {
         fwrite(block, 1, (size_t)length, file->stream);
+    }
     const int32_t done = length == 0 && fclose(file->stream) == 0;
-    if (done)
+    if (done) {
         file->stream = NULL;
+    }
     return done ? 0 : -1;
 }
 
@@ -232,8 +245,9 @@ static int32_t second_name(const char *path, const char *copy)
 int32_t safe_file_keep_copy(const char *path)
 {
     safe_file *file = calloc(1, sizeof *file);
-    if (!file)
+    if (!file) {
         return -1;
+    }
     int32_t result = -1;
     file->handle = -1;
     file->target = link_target(path);
@@ -270,11 +284,14 @@ void safe_file_clean(const char *path)
     char *folder = length ? joined(target, length, "") : joined(".", 1, "");
     DIR *entries = target && folder ? opendir(folder) : NULL;
     const struct dirent *entry = NULL;
-    while (entries && (entry = readdir(entries)))
-        if (is_temporary(entry->d_name, target + length))
+    while (entries && (entry = readdir(entries))) {
+        if (is_temporary(entry->d_name, target + length)) {
             unlinkat(dirfd(entries), entry->d_name, 0);
-    if (entries)
+        }
+    }
+    if (entries) {
         closedir(entries);
+    }
     free(folder);
     free(target);
 }
