@@ -7,7 +7,7 @@ CAddButtonForm::CAddButtonForm(QWidget *parent)
     , m_ui(std::make_unique<Ui::CAddButtonForm>())
 {
     m_ui->setupUi(this);
-    // Who orders the tab chain around the tile means its button.
+    // In the tab order, the tile is represented by its button.
     setFocusPolicy(m_ui->btnAdd->focusPolicy());
     setFocusProxy(m_ui->btnAdd);
     connect(m_ui->btnAdd, &QToolButton::clicked, this, &CAddButtonForm::slotClicked);

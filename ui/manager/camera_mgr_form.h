@@ -17,8 +17,8 @@ public:
     explicit CCameraMgrForm(QWidget *parent = nullptr);
     ~CCameraMgrForm() override;
 
-    /// Makes a tile for each session that there is. Call once, when the page stands in its window:
-    /// a page that gets another parent is styled anew with all its tiles.
+    /// Makes a tile for each session that there is. Call once, when the page is in its window: a
+    /// page that gets another parent is styled again with all its tiles.
     void fill();
 
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -93,7 +93,7 @@ void CCameraMgrFrame::addTile(CCamera *camera)
     tile->show();
 }
 
-// The tile may be the sender of the signal that asks for its end, so it dies a little later.
+// The tile may be the sender of the signal that removes it, so it is deleted later.
 void CCameraMgrFrame::removeTile(CCameraMgrItemForm *item)
 {
     m_tiles.removeOne(item);

@@ -43,7 +43,7 @@ public slots:
 private:
     void addTile(CCamera *camera);
     void removeTile(CCameraMgrItemForm *item);
-    /// Registers what the dialog holds and starts its session. Nothing when the UID is taken.
+    /// Registers what the dialog holds and starts its session. Does nothing when the UID is taken.
     void registerCamera(const CAddCameraForm &dialog);
     /// Ends the session and forgets tile, session and record. The file is not saved.
     void takeDown(CCameraMgrItemForm *item);

@@ -95,7 +95,7 @@ void CCameraMgrItemForm::slotPlay()
     emit playCamera(this);
 }
 
-// popup() returns at once: the tile may be gone before a menu that waits has returned.
+// popup() returns at once: the tile may be deleted before exec() would return.
 void CCameraMgrItemForm::slotMenu()
 {
     const QPoint below = m_ui->btnMenu->mapToGlobal(QPoint(0, m_ui->btnMenu->height()));
@@ -143,7 +143,7 @@ void CCameraMgrItemForm::slotCameraStatusChanged()
     m_ui->labelStatusImage->setAccessibleName(m_ui->labelStatusImage->toolTip());
 }
 
-// Pictures are cached by path, time in seconds and size: a new picture that is none of the old in
+// Pictures are cached by path, time in seconds and size: a new picture that equals the old one in
 // all three would not be read.
 void CCameraMgrItemForm::slotCameraThumbChanged()
 {

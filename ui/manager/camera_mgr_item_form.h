@@ -25,10 +25,10 @@ public:
     void setCamera(CCamera *camera);
     CCamera *camera() const { return m_camera; }
 
-    /// Whether the tile stands in what the user sees, or next to it. One that does not is hidden
-    /// unless it has the focus, and lets go of its picture: each widget of a tile is a window of
-    /// the window system, and a picture in a style sheet takes its full size in memory, 8 MB from
-    /// a 1080p camera. Its place in the grid stays.
+    /// Whether the tile is in the visible part, or next to it. One that is not is hidden unless it
+    /// has the focus, and lets go of its picture: each widget of a tile is a window of the window
+    /// system, and a picture in a style sheet takes its full size in memory, 8 MB from a 1080p
+    /// camera. Its place in the grid stays.
     void setNear(bool isNear);
     /// The last of the tile's widgets that the Tab key reaches.
     QWidget *lastInTabOrder() const;

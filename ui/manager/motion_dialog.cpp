@@ -16,8 +16,8 @@ struct Defaults
     const char *texts[6];
 };
 
-/// The first window is the whole picture of 640x480; the others are the quarters beside the top
-/// left one, and off.
+/// The first window is the whole picture of 640x480; the others are the remaining quarters, and
+/// off.
 constexpr Defaults windowDefaults[] = {{true, {"0", "0", "639", "479", "60", "70"}},
                                        {false, {"320", "0", "639", "240", "60", "70"}},
                                        {false, {"0", "240", "320", "479", "60", "70"}},

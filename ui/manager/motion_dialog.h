@@ -41,9 +41,9 @@ private:
     };
 
     void setUpControls();
-    /// Sends one request for each window. False when the session is gone.
+    /// Sends one request for each window. False when the session no longer exists.
     bool run(const QString &text, const QStringList &requests);
-    /// Takes over a reply's values; too few of them change nothing.
+    /// Takes over a reply's values; does nothing when there are too few.
     static void fill(const Controls &controls, const QStringList &values);
 
     std::unique_ptr<Ui::Motion_Dialog> m_ui;
