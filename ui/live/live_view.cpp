@@ -188,7 +188,7 @@ void LiveView::resizeVideoWindow()
     }
 }
 
-/// A native window may be made anew when its parent becomes a window of its own or a child again.
+/// A native window may be recreated when its parent becomes a top-level window or a child again.
 void LiveView::followWindow()
 {
     QWidget *surface = m_widgets.surface->renderSurface();

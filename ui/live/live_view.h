@@ -52,14 +52,14 @@ public:
     bool isPlaying() const;
 
     /// Gives the session a fresh surface to draw stream 0 (main) or 1 (sub) on. The view then
-    /// connects the session's reports and asks for one.
+    /// connects the session's reports and requests one.
     void open(int stream);
-    /// Stops the stream and forgets the camera. The session goes on.
+    /// Stops the stream and forgets the camera. The session continues.
     void close();
 
-    /// The session has answered a probe: follows the stream, asks for it when it does not play.
+    /// The session has answered a probe: follows the stream, starts it when it does not play.
     void report();
-    /// The stream has begun or ended: lays the view out anew.
+    /// The stream has begun or ended: updates the layout.
     void streamChanged();
 
     /// Back to the natural zoom, fitted into the area as it is now.
@@ -71,11 +71,11 @@ public:
     void toggleFullScreen();
 
     void applyVolume();
-    /// What the user asks for; writing begins as soon as the stream plays and goes on in a new
-    /// file after each interruption.
+    /// What the user wants; writing begins as soon as the stream plays and continues in a new file
+    /// after each interruption.
     void setRecording(bool recording);
     bool isRecording() const { return m_recording; }
-    /// Writes the picture into the album; nothing unless it plays.
+    /// Saves a photo in the album; does nothing unless it plays.
     void takePhoto();
 
 private:
@@ -99,7 +99,7 @@ private:
     bool m_recording = false;
     QPointer<CCamera> m_camera;
     qint32 m_thumbnailCountdown = 0; // reports until the next thumbnail
-    bool m_needLayout = false;       // the stream has not been seen playing since it was asked for
+    bool m_needLayout = false;       // the stream has not been seen playing since it was requested
     QSize m_streamSize;              // as last laid out
     int m_stream = 1;
     WId m_window = 0; // that the session draws on

@@ -27,8 +27,8 @@ public:
     void StartPlay();
     /// Stops all streams and empties the grid. Recordings end with their streams.
     void StopPlay();
-    /// Whether the grid may be left or rebuilt. While it records the user is asked; the recordings
-    /// are stopped when the user agrees.
+    /// Whether the grid may be left or rebuilt. While it records the user has to confirm; the
+    /// recordings are stopped when the user agrees.
     bool MayLeave();
 
 public slots:

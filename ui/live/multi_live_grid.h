@@ -4,7 +4,7 @@
 
 namespace zelvaro {
 
-/// How many tiles stand side by side and how large a cell of 4:3 each gets, in pixels.
+/// How many tiles are side by side and how large a cell of 4:3 each gets, in pixels.
 struct GridShape
 {
     int rows = 1;

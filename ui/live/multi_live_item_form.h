@@ -25,7 +25,7 @@ public:
 
     /// Starts the sub stream.
     void start();
-    /// Stops the stream and forgets the camera; the session goes on.
+    /// Stops the stream and forgets the camera; the session continues.
     void stop();
 
     /// 0 to 200.
@@ -33,7 +33,7 @@ public:
     /// Whether this is the tile that is heard: shows it by the frame.
     void setSelected(bool selected);
     void setRecording(bool recording);
-    /// Writes the picture into the album; nothing unless it plays.
+    /// Saves a photo in the album; does nothing unless it plays.
     void takePhoto();
     /// The last of the tile's widgets that the Tab key reaches.
     QWidget *lastInTabOrder() const;

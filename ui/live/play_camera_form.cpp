@@ -36,7 +36,7 @@ CPlayCameraForm::CPlayCameraForm(QWidget *parent, zelvaro::Clock clock)
 
 CPlayCameraForm::~CPlayCameraForm()
 {
-    // Nothing may draw on a surface that is gone.
+    // Nothing may draw on a destroyed surface.
     m_live->close();
 }
 

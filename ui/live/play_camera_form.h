@@ -22,11 +22,11 @@ public:
 
     /// The session to show, not owned; null for none.
     void SetCamera(CCamera *camera);
-    /// Starts the stream of the camera; nothing without one.
+    /// Starts the stream of the camera; does nothing without one.
     void StartPlay();
     bool IsPlaying() const;
-    /// Stops recording, talk-back and stream and forgets the camera; nothing without one. The
-    /// session goes on.
+    /// Stops recording, talk-back and stream and forgets the camera; does nothing without one. The
+    /// session continues.
     void StopPlay();
 
 public slots:

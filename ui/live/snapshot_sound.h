@@ -2,7 +2,7 @@
 
 namespace zelvaro {
 
-/// The shutter sound, from the "sounds" folder beside the executable. Does not wait.
+/// The shutter sound, from the "sounds" folder next to the executable. Does not wait.
 void playSnapshotSound();
 
 } // namespace zelvaro

@@ -6,8 +6,8 @@
 #include <QWidget>
 
 /// The surface of a live picture. The stream library draws, from its own threads and by the native
-/// window handle, on a child of this widget that is made anew for each stream. The picture always
-/// fills the widget: who places the widget keeps the aspect ratio. GUI thread only.
+/// window handle, on a child of this widget that is recreated for each stream. The picture always
+/// fills the widget: the parent keeps the aspect ratio. GUI thread only.
 class CVideoFrame : public QWidget
 {
     Q_OBJECT
