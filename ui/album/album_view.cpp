@@ -180,7 +180,7 @@ void AlbumView::showStatus()
 
 // --- keys ----------------------------------------------------------------------------------------
 
-// The picture in full screen is a window of its own, whose keys do not come to the page.
+// The picture in full screen is a separate window, whose keys do not reach the page.
 bool AlbumView::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_surface && event->type() == QEvent::KeyPress &&

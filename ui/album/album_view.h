@@ -17,7 +17,7 @@ namespace zelvaro {
 
 /// What photo viewer and video player have in common: a page that shows one file of the album,
 /// steps through the album's tiles with buttons and keys, places the picture, takes it to the full
-/// screen, tells its size in the status line and deletes the file. GUI thread only; list, tiles and
+/// screen, shows its size in the status line and deletes the file. GUI thread only; list, tiles and
 /// widgets are not owned.
 class AlbumView : public QWidget
 {
@@ -42,7 +42,7 @@ public slots:
     void slotNext();
     void slotZoomIn();
     void slotZoomOut();
-    /// Does not ask. Shows the neighbour; behind the last one goes back to the album.
+    /// Does not ask the user. Shows the next file; after the last one returns to the album.
     void slotDelete();
     /// Enters the full screen, never leaves it.
     void slotFullScreen();
@@ -76,7 +76,7 @@ protected:
     /// The size turns out to be another; the zoom stays.
     void setPictureSize(QSize picture);
     QSize pictureSize() const { return m_picture; }
-    /// What the status line says behind the size: why there is nothing to see. Empty for nothing.
+    /// Text after the size in the status line: why there is no picture. May be empty.
     void setNote(const QString &note);
     void leaveFullScreen();
 
@@ -86,7 +86,7 @@ protected:
     /// The page is about to be left for the album.
     virtual void leave() = 0;
     virtual void backToAlbum(PageHost &host) = 0;
-    /// The picture stands elsewhere on the page, or has another size.
+    /// The picture has moved on the page or changed its size.
     virtual void pictureMoved() {}
     /// @return whether the key means something here
     virtual bool handleKey(int key);

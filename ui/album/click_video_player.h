@@ -4,7 +4,7 @@
 
 #include <phonon/videoplayer.h>
 
-/// The media framework's player, which tells of double clicks. GUI thread only.
+/// The media framework's player, which reports double clicks. GUI thread only.
 class ClickVideoPlayer : public Phonon::VideoPlayer
 {
     Q_OBJECT
@@ -16,12 +16,12 @@ public:
     bool hasBackEnd() const;
     /// Whether there is a source and it has come to its end.
     bool isAtEnd() const;
-    /// Size that the video asks for; empty while unknown. May be a default of the back end.
+    /// Size of the video; empty while unknown. May be a default of the back end.
     QSize videoSizeHint() const;
     void playFile(const QString &file);
     /// Stops, and lets go of the file.
     void closeFile();
-    /// Takes the last picture away. Nothing when there is none.
+    /// Clears the last frame, if there is one.
     void clearVideo();
 
 signals:

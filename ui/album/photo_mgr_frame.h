@@ -24,7 +24,7 @@ public:
     void setCamera(CCamera *camera) { m_camera = camera; }
     /// True for recordings, false for photos.
     void setMode(bool videoMode) { m_videoMode = videoMode; }
-    /// Builds the grid anew from what the folder holds. Safe in a slot of a tile's signal.
+    /// Rebuilds the grid from the files in the folder. Safe in a slot of a tile's signal.
     void refill();
 
     /// The model of the page; the viewers step through it and take out what they delete.

@@ -33,7 +33,7 @@ public:
     const QString &fileName() const { return m_fileName; }
     const QString &fullPath() const { return m_fullPath; }
 
-    /// Gives the tile its picture: the photo itself, or in video mode the still beside the
+    /// Gives the tile its picture: the photo itself, or in video mode the still next to the
     /// recording. A tile that is not near shows it when it comes near.
     void setThumbnail(bool videoMode);
     bool hasThumbnail() const { return !m_thumbPath.isEmpty(); }
@@ -44,7 +44,7 @@ public:
     bool isNear() const { return m_near; }
     /// The picture has been given, is wanted, and not there yet.
     bool isThumbnailDue() const { return m_near && hasThumbnail() && !m_thumbShown; }
-    /// Takes as long as decoding a picture. Nothing when it is not due.
+    /// Takes as long as decoding a picture. Does nothing when it is not due.
     void loadThumbnail();
 
 signals:

@@ -16,7 +16,7 @@ public:
     explicit CPlayPhotoForm(QWidget *parent = nullptr);
     ~CPlayPhotoForm() override;
 
-    /// A file that is gone, empty or no picture is shown as a black one of size 0.
+    /// A file that is missing, empty or not an image is shown as a black one of size 0.
     void showPhoto(CPhotoMgrItemForm *tile);
 
 protected:

@@ -7,8 +7,8 @@
 
 namespace zelvaro {
 
-/// The surface that a video player stands in: black, and filled by the player as far as the
-/// video's ratio lets it, also when the surface goes to the full screen and back. GUI thread only.
+/// The surface that contains a video player: black, and filled by the player as far as the video's
+/// ratio lets it, also when the surface goes to the full screen and back. GUI thread only.
 class PlayerFrame : public QWidget
 {
     Q_OBJECT

@@ -14,7 +14,7 @@ constexpr uchar startOfScan = 0xDA;
 constexpr uchar firstFrameHeader = 0xC0;
 constexpr uchar lastFrameHeader = 0xCF;
 
-/// Three codes among those of the frame headers stand for tables.
+/// Three codes among those of the frame headers mean tables.
 bool isFrameHeader(uchar marker)
 {
     return marker >= firstFrameHeader && marker <= lastFrameHeader && marker != 0xC4 &&
@@ -27,7 +27,7 @@ bool isProgressive(uchar frameHeader)
     return (frameHeader & 3) == 2;
 }
 
-/// 0 at the end of the file and where no marker stands.
+/// 0 at the end of the file and where there is no marker.
 uchar nextMarker(QFile &file)
 {
     char byte = 0;

@@ -52,7 +52,7 @@ QString hexadecimal(quint64 value, int digits)
 }
 
 /// What QPixmap looks a file up by in the cache of the process. Where another Qt names it otherwise
-/// the picture is decoded whole: tests/ui/album tells.
+/// the picture is decoded whole: tests/ui/album checks it.
 QString cacheKey(const QString &file)
 {
     const QFileInfo info(file);
@@ -75,7 +75,7 @@ void setPictureSheet(QWidget *widget, const QString &sheet, const QString &file,
     QPixmapCache::insert(key, decoded(file, shown));
     widget->setStyleSheet(sheet);
     widget->ensurePolished();
-    // Whoever asks for the file itself gets it at its own size.
+    // The file itself is loaded at its own size.
     QPixmapCache::remove(key);
 }
 
