@@ -138,7 +138,7 @@ void CCameraSetUp::slotNDCPEvent(int nMsg, int nErrorCode)
 
 void CCameraSetUp::takeOverResult()
 {
-    // A device that takes its address from DHCP may not tell it: it is where it answered from.
+    // A device that takes its address from DHCP may not report it: use the one it answered from.
     if (m_record.manual_ip == 0)
         m_record.ip = m_pageRecord->ip;
     *m_pageRecord = m_record;

@@ -48,5 +48,5 @@ private:
     CSearchCameraListForm *m_page;
     ndcp_device *m_pageRecord;
     ndcp_device m_record;
-    zelvaro::NdcpClient m_client; // goes first: no event reaches a dialog that is going
+    zelvaro::NdcpClient m_client; // destroyed first: no event reaches a dialog under destruction
 };

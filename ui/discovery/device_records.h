@@ -18,7 +18,7 @@ namespace zelvaro {
 class DeviceRecords
 {
 public:
-    /// Appends a copy. Null, and nothing kept, for a record without a UID.
+    /// Appends a copy. Null, without a copy, for a record without a UID.
     ndcp_device *append(const ndcp_device &device);
 
     /// Overwrites the kept record with the same UID, but for its user name and password, which
@@ -33,7 +33,7 @@ private:
     std::vector<std::unique_ptr<ndcp_device>> m_records;
 };
 
-/// Bytes of a text field up to its NUL, or all of it where none stands.
+/// Bytes of a text field up to its NUL, or all of it where there is none.
 template <std::size_t N>
 QByteArray fieldBytes(const char (&field)[N])
 {

@@ -7,7 +7,7 @@
 
 namespace zelvaro {
 
-/// The one class that sees the discovery library: a client handle for the life of its owner.
+/// The only class that includes the discovery library: a client handle, alive as long as its owner.
 /// Used on the GUI thread.
 class NdcpClient
 {
@@ -33,7 +33,7 @@ private:
     static void callback(int message, int error, void *user);
 
     std::function<void(int, int)> m_onEvent;
-    std::unique_ptr<ndcp_client, Delete> m_client; // goes first, so that m_onEvent outlives events
+    std::unique_ptr<ndcp_client, Delete> m_client; // destroyed before m_onEvent
 };
 
 } // namespace zelvaro

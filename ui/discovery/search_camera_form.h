@@ -42,5 +42,5 @@ private:
     QStandardItemModel m_model;
     zelvaro::DeviceRecords m_records;
     QString m_uid;
-    zelvaro::NdcpClient m_client; // goes first: no event reaches a form that is going
+    zelvaro::NdcpClient m_client; // destroyed first: no event reaches a form under destruction
 };

@@ -22,7 +22,7 @@ public:
     explicit CSearchCameraListForm(QWidget *parent = nullptr);
     ~CSearchCameraListForm() override;
 
-    /// Fills the table anew from the kept records; the current row stays current.
+    /// Fills the table again from the kept records; the current row stays current.
     void rebuildTable();
 
 signals:
@@ -39,7 +39,7 @@ private slots:
 
 private:
     ndcp_device *recordOf(const QModelIndex &index) const;
-    /// The record of the row that is current and selected; without one the user is told, and it
+    /// The record of the row that is current and selected; without one a message is shown, and it
     /// is null.
     ndcp_device *selectedRecord();
     void appendRow(ndcp_device *record);
@@ -49,5 +49,5 @@ private:
     std::unique_ptr<Ui::SearchCameraListForm> m_ui;
     QStandardItemModel m_model;
     zelvaro::DeviceRecords m_records;
-    zelvaro::NdcpClient m_client; // goes first: no event reaches a page that is going
+    zelvaro::NdcpClient m_client; // destroyed first: no event reaches a page under destruction
 };
