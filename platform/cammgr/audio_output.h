@@ -11,8 +11,8 @@ namespace cammgr {
 
 /**
  * Plays a camera's audio. A silent stream costs nothing: decoder and sound device are there only
- * while the volume is above 0. They are a pipeline of their own, so that a device that is missing
- * or fails never touches the video; it is tried again some seconds later.
+ * while the volume is above 0. They are a separate pipeline, so that a device that is missing or
+ * fails never touches the video; it is tried again some seconds later.
  */
 class AudioOutput : public FrameTaker, public std::enable_shared_from_this<AudioOutput>
 {

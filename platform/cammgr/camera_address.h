@@ -44,7 +44,7 @@ CameraAddress parseUrl(const std::string &text);
 /// port where it is the usual one.
 std::string rtspOrigin(const Endpoint &endpoint);
 
-/// Whether a text can stand in a request line: no blanks and no control characters.
+/// Whether a text can be part of a request line: no blanks and no control characters.
 bool hasNoWhitespace(const std::string &text);
 
 } // namespace cammgr

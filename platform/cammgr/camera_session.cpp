@@ -88,7 +88,7 @@ bool CameraSession::isAnsweredByStream()
 {
     const StreamPhase phase = m_control.streamPhase();
     // A stream that starts is a probe by itself, and will not stay there for longer than its
-    // watchdog lets it. Describing the stream beside it makes some cameras hold it up.
+    // watchdog lets it. A DESCRIBE in parallel delays the stream of some cameras.
     const bool wasThere = m_schedule.remembered() == ProbeOutcome::Answered;
     return phase == StreamPhase::Playing || (phase == StreamPhase::Starting && wasThere);
 }
@@ -183,7 +183,7 @@ void CameraSession::finishProbe(ProbeOutcome outcome)
 void CameraSession::fallBack(const std::string &path, std::function<void(bool)> then)
 {
     if (m_paths.usesProfiles()) {
-        // The camera was set up anew: start over with its own paths and fresh profiles next time.
+        // The camera was set up again: start over with its own paths and fresh profiles next time.
         m_paths.reset();
         m_resolver->forgetStreams();
         then(false);
@@ -200,7 +200,7 @@ void CameraSession::fallBack(const std::string &path, std::function<void(bool)> 
     });
 }
 
-/// The profiles are asked for once, ahead of need: a key frame can then be wanted at once.
+/// The profiles are requested once, in advance: a key frame can then be requested at once.
 void CameraSession::learnProfiles()
 {
     if (std::exchange(m_hasLearned, true))

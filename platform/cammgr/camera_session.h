@@ -18,7 +18,7 @@
 
 namespace cammgr {
 
-/// A wish to play or to talk. A later one, or stop, has a greater ticket and makes it void.
+/// A play or talk request. Superseded by any later request or stop, which has a higher ticket.
 struct StreamOrder
 {
     uint64_t ticket = 0;
@@ -34,7 +34,7 @@ enum class StreamPhase
     Playing
 };
 
-/// What a session asks of its player, from the I/O thread.
+/// What a session needs of its player, from the I/O thread.
 class StreamControl
 {
 public:
@@ -49,7 +49,7 @@ protected:
     ~StreamControl() = default;
 };
 
-/// Who a camera is for its session.
+/// Identifies a camera for its session.
 struct SessionInfo
 {
     CameraAddress address;
@@ -125,7 +125,7 @@ private:
         AwaitingPicture ///< answered when the stream that was ordered shows a picture
     };
     Probing m_probing = Probing::Idle;
-    unsigned m_probeNumber = 0; ///< tells a late answer from the one that is waited for
+    unsigned m_probeNumber = 0; ///< distinguishes a late answer from the expected one
     Timer m_probeLimit;
     ProbeSchedule m_schedule;
     StreamPaths m_paths;
@@ -133,7 +133,7 @@ private:
     std::optional<Clock::time_point> m_orderedAt; ///< nullopt when the last order is void
     bool m_hasLearned = false;
     int m_watch = 0;
-    // Last, so that they go first: their callbacks use what stands above.
+    // Last, so that they are destroyed first: their callbacks use the members above.
     std::unique_ptr<Resolver> m_resolver;
     RtspProbe m_probe;
     CommandBatch m_commands;

@@ -70,7 +70,7 @@ Result guarded(Result otherwise, Call call)
     }
 }
 
-/// call(player), or otherwise for a handle that is none.
+/// call(player), or otherwise for an invalid handle.
 template <class Call>
 int with(RtspPlayer *handle, int otherwise, Call call)
 {
@@ -82,7 +82,7 @@ int with(RtspPlayer *handle, int otherwise, Call call)
         });
 }
 
-/// What the player's stream says; 0 for a handle that is none.
+/// A property of the player's stream; 0 for an invalid handle.
 template <class Result>
 int ask(RtspPlayer *handle, Result (LiveStream::*question)() const)
 {
@@ -206,7 +206,7 @@ int RtspPlayer_Delete(RtspPlayer *player)
 
 int RtspPlayer_DeleteSync(RtspPlayer *player)
 {
-    // A callback that deletes its own player would take the ground from under its feet.
+    // A callback that deletes its own player would destroy the session that is calling.
     if (IoThread::instance().isCurrent())
         return failure;
     return guarded(failure, [&] {

@@ -6,10 +6,10 @@
  * A camera maker may ship a library with this interface in the place of ours.
  *
  * Threads: every call may come from any one thread at a time (the client calls from its GUI
- * thread). The callback runs on threads of the library, never inside a call of the same player,
- * and must not call the library. Calls return within 2 ms, except RtspPlayer_Snapshot (as long as
- * one JPEG takes), RtspPlayer_Stop (until nothing draws on the window any more) and
- * RtspPlayer_DeleteSync (until the player is gone).
+ * thread). The callback runs on threads of the library, never inside a call of the same player, and
+ * must not call the library. Calls return within 2 ms, except RtspPlayer_Snapshot (as long as one
+ * JPEG takes), RtspPlayer_Stop (until nothing draws on the window any more) and
+ * RtspPlayer_DeleteSync (until the player is destroyed).
  *
  * Results: 0 or positive for success, negative for failure, where nothing else is said. A call with
  * a handle that is null or was deleted does nothing: it returns a negative number, or 0 where the
@@ -69,8 +69,8 @@ typedef void (*RtspPlayerCallback)(int message, int count_or_error, void *contex
 /*
  * Makes a player. hostname is an address ("192.168.1.20", "cam.lan:8554", "[fe80::1]"), a full
  * rtsp:// or rtsps:// address, or a UID as discovery shows it, which is resolved on the local
- * network, and again whenever the camera does not answer any more. The path of a full address
- * stands for both streams; its user name and password are taken when the other two are empty.
+ * network, and again whenever the camera does not answer any more. The path of a full address is
+ * used for both streams; its user name and password are taken when the other two are empty.
  * The password goes out as a digest, or over TLS. It is sent in clear (Basic) only to a camera that
  * the user named by its address and that has never offered anything better in the life of this
  * player; a device that was found by its UID, which any device can claim, does not get it so.
@@ -112,11 +112,11 @@ CAMMGR_API int RtspPlayer_GetMode(RtspPlayer *player);
 CAMMGR_API int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path,
                                              uintptr_t native_window);
 
-/* Starts the stream that was set up; nothing when it plays or is being started, or while a refused
- * login is not to be tried again. Never waits. */
+/* Starts the stream that was set up; does nothing when it plays or is being started, or while a
+ * refused login is not to be tried again. Never waits. */
 CAMMGR_API int RtspPlayer_Play(RtspPlayer *player);
 
-/* Ends the stream, its recording and its talk-back; the session goes on. Nothing draws on the
+/* Ends the stream, its recording and its talk-back; the session continues. Nothing draws on the
  * window any more when it returns. */
 CAMMGR_API int RtspPlayer_Stop(RtspPlayer *player);
 
@@ -142,14 +142,14 @@ CAMMGR_API int RtspPlayer_SetVolume(RtspPlayer *player, int volume);
 
 /*
  * Writes the frame on the screen, in full stream resolution, as JPEG. The file is complete (or
- * absent) when the call returns: it is written beside and renamed. Negative when there is no
- * frame or the file cannot be written.
+ * absent) when the call returns: it is written to a temporary file and renamed. Negative when there
+ * is no frame or the file cannot be written.
  */
 CAMMGR_API int RtspPlayer_Snapshot(RtspPlayer *player, const char *path);
 
 /*
  * Starts recording to base_path + ".mp4", from the key frame before the call. At limit bytes the
- * clip closes and the next one goes on without a lost frame as base_path + "_0002.mp4",
+ * clip closes and the next one continues without a lost frame as base_path + "_0002.mp4",
  * "_0003.mp4" and so on, each with its own still (name + ".jpeg"). A recording whose base_path was
  * used before begins at the next number that is free: no clip is written over. A clip that is
  * deleted while it is written or closed does not come back. limit 0: no limit. Negative when no

@@ -47,7 +47,7 @@ struct Box
     size_t head = shortHead;
 };
 
-/// The box whose head stands in bytes; nothing when it is none or does not end by end.
+/// The box whose header is at `bytes`; nullopt if there is no box here or it extends past `end`.
 std::optional<Box> readBox(std::span<const unsigned char> bytes, uint64_t start, uint64_t end)
 {
     if (bytes.size() < shortHead)

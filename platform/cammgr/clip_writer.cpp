@@ -23,11 +23,11 @@ using namespace std::chrono_literals;
 constexpr GstClockTime longestAudioGap = 2 * GST_SECOND;
 // When none came within this time, the file gets no audio track.
 constexpr GstClockTime longestAudioWait = 700 * GST_MSECOND;
-// What a disk may owe before it counts as dead.
+// Backlog at which the disk is treated as failed.
 constexpr guint64 longestQueueBytes = 64 * 1024 * 1024;
 constexpr auto finishTimeout = 10s;
 constexpr auto stillBudget = 1s;
-// Pictures that were held up on the way come in one piece, at one time. Players want them apart.
+// Frames that were delayed on the way arrive together, at one time. Players need distinct times.
 constexpr GstClockTime shortestPicture = GST_MSECOND;
 // A kill costs what came since the index was written, and what the muxer held back to put sound and
 // picture in order: together less than a second.
@@ -237,7 +237,7 @@ void ClipWriter::writeStill(const AccessUnit &picture) const
 /// Called with the lock.
 void ClipWriter::sendVideo(const AccessUnit &unit)
 {
-    // B pictures may be shown before the key frame that they follow: time never goes below 0.
+    // B frames may be shown before the key frame that they follow: time never goes below 0.
     GstClockTime time = unit.time > m_start ? unit.time - m_start : 0;
     if (!m_format.reordered)
         time = std::max(time, m_nextVideo);
@@ -298,7 +298,7 @@ uint64_t ClipWriter::indexBytes() const
     return uint64_t{2} * tracks * m_format.reserveSeconds * m_format.indexBytesPerSecond;
 }
 
-/// A file that broke off before its first picture is of no use to anybody.
+/// A file without a single frame is useless.
 void ClipWriter::removeWhatCannotPlay() const
 {
     std::error_code error;

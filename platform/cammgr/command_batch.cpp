@@ -107,14 +107,14 @@ void CommandBatch::answered(const Reply &reply)
     m_replies.push_back(refused ? std::to_string(reply.status) + " refused by the camera"
                                 : reply.body);
     if (m_replies.size() == m_requests.size())
-        failRest(); // of which there is none
+        failRest(); // does nothing when all succeeded
     else if (m_channel.isOpen())
         sendNext();
     else
         connect();
 }
 
-/// Takes text for the reply and goes on with a fresh connection: on the old one, late words of
+/// Takes text for the reply and continues with a fresh connection: on the old one, late words of
 /// this reply would be taken for the next.
 void CommandBatch::next(std::string text)
 {

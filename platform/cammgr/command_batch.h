@@ -29,8 +29,8 @@ public:
     /// done never runs.
     void cancel();
 
-    /// What stands for the reply of a request that could not be carried. Its first line is not
-    /// the one of success.
+    /// Replaces the reply of a request that could not be carried. Its first line is not the one of
+    /// success.
     static const std::string &failureText();
 
 private:

@@ -9,9 +9,9 @@ namespace cammgr {
 
 namespace {
 
-// Below this a software decoder costs less than moving pictures to the GPU and back.
+// Below this a software decoder costs less than moving frames to the GPU and back.
 constexpr int hardwareWorthPixels = 1280 * 720;
-// Up to this one processor decodes 30 pictures a second with room to spare.
+// Up to this one processor core decodes 30 frames a second with time to spare.
 constexpr int oneThreadPixels = 1920 * 1088;
 constexpr unsigned mostSliceThreads = 4;
 
@@ -30,14 +30,14 @@ GstElement *makeSoftwareDecoder(int pixelCount)
     GstElement *decoder = gst_element_factory_make("avdec_h264", nullptr);
     if (!decoder)
         return nullptr;
-    // Threads that work on several pictures at once hold each picture back by as many; threads
-    // that share the slices of one do not.
+    // Threads that work on several frames at once delay each frame by as many; threads that share
+    // the slices of one do not.
     int threads = 1;
     if (pixelCount > oneThreadPixels)
         threads =
             static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1u, mostSliceThreads));
     gst_util_set_object_arg(G_OBJECT(decoder), "thread-type", "slice");
-    // Damaged pictures are passed over for as long as they come.
+    // Damaged frames are skipped, however many there are.
     g_object_set(decoder, "max-threads", threads, "max-errors", -1, nullptr);
     return decoder;
 }

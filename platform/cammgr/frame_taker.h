@@ -9,7 +9,7 @@ namespace cammgr {
 
 using SteadyClock = std::chrono::steady_clock;
 
-/// One picture of the camera as it came: H.264, one access unit, length-prefixed ("avc").
+/// One frame of the camera as received: H.264, one access unit, length-prefixed ("avc").
 struct AccessUnit
 {
     BufferRef buffer;
@@ -17,7 +17,7 @@ struct AccessUnit
     uint64_t number = 0;       ///< counts from 1 within a stream
     GstClockTime time = 0;     ///< presentation time since the start of the stream, ns
     bool key = false;          ///< decoding can start here
-    bool reference = false;    ///< other pictures need this one
+    bool reference = false;    ///< other frames are predicted from this one
     bool bipredictive = false; ///< holds B slices: presentation order is not decoding order
     SteadyClock::time_point arrived;
 
@@ -32,7 +32,7 @@ struct AudioUnit
     GstClockTime time = 0; ///< as for AccessUnit
 };
 
-/// Who takes the frames of a stream: view, recorder and the memory for late starters are siblings.
+/// Receives the frames of a stream: view, recorder and the memory for late starters.
 class FrameTaker
 {
 public:

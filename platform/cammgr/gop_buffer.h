@@ -8,8 +8,8 @@
 
 namespace cammgr {
 
-/// What came since the last key frame: a picture is back at once when a window is shown again, and
-/// a recording starts before its button was pressed. Callable from any thread.
+/// What came since the last key frame: a frame is shown at once when a window is shown again, and a
+/// recording starts before its button was pressed. Callable from any thread.
 class GopBuffer : public FrameTaker
 {
 public:

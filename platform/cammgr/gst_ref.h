@@ -30,7 +30,7 @@ public:
         result.m_object = object;
         return result;
     }
-    /// Adds a reference of its own.
+    /// Adds its own reference.
     static MiniRef share(T *object)
     {
         MiniRef result;

@@ -21,7 +21,7 @@ public:
 
     /// Never destroyed.
     static Housekeeper &instance();
-    /// From now on until it is gone. Any thread.
+    /// From now on until it is destroyed. Any thread.
     void add(std::weak_ptr<Charge> charge);
 
 private:

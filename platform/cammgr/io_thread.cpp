@@ -83,8 +83,8 @@ void IoThread::postAndWait(const std::function<void()> &work)
     bool done = false;
     post([&] {
         work();
-        // Notified under the lock: the waiting frame, and the condition with it, is gone as soon
-        // as the lock is free.
+        // Notified under the lock: the waiting stack frame, and the condition with it, is destroyed
+        // as soon as the lock is free.
         const std::lock_guard lock(mutex);
         done = true;
         finished.notify_one();
@@ -114,7 +114,7 @@ void Timer::stop()
 
 gboolean Timer::fire(gpointer self)
 {
-    // The work may start the timer anew or destroy it.
+    // The work may restart the timer or destroy it.
     auto *timer = static_cast<Timer *>(self);
     const std::function<void()> work = std::move(timer->m_work);
     timer->stop();

@@ -12,8 +12,8 @@ namespace cammgr {
 
 /**
  * The one thread on which all players wait for the network: probes, look-ups, command requests.
- * It runs a main context of its own and never blocks; whatever may wait has a thread elsewhere.
- * Started at first use; it lives as long as the process, so that nobody has to stop it.
+ * It runs its own main context and never blocks; what may wait has its own thread. Started at first
+ * use; it lives as long as the process, so that nobody has to stop it.
  */
 class IoThread
 {
@@ -42,7 +42,7 @@ private:
 };
 
 /// Calls a function once, some time later, on the I/O thread, where it also must be used and
-/// destroyed. Destroying or starting it anew cancels what was started before.
+/// destroyed. Destroying or restarting it cancels what was started before.
 class Timer
 {
 public:

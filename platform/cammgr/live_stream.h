@@ -46,7 +46,7 @@ public:
     {
         std::function<void()> firstFrame;     ///< isPlaying() became true
         std::function<void(StreamEnd)> ended; ///< exactly once for a stream that ends by itself
-        std::function<void()> wantKeyFrame;   ///< a key frame now would show the picture sooner
+        std::function<void()> wantKeyFrame;   ///< a key frame now would show a frame sooner
     };
 
     explicit LiveStream(Listener listener);
@@ -58,7 +58,7 @@ public:
     /// Starts a stream in the background; one that is active already is stopped first.
     void start(const StreamRequest &request);
     /// Ends the stream and its recording. Nothing draws on the window any more, and no callback
-    /// runs any more, when it returns; the rest of the clean-up goes on behind.
+    /// runs any more, when it returns; the rest of the clean-up continues in the background.
     void stop();
 
     /// Starting or playing: from start() until stop() or the end of the stream.
@@ -73,14 +73,14 @@ public:
     /// 0 (silent) to 200; 100 is the level of the source. Kept for streams started later.
     void setVolume(int percent);
 
-    /// Writes the newest picture in the stream's own size as JPEG, beside path first and then
-    /// renamed. Takes as long as one JPEG. 0, or negative when there is no picture or the file
-    /// cannot be written; the file at path is then as before.
+    /// Writes the newest frame in the size of the stream as JPEG, to a temporary file next to path
+    /// that is then renamed. Takes as long as one JPEG. 0, or negative when there is no frame or
+    /// the file cannot be written; the file at path is then as before.
     int snapshot(const std::string &path);
 
     /// Records to basePath + ".mp4" from the key frame before the call; at limitBytes (0: never)
-    /// goes on in basePath + "_0002.mp4", "_0003.mp4" ... without a lost frame, each of those with
-    /// a still beside it (name + ".jpeg"). 0, or negative when not playing or already writing.
+    /// continues in basePath + "_0002.mp4", "_0003.mp4" ... without a lost frame, each of those
+    /// with a still picture (name + ".jpeg"). 0, or negative when not playing or already writing.
     int beginWriting(const std::string &basePath, int limitBytes);
     /// Ends the recording; the file is finished in the background. Negative when none runs.
     int endWriting();

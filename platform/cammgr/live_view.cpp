@@ -10,8 +10,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// How long the oldest picture may wait before pictures are left out: first those that no other
-// picture needs, then all up to a key frame.
+// How long the oldest frame may wait before frames are dropped: first non-reference frames, then
+// all up to a key frame.
 constexpr auto lateLimit = 150ms;
 constexpr auto hopelessLimit = 400ms;
 // However much waits, something is drawn this often.
@@ -205,7 +205,7 @@ LiveView::Step LiveView::nextStep()
         return next;
     }
     if (m_broken) {
-        // What was queued depends on pictures that are lost with the decoder.
+        // The queued frames depend on frames that are lost with the decoder.
         m_queue.clear();
         m_waitForKey = true;
         if (now - m_lastReopen < reopenPause) {

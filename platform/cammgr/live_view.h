@@ -15,10 +15,10 @@
 namespace cammgr {
 
 /**
- * Shows a stream on a window: decodes each picture as it comes and draws the newest. A window that
- * cannot be seen costs nothing; when it is seen again its picture is back at once from memory. A
- * machine that cannot keep up first draws less, then leaves out pictures that no other needs, then
- * goes on at the next key frame: the delay never grows.
+ * Shows a stream on a window: decodes each frame as it arrives and draws the newest. A window that
+ * cannot be seen costs nothing; when it is seen again its last frame is shown at once from memory.
+ * A machine that cannot keep up first draws less, then drops non-reference frames, then skips to
+ * the next key frame, so latency does not accumulate.
  */
 class LiveView : public FrameTaker, public std::enable_shared_from_this<LiveView>
 {
@@ -35,14 +35,14 @@ public:
     void close();
 
     void takeFrame(const AccessUnit &unit) override;
-    /// The window changed, as WindowWatch tells.
+    /// The window changed, as reported by WindowWatch.
     void setWindow(const WindowState &state, bool damaged);
 
     /// Whether a picture was drawn since the start. Any thread.
     bool hasShown() const { return m_hasShown; }
     /// Whether it is known that nobody can see the window, or nothing can be drawn. Any thread.
     bool isUnseen() const { return m_isUnseen; }
-    /// Whether pictures are decoded as they come.
+    /// Whether frames are decoded as they arrive.
     bool isDecoding() const;
     /// See PictureChain::latest().
     SampleRef latest() const { return m_chain.latest(); }
@@ -98,7 +98,7 @@ private:
     bool m_redraw = false;
     bool m_waitForKey = true;
     uint64_t m_lastQueued = 0;
-    uint64_t m_replayEnd = 0; ///< up to here pictures come from memory and are not shown
+    uint64_t m_replayEnd = 0; ///< up to here frames come from memory and are not shown
     uint64_t m_decoded = 0;
     SteadyClock::time_point m_replayStart;
     SteadyClock::time_point m_lastShown;

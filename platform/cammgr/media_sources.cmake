@@ -1,4 +1,4 @@
-# The stream engine: objects of their own, so that its tests link nothing of the sessions.
+# The stream engine: separate objects, so that its tests link nothing of the sessions.
 add_library(cammgr_media OBJECT
   access_unit.cpp audio_codec.cpp audio_output.cpp clip_names.cpp clip_room.cpp clip_writer.cpp decoder_choice.cpp
   gop_buffer.cpp housekeeper.cpp left_overs.cpp live_stream.cpp live_view.cpp

@@ -9,7 +9,7 @@ namespace cammgr {
 
 namespace {
 
-/// Two threads may write the same picture.
+/// Two threads may write the same file.
 std::string nameBeside(const std::string &path)
 {
     static std::atomic<unsigned> counter = 0;

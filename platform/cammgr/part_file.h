@@ -23,9 +23,9 @@ private:
     uint64_t m_number = 0;
 };
 
-/// A file that is written beside the one whose place it takes: who looks at the path sees the old
-/// file or the whole new one, whenever the process dies. Gone with this object unless it was put
-/// in place.
+/// A temporary file next to the one it replaces: the path always leads to the old file or to the
+/// complete new one, whenever the process dies. Removed with this object unless it was put in
+/// place.
 class PartFile
 {
 public:
@@ -35,7 +35,7 @@ public:
     PartFile(const PartFile &) = delete;
     PartFile &operator=(const PartFile &) = delete;
 
-    /// Failures are told by putInPlace().
+    /// Failures are reported by putInPlace().
     void write(const void *data, std::size_t size);
     /// Waits until what was written is on the disk, so that it outlives a power failure.
     void flush();

@@ -9,8 +9,8 @@
 namespace cammgr {
 
 /**
- * Decoder, scaler and window sink, without a thread of its own: all calls come from one thread at
- * a time and do their work there, except latest(), which any thread may call.
+ * Decoder, scaler and window sink, without its own thread: all calls come from one thread at a time
+ * and do their work there, except latest(), which any thread may call.
  */
 class PictureChain
 {
@@ -25,7 +25,7 @@ public:
     /// Nothing draws on the window any more when it returns.
     void close();
 
-    /// Decodes, and draws the result when asked to. False when the chain is broken and has to be
+    /// Decodes, and draws the result if requested. False when the chain is broken and has to be
     /// opened again.
     bool decode(const AccessUnit &unit, bool show);
     void setWindowSize(int width, int height);
@@ -33,7 +33,7 @@ public:
     void redraw();
     /// How many pictures were handed to the window; the caller's thread.
     uint64_t drawn() const { return m_drawn; }
-    /// The picture that was decoded last, in the stream's own size; empty when there is none.
+    /// The frame that was decoded last, in the size of the stream; empty when there is none.
     SampleRef latest() const;
 
 private:

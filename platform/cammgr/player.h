@@ -45,7 +45,7 @@ public:
     void stopTalk();
     bool isTalking() const;
 
-    /// Runs call with the stream, while the I/O thread keeps its hands off it.
+    /// Runs call with the stream locked against the I/O thread.
     template <class Call>
     auto withStream(Call call)
     {

@@ -9,9 +9,10 @@ using namespace std::chrono_literals;
 
 constexpr auto firstPause = 3s;
 constexpr auto longestRefusedPause = 60s;
-/// Somebody may be standing beside a camera that was just plugged in.
+/// The user may be waiting for a camera that was just plugged in.
 constexpr auto longestSilentPause = 15s;
-/// The client asks every 3 s or a little later: a pause of 3 s must not become one of 6.
+/// The client requests a probe every 3 s or a little later: a pause of 3 s must not become one of
+/// 6.
 constexpr auto slack = 500ms;
 
 } // namespace

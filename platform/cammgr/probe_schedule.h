@@ -11,14 +11,14 @@ enum class ProbeOutcome
     LoginRefused, ///< the user name or password is wrong
     NotFound,     ///< the camera does not know the stream's path
     Unusable,     ///< an answer, but none that a stream could come from
-    Rejected,     ///< the host is there, nobody listens on the port
+    Rejected,     ///< the host answered, the port is closed
     Silent        ///< no answer in time, or no way to the camera
 };
 
 /**
- * When to ask a camera again and when to answer from memory. A refused login is tried less and
- * less often, so that no camera locks the account; a host that does not answer costs less and
- * less. A camera that answers in any other way is asked each time.
+ * When to probe a camera again and when to answer from memory. A refused login is tried less and
+ * less often, so that no camera locks the account; a host that does not answer costs less and less.
+ * A camera that answers in any other way is probed each time.
  */
 class ProbeSchedule
 {

@@ -6,8 +6,8 @@ namespace cammgr {
 /// without privileges, up to what a full house of cameras needs. One source per system.
 void raiseHandleLimit();
 
-/// Gives memory that nothing in the process uses back to the system. Any thread; some milliseconds,
-/// for which others may wait who want memory.
+/// Gives memory that nothing in the process uses back to the system. Any thread. Takes a few
+/// milliseconds, during which other allocations may block.
 void releaseFreeMemory();
 
 } // namespace cammgr

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A stream of which this many frames came without a B picture has none.
+// A stream in which this many frames came without a B frame has none.
 constexpr uint64_t framesThatTell = 60;
 constexpr double guessedBytesPerSecond = 512'000 / 8;
 // The index may take this part of a clip at most, and this much when there is no limit.
@@ -109,7 +109,7 @@ void Recorder::takeFrame(const AccessUnit &unit)
     {
         std::lock_guard lock(m_lock);
         ++m_framesSeen;
-        // Times that go back prove nothing: they are set anew while picture and sound are brought
+        // Times that go back prove nothing: they are reset while video and audio are brought
         // together, and on a busy machine by much.
         m_sawReordering |= unit.bipredictive;
         if (m_lastTime != 0 && unit.time > m_lastTime) {
@@ -124,7 +124,7 @@ void Recorder::takeFrame(const AccessUnit &unit)
         if (!m_writing || unit.number <= m_lastNumber)
             return;
         write(unit);
-        // A camera that sends key frames rarely is asked for one when the clip is full.
+        // A camera that sends key frames rarely is requested to send one when the clip is full.
         if (m_clip && m_limit != 0 && m_clip->bytes() > m_limit && !m_askedForKey)
             needKey = m_askedForKey = true;
     }
@@ -197,7 +197,7 @@ ClipFormat Recorder::formatFor(const AccessUnit &first) const
     return format;
 }
 
-/// Called with the lock. Early in a stream that may have B pictures by its profile, that none came
+/// Called with the lock. Early in a stream that may have B frames by its profile, that none came
 /// proves nothing; the baseline profiles have none (H.264 A.2.1).
 bool Recorder::mayBeReordered() const
 {
@@ -238,7 +238,7 @@ void Recorder::clipFailed(const ClipWriter *clip)
     std::lock_guard lock(m_lock);
     if (m_clip.get() != clip)
         return;
-    // The disk is full or gone: what was written stays, the stream goes on.
+    // The disk is full or was removed: what was written stays, the stream continues.
     m_writing = false;
     m_clip->close();
     m_clip.reset();

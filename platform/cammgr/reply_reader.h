@@ -55,7 +55,7 @@ public:
     /// Whether a reply has begun and is not complete.
     bool hasBegun() const { return !m_buffer.empty() || m_part != Part::Head; }
 
-    /// The complete reply; the reader goes on with the next one.
+    /// The complete reply; the reader continues with the next one.
     Reply take();
     /// The bytes of a camera that answers without any HTTP head; empty once there was a head.
     std::string takeBareText();

@@ -8,7 +8,7 @@ namespace {
 constexpr uint16_t rtspPort = 554;
 constexpr uint16_t httpPort = 80;
 
-/// Waiters may ask again while they are answered.
+/// Waiters may call again while they are answered.
 template <class Waiters, class... Answer>
 void answerAll(Waiters &waiters, Answer... answer)
 {
@@ -67,7 +67,7 @@ void Resolver::located(const onvif::CameraLocation &location)
     m_streams.reset();
     if (m_endpoint.host != location.address)
         m_endpoint = {.host = location.address, .port = rtspPort, .tls = false};
-    // Only the stream addresses tell the RTSP port.
+    // Only the stream addresses contain the RTSP port.
     findStreams([this, moved](const onvif::CameraStreams *streams) {
         if (streams) {
             const CameraAddress main = parseUrl(streams->main.uri);
@@ -128,7 +128,8 @@ void Resolver::askStreams()
 
 bool Resolver::isThisCamera(const onvif::CameraStreams &streams) const
 {
-    // Behind one address there may be several cameras, told apart by the port that the user gave.
+    // Behind one address there may be several cameras, distinguished by the port that the user
+    // gave.
     if (m_address.kind != CameraAddress::Kind::Host || !m_address.hasPort)
         return true;
     return parseUrl(streams.main.uri).endpoint.port == m_address.endpoint.port;

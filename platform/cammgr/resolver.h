@@ -12,7 +12,7 @@ namespace cammgr {
 /**
  * Knows where one camera is and what ONVIF says about it. A UID is looked up on the local network,
  * and again after lost(). Answers are kept. Lives on the I/O thread; every answer may come inside
- * the call that asks, or later; destroying the resolver drops what is outstanding.
+ * the call, or later; destroying the resolver drops what is outstanding.
  */
 class Resolver
 {
@@ -28,9 +28,9 @@ public:
     /// The camera does not answer there any more.
     void lost();
 
-    /// Answers the camera's H.264 streams, or null when it does not tell them.
+    /// Answers the camera's H.264 streams, or null when it does not report them.
     void findStreams(std::function<void(const onvif::CameraStreams *)> done);
-    /// The next findStreams() asks the camera again.
+    /// The next findStreams() queries the camera again.
     void forgetStreams() { m_streams.reset(); }
 
     /// Answers the camera's HTTP service: the one of its ONVIF address, else port 80. Port 0 when

@@ -71,7 +71,7 @@ void RtspProbe::describe()
 void RtspProbe::received(std::string_view data)
 {
     if (!m_done)
-        return; // nobody asked; read so that the connection does not fill up
+        return; // unrequested; read so that the connection does not fill up
     switch (m_reader.feed(data)) {
     case ReplyReader::State::Incomplete:
         return;

@@ -13,7 +13,7 @@
 
 namespace cammgr {
 
-/// What a probe asks.
+/// The parameters of a probe.
 struct ProbeTarget
 {
     Endpoint endpoint;

@@ -138,7 +138,7 @@ bool RtspSource::open()
 {
     if (!build())
         return false;
-    // The result says nothing: errors come on the bus.
+    // The result is ignored: errors come on the bus.
     gst_element_set_state(m_pipeline.get(), GST_STATE_PLAYING);
     return true;
 }
@@ -233,8 +233,8 @@ void RtspSource::addBranch(GstPad *pad)
 bool RtspSource::addVideoBranch(GstPad *pad)
 {
     GstElement *bin = m_pipeline.get();
-    // Whole access units all the way: the parser then need not wait for the next picture to know
-    // that one is complete.
+    // Whole access units all the way: the parser then need not wait for the next frame to know that
+    // one is complete.
     GstElement *depay = addElement(bin, "rtph264depay");
     GstElement *whole = addCapsFilter(bin, "video/x-h264,stream-format=byte-stream,alignment=au");
     GstElement *parse = addElement(bin, "h264parse");

@@ -37,7 +37,7 @@ public:
         virtual void sourceLostPackets() = 0;
         /// May come more than once; the first counts.
         virtual void sourceEnded(StreamEnd reason) = 0;
-        /// The camera wants another transport than the one that was asked for.
+        /// The camera requires another transport than the requested one.
         virtual void sourceTransportRefused() = 0;
     };
 

@@ -12,7 +12,7 @@ namespace {
 
 constexpr GstClockTime jpegTimeout = 5 * GST_SECOND;
 
-/// A decoder of its own, between two pads that belong to the caller.
+/// A separate decoder, between two pads that belong to the caller.
 class StillDecoder
 {
 public:

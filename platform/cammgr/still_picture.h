@@ -9,11 +9,11 @@
 namespace cammgr {
 
 /// Decodes access units that begin with a key frame, on the calling thread, for at most the given
-/// time, and returns the last picture that came out; empty when none did.
+/// time, and returns the last frame that came out; empty when none did.
 SampleRef decodeLast(const std::vector<AccessUnit> &units, std::chrono::milliseconds budget);
 
-/// Writes a decoded picture as JPEG in its own size, beside path first and then renamed. 0, or
-/// negative when it cannot be written; the file at path is then as before.
+/// Writes a decoded frame as JPEG in its own size, to a temporary file next to path that is then
+/// renamed. 0, or negative when it cannot be written; the file at path is then as before.
 int writeJpeg(const SampleRef &picture, const std::string &path);
 
 } // namespace cammgr

@@ -16,10 +16,10 @@ enum class StreamPlace
 };
 
 /**
- * Chooses the address of a stream. The client asks for "/live/0/h264.sdp" (main) or
- * "/live/1/h264.sdp" (sub); a full address given by the user names its stream itself; a camera
- * that knows neither path gives its ONVIF profiles, and one that knows only one of the two paths
- * gets it for both.
+ * Chooses the address of a stream. The client requests "/live/0/h264.sdp" (main) or
+ * "/live/1/h264.sdp" (sub); a full address given by the user names its stream itself; a camera that
+ * knows neither path gives its ONVIF profiles, and one that knows only one of the two paths gets it
+ * for both.
  */
 class StreamPaths
 {
@@ -27,7 +27,7 @@ public:
     /// @param fixedPath of a full address; empty for none
     explicit StreamPaths(std::string fixedPath) : m_fixedPath(std::move(fixedPath)) {}
 
-    /// The address of what the client wants, without credentials.
+    /// The address of the requested stream, without credentials.
     std::string url(const Endpoint &endpoint, const std::string &wantedPath) const;
     /// The ONVIF profile of that stream; empty while unknown.
     std::string profileToken(const std::string &wantedPath) const;
@@ -38,12 +38,12 @@ public:
     void useProfiles() { m_usesProfiles = m_profiles.has_value(); }
     bool usesProfiles() const { return m_usesProfiles; }
 
-    /// The camera answered 404 for what the client wants and tells no profiles.
+    /// The camera answered 404 for what the client requests and reports no profiles.
     /// @return whether there is another address to try
     bool markMissing(const std::string &wantedPath);
 
     bool hasMain() const { return !m_isMissing[0]; }
-    /// Back to the paths that the client asks for.
+    /// Back to the paths that the client requests.
     void reset();
 
     static std::string path(StreamPlace place);

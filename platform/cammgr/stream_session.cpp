@@ -11,13 +11,13 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto silenceLimit = 5s;
-// Connecting, describing and setting up each have a time-out of their own; this is for a camera
-// that drags them all out.
+// Connecting, describing and setting up each have their own time-out; this is the upper bound for
+// all of them together.
 constexpr auto connectLimit = 20s;
 // Half of the shortest session time-out that is usual (RFC 2326 12.37: 60 s when none is said).
 constexpr auto keepAlivePeriod = 10s;
 constexpr auto keyFramePause = 1s;
-// A picture for a snapshot of a stream that nobody watches may take this long to decode.
+// Limit for decoding a frame for a snapshot of a stream that is not shown.
 constexpr auto stillBudget = 60ms;
 
 } // namespace
@@ -235,7 +235,7 @@ void LiveStream::Session::readSize(GstCaps *caps)
     }
 }
 
-/// Any thread. Not more often than a camera likes to be asked.
+/// Any thread. Limited to what a camera answers without trouble.
 void LiveStream::Session::wantKeyFrame()
 {
     const auto now = SteadyClock::now();

@@ -17,7 +17,7 @@ namespace cammgr {
 
 /**
  * One stream from start to stop: the source, and the takers of its frames. It lives on behind
- * stop() until its pipelines are gone.
+ * stop() until its pipelines are destroyed.
  */
 class LiveStream::Session : public RtspSource::Client,
                             public Housekeeper::Charge,

@@ -26,7 +26,7 @@ constexpr guint64 teardownTimeout = 100 * GST_MSECOND;
 struct Channel
 {
     guint stream = 0;
-    CapsRef caps; ///< of the RTP packets that the camera wants
+    CapsRef caps; ///< of the RTP packets that the camera expects
 };
 
 /// A pipeline or element that is shut down before it is let go.
@@ -68,7 +68,7 @@ private:
     ObjectPtr<GstElement> m_element;
 };
 
-/// The packets that the camera wants, when it is one of the two that ONVIF asks of all.
+/// The packets that the camera expects, if in one of the two encodings that ONVIF requires.
 std::optional<CapsRef> packetCaps(const GstCaps *offered)
 {
     const GstStructure *media = gst_caps_get_structure(offered, 0);

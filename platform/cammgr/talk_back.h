@@ -8,7 +8,7 @@ namespace cammgr {
 
 /**
  * Sends the microphone to a camera over the ONVIF back channel (ONVIF Streaming 5.3): G.711 in
- * packets of 20 ms, over an RTSP session of its own, so that a camera without a loudspeaker or a
+ * packets of 20 ms, over a separate RTSP session, so that a camera without a loudspeaker or a
  * machine without a microphone never disturbs the picture. No call waits: each session has a
  * thread, which also cleans up after itself. Called by one thread at a time.
  *

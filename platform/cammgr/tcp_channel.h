@@ -13,7 +13,7 @@ namespace cammgr {
 /// Why a channel ended by itself.
 enum class ChannelEnd
 {
-    Rejected,    ///< the host is there, nobody listens on the port
+    Rejected,    ///< the host answered, the port is closed
     Unreachable, ///< no answer in time, no route, no name, TLS failed
     Closed       ///< it was open and is not any more
 };

@@ -120,7 +120,7 @@ void WindowWatch::Private::start()
     std::call_once(once, [] { std::atexit(&Private::endAtExit); });
 }
 
-/// Xlib takes its locks away when the process ends: the thread has to be out of it by then.
+/// Xlib frees its locks in an exit handler; the thread must have left Xlib before.
 void WindowWatch::Private::endAtExit()
 {
     instance().d->end();
@@ -135,7 +135,7 @@ void WindowWatch::Private::end()
         thread = std::exchange(m_thread, nullptr);
         wake();
     }
-    // Xlib ends the process itself, on this very thread, when the display is gone.
+    // Xlib ends the process itself, on this very thread, when the display connection is lost.
     if (thread && thread != g_thread_self())
         g_thread_join(thread);
 }
@@ -208,7 +208,8 @@ bool WindowWatch::Private::adopt()
     if (m_display) {
         for (const auto &watched : fresh) {
             findAncestors(*watched);
-            // A number can come back as another window: what was asked of the old one is void.
+            // A number can come back as another window: what was requested of the old one is
+            // invalid.
             m_selected.erase(watched->window);
             for (const Window ancestor : watched->ancestors)
                 m_selected.erase(ancestor);
@@ -299,7 +300,7 @@ void WindowWatch::Private::readEvents()
                     changed.insert(watched);
                 break;
             case MapNotify:
-                // A window that comes back tells when it is covered, not when it is free.
+                // A window that is mapped again reports when it is covered, not when it is free.
                 watched->obscured = false;
                 changed.insert(watched);
                 break;

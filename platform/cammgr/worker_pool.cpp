@@ -60,7 +60,7 @@ void WorkerPool::work()
         m_jobs.pop_front();
         lock.unlock();
         job();
-        job = nullptr; // what it owns goes away outside the lock
+        job = nullptr; // what it owns is destroyed outside the lock
         lock.lock();
     }
 }

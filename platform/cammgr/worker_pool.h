@@ -42,8 +42,8 @@ private:
 /// ends.
 WorkerPool &mediaWorkers();
 
-/// The decoding threads of all streams, one for each processor. Decoders take turns picture by
-/// picture, so that a large stream cannot starve the small ones. Never destroyed.
+/// The decoding threads of all streams, one for each processor. Decoders take turns frame by frame,
+/// so that a large stream cannot starve the small ones. Never destroyed.
 WorkerPool &decodeWorkers();
 
 /// Loads the media framework once, on the calling thread, and lets the process have the file

@@ -10,7 +10,7 @@ namespace cammgr {
 
 namespace {
 
-// A window that is gone can raise an error for each frame.
+// A destroyed window can raise an error for each frame.
 constexpr int mostLines = 50;
 
 int logXError(Display *display, XErrorEvent *error)
