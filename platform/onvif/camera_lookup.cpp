@@ -30,7 +30,7 @@ struct KnownCamera
 
     Credentials credentials;
     SoapClient soap;
-    std::string mediaService; ///< empty until asked for
+    std::string mediaService; ///< empty until requested
 };
 
 using KnownCameraPtr = std::shared_ptr<KnownCamera>;
@@ -67,7 +67,7 @@ protected:
 
     [[nodiscard]] MediaClient media() const { return {m_camera->soap, m_camera->mediaService}; }
 
-    // A camera whose media service moved is asked for it anew next time.
+    // A camera whose media service moved is queried for it again next time.
     void forgetMedia() { m_camera->mediaService.clear(); }
 
     void next(RequestPtr step) { m_step = std::move(step); }

@@ -15,7 +15,7 @@ namespace onvif {
 /// Where a camera is.
 struct CameraLocation
 {
-    std::string address; ///< host without port: dotted IPv4, or the host name that was asked for
+    std::string address; ///< host without port: dotted IPv4, or the requested host name
     std::string xaddr;   ///< its ONVIF device service, an http or https address
 };
 
@@ -35,14 +35,14 @@ struct CameraStreams
     CameraStream sub;
 };
 
-/// What the stream engine asks of ONVIF: where a camera is, which streams it has, a key frame now.
+/// What the stream engine needs of ONVIF: where a camera is, which streams it has, a key frame now.
 ///
 /// Everything is asynchronous on the main context given, which must be the default context
 /// (g_main_context_push_thread_default) of the thread that runs it. The object, its requests and
 /// its callbacks belong to that thread. Callbacks never run inside the call that starts them. A
-/// request that is destroyed is cancelled; before the context goes, run it until nothing is ready,
-/// so that what was cancelled comes back to free its memory. Connections and what was learned of a
-/// camera (media service, way of signing, clock) are kept between requests.
+/// request that is destroyed is cancelled; before the context is destroyed, run it until nothing is
+/// ready, so that what was cancelled comes back to free its memory. Connections and what was
+/// learned of a camera (media service, way of signing, clock) are kept between requests.
 class CameraLookup
 {
 public:
@@ -56,7 +56,7 @@ public:
     [[nodiscard]] RequestPtr resolve(const std::string &uid,
                                      std::function<void(std::optional<CameraLocation>)> done);
 
-    /// Finds the device service of the camera at a host (address or name without port): asks the
+    /// Finds the device service of the camera at a host (address or name without port): queries the
     /// host itself for up to 1.5 s, else takes ONVIF's usual address on port 80.
     [[nodiscard]] RequestPtr locate(const std::string &host,
                                     std::function<void(CameraLocation)> done);

@@ -25,7 +25,7 @@ public:
     [[nodiscard]] RequestPtr mediaService(Answer<std::string> done);
     [[nodiscard]] RequestPtr deviceInformation(Answer<DeviceInformation> done);
     [[nodiscard]] RequestPtr networkInterfaces(Answer<std::vector<NetworkInterface>> done);
-    /// The answer tells whether reboot() must follow before the setup counts.
+    /// The answer says whether the setup takes effect only after reboot().
     [[nodiscard]] RequestPtr setNetworkInterface(const InterfaceSetup &setup, Answer<bool> done);
     [[nodiscard]] RequestPtr defaultGateway(Answer<Ipv4> done);
     [[nodiscard]] RequestPtr setDefaultGateway(Ipv4 gateway, Done done);

@@ -41,7 +41,7 @@ std::vector<Ipv4> ipv4List(pugi::xml_node parent, std::string_view name)
     return addresses;
 }
 
-// DHCP and "manual" stand beside each other; the one in use depends on the mode.
+// The addresses from DHCP and "manual" are both listed; the one in use depends on the mode.
 pugi::xml_node addressInUse(pugi::xml_node config, bool dhcp)
 {
     for (const char *name :

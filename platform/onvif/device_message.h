@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// What is asked of the device service (ONVIF Core 8) and how its answers read. Every builder makes
-// the text of a SOAP body; every parser gives nullopt when the answer is not the one meant.
+// Requests to the device service (ONVIF Core 8) and their answers. Every builder makes the text of
+// a SOAP body; every parser gives nullopt when the answer is not the one meant.
 namespace onvif {
 
 class XmlMessage;

@@ -157,7 +157,7 @@ void DiscoverySearch::Private::findTargets()
     }
 }
 
-// A name may have several addresses; all are asked.
+// A name may have several addresses; all are queried.
 void DiscoverySearch::Private::findNextAddress(GSocketAddressEnumerator *enumerator)
 {
     g_socket_address_enumerator_next_async(enumerator, m_cancellable.get(), foundAddress, this);
@@ -170,7 +170,7 @@ void DiscoverySearch::Private::foundAddress(GObject *enumerator, GAsyncResult *r
     GObjectPtr<GSocketAddress> address(g_socket_address_enumerator_next_finish(
         G_SOCKET_ADDRESS_ENUMERATOR(enumerator), result, &error));
     const GErrorPtr failure(error);
-    // A search that is gone has cancelled: self is not to be touched.
+    // A destroyed search has cancelled: self is not to be touched.
     if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) || !address)
         return;
     auto *search = static_cast<Private *>(self);
@@ -202,8 +202,8 @@ DiscoverySocket *DiscoverySearch::Private::unicastSocket(GSocketFamily family)
     return socket.get();
 }
 
-// Each round has identifiers of its own: devices answer a repeated identifier only once, and that
-// answer may be the one that was lost.
+// Each round has new identifiers: devices answer a repeated identifier only once, and that answer
+// may be the one that was lost.
 std::vector<std::string> DiscoverySearch::Private::questions()
 {
     std::vector<std::string> ids;

@@ -12,16 +12,16 @@
 
 namespace onvif {
 
-/// The most devices that one search tells of.
+/// Maximum of devices that one search reports.
 inline constexpr std::size_t maxDevices = 1000;
 
 /// Where a search looks and when it ends.
 struct SearchScope
 {
-    bool multicast = true;            ///< ask on every interface that is up
-    std::vector<std::string> targets; ///< hosts to ask directly, each with an optional ":port"
+    bool multicast = true;            ///< query on every interface that is up
+    std::vector<std::string> targets; ///< hosts to query directly, each with an optional ":port"
     unsigned milliseconds = 3000;     ///< how long answers are waited for
-    std::string uid;                  ///< when set, this device is asked for by Resolve too
+    std::string uid;                  ///< when set, this device is requested by Resolve too
     /// When set, the search ends with the first device for which it is true.
     std::function<bool(const DiscoveredDevice &)> isEnough;
 

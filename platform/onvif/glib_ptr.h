@@ -49,7 +49,7 @@ using GTextPtr = std::unique_ptr<char, GFreeDeleter>;
 
 using GErrorPtr = std::unique_ptr<GError, GErrorDeleter>;
 
-/// Owns a source and takes it from its context when it goes.
+/// Owns a source and removes it from its context when destroyed.
 using GSourcePtr = std::unique_ptr<GSource, GSourceDeleter>;
 
 using GMainContextPtr = std::unique_ptr<GMainContext, GMainContextDeleter>;

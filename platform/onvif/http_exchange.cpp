@@ -74,7 +74,7 @@ private:
                                static_cast<SoupMessageFlags>(SOUP_MESSAGE_NO_REDIRECT |
                                                              SOUP_MESSAGE_DO_NOT_USE_AUTH_CACHE));
         g_signal_connect(m_message.get(), "authenticate", G_CALLBACK(authenticate), this);
-        // The body is used up when the message goes out a second time, with credentials.
+        // The body is used up when the message is sent a second time, with credentials.
         g_signal_connect(m_message.get(), "restarted", G_CALLBACK(setBody), this);
         g_signal_connect(m_message.get(), "accept-certificate", G_CALLBACK(acceptCertificate),
                          nullptr);

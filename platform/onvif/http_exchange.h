@@ -18,7 +18,7 @@ struct HttpAnswer
     unsigned status = 0;
     std::string body;
     bool isTooLarge = false;
-    bool wasChallenged = false; ///< the credentials were asked for and sent
+    bool wasChallenged = false; ///< the credentials were requested and sent
 };
 
 /// One POST of a SOAP envelope.

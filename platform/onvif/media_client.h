@@ -15,7 +15,7 @@ namespace onvif {
 class MediaClient
 {
 public:
-    /// mediaService: as DeviceClient::mediaService tells it.
+    /// mediaService: as returned by DeviceClient::mediaService.
     MediaClient(SoapClient &soap, std::string mediaService);
 
     /// The profiles with H.264 video.

@@ -9,7 +9,7 @@ namespace onvif {
 
 class XmlMessage;
 
-/// The most profiles of a device that are looked at.
+/// Maximum of profiles of a device that are read.
 inline constexpr std::size_t maxProfiles = 64;
 
 /// A media profile that carries H.264 video.
@@ -17,7 +17,7 @@ struct MediaProfile
 {
     std::string token;
     std::string name;
-    int width = 0; ///< pixels; 0 when the device does not tell
+    int width = 0; ///< pixels; 0 when the device does not report it
     int height = 0;
 };
 
@@ -35,7 +35,7 @@ std::string buildSetSynchronizationPoint(const std::string &profileToken);
 /// The H.264 profiles of a GetProfilesResponse (ONVIF Media 1), in the device's order.
 std::vector<MediaProfile> parseProfiles(const XmlMessage &message);
 
-/// The address in a GetStreamUriResponse, as the device tells it; empty when there is none.
+/// The address in a GetStreamUriResponse, as the device reports it; empty when there is none.
 std::string parseStreamUri(const XmlMessage &message);
 
 /// nullopt without profiles. Of equal sizes the first one is taken.

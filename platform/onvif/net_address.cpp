@@ -19,7 +19,7 @@ bool isLoopback(Ipv4 address)
     return (address >> 24) == 127;
 }
 
-// Text that may stand in a request line: no blanks, no control characters.
+// Text that may be part of a request line: no blanks, no control characters.
 bool isPlainAddress(std::string_view text)
 {
     if (text.empty() || text.size() > maxAddressLength)

@@ -42,9 +42,9 @@ std::string usualDeviceService(const std::string &host, int port = 80);
 std::string chooseXAddr(const std::vector<std::string> &xaddrs, std::string_view sender,
                         Ipv4 subnetMask);
 
-/// The address of another service of a device (media), as the device tells it, held to the host
-/// and scheme that the device itself is reached by: behind address translation devices tell an
-/// address that is unreachable, and a false one must not get the credentials. Empty when
+/// The address of another service of a device (media), as the device reports it, rebased onto the
+/// host and scheme that the device itself is reached by: behind address translation devices report
+/// an address that is unreachable, and a false one must not get the credentials. Empty when
 /// unreadable.
 std::string serviceAtDevice(std::string_view serviceAddress, const std::string &deviceAddress);
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-// What each operating system tells of its networks in its own way.
+// The networks of this computer; each operating system reports them in its own way.
 namespace onvif {
 
 /// An IPv4 address of this computer, on an interface that is up and carries multicast.

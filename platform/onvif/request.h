@@ -5,9 +5,9 @@
 
 namespace onvif {
 
-/// Something that was asked of the network and is not answered yet. Destroying it cancels: its
-/// callback then never runs. It may be destroyed inside its own callback, and only on the thread
-/// that runs the main context it was made for.
+/// A request to the network that is not answered yet. Destroying it cancels: its callback then
+/// never runs. It may be destroyed inside its own callback, and only on the thread that runs the
+/// main context it was made for.
 class Request
 {
 public:

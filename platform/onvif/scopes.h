@@ -11,7 +11,7 @@ namespace onvif {
 
 using MacAddress = std::array<std::uint8_t, 6>;
 
-/// What a device tells of itself in its scopes (ONVIF Core 7.3.2.2), cleaned for display.
+/// What a device reports about itself in its scopes (ONVIF Core 7.3.2.2), cleaned for display.
 struct ScopeTexts
 {
     std::string name;

@@ -12,12 +12,12 @@ namespace {
 
 constexpr const char *clockAction = "http://www.onvif.org/ver10/device/wsdl/GetSystemDateAndTime";
 constexpr const char *clockBody = "<tds:GetSystemDateAndTime/>";
-// A device whose clock was set anew refuses old dates; smaller steps are no reason to sign again.
+// A device whose clock was changed refuses old dates; smaller steps are no reason to sign again.
 constexpr std::int64_t clockStep = 2;
 
 enum class Signing
 {
-    Http,  ///< digest or basic, as the device asks
+    Http,  ///< digest or basic, as the device requires
     Token, ///< WS-Security UsernameToken
 };
 

@@ -12,7 +12,7 @@
 
 namespace onvif {
 
-/// How a request ended. message is set with SoapStatus::Ok only; text tells of a failure, for the
+/// How a request ended. message is set with SoapStatus::Ok only; text describes a failure, for the
 /// log.
 struct SoapReply
 {
@@ -34,7 +34,7 @@ class SoapClient
 public:
     using Done = std::function<void(SoapReply)>;
 
-    /// deviceService: address of the device service, which also tells the device's clock.
+    /// deviceService: address of the device service, which also reports the device's clock.
     SoapClient(GMainContext *context, std::string deviceService, Credentials credentials);
     ~SoapClient();
     SoapClient(const SoapClient &) = delete;

@@ -29,7 +29,7 @@ std::string buildEnvelope(std::string_view body);
 std::string buildSignedEnvelope(std::string_view body, const Credentials &credentials,
                                 const TokenStamp &stamp);
 
-/// What a fault says, for the log; nullopt when the message is none.
+/// The text of a fault, for the log; nullopt when the message is no fault.
 struct SoapFault
 {
     bool isRefusal = false; ///< ter:NotAuthorized, wsse:FailedAuthentication and the like
@@ -37,8 +37,8 @@ struct SoapFault
 };
 std::optional<SoapFault> faultIn(const XmlMessage &message);
 
-/// The moment GetSystemDateAndTimeResponse tells, in seconds since 1970; nullopt when it has no
-/// UTC time.
+/// The time in a GetSystemDateAndTimeResponse, in seconds since 1970; nullopt when it has no UTC
+/// time.
 std::optional<std::int64_t> parseSystemTime(const XmlMessage &message);
 
 } // namespace onvif

@@ -23,7 +23,8 @@ std::string percentDecode(std::string_view text);
 /// Writes all but unreserved characters (RFC 3986 2.3) as %XX.
 std::string percentEncode(std::string_view text);
 
-/// Text that goes between XML tags or into an attribute. Characters XML cannot hold are left out.
+/// Escapes text for the content of an XML element or attribute. Characters XML cannot hold are left
+/// out.
 std::string xmlEscape(std::string_view text);
 
 /// The UID of an endpoint address: the UUID of "urn:uuid:" and "uuid:" addresses, other addresses

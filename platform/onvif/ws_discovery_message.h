@@ -39,7 +39,7 @@ struct DiscoveryAnswer
 
 /// The largest datagram of UDP.
 inline constexpr std::size_t maxDatagram = 65'536;
-/// How many devices one datagram may tell of.
+/// Maximum of devices in one datagram.
 inline constexpr std::size_t maxDevicesInAnswer = 64;
 
 /// Asks all devices of a type to answer. messageId is a bare UUID.
