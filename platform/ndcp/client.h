@@ -13,7 +13,7 @@
 
 namespace ndcp {
 
-/// What a handle of the C interface stands for. The public functions belong to the thread of the
+/// The object behind a handle of the C interface. The public functions belong to the thread of the
 /// caller, everything marked "worker" to the worker's thread.
 class Client
 {

@@ -15,7 +15,7 @@ class ConfigurationReader : public onvif::Request
 public:
     using Done = std::function<void(onvif::SoapStatus, NetworkConfiguration)>;
 
-    /// wantsModel: whether to ask for the model too. soap must outlive this object.
+    /// wantsModel: whether to request the model too. soap must outlive this object.
     ConfigurationReader(onvif::SoapClient &soap, bool wantsModel, Done done);
 
 private:
@@ -26,7 +26,7 @@ private:
     void askForScopes();
     void askForModel();
 
-    /// Keeps what was answered and goes on, or ends when the device is gone or refuses.
+    /// Keeps what was answered and continues, or ends when the device is unreachable or refuses.
     template <class T>
     auto keepIn(std::optional<T> &place, void (ConfigurationReader::*next)());
     void finish(onvif::SoapStatus status);

@@ -69,7 +69,7 @@ void ConfigurationTask::search()
     m_request = std::make_unique<onvif::DiscoverySearch>(
         m_context, std::move(scope),
         [this, isWanted](const std::vector<onvif::DiscoveredDevice> &devices) {
-            // Where it did not answer before, it need not be asked again.
+            // Where it did not answer before, it need not be queried again.
             if (!devices.empty() && isWanted(devices.back()) &&
                 devices.back().serviceAddress != m_service)
                 m_places.push_back(devices.back().serviceAddress);

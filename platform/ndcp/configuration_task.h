@@ -18,9 +18,9 @@ namespace ndcp {
 /// Finds the device of a record, reads its configuration and, when that is the task, writes the
 /// record's.
 ///
-/// A device of an earlier search is asked where it was found, and looked for by its UID when it
-/// does not answer there. Another one is asked at the record's address; to write, it must be found
-/// by its UID first, because the record's address may be the one that it is to get.
+/// A device of an earlier search is queried where it was found, and searched by its UID when it
+/// does not answer there. Another one is queried at the record's address; to write, it must be
+/// found by its UID first, because the record's address may be the one that it is to get.
 class ConfigurationTask : public onvif::Request
 {
 public:

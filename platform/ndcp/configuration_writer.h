@@ -14,9 +14,9 @@
 
 namespace ndcp {
 
-/// Tells a device a new configuration. What cannot cut the connection goes first: names, DNS,
-/// gateway; then the HTTP port, after which the device may answer on the new port only; last the
-/// address, and a restart where the device wants one.
+/// Writes a new configuration to a device. What cannot cut the connection is sent first: names,
+/// DNS, gateway; then the HTTP port, after which the device may answer on the new port only; last
+/// the address, and a restart where the device wants one.
 class ConfigurationWriter : public onvif::Request
 {
 public:

@@ -6,7 +6,7 @@
 
 namespace ndcp {
 
-/// Where the devices of this process's searches can be asked for their configuration. Shared by
+/// Where the devices of this process's searches can be queried for their configuration. Shared by
 /// all clients: the one that searched need not be the one that configures. Safe from any thread.
 class KnownDevices
 {

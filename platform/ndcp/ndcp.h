@@ -37,7 +37,7 @@ enum
 {
     NDCP_ERROR_NETWORK = -1,       /* no answer */
     NDCP_ERROR_AUTHORIZATION = -2, /* user name or password refused */
-    NDCP_ERROR_GET_CONF = -3,      /* the device could not tell its configuration */
+    NDCP_ERROR_GET_CONF = -3,      /* the device did not return its configuration */
     NDCP_ERROR_SET_CONF = -4       /* the device did not take the configuration */
 };
 
@@ -74,7 +74,7 @@ typedef void (*ndcp_callback)(int message, int error, void *user);
 /* Makes a client; NULL when none can be made. */
 NDCP_API ndcp_client *ndcpclient_create(ndcp_callback callback, void *user);
 
-/* Starts a search and returns at once; NDCP_EVENT_DISCOVERY tells the end, after about 3 s. A
+/* Starts a search and returns at once; NDCP_EVENT_DISCOVERY reports the end, after about 3 s. A
  * second search while one is under way shares its end and its one event. */
 NDCP_API int ndcpclient_discover(ndcp_client *client);
 

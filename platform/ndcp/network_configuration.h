@@ -10,7 +10,7 @@ struct ndcp_device;
 
 namespace ndcp {
 
-/// What a device told of its network configuration. What it could not tell is absent.
+/// The network configuration that a device reported. What it did not report is absent.
 struct NetworkConfiguration
 {
     onvif::NetworkInterface interface;
@@ -18,7 +18,7 @@ struct NetworkConfiguration
     std::optional<onvif::DnsInformation> dns;
     std::optional<std::vector<onvif::NetworkProtocol>> protocols;
     std::optional<std::vector<onvif::DeviceScope>> scopes;
-    std::string model; ///< asked for only when discovery did not tell
+    std::string model; ///< requested only when discovery did not report it
 };
 
 /// The interface that carries an address, else the first enabled one with IPv4; nullopt when the
@@ -26,10 +26,10 @@ struct NetworkConfiguration
 std::optional<onvif::NetworkInterface>
 chooseInterface(const std::vector<onvif::NetworkInterface> &interfaces, onvif::Ipv4 address);
 
-/// Overwrites the fields of the record that the device told of; the others stay.
+/// Overwrites the fields of the record that the device reported; the others stay.
 void fillRecord(ndcp_device &record, const NetworkConfiguration &configuration);
 
-/// What must be told to a device so that it gets the configuration of a record; absent parts are
+/// What must be sent to a device so that it gets the configuration of a record; absent parts are
 /// right already or not to be set.
 struct ConfigurationChange
 {
