@@ -15,7 +15,7 @@ namespace camsim {
 class AudioSource
 {
 public:
-    /// piece: how much sound goes at a time; a whole part of a second, with up to 1400 bytes.
+    /// piece: duration of one packet; a whole part of a second, with up to 1400 bytes.
     AudioSource(Ticker &ticker, int index, std::chrono::milliseconds piece);
     ~AudioSource();
     AudioSource(const AudioSource &) = delete;

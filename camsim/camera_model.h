@@ -24,7 +24,7 @@ struct NetworkState
     bool operator==(const NetworkState &) const = default;
 };
 
-/// Who a camera is.
+/// The identity of a camera.
 struct Identity
 {
     std::string uid; ///< 36 characters
@@ -42,7 +42,7 @@ enum class StreamKind
     Sub
 };
 
-/// What the ONVIF service, the command requests and discovery see of their camera. Main thread.
+/// The camera as seen by the ONVIF service, the command requests and discovery. Main thread.
 class CameraModel
 {
 public:

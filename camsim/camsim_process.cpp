@@ -230,7 +230,7 @@ void CamsimProcess::end(int signal)
 {
     if (m_pid > 0) {
         ::kill(m_pid, signal);
-        // A process that does not go when asked must not hold the test up.
+        // A process that does not end must not block the test.
         const Clock::time_point limit = Clock::now() + std::chrono::seconds(20);
         int status = 0;
         while (waitpid(m_pid, &status, WNOHANG) == 0) {

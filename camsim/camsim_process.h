@@ -29,7 +29,7 @@ struct SimulatedCamera
     std::string urlWithLogin(const std::string &url) const;
 };
 
-/// Runs the simulated cameras as a process of its own and ends it with this object, or when this
+/// Runs the simulated cameras as a separate process and ends it with this object, or when this
 /// process ends for whatever reason. Use from one thread. Throws std::runtime_error when the
 /// cameras do not come up, so that a test fails where it starts.
 class CamsimProcess

@@ -49,7 +49,7 @@ std::shared_ptr<const CannedVideo::Clip> encodeClip(const VideoSettings &setting
     return clip;
 }
 
-/// The clip for these settings; encoded by the first who asks.
+/// The clip for these settings; encoded at the first call.
 std::shared_ptr<const CannedVideo::Clip> findClip(const VideoSettings &settings, int scene)
 {
     static std::mutex mutex;

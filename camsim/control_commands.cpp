@@ -11,7 +11,7 @@ namespace camsim {
 namespace {
 
 using Arguments = std::vector<std::string>;
-/// Gives the answer's text after "OK", or nothing when the arguments are wrong.
+/// Returns the answer's text after "OK", or nullopt when the arguments are wrong.
 using Run = std::function<std::optional<std::string>(Camera &camera, const Arguments &arguments)>;
 
 struct Command
@@ -49,7 +49,7 @@ Run withNumber(Number low, Number high, std::function<void(Camera &, Number)> ru
     };
 }
 
-/// A command that stands alone (on) or is followed by "on" or "off".
+/// A command without an argument (on) or followed by "on" or "off".
 Run withSwitch(std::function<void(Camera &, bool)> run)
 {
     return [run = std::move(run)](Camera &camera, const Arguments &arguments) {

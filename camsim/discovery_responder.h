@@ -30,7 +30,7 @@ public:
 
     /// A camera that is down does not answer.
     void setEnabled(bool enabled) { m_enabled = enabled; }
-    /// Announces the camera's present address: to the group, and to those who asked lately.
+    /// Announces the camera's present address: to the group, and to recent clients.
     void sayHello() { announce("Hello"); }
     void sayBye() { announce("Bye"); }
 

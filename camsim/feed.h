@@ -32,7 +32,7 @@ public:
     /// Pushes a reference to the data, stamped with the time of the push. The feed becomes idle
     /// when its media does not take it.
     void push(GstBuffer *buffer);
-    /// The media is gone for good.
+    /// The media is destroyed.
     bool isDead() const;
 
     std::size_t position = 0; ///< in a recorded loop; used by the ticker's thread only
@@ -47,7 +47,7 @@ class FeedList
 {
 public:
     using Feeds = std::vector<std::shared_ptr<Feed>>;
-    /// Whether somebody watches already; one who has just come can be served at once otherwise.
+    /// Whether there is a client already; otherwise a new one can be served at once.
     static bool isWatched(const Feeds &feeds);
 
     /// onStart runs on a streaming thread each time that a media begins to take data; it must stay

@@ -138,7 +138,7 @@ void HttpServer::onOnvif(SoupServerMessage *message)
     soap::Request request;
     const bool parsed =
         request.parse(std::string_view(body->data, static_cast<std::size_t>(body->length)));
-    // A client may send an empty request first to be told how to log in.
+    // A client may send an empty request first to learn how to log in.
     if (!(parsed ? mayAsk(message, request) : isProven(message))) {
         respond(message, m_onvifLogin == OnvifLogin::TokenOnly ? 400 : 401, soapType,
                 soap::fault("Sender", "ter:NotAuthorized", nullptr, "Sender not authorized"));

@@ -14,8 +14,8 @@
 
 namespace camsim {
 
-/// The HTTP server of one camera, on a port of its own on loopback: ONVIF services, command
-/// requests and a small web page. Runs on the default main context.
+/// The HTTP server of one camera, on its own port on loopback: ONVIF services, command requests and
+/// a small web page. Runs on the default main context.
 class HttpServer
 {
 public:

@@ -56,7 +56,7 @@ void Link::onEvents(Side &side, std::uint32_t events)
         else
             close();
     }
-    // What the policy handed on goes out in one piece.
+    // What the policy passed on is sent in one piece.
     flush(m_client);
     flush(m_server);
     updateEvents();

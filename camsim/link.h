@@ -28,7 +28,7 @@ class Link : public std::enable_shared_from_this<Link>
 public:
     using Closed = std::function<void()>;
 
-    /// Takes over both handles. onClosed is called once, when either side has gone.
+    /// Takes over both handles. onClosed is called once, when either side has closed.
     Link(Reactor &reactor, int client, int server, std::unique_ptr<LinkPolicy> policy,
          Closed onClosed);
     ~Link();

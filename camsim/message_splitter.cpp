@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view headEnd = "\r\n\r\n";
 constexpr std::size_t packetHead = 4;
-// A head or body larger than this is not cut any more: it goes through in pieces.
+// A head or body larger than this is not cut any more: it is passed on in pieces.
 constexpr std::size_t largest = 8U << 20;
 
 bool equalNoCase(std::string_view a, std::string_view b)

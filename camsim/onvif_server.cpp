@@ -176,7 +176,7 @@ void OnvifServer::setScopes(pugi::xml_node in, pugi::xml_node)
 {
     const std::string nameRoot = std::string(scopeRoot) + "name/";
     const std::string locationRoot = std::string(scopeRoot) + "location/";
-    // All changeable scopes are replaced (ONVIF Core 8.3.6): one that is not sent is gone.
+    // All changeable scopes are replaced (ONVIF Core 8.3.6): one that is not sent is removed.
     std::string name;
     std::string location;
     for (const pugi::xml_node &node : in.children()) {

@@ -69,7 +69,7 @@ private:
     int m_keyFrameRequests = 0;
 };
 
-/// The scopes of a camera: what discovery and GetScopes tell (ONVIF Core 7.3.2.2).
+/// The scopes of a camera: what discovery and GetScopes report (ONVIF Core 7.3.2.2).
 struct Scope
 {
     std::string uri;

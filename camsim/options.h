@@ -33,7 +33,7 @@ enum class OnvifLogin
     TokenOnly
 };
 
-/// What the command line asks for. Ports of 0 are chosen by the system; other ports are the first
+/// The options of the command line. Ports of 0 are chosen by the system; other ports are the first
 /// of a row with one for each camera.
 struct Options
 {

@@ -30,7 +30,7 @@ struct RtspFaults
 
     std::atomic<int> watching{0}; ///< connections on which a stream was started
     std::atomic<int> requests{0};
-    std::atomic<long> videoFrames{0}; ///< passed on to clients that asked for the picture first
+    std::atomic<long> videoFrames{0}; ///< passed on to clients that requested video first
 };
 
 /// Relays RTSP and lets the faults of its camera happen.

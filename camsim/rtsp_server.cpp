@@ -118,7 +118,7 @@ void RtspServer::onClosed(GstRTSPClient *, gpointer data)
 
 void RtspServer::waitForClients()
 {
-    // Each client ends on its own thread once its connection is gone; ended from here, the
+    // Each client ends on its own thread once its connection is closed; ended from here, the
     // framework would use a connection that it has closed.
     std::unique_lock lock(m_mutex);
     m_clientGone.wait_for(lock, std::chrono::seconds(5), [this] { return m_clients == 0; });

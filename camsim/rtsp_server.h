@@ -22,9 +22,9 @@ struct StreamSet
     BackChannel *backChannel = nullptr; ///< null: a camera without a loudspeaker
 };
 
-/// The RTSP server of one camera, on a port of its own on loopback. Takes connections on the
-/// default main context; all requests of the camera run on one thread of the framework, so that
-/// they cannot get into each other's way, and each media has threads of its own.
+/// The RTSP server of one camera, on its own port on loopback. Takes connections on the default
+/// main context; all requests of the camera run on one thread of the framework, so that they cannot
+/// block each other, and each media has its own threads.
 class RtspServer
 {
 public:
@@ -34,8 +34,8 @@ public:
         std::string password;
     };
 
-    /// The streams must outlive the server. Its clients must be disconnected before it goes.
-    /// sessionTimeout: seconds, as it is told to clients; 0: the usual minute.
+    /// The streams must outlive the server. Its clients must be disconnected before it is
+    /// destroyed. sessionTimeout: seconds, as announced to clients; 0: the usual minute.
     RtspServer(const Login &login, Transport transport, int sessionTimeout,
                const StreamSet &streams, const std::string &mainPath, const std::string &subPath);
     ~RtspServer();

@@ -18,8 +18,8 @@ public:
 
     Scene(int index, std::string name, int width, int height, bool timeCode);
 
-    /// Draws a whole frame. seconds moves the picture, clock is shown as local time, and
-    /// timeCodeMs goes into the time code.
+    /// Draws a whole frame. seconds moves the picture, clock is shown as local time, and timeCodeMs
+    /// is drawn as the time code.
     void draw(const PictureView &picture, double seconds, std::time_t clock,
               std::uint32_t timeCodeMs);
 
@@ -29,7 +29,7 @@ private:
         Sprite sprite;
         double speed = 0;  ///< widths of the picture per second; negative: from right to left
         double height = 0; ///< where its middle is, as a part of the picture's height
-        double swing = 0;  ///< how far it goes up and down, as a part of the picture's height
+        double swing = 0;  ///< how far it moves up and down, as a part of the picture's height
         double start = 0;  ///< where it is at time 0, as a part of its way
     };
 

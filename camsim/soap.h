@@ -21,7 +21,7 @@ struct UsernameToken
     bool proves(const std::string &password, std::time_t clock, int maxSkew) const;
 };
 
-/// One SOAP 1.2 request. Namespaces are told apart by the local names alone.
+/// One SOAP 1.2 request. Elements are recognised by their local names alone.
 class Request
 {
 public:
@@ -69,7 +69,7 @@ pugi::xml_node add(pugi::xml_node parent, const char *name, const std::string &t
 std::string fault(const char *code, const char *subcode, const char *detailCode,
                   const char *reason);
 
-/// "2018-08-13T10:20:30Z" to seconds since 1970; nothing when it is no time.
+/// "2018-08-13T10:20:30Z" to seconds since 1970; nullopt when it is no time.
 std::optional<std::time_t> parseTime(const std::string &text);
 
 } // namespace camsim::soap

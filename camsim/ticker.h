@@ -17,7 +17,7 @@ public:
     using Clock = std::chrono::steady_clock;
     using Time = Clock::time_point;
     using Id = int;
-    /// Runs on the ticker's thread; gives the time at which it wants to run next, or never().
+    /// Runs on the ticker's thread; returns the time of its next run, or never().
     using Task = std::function<Time(Time now)>;
 
     Ticker();
@@ -40,7 +40,7 @@ private:
         Task task;
         Time due = never();
         bool running = false;
-        bool woken = false; ///< asked for again while it was running
+        bool woken = false; ///< requested again while it was running
     };
 
     void run();

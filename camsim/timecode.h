@@ -50,7 +50,7 @@ inline std::uint32_t encode(std::uint32_t ms)
     return ms << 8 | checksum(ms);
 }
 
-/// The time in a code word; nothing when the check bits do not fit.
+/// The time in a code word; nullopt when the check bits do not match.
 inline std::optional<std::uint32_t> decode(std::uint32_t word)
 {
     const std::uint32_t ms = word >> 8;

@@ -6,7 +6,7 @@ namespace camsim {
 
 namespace {
 
-// An encoder without watchers is kept this long, for those who come back.
+// An encoder without clients is kept this long, for those that reconnect.
 constexpr std::chrono::seconds encoderIdle{5};
 
 /// Length of the parameter sets at the start of an access unit in byte-stream format: all that
@@ -59,7 +59,7 @@ Ticker::Time VideoSource::nextBeat(Ticker::Time now, int fps)
 {
     const std::chrono::nanoseconds period{1'000'000'000 / fps};
     m_beat += period;
-    // After a pause, or when this machine cannot keep up, the beat starts anew.
+    // After a pause, or when this machine cannot keep up, the beat starts over.
     if (m_beat < now - period || m_beat > now + 2 * period)
         m_beat = now + period;
     return m_beat;
@@ -149,7 +149,8 @@ void LiveVideo::deliver(GstBuffer *unit, bool isKey)
         if (feed->state() == Feed::State::Fresh && !isKey) {
             if (!m_picture.warm || m_parameterSets.empty())
                 continue;
-            // One who joins between two key frames still learns the size from the description.
+            // A client that joins between two key frames still learns the size from the
+            // description.
             GstBuffer *sets = gst_buffer_new_memdup(m_parameterSets.data(), m_parameterSets.size());
             feed->push(sets);
             gst_buffer_unref(sets);

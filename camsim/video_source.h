@@ -22,7 +22,7 @@ struct PictureSettings
     bool warm = false; ///< encodes all the time, and new watchers join between two key frames
 };
 
-/// The video of one stream: encoded once for all who watch, and only while somebody does.
+/// The video of one stream: encoded once for all clients, and only while there is one.
 class VideoSource
 {
 public:
@@ -30,7 +30,7 @@ public:
     VideoSource(const VideoSource &) = delete;
     VideoSource &operator=(const VideoSource &) = delete;
 
-    /// A media that wants access units. Any thread.
+    /// A media that receives access units. Any thread.
     void attach(GstElement *appsrc) { m_feeds.attach(appsrc); }
     /// The next frame is a key frame. Any thread.
     virtual void forceKeyFrame() = 0;
@@ -46,7 +46,7 @@ protected:
     void start(Ticker::Task task);
     void stop();
     void wake() { m_ticker.wake(*m_task); }
-    /// The task was woken by one more watcher, between two frames of those who watch already.
+    /// The task was woken by a new client, between two frames of the others.
     bool isEarly(Ticker::Time now, const FeedList::Feeds &feeds) const;
     Ticker::Time beat() const { return m_beat; }
     /// When the frame after the one that was due is due, on a steady beat.
