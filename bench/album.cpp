@@ -1,5 +1,5 @@
 // The album page with many files: how soon it can be used, how soon what can be seen has its
-// picture, how long its thread is ever blocked, and what memory it takes; beside a plain icon list
+// picture, how long its thread is ever blocked, and what memory it takes; next to a plain icon list
 // of the same files in the same run.
 //
 // bench_album [COUNT...]: how many photos, and as many recordings (10 200 2000).
@@ -24,7 +24,7 @@ constexpr auto lineDeadline = 120s;
 constexpr double usableTarget = 1000; // ms
 constexpr double memoryTarget = 150;  // MB
 
-/// What a run told, by name, and what was seen from outside.
+/// What a run reported, by name, and what was measured from outside.
 using Figures = std::map<std::string, double>;
 
 Figures run(const std::string &program, const std::string &kind, const std::string &folder)

@@ -100,7 +100,7 @@ int fill(const QString &folder, int count)
     return 0;
 }
 
-// --- what both programs are asked ----------------------------------------------------------------
+// --- what both programs measure ----------------------------------------------------------------
 
 /// Tells that the view has been painted with files in it, and its thread was free again.
 class FirstUse : public QObject

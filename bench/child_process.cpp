@@ -18,7 +18,7 @@ namespace bench {
 
 namespace {
 
-constexpr auto patience = std::chrono::seconds(3); // between asking a child to end and killing it
+constexpr auto patience = std::chrono::seconds(3); // between SIGTERM and SIGKILL to a child
 
 std::string procFile(pid_t pid, const char *name)
 {

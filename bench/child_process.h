@@ -9,11 +9,11 @@ namespace bench {
 
 using Clock = std::chrono::steady_clock;
 
-/// A program under measurement. Ends it, and waits for it, when it goes.
+/// A program under measurement. The destructor ends it and waits for it.
 class ChildProcess
 {
 public:
-    /// Output goes to /dev/null unless wantOutput; then read it with readLine(). Throws
+    /// Output is sent to /dev/null unless wantOutput; then read it with readLine(). Throws
     /// std::runtime_error when there is no such program.
     explicit ChildProcess(const std::vector<std::string> &command, bool wantOutput = false);
     ~ChildProcess();
@@ -24,7 +24,7 @@ public:
     bool isRunning() const;
     /// Asks it to end, and does not wait.
     void askToEnd() const;
-    /// Ends it at once, without a chance to finish anything; it is gone when this returns.
+    /// Ends it at once, without a chance to finish anything; it has ended when this returns.
     void kill() const;
 
     /// Next line of its output; empty after the deadline or at the end.
@@ -43,7 +43,7 @@ private:
     Clock::time_point m_started;
 };
 
-/// Whether a program of that name stands on PATH.
+/// Whether a program of that name is on PATH.
 bool isInstalled(const std::string &program);
 
 } // namespace bench

@@ -7,8 +7,8 @@
 
 namespace bench {
 
-/// Settings and album of the client under measurement, in a folder of its own that goes with this
-/// object. Sets the environment so that the client finds them.
+/// Settings and album of the client under measurement, in a separate folder that is removed with
+/// this object. Sets the environment so that the client finds them.
 class ClientHome
 {
 public:

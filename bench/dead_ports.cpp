@@ -17,7 +17,8 @@ DeadPorts::DeadPorts(int count)
         name.sin_family = AF_INET;
         name.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         auto *address = reinterpret_cast<sockaddr *>(&name);
-        // Who is bound and does not listen refuses; who listens is connected to by the system.
+        // A port that is bound without listening refuses; one that listens is accepted by the
+        // system.
         if (bind(handle, address, length) != 0 || (i % 2 == 1 && listen(handle, SOMAXCONN) != 0) ||
             getsockname(handle, address, &length) != 0)
             throw std::runtime_error("no dead port");

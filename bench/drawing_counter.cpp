@@ -26,8 +26,8 @@ struct DrawingCounter::Private
 
 namespace {
 
-/// A picture fills its tile but for the bars beside it; a border or a text does not. One that is
-/// sent in slices counts once, by the slice in the middle.
+/// A picture fills its tile except for the bars next to it; a border or a text does not. One that
+/// is sent in slices counts once, by the slice in the middle.
 bool isPictureOf(const Rectangle &tile, const XRectangle &drawn)
 {
     const int x = tile.x + tile.width / 2;

@@ -8,12 +8,12 @@
 
 namespace bench {
 
-/// Counts how often the window system was told to draw the picture of each tile, whichever program
-/// draws it: the rate that reaches the screen.
+/// Counts how often the picture of each tile is drawn, whichever program draws it: the rate that
+/// reaches the screen.
 class DrawingCounter
 {
 public:
-    /// Throws std::runtime_error without a display that tells what is drawn on it.
+    /// Throws std::runtime_error without a display that reports what is drawn on it.
     DrawingCounter();
     ~DrawingCounter();
 

@@ -20,9 +20,9 @@ public:
     bool isConnected() const { return m_probe == Probe::Answered; }
 
     void setUp(const std::string &path, unsigned long window);
-    /// Nothing while the stream plays or is being started.
+    /// Does nothing while the stream plays or is being started.
     void play();
-    /// Nothing is drawn any more when it returns.
+    /// When it returns, nothing is drawn any more.
     void stop();
 
 private:
@@ -41,7 +41,7 @@ private:
     };
 
     std::atomic<Probe> m_probe = Probe::None;
-    std::unique_ptr<RtspPlayer, Deleter> m_player; ///< goes first: no message comes after it
+    std::unique_ptr<RtspPlayer, Deleter> m_player; ///< destroyed first: no message comes after it
 };
 
 } // namespace bench

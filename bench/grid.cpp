@@ -1,5 +1,5 @@
 // Many cameras side by side on the screen: what the grid costs and whether each tile keeps its
-// rate, beside plain decoding of the same streams and beside as many windows of another player.
+// rate, next to plain decoding of the same streams and to as many windows of another player.
 //
 // bench_grid [--seconds N] [--rounds N] [--silent] [TILES...]: how long each is measured (10), how
 // often (1; the cheapest counts), cameras without sound, which grids (1 4 16 36 64 100).
@@ -96,7 +96,7 @@ void start(Kind kind, const Cameras &cameras, const std::vector<bench::Rectangle
     }
 }
 
-/// Frames that each decoder of a group has told of so far.
+/// Frames that each decoder of a group has reported so far.
 class DecoderProgress
 {
 public:

@@ -1,5 +1,5 @@
-// The client's window: how soon it stands, how long its thread is ever blocked, what it costs and
-// how soon it goes, with a hundred dead cameras and with a grid.
+// The client's window: how soon it is shown, how long its thread is ever blocked, what it costs and
+// how soon it closes, with a hundred dead cameras and with a grid.
 //
 // bench_gui [--rounds N] [TILES...]: how often (1; the quickest counts), which grids (16 36).
 
@@ -29,7 +29,7 @@ constexpr int gridRate = 10;
 constexpr auto lineDeadline = 120s;
 constexpr auto endDeadline = 30s;
 
-/// What one run of the client told, by name, and what was seen from outside.
+/// What one run of the client reported, by name, and what was measured from outside.
 using Figures = std::map<std::string, double>;
 
 double millisecondsOf(Clock::duration duration)

@@ -19,8 +19,8 @@ struct Block
     double computed = 0;
 };
 
-/// Sends the GUI thread an event every few milliseconds, from a thread of its own, and remembers
-/// the longest that one had to wait. Made and asked on the GUI thread.
+/// Sends the GUI thread an event every few milliseconds, from its own thread, and remembers the
+/// longest that one had to wait. Created and queried on the GUI thread.
 class GuiWatch : public QObject
 {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
     GuiWatch();
     ~GuiWatch() override;
 
-    /// The longest block since the last call, one that goes on now included.
+    /// The longest block since the last call, including one that still lasts.
     Block takeLongest();
 
 private:

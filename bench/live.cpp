@@ -1,5 +1,5 @@
-// One live camera on the screen: how far the picture is behind life, how soon it comes, and what
-// it costs, beside ffplay and mpv on the same stream in the same run.
+// One live camera on the screen: how far the picture is behind life, how soon it comes, and what it
+// costs, next to ffplay and mpv on the same stream in the same run.
 //
 // bench_live [SECONDS]: how long each player is measured (default 20).
 // bench_live --growth MINUTES: plays our engine alone for that long; whether its delay grows.
@@ -34,7 +34,7 @@ struct Player
 {
     std::string name;
     bench::Command command;
-    bool tellsPlay = false; // prints when play was asked for, after its start-up
+    bool tellsPlay = false; // prints when play was requested, after its start-up
 };
 
 struct Result
@@ -65,7 +65,7 @@ double milliseconds(Clock::duration duration)
     return std::chrono::duration<double, std::milli>(duration).count();
 }
 
-/// When the player asked for the stream: printed by those that tell, else its start.
+/// When the player requested the stream: printed by those that report it, else its start.
 Clock::time_point playMoment(const Player &player, bench::ChildProcess &process)
 {
     if (!player.tellsPlay)

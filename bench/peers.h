@@ -13,7 +13,7 @@ namespace bench {
 using Command = std::vector<std::string>;
 
 /// The stream engine: one process for all cameras, their sub streams. Prints "play MICROSECONDS"
-/// (steady clock) when it asks for the streams.
+/// (steady clock) when it requests the streams.
 Command enginePlayer(const std::vector<zelvaro::test::SimulatedCamera> &cameras,
                      const std::vector<Rectangle> &places);
 Command mpv(const std::string &url, const Rectangle &place);

@@ -1,5 +1,5 @@
 // The stream engine alone: plays cameras in plain windows, through the C interface that the client
-// uses, and prints when play was asked for.
+// uses, and prints when play was requested.
 //
 // bench_player USER PASSWORD PATH {HOST X Y WIDTH HEIGHT}...: one window for each camera.
 
@@ -84,7 +84,7 @@ int main(int argc, char **argv)
     std::fflush(stdout);
     for (std::size_t i = 0; i < sessions.size(); ++i)
         sessions[i]->setUp(argv[3], windows[i]);
-    // Again and again, as the client does: a stream that broke off is started anew.
+    // Again and again, as the client does: a stream that broke off is started again.
     while (!ending) {
         for (const auto &session : sessions)
             session->play();

@@ -1,5 +1,5 @@
 // Recordings that are killed at a random moment: how many of the files play afterwards, and how
-// much is missing at their end, beside a plain MP4 muxer that records the same stream and dies at
+// much is missing at their end, next to a plain MP4 muxer that records the same stream and dies at
 // the same moment.
 //
 // bench_record [--kills N]: recordings of each kind (default 100).
@@ -34,7 +34,7 @@ constexpr std::chrono::milliseconds longest = 4s;
 constexpr auto patience = 20s; // for a recorder to begin
 constexpr double mostMissing = 1;
 
-/// A way to record the camera into a file, as a process of its own.
+/// A way to record the camera into a file, as a separate process.
 struct Recorder
 {
     std::string name;
@@ -89,7 +89,7 @@ bool waitUntilRecording(const Recorder &recorder, ChildProcess &process)
     return false;
 }
 
-/// The time code in the last picture that can be decoded; nothing when there is none.
+/// The time code in the last frame that can be decoded; nullopt when there is none.
 std::optional<std::uint32_t> lastPicture(const std::string &path)
 {
     const std::string command = "ffmpeg -v error -i '" + path +

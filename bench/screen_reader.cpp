@@ -45,7 +45,7 @@ ScreenReader::ScreenReader(int width, int height) : d(std::make_unique<Private>(
     d->image->data = d->segment.shmaddr;
     XShmAttach(d->display, &d->segment);
     XSync(d->display, False);
-    shmctl(d->segment.shmid, IPC_RMID, nullptr); // goes with the last one that is attached
+    shmctl(d->segment.shmid, IPC_RMID, nullptr); // freed with the last attachment
 }
 
 ScreenReader::~ScreenReader()

@@ -7,7 +7,7 @@
 namespace bench {
 
 /// Reads the time code of a simulated camera from the top left corner of the screen, where every
-/// player under measurement shows its picture: what a person in front of it would see.
+/// player under measurement shows its picture: what a person would see.
 class ScreenReader
 {
 public:
@@ -16,7 +16,7 @@ public:
     ScreenReader(int width, int height);
     ~ScreenReader();
 
-    /// Milliseconds as in the picture; nothing while no picture, or half of one, is there.
+    /// Milliseconds as in the picture; nullopt while there is no picture, or half of one.
     std::optional<std::uint32_t> read();
     /// Paints the place black, so that the last player's picture is not taken for the next one's.
     void clear();
