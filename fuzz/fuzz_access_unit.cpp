@@ -4,14 +4,14 @@
 #include <cstdint>
 #include <vector>
 
-// The first byte tells the size of the length fields, the rest is the access unit.
+// The first byte is the size of the length fields, the rest is the access unit.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     if (size == 0)
         return 0;
     const int lengthSize = 1 + data[0] % 4;
     const cammgr::SliceFacts whole = cammgr::readSliceFacts(data + 1, size - 1, lengthSize);
-    // A unit that was cut says nothing that the whole one does not.
+    // A truncated unit contains nothing that the whole one does not.
     const std::vector<std::uint8_t> half(data + 1, data + 1 + (size - 1) / 2);
     const cammgr::SliceFacts cut = cammgr::readSliceFacts(half.data(), half.size(), lengthSize);
     FUZZ_EXPECT(whole.reference || !cut.reference);

@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         FUZZ_EXPECT(!address.endpoint.host.empty() &&
                     cammgr::hasNoWhitespace(address.endpoint.host));
         FUZZ_EXPECT(address.path.empty() || address.path.front() == '/');
-        // What goes into a request line is one word, and means the same when it is read again.
+        // What is put into a request line is one word, and means the same when it is read again.
         const std::string url = cammgr::rtspOrigin(address.endpoint) + address.path;
         FUZZ_EXPECT(cammgr::hasNoWhitespace(url));
         const CameraAddress again = cammgr::parseUrl(url);
