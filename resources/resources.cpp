@@ -8,7 +8,7 @@
 #include <QPalette>
 #include <QStyleFactory>
 
-// Q_INIT_RESOURCE declares a function of the global namespace, so it cannot stand in another one.
+// Q_INIT_RESOURCE declares a function of the global namespace, so it cannot be used in another one.
 static void initTree()
 {
     Q_INIT_RESOURCE(zelvaro);
@@ -18,7 +18,7 @@ namespace zelvaro {
 
 namespace {
 
-/// For what the base style draws itself, in the dialogs of Qt: the colours of our own drawings.
+/// For what the base style draws itself, in the dialogs of Qt: the colours of our images.
 QPalette basePalette()
 {
     QString error;
@@ -76,7 +76,7 @@ void applyLook()
 {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
 
-    // Fonts of the same widths stand in where the two named ones are not installed.
+    // Fonts of the same widths replace the two named ones where these are not installed.
     QFont::insertSubstitutions(QStringLiteral("Calibri"), {QStringLiteral("Carlito")});
     QFont::insertSubstitutions(QStringLiteral("Arial"), {QStringLiteral("Liberation Sans")});
     QApplication::setFont(QFont(QStringLiteral("Calibri"), 10));

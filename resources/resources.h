@@ -9,7 +9,7 @@ namespace zelvaro {
 /// start, before any widget is built; further calls do nothing.
 void initResources();
 
-/// The style sheet of the whole application; forms add the styles of their own objects to it.
+/// The style sheet of the whole application; forms add the styles of their objects to it.
 QString applicationStyleSheet();
 
 /// The program's icon in every size from 16 to 512 pixels.

@@ -84,7 +84,7 @@ bool ArtBook::readLine(const QString &line)
     return good;
 }
 
-/// What stands between the opening and the closing svg tag.
+/// The content between the opening and the closing svg tag.
 QString ArtBook::inner(const QString &drawing)
 {
     const QString whole = read(drawing + QLatin1String(".svg"));
@@ -120,7 +120,7 @@ void ArtBook::fill(QString &text, const Image &image)
 {
     static const QRegularExpression named(
         QStringLiteral("\\{\\{([a-z]+(?:-[a-z]+)*)([+-]\\d+)?\\}\\}"));
-    // What is put in may itself hold names: the search goes on where the replacement begins.
+    // What is put in may itself hold names: the search continues where the replacement begins.
     for (auto match = named.match(text); match.hasMatch() && m_error.isEmpty();
          match = named.match(text, match.capturedStart())) {
         QString replacement = value(match.captured(1), image);

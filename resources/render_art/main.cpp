@@ -36,7 +36,7 @@ QString render(const QByteArray &svg, const ArtBook::Image &image, int density, 
     return {};
 }
 
-/// The files of one image as its density asks: both, or name.png alone.
+/// The files of one image, depending on its density: both, or name.png alone.
 QString renderImage(ArtBook &book, const ArtBook::Image &image, const QString &output,
                     QTextStream &list)
 {
