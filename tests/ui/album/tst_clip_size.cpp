@@ -18,7 +18,7 @@ QByteArray box(const char *type, const QByteArray &content)
     return bytes32(static_cast<quint32>(content.size()) + 8) + type + content;
 }
 
-/// A box whose size stands in 64 bits.
+/// A box whose size has 64 bits.
 QByteArray longBox(const char *type, const QByteArray &content)
 {
     return bytes32(1) + type + bytes32(0) + bytes32(static_cast<quint32>(content.size()) + 16) +

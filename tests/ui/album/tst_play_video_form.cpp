@@ -11,7 +11,7 @@
 #include <phonon/mediaobject.h>
 #include <phonon/seekslider.h>
 
-/// The page without a picture: what it does with the states that a player goes through, and with
+/// The page without a picture: what it does with the states that a player passes through, and with
 /// files that are no recordings. Playback itself is in tst_playback.
 class tst_PlayVideoForm : public QObject
 {

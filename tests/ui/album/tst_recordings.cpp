@@ -131,7 +131,7 @@ public:
             const qint64 wanted = length(player) / 2;
             setTime(player, wanted);
             setPause(player, 0);
-            // It says what it was asked for until it has gone somewhere.
+            // It reports the requested position until it has reached it.
             if (QTest::qWaitFor([&] { return time(player) > 0 && time(player) != wanted; },
                                 patience))
                 result->middle = double(time(player)) / 1000;

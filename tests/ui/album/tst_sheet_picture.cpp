@@ -29,7 +29,7 @@ QString sheetOf(const QString &file)
 } // namespace
 
 // One pixel of white in a large black picture: drawn at its own size it stays a dot; drawn from a
-// small picture it is a blur, or gone.
+// small picture it is a blur, or missing.
 void tst_SheetPicture::theSheetTakesTheSmallPicture()
 {
     AlbumFixture album;

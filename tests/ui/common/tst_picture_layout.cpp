@@ -15,7 +15,7 @@ namespace {
 
 const QList<int> steps{10, 20, 25, 40, 50, 60, 75, 100, 125, 150, 200, 300, 400, 500, 600, 800};
 
-/// The ladder told by counting upwards and downwards one percent at a time.
+/// The ladder, found by counting upwards and downwards one percent at a time.
 int nextUp(int zoom)
 {
     if (zoom < 10)
@@ -34,7 +34,7 @@ int nextDown(int zoom)
     return zoom;
 }
 
-/// Truncating division told by counting, for small non-negative numbers.
+/// Truncating division by counting, for small non-negative numbers.
 int slowDivide(long long dividend, long long divisor)
 {
     return static_cast<int>(
@@ -47,7 +47,7 @@ struct Expected
     int left, top, right, bottom;
 };
 
-/// The sizing rules told in another way: for areas that hold at least one pixel.
+/// The sizing rules written in another way: for areas that hold at least one pixel.
 Expected slowLayout(int areaWidth, int areaHeight, int width, int height, int zoom)
 {
     const int boxWidth = areaWidth - 30;

@@ -145,7 +145,7 @@ void TitleWidgetTest::releaseResetsOnlyTheHorizontalOffset()
     QTest::mousePress(&window.strip, Qt::LeftButton, {}, QPoint(20, 10));
     QTest::mouseRelease(&window.strip, Qt::LeftButton, {}, QPoint(20, 10));
 
-    // The offset is now (0, 167): a move without a press goes on from the remembered position.
+    // The offset is now (0, 167): a move without a press continues from the remembered position.
     moveTo(&window.strip, start + QPoint(0, 8));
     QCOMPARE(window.pos(), QPoint(200 + start.x(), 150 + 8));
 }

@@ -9,7 +9,7 @@
 #include <QStringList>
 #include <QtTest>
 
-/// Keeps what the pages ask of the desktop.
+/// Records what the pages request of the desktop.
 class RecordingDesktop : public Desktop
 {
 public:

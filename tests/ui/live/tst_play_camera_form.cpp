@@ -857,7 +857,7 @@ void tst_PlayCameraForm::stopEndsEverythingAndForgetsTheCamera()
     QVERIFY(hasIcon("btnOutVolume", QStringLiteral(":/images/panelbtn/outvolumebtn_default.png")));
     QVERIFY(child("labelRecording")->styleSheet().isEmpty());
 
-    // The session goes on, the view has nothing to do with it any more.
+    // The session continues, the view has nothing to do with it any more.
     m_live->player()->forgetCalls();
     m_live->reports(2);
     QCOMPARE(m_live->count("RtspPlayer_Play"), 0);
@@ -902,7 +902,7 @@ void tst_PlayCameraForm::aWriteThatFailsIsNotReported()
     click("btnRecord");
     QVERIFY(!QApplication::activeModalWidget());
     QVERIFY(hasIcon("btnRecord", QStringLiteral(":/images/panelbtn/recordbtn_down.png")));
-    // It is asked for again with the next start of the stream only.
+    // It is requested again with the next start of the stream only.
     m_live->reports(3);
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
 }

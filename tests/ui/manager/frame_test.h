@@ -11,7 +11,7 @@
 
 #include <memory>
 
-/// Where a widget stands in the grid.
+/// The place of a widget in the grid.
 struct Cell
 {
     int row = -1;

@@ -54,7 +54,7 @@ public:
         return result;
     }
 
-    /// What stands in the settings file.
+    /// The content of the settings file.
     QByteArray file() const { return m_home.read(); }
 
 private:

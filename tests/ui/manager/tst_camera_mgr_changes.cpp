@@ -211,7 +211,7 @@ void CameraMgrChangesTest::addingWithSettingsThatCannotBeWritten()
     build(1);
     const QString file = Registry::settings().configFile();
     QVERIFY(QFile::remove(file));
-    QVERIFY(QDir().mkpath(file)); // a folder stands where the file has to go
+    QVERIFY(QDir().mkpath(file)); // a folder is in the place of the file
     add({"NEW-1"});
     QCOMPARE(tileUids(), QStringList({"UID-000", "NEW-1"}));
 }

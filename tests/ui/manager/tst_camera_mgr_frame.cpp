@@ -7,7 +7,7 @@
 #include <QScrollBar>
 #include <QTest>
 
-/// Which tiles there are, where they stand and what shows of them.
+/// Which tiles there are, where they are and which are shown.
 class CameraMgrFrameTest : public FrameTest
 {
     Q_OBJECT
