@@ -6,8 +6,7 @@
 #include <string>
 #include <thread>
 
-/// A camera's RTSP side inside the test: a synthetic picture on a port of its own, with a thread
-/// of its own.
+/// A camera's RTSP side inside the test: a synthetic picture on its own port and thread.
 class RtspTestServer
 {
 public:
@@ -20,7 +19,7 @@ public:
         std::string path = "/live/0/h264.sdp";
     };
 
-    /// H.264 of the given size with counted pictures, and G.711 when asked for.
+    /// H.264 of the given size with counted pictures, and G.711 if requested.
     static std::string testPicture(int width = 320, int height = 240, int rate = 25,
                                    int keyDistance = 25, bool audio = false,
                                    const std::string &encoderOptions = {})

@@ -11,7 +11,7 @@
 
 using namespace std::chrono_literals;
 
-/// Remembers what a live stream told, and waits for it with a deadline.
+/// Records what a live stream reported, and waits for it with a deadline.
 class StreamListener
 {
 public:

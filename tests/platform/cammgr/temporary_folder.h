@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string>
 
-/// A folder of the test's own, gone with this object.
+/// A temporary folder, removed with this object.
 class TemporaryFolder
 {
 public:

@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-/// A window of the test on the X display, with a parent of its own.
+/// A window of the test on the X display, with its own parent.
 class TestWindow
 {
 public:
@@ -57,7 +57,7 @@ public:
     {
         int width = 0;
         int height = 0;
-        unsigned long sum = 0;   ///< of all pixels, tells pictures apart
+        unsigned long sum = 0;   ///< of all pixels, distinguishes frames
         unsigned long white = 0; ///< pixels that nobody painted
         unsigned long black = 0;
     };

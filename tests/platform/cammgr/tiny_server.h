@@ -10,7 +10,7 @@
 #include <vector>
 
 /// A TCP server on 127.0.0.1 whose answers a test writes as plain code: the handler runs once for
-/// each connection, on a thread of its own, and the connection closes when it returns.
+/// each connection, on its own thread, and the connection closes when it returns.
 class TinyServer
 {
 public:
@@ -23,7 +23,7 @@ public:
             , m_number(number)
         {
         }
-        /// The next request up to its blank line; empty when the client is gone.
+        /// The next request up to its blank line; empty when the client has disconnected.
         std::string readRequest();
         void write(std::string_view data) const;
         /// Returns when the client closed the connection, or the server ends.

@@ -36,7 +36,7 @@ public:
     }
 };
 
-/// A player as a client keeps it: asks again and again.
+/// A player as used by a client: probes again and again.
 class Player
 {
 public:

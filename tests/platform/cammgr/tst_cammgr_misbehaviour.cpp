@@ -54,7 +54,7 @@ std::chrono::seconds testDuration()
     return std::chrono::seconds(seconds ? std::max(std::atoi(seconds), 30) : 120);
 }
 
-/// One camera on its window, kept playing as a client does: asked to play at every look at it as
+/// One camera on its window, kept playing as a client does: play is called at every look at it as
 /// long as it does not.
 class Tile
 {

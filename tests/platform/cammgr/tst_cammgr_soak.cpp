@@ -48,8 +48,8 @@ protected:
             RtspPlayer_SetupP2PliveStream(player, pick(2) ? "/live/1/h264.sdp" : "/live/0/h264.sdp",
                                           0);
             RtspPlayer_Play(player);
-            // Half of them are stopped before the first picture. The others are asked to play for
-            // as long as they do not, as a client does.
+            // Half of them are stopped before the first frame. The others play for as long as they
+            // do not, as a client does.
             if (pick(2)) {
                 EXPECT_TRUE(waitUntil([&] {
                     RtspPlayer_Play(player);

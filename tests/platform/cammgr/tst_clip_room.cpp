@@ -80,7 +80,7 @@ protected:
         return static_cast<size_t>(std::distance(begin(all), end(all)));
     }
 
-    /// The file is as it was, and nothing lies beside it.
+    /// The file is as it was, and there is no other file next to it.
     void expectUntouched(const std::string &bytes)
     {
         save(m_path, bytes);

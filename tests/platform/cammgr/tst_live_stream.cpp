@@ -342,7 +342,7 @@ TEST_F(CameraTest, WindowThatCannotBeSeenGoesOnRecording)
         EXPECT_TRUE(stream.isPlaying());
         EXPECT_TRUE(stream.isWriting());
         window.show();
-        // The picture is back from memory and goes on.
+        // The picture is restored from memory and continues.
         EXPECT_TRUE(waitUntil([&] { return window.grab().white == 0; }));
         const auto before = window.grab().sum;
         EXPECT_TRUE(waitUntil([&] { return window.grab().sum != before; }));

@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A client that asks every 3 s, and counts the seconds between the probes that are really sent.
+/// A client that probes every 3 s, and counts the seconds between the probes that are really sent.
 class Client
 {
 public:

@@ -361,7 +361,7 @@ TEST_F(RecorderTest, FullDiskEndsTheClipAndWhatWasWrittenPlays)
     const auto seen = MediaProbe::discover(clip(1));
     EXPECT_TRUE(seen.video);
     EXPECT_NEAR(seen.duration, frames * frameTime, 0.2);
-    // The next recording goes its way.
+    // The next recording is unaffected.
     EXPECT_EQ(m_recorder->begin(m_base + "b", 0, false), 0);
     m_recorder->end();
     EXPECT_TRUE(waitUntilClosed());

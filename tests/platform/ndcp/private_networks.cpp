@@ -111,7 +111,7 @@ void answerProbes(int handle, int lifeline, const std::string &address, const st
     }
 }
 
-// The process of a device: leaves the network, waits for its cable, answers until told to end.
+// The process of a device: leaves the network, waits for its cable, answers until it has to end.
 [[noreturn]] void runDevice(int number, const std::string &uid, int lifeline, int report)
 {
     const std::string address = network(number) + "2";

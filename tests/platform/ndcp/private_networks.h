@@ -4,7 +4,7 @@
 #include <sys/types.h>
 #include <vector>
 
-/// Networks that no other process sees: this process moves to a network namespace of its own, and
+/// Networks that no other process sees: this process moves to a separate network namespace, and
 /// each device gets another one, joined by a virtual cable. Needs the right to make namespaces and
 /// the program "ip".
 class PrivateNetworks

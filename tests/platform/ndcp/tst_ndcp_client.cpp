@@ -27,7 +27,7 @@ void setText(char *field, const std::string &text)
     std::memcpy(field, text.c_str(), text.size() + 1);
 }
 
-// Each test has a device of its own: the library remembers where it saw one.
+// Each test has its own device: the library remembers where it saw one.
 std::string newUid()
 {
     return onvif::GTextPtr(g_uuid_string_random()).get();

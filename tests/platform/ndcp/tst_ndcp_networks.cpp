@@ -42,7 +42,7 @@ TEST(NdcpNetworks, AreSearchedOnEveryInterfaceThatIsUp)
     EXPECT_EQ(first.ip, 0x0A4D0102u) << "of its addresses the one in the sender's subnet";
     EXPECT_EQ(first.http_port, 80);
     EXPECT_EQ(both.at(secondUid).ip, 0x0A4D0202u);
-    // Neither device tells its hardware address: it is that of the neighbour.
+    // Neither device reports its hardware address: it is that of the neighbour.
     EXPECT_THAT(first.mac, testing::ElementsAre(0x02, 0x5a, 0, 0, 0, 1));
     EXPECT_THAT(both.at(secondUid).mac, testing::ElementsAre(0x02, 0x5a, 0, 0, 0, 2));
 

@@ -18,5 +18,5 @@ struct AnnouncedDevice
 std::string discoveryAnswer(const std::string &kind, const std::string &relatesTo,
                             const std::vector<AnnouncedDevice> &devices);
 
-/// The identifier of a Probe or Resolve, as it stands in the message.
+/// The identifier of a Probe or Resolve, as in the message.
 std::string messageIdOf(const std::string &datagram);

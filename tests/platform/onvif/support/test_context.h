@@ -5,7 +5,7 @@
 #include <chrono>
 #include <functional>
 
-/// A main context of its own for one test, run by the thread of the test.
+/// A separate main context for one test, run by the thread of the test.
 class TestContext
 {
 public:
