@@ -1,7 +1,7 @@
 # Functions that every folder's CMakeLists.txt uses to declare its targets, so that warnings,
 # sanitizers, precompiled headers and test settings are the same everywhere.
 
-# Programs under the thread sanitizer tell it about the locks of libraries that are built without.
+# Programs under the thread sanitizer report to it the locks of libraries that are built without.
 if(ZELVARO_SANITIZE MATCHES "thread")
   add_library(tsan_glib OBJECT ${PROJECT_SOURCE_DIR}/tests/support/tsan_glib.cpp)
   target_link_libraries(tsan_glib PUBLIC PkgConfig::GIO ${CMAKE_DL_LIBS})
@@ -29,8 +29,8 @@ function(zelvaro_own_code target)
 endfunction()
 
 # Targets that are compiled alike share one precompiled header. This one makes `pch`, the target
-# that builds it. Position-independent code and POSIX threads are asked for by hand, because a header
-# that was built with other options is not taken.
+# that builds it. Position-independent code and POSIX threads are requested by hand, because a
+# header that was built with other options is not taken.
 function(zelvaro_add_header pch)
   cmake_parse_arguments(ARG "" "" "HEADERS;LINK;OPTIONS" ${ARGN})
   add_library(${pch} OBJECT ${PROJECT_SOURCE_DIR}/cmake/pch.cpp)
@@ -107,7 +107,8 @@ function(zelvaro_plain_library name)
 endfunction()
 
 # Links the real platform libraries. The folders of the client do not name them, so that tests can
-# link scripted ones; a linker that drops what nobody before asked for is told to keep them.
+# link scripted ones; the linker keeps them although nothing before them on the link line needs
+# them.
 function(zelvaro_link_platform target)
   target_link_options(${target} PRIVATE LINKER:--no-as-needed)
   target_link_libraries(${target} PRIVATE cammgr ndcp)
@@ -150,9 +151,9 @@ endfunction()
 
 # zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds] [DISPLAY] [FAKES]
 #   [RELEASE])
-# A Qt Test program. Runs on the offscreen platform unless DISPLAY asks for an X display. FAKES links
-# the scripted platform libraries; a linker that drops what nobody before asked for is told to keep
-# them.
+# A Qt Test program. Runs on the offscreen platform unless DISPLAY asks for an X display. FAKES
+# links the scripted platform libraries; the linker keeps them although nothing before them on the
+# link line needs them.
 function(zelvaro_qt_test name)
   cmake_parse_arguments(ARG "DISPLAY;FAKES;RELEASE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})

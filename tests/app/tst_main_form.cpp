@@ -27,7 +27,7 @@ namespace {
 
 constexpr int deadline = 20000; // milliseconds
 
-/// Answers the folder chooser and notes what it was asked.
+/// Answers the folder chooser and records its arguments.
 class FolderDesktop : public Desktop
 {
 public:

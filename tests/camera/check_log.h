@@ -24,7 +24,7 @@ public:
     CheckLog(const CheckLog &) = delete;
     CheckLog &operator=(const CheckLog &) = delete;
 
-    /// The reports so far, each as `"<condition>" in <source>`; the next call begins anew.
+    /// The reports so far, each as `"<condition>" in <source>`; the next call begins with none.
     QStringList take()
     {
         const QMutexLocker lock(&m_mutex);

@@ -11,8 +11,8 @@
 
 constexpr int deadline = 30000; // ms
 
-/// A session with its record over the scripted library. The session is put to its end in order
-/// when this goes.
+/// A session with its record over the scripted library. The session is put to its end in order when
+/// this is destroyed.
 struct Session
 {
     Session()

@@ -75,7 +75,7 @@ void TstCameraChecks::operationsWithoutAPlayer_data()
         QTest::newRow(call) << index++ << call;
 }
 
-/// The check is reported, then the library is asked anyway.
+/// The check is reported, then the library is called anyway.
 void TstCameraChecks::operationsWithoutAPlayer()
 {
     QFETCH(int, index);

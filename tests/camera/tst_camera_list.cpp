@@ -182,7 +182,7 @@ void TstCameraList::destroyAllAlsoStopsWhatWasNotClosed()
 
 void TstCameraList::closingWhileProbesAreOut()
 {
-    // The library answers the probe only when it is asked again to end it.
+    // The library answers the probe only at the second request to end it.
     fake_cammgr::Script script;
     script.stopEndsProbe = false;
     fake_cammgr::setDefaults(script);

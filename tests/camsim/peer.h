@@ -20,7 +20,7 @@ struct Outcome
 /// Runs a shell command; it is ended after 60 s.
 Outcome run(const std::string &command);
 
-/// A TCP connection that sends what it is told and reads with a deadline.
+/// A TCP connection that sends raw text and reads with a deadline.
 class RawConnection
 {
 public:
@@ -69,7 +69,7 @@ private:
     int m_sequence = 0;
 };
 
-/// Waits until the condition holds, asking it again and again; false after the deadline.
+/// Polls until the condition holds; false after the deadline.
 bool eventually(const std::function<bool()> &condition,
                 std::chrono::milliseconds deadline = std::chrono::seconds(20));
 

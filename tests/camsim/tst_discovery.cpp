@@ -149,7 +149,7 @@ TEST(Discovery, ACameraThatIsOffSaysByeAndIsSilent)
 
 TEST(Discovery, TheMulticastGroupIsAnsweredToo)
 {
-    // In a network of its own, so that nothing leaves this machine.
+    // In a separate network, so that nothing leaves this machine.
     const std::string inNamespace =
         "unshare -Urn sh -c 'ip link set lo up multicast on && ip route add 239.0.0.0/8 dev lo && "
         "exec \"$0\" \"$@\"' ";

@@ -78,7 +78,7 @@ TEST_F(Faults, ANewPasswordIsAskedForOnAConnectionThatIsOpen)
     EXPECT_TRUE(m_camsim.tell(0, "password other"));
     EXPECT_TRUE(probe.ask("DESCRIBE").starts_with("RTSP/1.0 401"));
     EXPECT_TRUE(describe(connect("other")).starts_with("RTSP/1.0 200"));
-    EXPECT_TRUE(m_client.receivesData(5'000)); // what plays goes on
+    EXPECT_TRUE(m_client.receivesData(5'000)); // what plays continues
 }
 
 TEST_F(Faults, HalfAnAnswerStopsInTheMiddleOfAWord)
@@ -186,7 +186,7 @@ TEST_F(Faults, RefusedConnectionsAndThenListening)
 {
     EXPECT_TRUE(m_camsim.tell(0, "refuse"));
     EXPECT_FALSE(connect().connection().isConnected());
-    EXPECT_TRUE(m_client.receivesData(5'000)); // what plays goes on
+    EXPECT_TRUE(m_client.receivesData(5'000)); // what plays continues
     EXPECT_TRUE(m_camsim.tell(0, "listen"));
     EXPECT_TRUE(describe(connect()).starts_with("RTSP/1.0 200"));
 }

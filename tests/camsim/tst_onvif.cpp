@@ -157,7 +157,7 @@ TEST(Onvif, ASynchronizationPointIsAKeyFrame)
     const std::string answer =
         ask(camera, "SetSynchronizationPoint", "<ProfileToken>profile_sub</ProfileToken>", media);
     EXPECT_TRUE(has(answer, "status 200")) << answer;
-    // A sequence parameter set: NAL unit type 7 in a packet of its own.
+    // A sequence parameter set: NAL unit type 7 in its own packet.
     const auto hasKeyFrame = [](const std::string &data) {
         for (std::size_t at = 0; at + 17 < data.size(); ++at)
             if (data[at] == '$' && data[at + 1] == 0 && (data[at + 16] & 0x1F) == 7 &&

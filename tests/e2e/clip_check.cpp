@@ -92,7 +92,7 @@ bool playsInMpv(const QString &file, int frames)
 
 int framesShownByVlc(const QString &file)
 {
-    // A folder that whoever VLC runs as may read and write.
+    // A folder that any user whom VLC runs as may read and write.
     QTemporaryDir folder;
     const QString clip = folder.filePath("clip.mp4");
     QFile::copy(file, clip);

@@ -12,14 +12,14 @@
 
 class CMainForm;
 
-/// One run of the program with settings and an album of its own, in a folder that goes with it.
+/// One run of the program with its own settings and album, in a folder that is removed with it.
 class ProgramRun
 {
 public:
     ProgramRun();
 
-    /// Writes the settings file with these cameras and tells the libraries where they are. All
-    /// network traffic stays on loopback.
+    /// Writes the settings file with these cameras and lets the libraries find them. All network
+    /// traffic stays on loopback.
     /// multiLive: the grid of live pictures shows them.
     void registerCameras(const zelvaro::test::CamsimProcess &cameras, bool multiLive = true);
     /// Lets the libraries find these cameras; none is registered.
@@ -34,7 +34,7 @@ public:
     QStringList albumFiles(const std::string &uid, const QString &pattern) const;
 
     /// Runs the program from its entry to its end; steps run in its event loop, and when they
-    /// return while it still runs it is asked to quit.
+    /// return while it still runs it quits.
     /// @return its exit code
     int run(const std::function<void(CMainForm &)> &steps);
 

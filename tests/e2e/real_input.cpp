@@ -153,7 +153,7 @@ void RealInput::doubleClick(const QWidget *widget, QPoint point)
 void RealInput::drag(const QWidget *widget, QPoint from, QPoint to)
 {
     constexpr int steps = 8;
-    // The widget may move with the pointer: the way is fixed before the button goes down.
+    // The widget may move with the pointer: the way is fixed before the button is pressed.
     const QPoint start = d->aim(widget, from);
     const QPoint end = d->globalPoint(widget, to);
     d->motion(start);

@@ -3,7 +3,7 @@
 #include <QImage>
 #include <QWidget>
 
-/// What stands on the screen where the widget is, whoever has drawn it.
+/// What is on the screen where the widget is, whatever has drawn it.
 QImage pictureOnScreen(const QWidget &widget);
 
 /// Watches a widget's place on the screen, for live pictures that other threads draw.

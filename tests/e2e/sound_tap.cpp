@@ -98,7 +98,7 @@ void soundtap::listen()
     const GType type = g_type_register_static_simple(GST_TYPE_BASE_SINK, "ZelvaroSoundTap",
                                                      sizeof(GstBaseSinkClass), setUpClass,
                                                      sizeof(GstBaseSink), nullptr, GTypeFlags(0));
-    // The first one that the program asks for.
+    // The first one that the program requests.
     gst_element_register(nullptr, "pipewiresink", GST_RANK_NONE, type);
 }
 

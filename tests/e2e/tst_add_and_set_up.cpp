@@ -300,7 +300,7 @@ void TestAddAndSetUp::moveToOtherAddress()
     QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * patience);
     QCOMPARE(table->model()->index(0, 3).data().toString(), QStringLiteral("127.0.0.2"));
 
-    // Nobody told the session: it finds the camera by its UID.
+    // The session was not notified: it finds the camera by its UID.
     clickOn(m_window, "btnCameraMgr");
     QTRY_COMPARE_WITH_TIMEOUT(page(), int(CMainForm::PageCameraMgr), patience);
     playAndGoBack();

@@ -275,7 +275,7 @@ QString TestAlbum::recordClip()
     const QStringList before = folder();
     const auto made = [&] {
         QStringList files = folder();
-        // What is being finished beside a clip goes by itself.
+        // The temporary file of a clip that is being finished disappears by itself.
         files.erase(std::remove_if(files.begin(), files.end(),
                                    [](const QString &file) { return file.endsWith(".part"); }),
                     files.end());

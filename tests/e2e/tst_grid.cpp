@@ -48,8 +48,8 @@ double seconds(qint64 milliseconds)
 }
 
 /// Places at which a picture does not follow the one that it follows otherwise. The cameras play
-/// the same two seconds again and again, so this tells of each missing picture, and of each time
-/// that a camera was asked for a key frame and began its two seconds anew.
+/// the same two seconds again and again, so this shows each missing frame, and each time that a
+/// camera was requested to send a key frame and began its two seconds again.
 QStringList breaksInOrder(const QStringList &pictures)
 {
     QHash<QString, QHash<QString, int>> followers;
@@ -116,7 +116,7 @@ private:
         m_input->click(parent->findChild<QWidget *>(QLatin1String(name)));
     }
     void tick(QWidget *dialog, const QList<int> &wanted);
-    /// Every picture on the screen moves: no stream stands still.
+    /// Every picture on the screen moves: no stream is frozen.
     void expectAllAlive();
 
     const QList<int> m_recorded{0, 5, 10, 15};
@@ -124,7 +124,7 @@ private:
     RealInput *m_input = nullptr;
     CamsimProcess *m_cameras = nullptr;
     CMainForm *m_window = nullptr;
-    QList<long> m_keyFramesBefore; ///< key frames that each camera was asked for
+    QList<long> m_keyFramesBefore; ///< key frames requested of each camera
     QElapsedTimer m_recording;
     qint64 m_surelyRecording = 0; ///< ms after which all wrote, from the click that began it
     double m_atLeast = 0;         ///< seconds that were recorded

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-/// A camera-manager library that does what a test tells it. Link `fake_cammgr` in the place of
-/// `cammgr`, call reset() before each test, and steer it through this header.
+/// A camera-manager library scripted by a test. Link `fake_cammgr` in the place of `cammgr`, call
+/// reset() before each test, and steer it through this header.
 ///
 /// Left alone it is a camera library that obeys and never answers by itself: Play makes a player
 /// play, Stop ends stream, recording and talk-back, Snapshot writes a small JPEG, Stop_Connecting
@@ -131,7 +131,7 @@ std::vector<Call> calls();
 /// deleted player, a delete while playing, a call from the callback ...
 std::vector<std::string> breaches();
 
-/// Waits until every message sent so far has gone through its callback. False after the deadline.
+/// Waits until every message sent so far has passed its callback. False after the deadline.
 bool waitDelivered(int milliseconds = 20000);
 
 } // namespace fake_cammgr

@@ -58,7 +58,7 @@ void fill(ndcp_device &device, const ndcp_device &conf)
     std::memcpy(device.password, caller.password, sizeof device.password);
 }
 
-/// Does what the event tells, then calls the program. On the library's thread.
+/// Does what the event says, then calls the program. On the library's thread.
 void deliver(ndcp_client *client, int message, int error)
 {
     {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// A discovery library that does what a test tells it. Link `fake_ndcp` in the place of `ndcp`,
-/// call reset() before each test, and steer it through this header.
+/// A discovery library scripted by a test. Link `fake_ndcp` in the place of `ndcp`, call reset()
+/// before each test, and steer it through this header.
 ///
 /// The callback always runs on one thread of this library, never inside a call. Everything here
 /// may be called from any thread except from a callback.
@@ -36,9 +36,8 @@ void answerDiscover(std::optional<int> error);
 void answerGetConf(std::optional<int> error);
 void answerSetConf(std::optional<int> error);
 
-/// Finishes a request by hand on the newest client: message is an NDCP_EVENT_ value, also one
-/// that nobody asked for. A search takes over the devices, a read the configuration, when error
-/// is 0.
+/// Finishes a request by hand on the newest client: message is an NDCP_EVENT_ value, also one that
+/// was not requested. A search takes over the devices, a read the configuration, when error is 0.
 void finish(int message, int error = 0);
 
 /// ndcpclient_create gives NULL the next `times` times.
@@ -59,7 +58,7 @@ std::vector<ndcp_device> written();
 /// Breaches of the interface's contract, as texts.
 std::vector<std::string> breaches();
 
-/// Waits until every event so far has gone through its callback. False after the deadline.
+/// Waits until every event so far has passed its callback. False after the deadline.
 bool waitDelivered(int milliseconds = 20000);
 
 } // namespace fake_ndcp

@@ -81,7 +81,7 @@ QStringList unnamedControls(QWidget &window)
 QStringList invisibleFocus(QWidget &window)
 {
     QStringList found;
-    QSet<QString> seen; // one of many tiles stands for all
+    QSet<QString> seen; // one of many tiles represents all
     for (QWidget *control : tabChain(window)) {
         if (seen.contains(nameOf(*control)) || placeIn(window, *control).size() != control->size())
             continue;

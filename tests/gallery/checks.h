@@ -7,13 +7,13 @@
 class QDialog;
 class QWidget;
 
-/// What may be wrong with a window as it stands on the screen. Each function gives one text for
-/// each finding; none means that all is well. GUI thread only.
+/// What may be wrong with a window on the screen. Each function gives one text for each finding;
+/// none means that all is well. GUI thread only.
 namespace gallery {
 
-/// Labels, buttons and headings whose text does not fit, and cut texts that no tool tip tells.
+/// Labels, buttons and headings whose text does not fit, and elided texts without a tool tip.
 QStringList clippedTexts(QWidget &window);
-/// Controls that stand on each other, and those that stick out of what they stand in.
+/// Controls that overlap, and those that stick out of their parent.
 QStringList misplacedControls(QWidget &window);
 
 /// Buttons without text that lack a tool tip or a name, controls that an assistive program cannot

@@ -15,7 +15,7 @@ public:
     /// @param cell size in pixels into which each picture is fitted; it is never enlarged
     explicit ContactSheet(QSize cell) : m_cell(cell) {}
 
-    /// Pictures of the same row name stand side by side; a full row is continued in another one.
+    /// Pictures of the same row name are side by side; a full row is continued in another one.
     void add(const QString &row, const QString &label, const QImage &picture);
     bool save(const QString &file) const;
 

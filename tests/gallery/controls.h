@@ -20,7 +20,7 @@ QVector<QWidget *> tabChain(QWidget &window);
 QRect placeIn(const QWidget &window, const QWidget &widget);
 bool isScrolled(const QWidget &window, const QWidget &widget);
 
-/// "btnOk (QPushButton)", with the objects it stands in where its own name is not enough.
+/// "btnOk (QPushButton)", with its parents where its own name is not enough.
 QString nameOf(const QWidget &widget);
 
 /// Whether the button shows its text.

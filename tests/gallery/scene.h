@@ -26,10 +26,10 @@ struct Scene
         Page,    ///< the main window, in every window size
         Dialog,  ///< a window of its own size, which Escape closes and Enter confirms
         Waiting, ///< a dialog that neither key closes
-        Other    ///< a window without controls of its own: full screen, menu
+        Other    ///< a window without its own controls: full screen, menu
     };
 
-    QString group; ///< the contact sheet on which it stands
+    QString group; ///< the contact sheet that it is on
     QString name;  ///< unique; the name of its pictures
     Kind kind;
     std::function<Subject(Stage &)> build;

@@ -184,7 +184,7 @@ void Stage::report()
 
 void Stage::runStreams()
 {
-    // The first report asks for the stream, the second lays it out, the third shows its rate.
+    // The first report starts the stream, the second lays it out, the third shows its rate.
     for (int reports = 0; reports < 3; ++reports)
         report();
     int number = 0;

@@ -16,7 +16,7 @@ class QDialog;
 namespace gallery {
 
 /// The program on which a scene plays: the main window over scripted libraries, with settings and
-/// an album of its own. Everything a scene makes goes with the stage.
+/// its own album. Everything a scene creates is destroyed with the stage.
 class Stage
 {
 public:

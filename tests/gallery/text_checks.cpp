@@ -95,7 +95,7 @@ QStringList clippedHeadings(const QHeaderView &header)
     return found;
 }
 
-/// Rows whose text is cut must tell it whole in a tool tip.
+/// Rows whose text is elided must show it in full in a tool tip.
 QStringList cutRows(const QAbstractItemView &view)
 {
     QStringList found;

@@ -17,6 +17,6 @@ struct ImageReference
 /// that a style sheet may be broken over lines.
 QVector<ImageReference> imageReferences(const QString &sourceFolder);
 
-/// The images that a reference stands for: itself, or with what the code puts in for "%1". Empty
-/// for a name with "%1" that the table in image_references.cpp does not know.
+/// The images that a reference means: itself, or with what the code puts in for "%1". Empty for a
+/// name with "%1" that the table in image_references.cpp does not know.
 QStringList imagesMeant(const QString &name);

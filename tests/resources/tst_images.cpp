@@ -259,7 +259,7 @@ void TestImages::statesDifferWithoutColour_data()
     statesDiffer_data();
 }
 
-/// In grey, on the background of the chrome, a clear share of the pixels must tell states apart.
+/// In grey, on the background of the chrome, a clear share of the pixels must distinguish states.
 void TestImages::statesDifferWithoutColour()
 {
     QFETCH(QString, first);

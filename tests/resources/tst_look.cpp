@@ -121,7 +121,7 @@ void TestLook::frameLinesStaySharp_data()
 }
 
 /// The dialog's outline is one logical pixel, 10 pixels from the left: a pure colour, with the
-/// white line beside it, whatever the density and the size.
+/// white line next to it, whatever the density and the size.
 void TestLook::frameLinesStaySharp()
 {
     QFETCH(qreal, density);

@@ -123,7 +123,7 @@ void TestTranslations::everyTextIsTranslated()
     }
 }
 
-/// A text that is new in the sources would come out as unfinished, one that is gone as vanished.
+/// A text that is new in the sources would be marked unfinished, a removed one vanished.
 void TestTranslations::textsAreThoseOfTheSources()
 {
     QFETCH(QString, name);

@@ -44,7 +44,7 @@ inline std::string read(const std::filesystem::path &path)
     return bytes.str();
 }
 
-/// Each test has a folder of its own.
+/// Each test has its own folder.
 class IniTest : public testing::Test
 {
 protected:

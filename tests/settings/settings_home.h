@@ -6,7 +6,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-/// A user's home of its own for the settings: nothing of the real one is read or written.
+/// A separate home for the settings: nothing of the real one is read or written.
 /// Construct it before CameraSettings::load.
 class SettingsHome
 {

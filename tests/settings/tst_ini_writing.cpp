@@ -380,7 +380,7 @@ TEST_F(IniWriting, killInTheMiddleLeavesOldOrNewWhole)
         ASSERT_GE(child, 0);
         if (child == 0)
             writeForEver(m_file);
-        // A new file beside the old one shows that the child is in the middle of writing.
+        // A new file next to the old one shows that the child is in the middle of writing.
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
         for (int seen = 0; seen <= round % 5 && std::chrono::steady_clock::now() < deadline;) {
             seen += filesInFolder() > 1;

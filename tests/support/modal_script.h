@@ -15,7 +15,7 @@
 /// come up, in the order of the steps. A step takes a pointer to the class of window that it is
 /// for (QWidget for any). Made before the call that shows the first window; GUI thread only.
 ///
-/// A progress dialog that no step is for is left alone: it goes by itself; so is a window that was
+/// A progress dialog without a step is left alone: it closes by itself; so is a window that was
 /// open before. Any other window that nobody expects is closed, so that the test ends, and done()
 /// tells.
 class ModalScript : public QObject

@@ -4,7 +4,7 @@
 
 #include <QStringList>
 
-/// Stands for the main window and keeps what the pages ask it for.
+/// Replaces the main window and records what the pages request.
 class PageRecorder : public PageHost
 {
 public:
@@ -51,7 +51,7 @@ public:
     QWidget *searchedOver = nullptr;      ///< the parent of the last search
     QStringList statuses;                 ///< of the status row, in order
     CCamera *played = nullptr;            ///< the last one
-    QStringList pages;                    ///< in the order in which they were asked for
+    QStringList pages;                    ///< in the order in which they were requested
     TileList *list = nullptr;             ///< of the last photo or recording
     CPhotoMgrItemForm *current = nullptr; ///< the last photo or recording
 };

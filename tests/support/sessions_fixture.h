@@ -7,7 +7,7 @@
 #include "tests/support/page_recorder.h"
 
 /// Registered cameras with their sessions over the scripted library, settings and an album of the
-/// test's own, and a main window that keeps what it is asked for.
+/// test's own, and a main window that records what is requested.
 class SessionsFixture
 {
 public:
@@ -18,7 +18,7 @@ public:
         // The document folder of a test is the one of its home only where the system says so.
         CameraSettings::instance().setAlbumPath(m_home.path() + QStringLiteral("/Album"));
     }
-    /// Ends the sessions. Pages and dialogs must be gone.
+    /// Ends the sessions. Pages and dialogs must be destroyed.
     ~SessionsFixture() { endSessions(); }
     SessionsFixture(const SessionsFixture &) = delete;
     SessionsFixture &operator=(const SessionsFixture &) = delete;

@@ -1,9 +1,10 @@
 // What the thread sanitizer has to know of libraries that are not built with it; linked into every
 // program of a build with it.
 //
-// 1. GMutex and GCond wait with futexes of their own, which the sanitizer does not see: all that
+// 1. GMutex and GCond wait with their own futexes, which the sanitizer does not see: all that
 //    one thread hands to another under such a lock would look like a race. The functions here
-//    stand before those of GLib and tell it who waited for whom. GRecMutex is a pthread mutex;
+//    precede those of GLib and report to it which thread waited for which. GRecMutex is a pthread
+// mutex;
 //    called from here, and not from a library that is to be ignored, it is seen as such.
 // 2. Such a library still shows what it does through the C library (memcpy, malloc, free), while
 //    the atomic counts and locks that order it stay hidden. Those calls are ignored when they come
@@ -88,7 +89,7 @@ EXPORTED const char *__tsan_default_suppressions();
 EXPORTED const char *__tsan_default_suppressions()
 {
     return
-        // GLib and what stands on it: reference counts and lock-free lists are atomic words.
+        // GLib and what is built on it: reference counts and lock-free lists are atomic words.
         "called_from_lib:libglib-2.0.so\n"
         "called_from_lib:libgobject-2.0.so\n"
         "called_from_lib:libgio-2.0.so\n"
@@ -134,7 +135,7 @@ EXPORTED const char *__tsan_default_suppressions()
         "called_from_lib:libgstvolume.so\n"
         "called_from_lib:libgstx264.so\n"
         "called_from_lib:libgstximagesink.so\n"
-        // Decoders and scalers with worker threads of their own.
+        // Decoders and scalers with their own worker threads.
         "called_from_lib:libavcodec.so\n"
         "called_from_lib:libavutil.so\n"
         "called_from_lib:libswscale.so\n"
