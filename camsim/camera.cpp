@@ -71,6 +71,7 @@ Camera::Camera(const Shared &shared, const Options &options, int index)
         StreamSet{m_mainVideo.get(), m_subVideo.get(), m_audio.get(), m_backChannel.get()},
         options.altPaths ? "/cam/main" : "/live/0/h264.sdp",
         options.altPaths ? "/cam/sub" : "/live/1/h264.sdp");
+    m_rtsp->setUnknownPathStatus(options.unknownPathStatus);
     m_http = std::make_unique<HttpServer>(*this, options.onvifLogin);
 
     const std::chrono::seconds timeout{options.sessionTimeout};

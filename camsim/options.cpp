@@ -28,6 +28,7 @@ Starts simulated network cameras and prints one line of JSON for each when it is
   --canned                encode two seconds once and play them in a loop: costs nearly nothing
   --warm                  encode all the time, so that a client joins between two key frames
   --alt-paths             serve /cam/main and /cam/sub instead of /live/0 and /live/1
+  --unknown-path N        RTSP status of a DESCRIBE for any other path (404)
   --transport tcp|udp|both (both)
   --onvif-login http|token|both  (both)
   --session-timeout S     end a session after S seconds without a request (0: never)
@@ -68,6 +69,7 @@ public:
         flag("--canned", options.canned, true);
         flag("--warm", options.warm, true);
         flag("--alt-paths", options.altPaths, true);
+        number("--unknown-path", options.unknownPathStatus, 400, 599);
         flag("--no-audio", options.audio, false);
         flag("--no-back-channel", options.backChannel, false);
         flag("--no-timecode", options.timeCode, false);

@@ -57,6 +57,7 @@ struct Options
     int sessionTimeout = 0; ///< seconds without a request until the session ends; 0: never
     bool rebootNeeded = false;
     bool altPaths = false;
+    int unknownPathStatus = 404;
     bool canned = false;
     bool warm = false;
     bool audio = true;

@@ -104,8 +104,18 @@ void RtspServer::onConnected(GstRTSPServer *, GstRTSPClient *client, gpointer da
         ++self->m_clients;
     }
     g_signal_connect(client, "closed", G_CALLBACK(onClosed), self);
+    if (self->m_unknownPathStatus != GST_RTSP_STS_NOT_FOUND)
+        g_signal_connect(client, "pre-describe-request", G_CALLBACK(onDescribe), self);
     if (self->m_sessionTimeout > 0)
         g_signal_connect(client, "new-session", G_CALLBACK(onSession), self);
+}
+
+GstRTSPStatusCode RtspServer::onDescribe(GstRTSPClient *, GstRTSPContext *context, gpointer data)
+{
+    const auto *self = static_cast<RtspServer *>(data);
+    const std::string path = context->uri->abspath;
+    const bool known = path == self->m_main.path || path == self->m_sub.path;
+    return known ? GST_RTSP_STS_OK : static_cast<GstRTSPStatusCode>(self->m_unknownPathStatus);
 }
 
 void RtspServer::onClosed(GstRTSPClient *, gpointer data)

@@ -45,6 +45,9 @@ public:
     int port() const { return m_port; }
     /// New requests need the new password; streams that play go on.
     void setPassword(const std::string &password);
+    /// How a DESCRIBE of a path that is none of the streams is answered, instead of 404. Before the
+    /// first client.
+    void setUnknownPathStatus(int status) { m_unknownPathStatus = status; }
     /// Streams that start from now on have no video.
     void setVideo(bool enabled);
 
@@ -64,6 +67,8 @@ private:
     void waitForClients();
     static void onSession(GstRTSPClient *client, GstRTSPSession *session, gpointer self);
     static void onConnected(GstRTSPServer *server, GstRTSPClient *client, gpointer self);
+    static GstRTSPStatusCode onDescribe(GstRTSPClient *client, GstRTSPContext *context,
+                                        gpointer self);
     static void onClosed(GstRTSPClient *client, gpointer self);
     static void configureMedia(GstRTSPMediaFactory *factory, GstRTSPMedia *media, gpointer stream);
 
@@ -73,6 +78,7 @@ private:
     const StreamSet m_streams;
     const Transport m_transport;
     const int m_sessionTimeout;
+    int m_unknownPathStatus = GST_RTSP_STS_NOT_FOUND;
     Stream m_main;
     Stream m_sub;
     guint m_source = 0;
