@@ -122,12 +122,14 @@ function(zelvaro_needed_by_tests label)
   add_dependencies(tests_${label} ${ARGN})
 endfunction()
 
-# zelvaro_register_test(name label timeout [DISPLAY] [RELEASE])
+# zelvaro_register_test(name label timeout [DISPLAY] [RELEASE] [SOAK] [SHARDS number])
 # DISPLAY: on an X display of its own, with a window manager. RELEASE: means something only in a build
 # that is as fast as the user's (real input, timing, heap), so plain ./test runs it there; every other
-# test it runs in the build with sanitizers.
+# test it runs in the build with sanitizers. SOAK: goes on for as long as ZELVARO_SOAK_SECONDS says, so
+# that ./test soak runs it too, as name_soak. SHARDS: its cases, which mostly wait, are dealt out to so
+# many runs of the program side by side.
 function(zelvaro_register_test name label timeout)
-  cmake_parse_arguments(ARG "DISPLAY;RELEASE" "" "" ${ARGN})
+  cmake_parse_arguments(ARG "DISPLAY;RELEASE;SOAK" "SHARDS" "" ${ARGN})
   set(labels ${label})
   if(ARG_RELEASE)
     list(APPEND labels release)
@@ -142,20 +144,39 @@ function(zelvaro_register_test name label timeout)
   if(ARG_DISPLAY)
     set(wrapper ${PROJECT_SOURCE_DIR}/tools/with-display)
   endif()
-  add_test(NAME ${name} COMMAND ${wrapper} $<TARGET_FILE:${name}>)
-  set_tests_properties(${name} PROPERTIES LABELS "${labels}" TIMEOUT ${timeout})
-  set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
+  set(command ${wrapper} $<TARGET_FILE:${name}>)
+  set(tests)
+  if(ARG_SHARDS)
+    foreach(shard RANGE 1 ${ARG_SHARDS})
+      list(APPEND tests ${name}_${shard})
+      add_test(NAME ${name}_${shard} COMMAND ${command})
+      math(EXPR index "${shard} - 1")
+      set_property(TEST ${name}_${shard} PROPERTY ENVIRONMENT
+        GTEST_TOTAL_SHARDS=${ARG_SHARDS} GTEST_SHARD_INDEX=${index})
+    endforeach()
+  else()
+    list(APPEND tests ${name})
+    add_test(NAME ${name} COMMAND ${command})
+  endif()
+  set_tests_properties(${tests} PROPERTIES LABELS "${labels}" TIMEOUT ${timeout})
+  if(ARG_SOAK)
+    zelvaro_needed_by_tests(soak ${name})
+    add_test(NAME ${name}_soak COMMAND ${command})
+    set_tests_properties(${name}_soak PROPERTIES LABELS soak TIMEOUT 7200)
+    list(APPEND tests ${name}_soak)
+  endif()
+  set_property(TEST ${tests} APPEND PROPERTY ENVIRONMENT
     "ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=1:detect_odr_violation=0"
     "UBSAN_OPTIONS=print_stacktrace=1" "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1")
 endfunction()
 
-# zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds] [DISPLAY] [FAKES]
-#   [RELEASE])
+# zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds]
+#   [DISPLAY] [FAKES] [RELEASE] [SOAK])
 # A Qt Test program. Runs on the offscreen platform unless DISPLAY asks for an X display. FAKES
 # links the scripted platform libraries; the linker keeps them although nothing before them on the
 # link line needs them.
 function(zelvaro_qt_test name)
-  cmake_parse_arguments(ARG "DISPLAY;FAKES;RELEASE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "DISPLAY;FAKES;RELEASE;SOAK" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   if(ARG_FAKES)
     target_link_options(${name} PRIVATE LINKER:--no-as-needed)
@@ -175,10 +196,11 @@ function(zelvaro_qt_test name)
   endif()
 endfunction()
 
-# zelvaro_gtest(name LABEL unit|engine SOURCES ... LINK ... [TIMEOUT seconds] [DISPLAY] [RELEASE])
+# zelvaro_gtest(name LABEL unit|engine SOURCES ... LINK ... [TIMEOUT seconds]
+#   [DISPLAY] [RELEASE] [SOAK] [SHARDS number])
 # A GoogleTest program for code below Qt.
 function(zelvaro_gtest name)
-  cmake_parse_arguments(ARG "DISPLAY;RELEASE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "DISPLAY;RELEASE;SOAK" "LABEL;TIMEOUT;SHARDS" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_LINK} GTest::gtest GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
@@ -189,17 +211,20 @@ endfunction()
 
 # What both kinds of tests have in common; arguments as theirs.
 function(zelvaro_test_program name)
-  cmake_parse_arguments(ARG "DISPLAY;RELEASE" "LABEL;TIMEOUT" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "DISPLAY;FAKES;RELEASE;SOAK" "LABEL;TIMEOUT;SHARDS" "SOURCES;LINK" ${ARGN})
   set(timeout 120)
   if(ARG_TIMEOUT)
     set(timeout ${ARG_TIMEOUT})
   endif()
   set(options)
-  foreach(option IN ITEMS DISPLAY RELEASE)
+  foreach(option IN ITEMS DISPLAY RELEASE SOAK)
     if(ARG_${option})
       list(APPEND options ${option})
     endif()
   endforeach()
+  if(ARG_SHARDS)
+    list(APPEND options SHARDS ${ARG_SHARDS})
+  endif()
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   zelvaro_register_test(${name} ${ARG_LABEL} ${timeout} ${options})
 endfunction()

@@ -54,9 +54,22 @@ ensure_packages() {
     rm -f "$log"
 }
 
+# configure PRESET [-Dname=value…]
+configure() {
+    local preset=$1 log
+    shift
+    log=$(mktemp)
+    if ! (cd "$root" && cmake --preset "$preset" "$@") >"$log" 2>&1; then
+        cat "$log" >&2
+        rm -f "$log"
+        fail "CMake could not configure the build"
+    fi
+    rm -f "$log"
+}
+
 # build PRESET [-Dname=value…] [target…]: configures when needed and builds with Ninja's own progress.
 build() {
-    local preset=$1 log options=()
+    local preset=$1 options=()
     shift
     while [[ ${1:-} == -D* ]]; do
         options+=("$1")
@@ -65,13 +78,7 @@ build() {
     # Objects of one clone serve every other.
     export CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
     export CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
-    log=$(mktemp)
-    if ! (cd "$root" && cmake --preset "$preset" ${options+"${options[@]}"}) >"$log" 2>&1; then
-        cat "$log" >&2
-        rm -f "$log"
-        fail "CMake could not configure the build"
-    fi
-    rm -f "$log"
+    configure "$preset" ${options+"${options[@]}"}
     (cd "$root" && cmake --build --preset "$preset" ${1:+--target "$@"}) ||
         fail "the build failed"
 }

@@ -1,6 +1,6 @@
-# Tests of the stream engine. Those that draw need an X display and say so when there is none.
+# Tests of the stream engine. Those that draw need an X display.
 set(media_test_libraries cammgr_media PkgConfig::GSTRTSPSERVER)
-zelvaro_gtest(tst_live_stream LABEL engine SOURCES tst_live_stream.cpp
+zelvaro_gtest(tst_live_stream LABEL engine DISPLAY SHARDS 4 SOURCES tst_live_stream.cpp
   LINK ${media_test_libraries} camsim_process TIMEOUT 400)
 zelvaro_gtest(tst_gop_buffer LABEL engine SOURCES tst_gop_buffer.cpp LINK ${media_test_libraries})
 zelvaro_gtest(tst_clip_room LABEL engine SOURCES tst_clip_room.cpp LINK ${media_test_libraries}
@@ -10,11 +10,11 @@ zelvaro_gtest(tst_login_guard LABEL engine SOURCES tst_login_guard.cpp
 zelvaro_gtest(tst_part_file LABEL engine SOURCES tst_part_file.cpp LINK ${media_test_libraries})
 zelvaro_gtest(tst_recorder LABEL engine SOURCES tst_recorder.cpp LINK ${media_test_libraries}
   TIMEOUT 300)
-zelvaro_gtest(tst_live_view LABEL engine SOURCES tst_live_view.cpp LINK ${media_test_libraries}
+zelvaro_gtest(tst_live_view LABEL engine DISPLAY SOURCES tst_live_view.cpp LINK ${media_test_libraries}
   TIMEOUT 300)
 zelvaro_gtest(tst_still_picture LABEL engine SOURCES tst_still_picture.cpp
   LINK ${media_test_libraries})
-zelvaro_gtest(tst_window_watch LABEL engine SOURCES tst_window_watch.cpp
+zelvaro_gtest(tst_window_watch LABEL engine DISPLAY SOURCES tst_window_watch.cpp
   LINK ${media_test_libraries} TIMEOUT 300)
 zelvaro_gtest(tst_audio_output LABEL engine SOURCES tst_audio_output.cpp
   LINK ${media_test_libraries})

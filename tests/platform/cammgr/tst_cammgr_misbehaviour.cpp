@@ -48,10 +48,14 @@ Behaviour behaviourOf(int camera)
     return camera == 8 ? Behaviour::ChangesSize : Behaviour::Good;
 }
 
+/// Every camera misbehaves at least once in a round.
+constexpr int roundSeconds = 24;
+
 std::chrono::seconds testDuration()
 {
     const char *seconds = std::getenv("ZELVARO_SOAK_SECONDS");
-    return std::chrono::seconds(seconds ? std::max(std::atoi(seconds), 30) : 120);
+    return std::chrono::seconds(seconds ? std::max(std::atoi(seconds), roundSeconds)
+                                        : roundSeconds);
 }
 
 /// One camera on its window, kept playing as a client does: play is called at every look at it as
@@ -154,9 +158,9 @@ protected:
                     tell(i, "drop");
                 break;
             case Behaviour::Freezes: // longer than a stream may be silent
-                if (second % 20 == 2 + i)
+                if (second % roundSeconds == 2 + i)
                     tell(i, "freeze");
-                else if (second % 20 == 12 + i - 4)
+                else if (second % roundSeconds == 10 + i)
                     tell(i, "thaw");
                 break;
             case Behaviour::SendsGarbage:

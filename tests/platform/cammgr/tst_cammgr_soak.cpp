@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <random>
 
 using zelvaro::test::CamsimProcess;
@@ -17,6 +18,13 @@ namespace {
 
 constexpr int cameraCount = 4;
 constexpr int steps = 200;
+
+/// How long to go on at least.
+std::chrono::seconds testDuration()
+{
+    const char *seconds = std::getenv("ZELVARO_SOAK_SECONDS");
+    return std::chrono::seconds(seconds ? std::atoi(seconds) : 0);
+}
 
 class Soak : public testing::Test
 {
@@ -104,7 +112,9 @@ TEST_F(Soak, PlayingAndStoppingInAnyOrderLeavesNothingBehind)
     for (int i = 0; i < warmUp; ++i)
         step();
     const ProcessFigures before = quiet();
-    for (int i = warmUp; i < steps; ++i)
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = warmUp; i < steps || std::chrono::steady_clock::now() - begin < testDuration();
+         ++i)
         step();
     // Idle pool threads keep some memory until they end by themselves. What grows with the number
     // of streams would be there for good.
