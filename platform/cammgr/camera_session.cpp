@@ -145,9 +145,11 @@ void CameraSession::describe()
 void CameraSession::probed(ProbeOutcome outcome)
 {
     const std::string main = StreamPaths::path(StreamPlace::Main);
-    if (outcome == ProbeOutcome::NotFound) {
+    if (outcome == ProbeOutcome::NotFound ||
+        (outcome == ProbeOutcome::Unusable && mayTryProfiles())) {
+        m_hasTriedProfiles = true;
         const unsigned number = m_probeNumber;
-        fallBack(main, [this, number](bool again) {
+        fallBack(main, outcome == ProbeOutcome::NotFound, [this, number](bool again) {
             if (number != m_probeNumber || m_probing != Probing::Asking)
                 return;
             if (again)
@@ -157,11 +159,15 @@ void CameraSession::probed(ProbeOutcome outcome)
         });
         return;
     }
+    const bool asked = m_probing == Probing::Asking;
     m_schedule.record(outcome, Clock::now());
     if (outcome == ProbeOutcome::Silent || outcome == ProbeOutcome::Rejected)
         m_resolver->lost();
     if (outcome == ProbeOutcome::Answered) {
         m_mode = m_paths.hasMain() ? 0 : 1;
+        // A camera that describes its streams to anybody proves nothing.
+        if (m_control.streamPhase() == StreamPhase::Playing || (asked && m_probe.usedLogin()))
+            m_schedule.loginAccepted();
         learnProfiles();
     }
     finishProbe(outcome);
@@ -179,19 +185,28 @@ void CameraSession::finishProbe(ProbeOutcome outcome)
         report(CAMMGR_MSG_PROBE_FAILED, CAMMGR_ERROR_UNREACHABLE);
 }
 
-/// After a 404 for path: answers whether there is another address to try.
-void CameraSession::fallBack(const std::string &path, std::function<void(bool)> then)
+/// Cameras refuse a path that they do not know in many ways, which say nothing about other paths.
+/// One look at the profiles, then what the camera says holds until it moves.
+bool CameraSession::mayTryProfiles() const
+{
+    return !m_hasTriedProfiles && !m_paths.usesProfiles() && m_info.address.path.empty();
+}
+
+/// After a refusal of path (isUnknown: 404): answers whether there is another address to try.
+void CameraSession::fallBack(const std::string &path, bool isUnknown,
+                             std::function<void(bool)> then)
 {
     if (m_paths.usesProfiles()) {
         // The camera was set up again: start over with its own paths and fresh profiles next time.
         m_paths.reset();
         m_resolver->forgetStreams();
+        m_hasTriedProfiles = false;
         then(false);
         return;
     }
-    m_resolver->findStreams([this, path, then](const onvif::CameraStreams *streams) {
+    m_resolver->findStreams([this, path, isUnknown, then](const onvif::CameraStreams *streams) {
         if (!streams) {
-            then(m_paths.markMissing(path));
+            then(isUnknown && m_paths.markMissing(path));
             return;
         }
         m_paths.setProfiles(*streams);
@@ -216,6 +231,7 @@ void CameraSession::moved()
     m_schedule.reset();
     m_paths.reset();
     m_hasLearned = false;
+    m_hasTriedProfiles = false;
 }
 
 const std::shared_ptr<LoginPolicy> &CameraSession::loginPolicy() const
@@ -237,8 +253,8 @@ StreamRequest CameraSession::request(const std::string &path, uintptr_t window) 
 void CameraSession::play(const StreamOrder &order)
 {
     m_order = order;
-    // Playing is a login too.
-    if (m_schedule.remembered() == ProbeOutcome::LoginRefused && !m_schedule.isDue(Clock::now()))
+    // Playing is a login too: the next probe has to find that it is accepted now.
+    if (m_schedule.remembered() == ProbeOutcome::LoginRefused)
         return;
     m_orderedAt = Clock::now();
     m_resolver->find([this, ticket = order.ticket](bool found) {
@@ -256,13 +272,14 @@ void CameraSession::streamEnded(StreamEnd reason)
 {
     if (reason == StreamEnd::Refused) {
         m_schedule.record(ProbeOutcome::LoginRefused, Clock::now());
-    } else if (reason == StreamEnd::NotFound) {
-        fallBack(
-            m_order.path,
-            [this, ticket = m_order.ticket](bool again) {
-                if (again && ticket == m_order.ticket)
-                    startStream();
-            });
+    } else if (reason == StreamEnd::NotFound ||
+               (reason == StreamEnd::PathRefused && mayTryProfiles())) {
+        m_hasTriedProfiles = true;
+        fallBack(m_order.path, reason == StreamEnd::NotFound,
+                 [this, ticket = m_order.ticket](bool again) {
+                     if (again && ticket == m_order.ticket)
+                         startStream();
+                 });
     }
 }
 

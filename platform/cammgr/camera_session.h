@@ -85,6 +85,8 @@ public:
     void keyFrameWanted();
     /// The stream shows its first picture.
     void pictureShown();
+    /// The user wants to see the camera.
+    void userAsked() { m_schedule.userAsked(); }
     /// The last order to play is void: the stream was stopped, or set up anew.
     void orderVoided();
     void issueCommands(std::vector<std::string> requests);
@@ -100,10 +102,11 @@ private:
     void report(int message, int value, char **strings = nullptr);
     bool isAnsweredByStream();
     bool awaitPicture();
+    bool mayTryProfiles() const;
     void describe();
     void probed(ProbeOutcome outcome);
     void finishProbe(ProbeOutcome outcome);
-    void fallBack(const std::string &path, std::function<void(bool)> then);
+    void fallBack(const std::string &path, bool isUnknown, std::function<void(bool)> then);
     void learnProfiles();
     void startStream();
     void moved();
@@ -132,6 +135,7 @@ private:
     StreamOrder m_order;
     std::optional<Clock::time_point> m_orderedAt; ///< nullopt when the last order is void
     bool m_hasLearned = false;
+    bool m_hasTriedProfiles = false; ///< after another refusal than 404
     int m_watch = 0;
     // Last, so that they are destroyed first: their callbacks use the members above.
     std::unique_ptr<Resolver> m_resolver;

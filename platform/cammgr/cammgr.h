@@ -89,9 +89,10 @@ CAMMGR_API RtspPlayer *RtspPlayer_Create(const char *hostname, const char *usern
  * latest and then as for any probe: a client that shows a stream when a probe is answered asks once
  * more after RtspPlayer_Play. A change of the picture's size answers nothing by itself; the size is
  * read at the next answer.
- * A stream that plays answers it; so does memory for a while after a refused login (3 s, 6 s, up
- * to 60 s, so that no camera locks the account) and for a host that is silent (up to 15 s, or
- * until the network changes).
+ * A stream that plays answers it; so does memory for a while after a refused login and for a
+ * host that is silent (up to 15 s, or until the network changes). A camera sees three wrong logins
+ * in 30 min at most, so that none locks the account, and one more after each
+ * RtspPlayer_SetupP2PliveStream, which only a user asks for.
  */
 CAMMGR_API int RtspPlayer_TickAlive(RtspPlayer *player);
 
@@ -107,7 +108,8 @@ CAMMGR_API int RtspPlayer_GetMode(RtspPlayer *player);
  * that it is drawn on; 0 plays without drawing. The window must live until RtspPlayer_Stop has
  * returned or another window was set up. A stream that plays ends here, with its recording, when
  * the path or the window is another one than before; the next play starts it there. A camera that
- * does not know the path (404) is played from its largest or smallest ONVIF profile.
+ * refuses the path (404, 400, 403, 454, 500 ..., but not for the login) is played from its largest
+ * or smallest ONVIF profile; that is remembered.
  */
 CAMMGR_API int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path,
                                              uintptr_t native_window);

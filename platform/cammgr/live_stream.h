@@ -12,12 +12,13 @@ namespace cammgr {
 /// Why a stream ended by itself.
 enum class StreamEnd
 {
-    Failed,   ///< no connection, a protocol error, a stream that cannot be decoded
-    Refused,  ///< the camera did not accept the user name or password (401, 403)
-    NotFound, ///< the camera does not know the path (404)
-    Closed,   ///< the camera ended a stream that was playing
-    Stalled,  ///< no video for 5 s
-    NoVideo   ///< the camera's description holds no H.264 video
+    Failed,      ///< no connection, a protocol error, a stream that cannot be decoded
+    Refused,     ///< the camera did not accept the user name or password (401)
+    NotFound,    ///< the camera does not know the path (404)
+    PathRefused, ///< the camera does not play the path for another reason (400, 403, 454, 500 ...)
+    Closed,      ///< the camera ended a stream that was playing
+    Stalled,     ///< no video for 5 s
+    NoVideo      ///< the camera's description holds no H.264 video
 };
 
 /// What to play, and where.

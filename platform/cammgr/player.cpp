@@ -73,6 +73,7 @@ void RtspPlayer::stopConnecting()
 
 int RtspPlayer::setup(const std::string &path, uintptr_t window)
 {
+    postTo(m_session, [](CameraSession &session) { session.userAsked(); });
     if (path == m_path && window == m_window)
         return 0;
     // The old window may go as soon as another one is set up.

@@ -8,7 +8,10 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto firstPause = 3s;
-constexpr auto longestRefusedPause = 60s;
+/// Accounts are locked after five wrong logins or more, for up to half an hour. Somebody may
+/// mistype the password in the camera's own page too.
+constexpr auto refusalWindow = 30min;
+constexpr size_t maxRefusals = 3;
 /// The user may be waiting for a camera that was just plugged in.
 constexpr auto longestSilentPause = 15s;
 /// The client requests a probe every 3 s or a little later: a pause of 3 s must not become one of
@@ -23,9 +26,15 @@ void ProbeSchedule::record(ProbeOutcome outcome, Time now)
     m_inRow = outcome == m_remembered ? std::min(m_inRow + 1, enough) : 1;
     m_remembered = outcome;
     std::chrono::milliseconds pause = firstPause * (1 << (m_inRow - 1));
-    if (outcome == ProbeOutcome::LoginRefused)
-        pause = std::min<std::chrono::milliseconds>(pause, longestRefusedPause);
-    else if (outcome == ProbeOutcome::Silent)
+    if (outcome == ProbeOutcome::LoginRefused) {
+        m_refusals.push_back(now);
+        while (m_refusals.size() > maxRefusals || m_refusals.front() + refusalWindow <= now)
+            m_refusals.pop_front();
+        if (m_refusals.size() == maxRefusals) {
+            m_due = std::max(m_refusals.front() + refusalWindow, now + pause - slack);
+            return;
+        }
+    } else if (outcome == ProbeOutcome::Silent)
         pause = std::min<std::chrono::milliseconds>(pause, longestSilentPause);
     else
         pause = slack;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <deque>
 
 namespace cammgr {
 
@@ -16,9 +17,9 @@ enum class ProbeOutcome
 };
 
 /**
- * When to probe a camera again and when to answer from memory. A refused login is tried less and
- * less often, so that no camera locks the account; a host that does not answer costs less and less.
- * A camera that answers in any other way is probed each time.
+ * When to probe a camera again and when to answer from memory. A refused login is tried three times
+ * in half an hour at most, so that no camera locks the account; a host that does not answer costs
+ * less and less. A camera that answers in any other way is probed each time.
  */
 class ProbeSchedule
 {
@@ -30,6 +31,10 @@ public:
     ProbeOutcome remembered() const { return m_remembered; }
     void record(ProbeOutcome outcome, Time now);
 
+    /// The camera accepted the login: what it refused before no longer counts.
+    void loginAccepted() { m_refusals.clear(); }
+    /// The user wants the camera now: it is asked once more, whatever the pause.
+    void userAsked() { m_due = {}; }
     /// The network changed: a host that was silent may answer now. A refused login stays refused.
     void networkChanged();
     /// Forgets everything: the camera is at another address now.
@@ -38,7 +43,8 @@ public:
 private:
     Time m_due{};
     ProbeOutcome m_remembered = ProbeOutcome::Silent;
-    int m_inRow = 0; ///< how often the remembered outcome came in a row
+    std::deque<Time> m_refusals; ///< of the login, within the last half hour; the last three
+    int m_inRow = 0;             ///< how often the remembered outcome came in a row
 };
 
 } // namespace cammgr

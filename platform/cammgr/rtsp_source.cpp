@@ -20,8 +20,8 @@ constexpr guint64 teardownTimeoutNs = 100'000'000;
 // order are passed on at once all the same.
 constexpr guint udpReorderMs = 60;
 
+constexpr int lowestErrorStatus = 400;
 constexpr int statusUnauthorized = 401;
-constexpr int statusForbidden = 403;
 constexpr int statusNotFound = 404;
 constexpr int statusUnsupportedTransport = 461;
 
@@ -314,7 +314,7 @@ void RtspSource::readError(GstMessage *message)
     g_log("cammgr", G_LOG_LEVEL_INFO, "%s: %s (%d) %s", m_request.url.c_str(), error->message,
           status, debug ? debug : "");
 
-    if (status == statusUnauthorized || status == statusForbidden ||
+    if (status == statusUnauthorized ||
         g_error_matches(error, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_NOT_AUTHORIZED))
         m_client.sourceEnded(StreamEnd::Refused);
     else if (status == statusNotFound)
@@ -323,8 +323,11 @@ void RtspSource::readError(GstMessage *message)
              (m_videoSelected && !m_playing && error->domain == GST_STREAM_ERROR))
         // The framework words a refused transport as "no stream that could be set up".
         m_client.sourceTransportRefused();
+    else if (m_playing)
+        m_client.sourceEnded(StreamEnd::Closed);
     else
-        m_client.sourceEnded(m_playing ? StreamEnd::Closed : StreamEnd::Failed);
+        m_client.sourceEnded(status >= lowestErrorStatus ? StreamEnd::PathRefused
+                                                         : StreamEnd::Failed);
     g_free(debug);
     g_error_free(error);
 }

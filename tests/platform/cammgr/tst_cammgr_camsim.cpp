@@ -139,7 +139,12 @@ TEST(CammgrWithCamera, ARefusedLoginDoesNotPlayEither)
     const auto message = player.probe();
     ASSERT_TRUE(message);
     EXPECT_EQ(message->value, CAMMGR_ERROR_REFUSED);
-    EXPECT_EQ(cameras.statusNumber("rtsp_requests"), before);
+    EXPECT_EQ(cameras.statusNumber("rtsp_requests"), before + 2)
+        << "one probe more, since a user set the stream up, and no stream";
+    const auto remembered = player.probe();
+    ASSERT_TRUE(remembered);
+    EXPECT_EQ(remembered->value, CAMMGR_ERROR_REFUSED);
+    EXPECT_EQ(cameras.statusNumber("rtsp_requests"), before + 2);
 }
 
 TEST(CammgrWithCamera, FaultyAnswersAreFailuresAndNothingElse)
@@ -246,6 +251,29 @@ TEST(CammgrWithCamera, ACameraWithOtherPathsIsPlayedByItsProfiles)
         ASSERT_TRUE(player.playUntilPictures());
         EXPECT_EQ(RtspPlayer_GetVideoWidth(player), width);
     }
+}
+
+TEST(CammgrWithCamera, AnyRefusalOfThePathLeadsToTheProfilesOnce)
+{
+    for (const char *status : {"400", "403", "454", "500", "503", "551"}) {
+        SCOPED_TRACE(status);
+        Cameras cameras({"--canned", "--alt-paths", "--unknown-path", status});
+        Player player(cameras.camera().uid);
+        ASSERT_TRUE(player.probe());
+        ASSERT_TRUE(player.probeUntil(CAMMGR_MSG_PROBE_OK, 0));
+        RtspPlayer_SetupP2PliveStream(player, subPath, 0);
+        ASSERT_TRUE(player.playUntilPictures());
+        EXPECT_EQ(RtspPlayer_GetVideoWidth(player), 640);
+    }
+}
+
+TEST(CammgrWithCamera, ARefusalOfThePathInPlayLeadsToTheProfiles)
+{
+    Cameras cameras({"--canned", "--alt-paths", "--unknown-path", "454"});
+    Player player(cameras.camera().uid);
+    RtspPlayer_SetupP2PliveStream(player, mainPath, 0);
+    ASSERT_TRUE(player.playUntilPictures());
+    EXPECT_EQ(RtspPlayer_GetVideoWidth(player), 1280);
 }
 
 TEST(CammgrWithCamera, FallsBackToTheProfilesInPlayToo)

@@ -48,11 +48,40 @@ TEST(ProbeSchedule, AsksAtOnceAtFirst)
     EXPECT_EQ(schedule.remembered(), ProbeOutcome::Silent);
 }
 
-TEST(ProbeSchedule, TriesARefusedLoginLessAndLessOften)
+TEST(ProbeSchedule, TriesARefusedLoginThreeTimesInHalfAnHour)
 {
     Client client(ProbeOutcome::LoginRefused);
-    EXPECT_EQ(client.pauses(9), (std::vector{3, 3, 6, 12, 24, 48, 60, 60, 60}));
+    EXPECT_EQ(client.pauses(7), (std::vector{3, 3, 6, 1791, 24, 48, 1728}));
     EXPECT_EQ(client.schedule().remembered(), ProbeOutcome::LoginRefused);
+}
+
+TEST(ProbeSchedule, ARefusalInPlayCountsBesideProbesThatNeedNoLogin)
+{
+    // Described to anybody, played to nobody: each probe succeeds, and the stream is refused.
+    ProbeSchedule schedule;
+    int refusals = 0;
+    for (ProbeSchedule::Time now(1000h); now < ProbeSchedule::Time(1000h) + 30min; now += 3s) {
+        if (!schedule.isDue(now))
+            continue;
+        schedule.record(ProbeOutcome::Answered, now);
+        schedule.record(ProbeOutcome::LoginRefused, now + 100ms);
+        ++refusals;
+    }
+    EXPECT_EQ(refusals, 3);
+    EXPECT_EQ(schedule.remembered(), ProbeOutcome::LoginRefused);
+}
+
+TEST(ProbeSchedule, TheUserMayTryOnceMore)
+{
+    Client client(ProbeOutcome::LoginRefused);
+    client.pauses(3);
+    client.schedule().userAsked();
+    // From then on the window of the last three counts: it began at 6 s.
+    EXPECT_EQ(client.pauses(2), (std::vector{3, 1791}));
+    client.setOutcome(ProbeOutcome::Silent);
+    client.pauses(6);
+    client.schedule().userAsked();
+    EXPECT_EQ(client.pauses(1), (std::vector{3}));
 }
 
 TEST(ProbeSchedule, ASilentHostCostsLessAndLess)
@@ -73,11 +102,12 @@ TEST(ProbeSchedule, AHostThatAnswersIsAskedEachTime)
 TEST(ProbeSchedule, AnAnswerEndsTheBackOff)
 {
     Client client(ProbeOutcome::LoginRefused);
-    client.pauses(6);
+    client.pauses(3);
     client.setOutcome(ProbeOutcome::Answered);
-    EXPECT_EQ(client.pauses(3), (std::vector{60, 3, 3}));
+    EXPECT_EQ(client.pauses(3), (std::vector{1791, 3, 3}));
+    client.schedule().loginAccepted();
     client.setOutcome(ProbeOutcome::LoginRefused);
-    EXPECT_EQ(client.pauses(4), (std::vector{3, 3, 6, 12}));
+    EXPECT_EQ(client.pauses(4), (std::vector{3, 3, 6, 1791}));
 }
 
 TEST(ProbeSchedule, TheNetworkComingBackEndsTheBackOffOfASilentHost)
@@ -91,15 +121,15 @@ TEST(ProbeSchedule, TheNetworkComingBackEndsTheBackOffOfASilentHost)
 TEST(ProbeSchedule, TheNetworkComingBackDoesNotTryARefusedLoginSooner)
 {
     Client client(ProbeOutcome::LoginRefused);
-    client.pauses(6);
+    client.pauses(3);
     client.schedule().networkChanged();
-    EXPECT_EQ(client.pauses(1), (std::vector{60}));
+    EXPECT_EQ(client.pauses(1), (std::vector{1791}));
 }
 
 TEST(ProbeSchedule, AnotherAddressStartsAnew)
 {
     Client client(ProbeOutcome::LoginRefused);
-    client.pauses(6);
+    client.pauses(3);
     client.schedule().reset();
     EXPECT_EQ(client.pauses(3), (std::vector{3, 3, 6}));
 }
