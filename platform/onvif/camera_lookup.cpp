@@ -8,6 +8,7 @@
 #include "platform/onvif/text.h"
 
 #include <deque>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -22,13 +23,16 @@ constexpr std::size_t maxKnownCameras = 256;
 // What is kept of a camera between requests.
 struct KnownCamera
 {
-    KnownCamera(GMainContext *context, const std::string &xaddr, const Credentials &user)
+    KnownCamera(GMainContext *context, const std::string &xaddr, const Credentials &user,
+                ClearPassword clear)
         : credentials(user)
-        , soap(context, xaddr, user)
+        , clearPassword(clear)
+        , soap(context, xaddr, user, {.clearPassword = clear})
     {
     }
 
     Credentials credentials;
+    ClearPassword clearPassword;
     SoapClient soap;
     std::string mediaService; ///< empty until requested
 };
@@ -212,22 +216,28 @@ public:
 
     KnownCameraPtr camera(const std::string &xaddr, const Credentials &credentials)
     {
+        const ClearPassword clear =
+            foundByUid.contains(xaddr) ? ClearPassword::Never : ClearPassword::AsLastResort;
         for (const KnownCameraPtr &known : m_known)
-            if (known->soap.deviceService() == xaddr && known->credentials == credentials)
+            if (known->soap.deviceService() == xaddr && known->credentials == credentials &&
+                known->clearPassword == clear)
                 return known;
         if (m_known.size() == maxKnownCameras)
             m_known.pop_front();
         return m_known.emplace_back(
-            std::make_shared<KnownCamera>(context.get(), xaddr, credentials));
+            std::make_shared<KnownCamera>(context.get(), xaddr, credentials, clear));
     }
 
     GMainContextPtr context;
+    /// Device services reported by the answer to a Resolve or Probe for a UID. Any host may claim a
+    /// UID: such a device never gets the password in clear.
+    std::set<std::string> foundByUid;
 
 private:
     std::deque<KnownCameraPtr> m_known; ///< oldest first; running requests hold theirs
 };
 
-CameraLookup::CameraLookup(GMainContext *context) : m_private(std::make_unique<Private>(context)) {}
+CameraLookup::CameraLookup(GMainContext *context) : m_private(std::make_shared<Private>(context)) {}
 
 CameraLookup::~CameraLookup() = default;
 
@@ -242,34 +252,36 @@ RequestPtr CameraLookup::resolve(const std::string &uid,
         scope.targets.clear();
         scope.milliseconds = 0;
     }
-    const auto isWanted = [uid = scope.uid](const DiscoveredDevice &device) {
+    scope.isWanted = [uid = scope.uid](const DiscoveredDevice &device) {
         return sameUid(device.uid, uid);
     };
-    scope.isEnough = isWanted;
     return std::make_unique<DiscoverySearch>(
         m_private->context.get(), std::move(scope),
-        [isWanted, done = std::move(done)](const std::vector<DiscoveredDevice> &devices) {
+        [known = m_private, done = std::move(done)](const SearchResult &result) {
             std::optional<CameraLocation> location;
-            if (!devices.empty() && isWanted(devices.back()))
-                location = locationOf(devices.back());
+            if (result.wanted) {
+                location = locationOf(*result.wanted);
+                known->foundByUid.insert(location->xaddr);
+            }
             done(location);
         });
 }
 
 RequestPtr CameraLookup::locate(const std::string &host, std::function<void(CameraLocation)> done)
 {
-    SearchScope scope;
-    scope.multicast = false;
+    // Many cameras ignore unicast probes.
+    SearchScope scope = SearchScope::fromEnvironment();
     scope.targets = {host};
+    scope.onlyTargets = true;
     scope.milliseconds = locateMilliseconds;
-    scope.isEnough = [](const DiscoveredDevice &) { return true; };
+    scope.isWanted = [](const DiscoveredDevice &) { return true; };
     return std::make_unique<DiscoverySearch>(
         m_private->context.get(), std::move(scope),
-        [host, done = std::move(done)](const std::vector<DiscoveredDevice> &devices) {
-            if (devices.empty())
-                done({host, usualDeviceService(host)});
+        [host, done = std::move(done)](const SearchResult &result) {
+            if (result.wanted)
+                done(locationOf(*result.wanted));
             else
-                done(locationOf(devices.front()));
+                done({host, usualDeviceService(host)});
         });
 }
 

@@ -28,7 +28,8 @@ struct CameraStream
     int height = 0;
 };
 
-/// The largest and the smallest H.264 stream; the same one twice when there is only one.
+/// The largest H.264 stream and the smallest that fills a tile, of one lens; the same one twice
+/// when there is only one.
 struct CameraStreams
 {
     CameraStream main;
@@ -42,7 +43,9 @@ struct CameraStreams
 /// its callbacks belong to that thread. Callbacks never run inside the call that starts them. A
 /// request that is destroyed is cancelled; before the context is destroyed, run it until nothing is
 /// ready, so that what was cancelled comes back to free its memory. Connections and what was
-/// learned of a camera (media service, way of signing, clock) are kept between requests.
+/// learned of a camera (media service, way of signing, clock) are kept between requests. A camera
+/// that resolve() found never gets a password in clear; one whose address the user gave does, as
+/// SoapClient says.
 class CameraLookup
 {
 public:
@@ -57,7 +60,8 @@ public:
                                      std::function<void(std::optional<CameraLocation>)> done);
 
     /// Finds the device service of the camera at a host (address or name without port): queries the
-    /// host itself for up to 1.5 s, else takes ONVIF's usual address on port 80.
+    /// host itself by unicast and by multicast for up to 1.5 s, else takes ONVIF's usual address on
+    /// port 80.
     [[nodiscard]] RequestPtr locate(const std::string &host,
                                     std::function<void(CameraLocation)> done);
 
@@ -74,7 +78,7 @@ public:
 
 private:
     class Private;
-    std::unique_ptr<Private> m_private;
+    std::shared_ptr<Private> m_private;
 };
 
 } // namespace onvif

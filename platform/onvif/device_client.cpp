@@ -86,7 +86,8 @@ RequestPtr DeviceClient::networkInterfaces(Answer<std::vector<NetworkInterface>>
 RequestPtr DeviceClient::setNetworkInterface(const InterfaceSetup &setup, Answer<bool> done)
 {
     return ask<bool>(m_soap, m_soap.deviceService(), action("SetNetworkInterfaces"),
-                     buildSetNetworkInterfaces(setup), parseRebootNeeded, std::move(done));
+                     buildSetNetworkInterfaces(setup), parseRebootNeeded, std::move(done),
+                     SoapKind::Change);
 }
 
 RequestPtr DeviceClient::defaultGateway(Answer<Ipv4> done)
@@ -98,7 +99,7 @@ RequestPtr DeviceClient::defaultGateway(Answer<Ipv4> done)
 RequestPtr DeviceClient::setDefaultGateway(Ipv4 gateway, Done done)
 {
     return tell(m_soap, m_soap.deviceService(), action("SetNetworkDefaultGateway"),
-                buildSetNetworkDefaultGateway(gateway), std::move(done));
+                buildSetNetworkDefaultGateway(gateway), SoapKind::Change, std::move(done));
 }
 
 RequestPtr DeviceClient::dns(Answer<DnsInformation> done)
@@ -110,7 +111,7 @@ RequestPtr DeviceClient::dns(Answer<DnsInformation> done)
 RequestPtr DeviceClient::setDns(const DnsInformation &dns, Done done)
 {
     return tell(m_soap, m_soap.deviceService(), action("SetDNS"), buildSetDns(dns),
-                std::move(done));
+                SoapKind::Change, std::move(done));
 }
 
 RequestPtr DeviceClient::networkProtocols(Answer<std::vector<NetworkProtocol>> done)
@@ -124,7 +125,7 @@ RequestPtr DeviceClient::setNetworkProtocols(const std::vector<NetworkProtocol> 
                                              Done done)
 {
     return tell(m_soap, m_soap.deviceService(), action("SetNetworkProtocols"),
-                buildSetNetworkProtocols(protocols), std::move(done));
+                buildSetNetworkProtocols(protocols), SoapKind::Change, std::move(done));
 }
 
 RequestPtr DeviceClient::scopes(Answer<std::vector<DeviceScope>> done)
@@ -136,25 +137,13 @@ RequestPtr DeviceClient::scopes(Answer<std::vector<DeviceScope>> done)
 RequestPtr DeviceClient::setScopes(const std::vector<std::string> &scopes, Done done)
 {
     return tell(m_soap, m_soap.deviceService(), action("SetScopes"), buildSetScopes(scopes),
-                std::move(done));
-}
-
-RequestPtr DeviceClient::hostname(Answer<std::string> done)
-{
-    return ask<std::string>(m_soap, m_soap.deviceService(), action("GetHostname"),
-                            buildGetHostname(), parseHostname, std::move(done));
-}
-
-RequestPtr DeviceClient::setHostname(const std::string &name, Done done)
-{
-    return tell(m_soap, m_soap.deviceService(), action("SetHostname"), buildSetHostname(name),
-                std::move(done));
+                SoapKind::Change, std::move(done));
 }
 
 RequestPtr DeviceClient::reboot(Done done)
 {
     return tell(m_soap, m_soap.deviceService(), action("SystemReboot"), buildSystemReboot(),
-                std::move(done));
+                SoapKind::Change, std::move(done));
 }
 
 } // namespace onvif

@@ -37,8 +37,6 @@ public:
     [[nodiscard]] RequestPtr scopes(Answer<std::vector<DeviceScope>> done);
     /// Replaces all scopes that are not fixed.
     [[nodiscard]] RequestPtr setScopes(const std::vector<std::string> &scopes, Done done);
-    [[nodiscard]] RequestPtr hostname(Answer<std::string> done);
-    [[nodiscard]] RequestPtr setHostname(const std::string &name, Done done);
     [[nodiscard]] RequestPtr reboot(Done done);
 
 private:

@@ -167,16 +167,6 @@ std::string buildSetScopes(const std::vector<std::string> &scopes)
     return element("tds:SetScopes", content);
 }
 
-std::string buildGetHostname()
-{
-    return "<tds:GetHostname/>";
-}
-
-std::string buildSetHostname(const std::string &name)
-{
-    return element("tds:SetHostname", element("tds:Name", xmlEscape(name)));
-}
-
 std::string buildSystemReboot()
 {
     return "<tds:SystemReboot/>";
@@ -285,15 +275,6 @@ std::optional<std::vector<DeviceScope>> parseScopes(const XmlMessage &message)
             scopes.push_back(std::move(scope));
     }
     return scopes;
-}
-
-std::optional<std::string> parseHostname(const XmlMessage &message)
-{
-    const pugi::xml_node information =
-        child(message.body(), {"GetHostnameResponse", "HostnameInformation"});
-    if (!information)
-        return std::nullopt;
-    return cleanText(textOf(child(information, "Name")), maxInformationText);
 }
 
 } // namespace onvif

@@ -74,8 +74,6 @@ std::string buildGetNetworkProtocols();
 std::string buildSetNetworkProtocols(const std::vector<NetworkProtocol> &protocols);
 std::string buildGetScopes();
 std::string buildSetScopes(const std::vector<std::string> &scopes);
-std::string buildGetHostname();
-std::string buildSetHostname(const std::string &name);
 std::string buildSystemReboot();
 
 std::optional<DeviceInformation> parseDeviceInformation(const XmlMessage &message);
@@ -89,6 +87,5 @@ std::optional<Ipv4> parseNetworkDefaultGateway(const XmlMessage &message);
 std::optional<DnsInformation> parseDns(const XmlMessage &message);
 std::optional<std::vector<NetworkProtocol>> parseNetworkProtocols(const XmlMessage &message);
 std::optional<std::vector<DeviceScope>> parseScopes(const XmlMessage &message);
-std::optional<std::string> parseHostname(const XmlMessage &message);
 
 } // namespace onvif

@@ -1,6 +1,7 @@
 #include "platform/onvif/discovery_search.h"
 
 #include "platform/onvif/discovery_socket.h"
+#include "platform/onvif/log.h"
 #include "platform/onvif/network_interfaces.h"
 #include "platform/onvif/text.h"
 #include "platform/onvif/timer.h"
@@ -93,6 +94,7 @@ private:
     [[nodiscard]] std::vector<std::string> questions();
     void sendRound();
     void received(std::string_view datagram, const std::string &sender);
+    [[nodiscard]] bool isTarget(std::string_view sender) const;
     void add(DiscoveredDevice device);
     [[nodiscard]] Ipv4 subnetMaskOf(std::string_view sender) const;
     void finish();
@@ -108,9 +110,8 @@ private:
     std::vector<GObjectPtr<GSocketAddress>> m_targets;
     std::set<std::string> m_askedIds;
     std::vector<std::string> m_lastQuestions;
-    std::vector<DiscoveredDevice> m_devices;
+    SearchResult m_result;
     int m_datagrams = 0;
-    bool m_isEnough = false;
     std::array<Timer, rounds.size()> m_roundTimers;
     Timer m_endTimer;
 };
@@ -230,7 +231,8 @@ void DiscoverySearch::Private::sendRound()
 
 void DiscoverySearch::Private::received(std::string_view datagram, const std::string &sender)
 {
-    if (m_isEnough || ++m_datagrams > maxDatagrams)
+    if (m_result.wanted || ++m_datagrams > maxDatagrams ||
+        (m_scope.onlyTargets && !isTarget(sender)))
         return;
     std::optional<DiscoveryAnswer> answer = parseDiscoveryAnswer(datagram);
     if (!answer || (!answer->relatesTo.empty() && !m_askedIds.contains(answer->relatesTo)))
@@ -238,29 +240,37 @@ void DiscoverySearch::Private::received(std::string_view datagram, const std::st
     for (DiscoveredDevice &device : answer->devices) {
         device.senderAddress = sender;
         device.serviceAddress = chooseXAddr(device.xaddrs, sender, subnetMaskOf(sender));
+        g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s answers from %s: %s", device.uid.c_str(),
+              sender.c_str(), device.serviceAddress.c_str());
+        if (m_scope.isWanted && !m_result.wanted && m_scope.isWanted(device)) {
+            m_result.wanted = device;
+            // Not from here: the socket that is being read would go.
+            m_endTimer = Timer(m_context.get(), 0, [this] { finish(); });
+        }
         add(std::move(device));
     }
 }
 
+bool DiscoverySearch::Private::isTarget(std::string_view sender) const
+{
+    return std::any_of(
+        m_targets.begin(), m_targets.end(),
+        [sender](const GObjectPtr<GSocketAddress> &target) {
+            return hostText(target.get()) == sender;
+        });
+}
+
 void DiscoverySearch::Private::add(DiscoveredDevice device)
 {
+    std::vector<DiscoveredDevice> &devices = m_result.devices;
     const auto known =
-        std::find_if(m_devices.begin(), m_devices.end(), [&device](const DiscoveredDevice &other) {
+        std::find_if(devices.begin(), devices.end(), [&device](const DiscoveredDevice &other) {
             return sameUid(other.uid, device.uid);
         });
-    if (known != m_devices.end()) {
-        if (known->senderAddress == device.senderAddress)
-            fillGaps(*known, device);
-        return;
-    }
-    if (m_devices.size() >= maxDevices)
-        return;
-    m_devices.push_back(std::move(device));
-    if (m_scope.isEnough && !m_isEnough && m_scope.isEnough(m_devices.back())) {
-        m_isEnough = true;
-        // Not from here: the socket that is being read would go.
-        m_endTimer = Timer(m_context.get(), 0, [this] { finish(); });
-    }
+    if (known == devices.end() && devices.size() < maxDevices)
+        devices.push_back(std::move(device));
+    else if (known != devices.end() && known->senderAddress == device.senderAddress)
+        fillGaps(*known, device);
 }
 
 Ipv4 DiscoverySearch::Private::subnetMaskOf(std::string_view sender) const
@@ -282,7 +292,7 @@ void DiscoverySearch::Private::finish()
         timer = {};
     // The receiver may destroy the search.
     const Done done = std::exchange(m_done, nullptr);
-    done(std::move(m_devices));
+    done(std::move(m_result));
 }
 
 DiscoverySearch::DiscoverySearch(GMainContext *context, SearchScope scope, Done done)

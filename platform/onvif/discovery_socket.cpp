@@ -31,6 +31,8 @@ bool setMulticastInterface(GSocket *socket, Ipv4 address)
                       sizeof interfaceAddress) == 0;
 }
 
+} // namespace
+
 std::string hostText(GSocketAddress *address)
 {
     if (!G_IS_INET_SOCKET_ADDRESS(address))
@@ -38,8 +40,6 @@ std::string hostText(GSocketAddress *address)
     GInetAddress *host = g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(address));
     return GTextPtr(g_inet_address_to_string(host)).get();
 }
-
-} // namespace
 
 std::unique_ptr<DiscoverySocket> DiscoverySocket::open(GMainContext *context, GSocketFamily family,
                                                        std::optional<Ipv4> local, Received received)

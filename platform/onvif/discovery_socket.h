@@ -36,4 +36,7 @@ private:
     Received m_received;
 };
 
+/// The host of an internet address as text, without port; empty for other addresses.
+std::string hostText(GSocketAddress *address);
+
 } // namespace onvif

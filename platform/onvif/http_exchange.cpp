@@ -27,20 +27,14 @@ public:
         makeMessage();
     }
 
-    ~Exchange()
-    {
-        if (m_message)
-            g_signal_handlers_disconnect_by_data(m_message.get(), this);
-    }
+    ~Exchange() { disconnect(); }
 
     void start()
     {
         const unsigned limit = m_message ? m_post.milliseconds : 0;
         m_timeout = Timer(m_context.get(), limit, [this] { fail(); });
-        if (!m_message)
-            return;
-        soup_session_send_async(m_session.get(), m_message.get(), G_PRIORITY_DEFAULT,
-                                m_cancellable.get(), sent, reference());
+        if (m_message)
+            send();
     }
 
     void cancel()
@@ -63,21 +57,40 @@ private:
 
     void makeMessage()
     {
+        disconnect();
+        m_message.reset();
         if (!parseHttpAddress(m_post.address))
             return;
         m_message.reset(soup_message_new(SOUP_METHOD_POST, m_post.address.c_str()));
         if (!m_message)
             return;
         setBody(m_message.get(), this);
-        // A wrong password must not pass because a right one was used on the connection before.
+        // libsoup opens a new connection for each POST that is not marked as idempotent.
         soup_message_add_flags(m_message.get(),
-                               static_cast<SoupMessageFlags>(SOUP_MESSAGE_NO_REDIRECT |
-                                                             SOUP_MESSAGE_DO_NOT_USE_AUTH_CACHE));
-        g_signal_connect(m_message.get(), "authenticate", G_CALLBACK(authenticate), this);
-        // The body is used up when the message is sent a second time, with credentials.
+                               static_cast<SoupMessageFlags>(
+                                   SOUP_MESSAGE_NO_REDIRECT | SOUP_MESSAGE_COLLECT_METRICS |
+                                   (m_post.mayReuseConnection ? SOUP_MESSAGE_IDEMPOTENT
+                                                              : SOUP_MESSAGE_NEW_CONNECTION)));
+        if (!m_post.authorization.empty()) {
+            soup_message_headers_replace(soup_message_get_request_headers(m_message.get()),
+                                         "Authorization", m_post.authorization.c_str());
+        }
+        // The body is used up when libsoup sends the message a second time.
         g_signal_connect(m_message.get(), "restarted", G_CALLBACK(setBody), this);
         g_signal_connect(m_message.get(), "accept-certificate", G_CALLBACK(acceptCertificate),
                          nullptr);
+    }
+
+    void disconnect()
+    {
+        if (m_message)
+            g_signal_handlers_disconnect_by_data(m_message.get(), this);
+    }
+
+    void send()
+    {
+        soup_session_send_async(m_session.get(), m_message.get(), G_PRIORITY_DEFAULT,
+                                m_cancellable.get(), sent, reference());
     }
 
     static void setBody(SoupMessage *message, gpointer data)
@@ -86,17 +99,6 @@ private:
         GBytes *body = g_bytes_new(post.body.data(), post.body.size());
         soup_message_set_request_body_from_bytes(message, post.contentType.c_str(), body);
         g_bytes_unref(body);
-    }
-
-    static gboolean authenticate(SoupMessage *, SoupAuth *auth, gboolean isRetry, gpointer data)
-    {
-        auto *self = static_cast<Exchange *>(data);
-        const Credentials &credentials = self->m_post.credentials;
-        if (isRetry || credentials.user.empty() || soup_auth_is_for_proxy(auth))
-            return FALSE;
-        self->m_answer.wasChallenged = true;
-        soup_auth_authenticate(auth, credentials.user.c_str(), credentials.password.c_str());
-        return TRUE;
     }
 
     static gboolean acceptCertificate(SoupMessage *, GTlsCertificate *, GTlsCertificateFlags,
@@ -113,8 +115,27 @@ private:
         const GErrorPtr failure(error);
         if (self->m_stream)
             self->read();
+        else if (self->wasClosedBefore())
+            self->sendAgain();
         else
             self->fail();
+    }
+
+    // Devices close idle connections; the next request on one then gets a connection error.
+    [[nodiscard]] bool wasClosedBefore() const
+    {
+        SoupMessageMetrics *metrics = soup_message_get_metrics(m_message.get());
+        const bool wasReused = metrics && soup_message_metrics_get_connect_start(metrics) == 0 &&
+                               soup_message_metrics_get_request_start(metrics) != 0;
+        return m_post.mayReuseConnection && wasReused &&
+               !g_cancellable_is_cancelled(m_cancellable.get());
+    }
+
+    void sendAgain()
+    {
+        m_post.mayReuseConnection = false;
+        makeMessage();
+        send();
     }
 
     void read()
@@ -148,7 +169,25 @@ private:
             return;
         }
         m_answer.status = soup_message_get_status(m_message.get());
+        readHeaders();
         finish();
+    }
+
+    void readHeaders()
+    {
+        SoupMessageHeaders *headers = soup_message_get_response_headers(m_message.get());
+        SoupMessageHeadersIter header;
+        soup_message_headers_iter_init(&header, headers);
+        const char *name = nullptr;
+        const char *value = nullptr;
+        while (soup_message_headers_iter_next(&header, &name, &value))
+            if (g_ascii_strcasecmp(name, "WWW-Authenticate") == 0)
+                m_answer.challenges.emplace_back(value);
+        const char *date = soup_message_headers_get_one(headers, "Date");
+        if (GDateTime *moment = date ? soup_date_time_new_from_http_string(date) : nullptr) {
+            m_answer.date = g_date_time_to_unix(moment);
+            g_date_time_unref(moment);
+        }
     }
 
     void fail()
@@ -197,6 +236,8 @@ GObjectPtr<SoupSession> newHttpSession(GMainContext *context)
         "max-conns-per-host", connectionsPerDevice, "timeout", 0, "idle-timeout", 15, nullptr));
     soup_session_set_proxy_resolver(session.get(), nullptr);
     soup_session_remove_feature_by_type(session.get(), SOUP_TYPE_CONTENT_DECODER);
+    // libsoup would answer any Basic challenge in clear, and knows MD5 digests only.
+    soup_session_remove_feature_by_type(session.get(), SOUP_TYPE_AUTH_MANAGER);
     return session;
 }
 

@@ -2,13 +2,15 @@
 
 #include "platform/onvif/glib_ptr.h"
 #include "platform/onvif/request.h"
-#include "platform/onvif/soap_status.h"
 
 #include <libsoup/soup.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace onvif {
 
@@ -18,7 +20,8 @@ struct HttpAnswer
     unsigned status = 0;
     std::string body;
     bool isTooLarge = false;
-    bool wasChallenged = false; ///< the credentials were requested and sent
+    std::vector<std::string> challenges; ///< WWW-Authenticate headers
+    std::optional<std::int64_t> date;    ///< header of that name, in seconds since 1970
 };
 
 /// One POST of a SOAP envelope.
@@ -27,12 +30,15 @@ struct HttpPost
     std::string address;
     std::string contentType;
     std::string body;
-    Credentials credentials; ///< for HTTP authorization; with an empty user nothing is signed
-    unsigned milliseconds = 5000;
+    std::string authorization; ///< header of that name; empty: none
+    unsigned milliseconds = 0; ///< how long the exchange may take
+    /// Whether it may go out over a connection that was used before, and once more over a new one
+    /// when the device has closed that without a word.
+    bool mayReuseConnection = false;
 };
 
 /// Makes the session that posts are sent through, bound to a context: no proxy, no cookies, no
-/// decompression.
+/// logins of its own, no decompression.
 GObjectPtr<SoupSession> newHttpSession(GMainContext *context);
 
 /// Sends the post on the context given, the default of the calling thread; done is called there,

@@ -46,7 +46,7 @@ RequestPtr MediaClient::setSynchronizationPoint(const std::string &profileToken,
                                                 std::function<void(SoapStatus)> done)
 {
     return tell(m_soap, m_service, action("SetSynchronizationPoint"),
-                buildSetSynchronizationPoint(profileToken), std::move(done));
+                buildSetSynchronizationPoint(profileToken), SoapKind::Question, std::move(done));
 }
 
 } // namespace onvif

@@ -4,6 +4,7 @@
 #include "platform/onvif/xml_message.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace onvif {
 
@@ -11,6 +12,8 @@ namespace {
 
 constexpr std::size_t maxTokenLength = 256;
 constexpr int maxSide = 32'768;
+// Smaller pictures are made for telephones and are too coarse for a tile.
+constexpr int smallestTileWidth = 320;
 
 long long area(const MediaProfile &profile)
 {
@@ -61,6 +64,8 @@ std::vector<MediaProfile> parseProfiles(const XmlMessage &message)
         MediaProfile profile;
         profile.token = token;
         profile.name = cleanText(textOf(child(node, "Name")), maxTokenLength);
+        profile.source = cleanText(textOf(child(node, {"VideoSourceConfiguration", "SourceToken"})),
+                                   maxTokenLength);
         profile.width = side(child(encoder, {"Resolution", "Width"}));
         profile.height = side(child(encoder, {"Resolution", "Height"}));
         profiles.push_back(std::move(profile));
@@ -79,8 +84,22 @@ std::optional<ProfileChoice> chooseProfiles(const std::vector<MediaProfile> &pro
 {
     if (profiles.empty())
         return std::nullopt;
-    return ProfileChoice{*std::max_element(profiles.begin(), profiles.end(), isSmaller),
-                         *std::min_element(profiles.begin(), profiles.end(), isSmaller)};
+    std::vector<MediaProfile> ofSource;
+    std::copy_if(profiles.begin(), profiles.end(), std::back_inserter(ofSource),
+                 [&profiles](const MediaProfile &profile) {
+                     return profile.source == profiles.front().source;
+                 });
+    std::stable_sort(ofSource.begin(), ofSource.end(), isSmaller);
+    // The first of the largest, as the device's order has it.
+    const auto main =
+        std::lower_bound(ofSource.begin(), ofSource.end(), ofSource.back(), isSmaller);
+    const auto fills = [](const MediaProfile &profile) {
+        return profile.width >= smallestTileWidth;
+    };
+    auto sub = std::find_if(ofSource.begin(), main, fills);
+    if (sub == main && sub != ofSource.begin())
+        --sub;
+    return ProfileChoice{*main, *sub};
 }
 
 } // namespace onvif

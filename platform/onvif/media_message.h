@@ -17,7 +17,8 @@ struct MediaProfile
 {
     std::string token;
     std::string name;
-    int width = 0; ///< pixels; 0 when the device does not report it
+    std::string source; ///< the lens or channel; empty when the device does not tell
+    int width = 0;      ///< pixels; 0 when the device does not tell
     int height = 0;
 };
 
@@ -25,7 +26,7 @@ struct MediaProfile
 struct ProfileChoice
 {
     MediaProfile main; ///< the largest picture
-    MediaProfile sub;  ///< the smallest; the same when there is only one
+    MediaProfile sub;  ///< the smallest that fills a tile; the same when there is only one
 };
 
 std::string buildGetProfiles();
@@ -38,6 +39,7 @@ std::vector<MediaProfile> parseProfiles(const XmlMessage &message);
 /// The address in a GetStreamUriResponse, as the device reports it; empty when there is none.
 std::string parseStreamUri(const XmlMessage &message);
 
+/// Both from the video source of the first profile: other lenses and channels are other pictures.
 /// nullopt without profiles. Of equal sizes the first one is taken.
 std::optional<ProfileChoice> chooseProfiles(const std::vector<MediaProfile> &profiles);
 

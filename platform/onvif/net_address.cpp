@@ -59,20 +59,20 @@ GUriPtr parseUri(std::string_view address)
     return GUriPtr(g_uri_parse(std::string(address).c_str(), uriFlags, nullptr));
 }
 
-// How well an advertised address suits: 0 not at all.
+constexpr int sameHost = 2;
+constexpr int sameSubnet = 1;
+
+// How well the host of an advertised address suits: 0 not at all.
 int suitability(const HttpAddress &address, Ipv4 sender, Ipv4 subnetMask)
 {
     const std::optional<Ipv4> host = parseIpv4(address.host);
     if (!host)
         return 0;
-    const int plain = address.secure ? 0 : 1;
     if (*host == sender)
-        return 4 + plain;
+        return sameHost;
     if (isLoopback(*host) || isLoopback(sender))
-        return isLoopback(*host) && isLoopback(sender) ? 2 + plain : 0;
-    if (subnetMask != 0 && (*host & subnetMask) == (sender & subnetMask))
-        return 2 + plain;
-    return 0;
+        return isLoopback(*host) && isLoopback(sender) ? sameSubnet : 0;
+    return subnetMask != 0 && (*host & subnetMask) == (sender & subnetMask) ? sameSubnet : 0;
 }
 
 } // namespace
@@ -155,23 +155,26 @@ std::string chooseXAddr(const std::vector<std::string> &xaddrs, std::string_view
                         Ipv4 subnetMask)
 {
     const std::optional<Ipv4> senderAddress = parseIpv4(sender);
-    std::string chosen;
+    std::optional<HttpAddress> chosen;
     int best = 0;
     for (const std::string &candidate : xaddrs) {
-        const std::optional<HttpAddress> address = parseHttpAddress(candidate);
+        std::optional<HttpAddress> address = parseHttpAddress(candidate);
         if (!address)
             continue;
         int suits = 0;
         if (senderAddress)
             suits = suitability(*address, *senderAddress, subnetMask);
         else if (address->host == sender)
-            suits = 4 + (address->secure ? 0 : 1);
+            suits = sameHost;
+        if (suits == 0)
+            address->host = sender;
+        suits = 2 * suits + (address->secure ? 1 : 2);
         if (suits > best) {
             best = suits;
-            chosen = address->text();
+            chosen = std::move(address);
         }
     }
-    return chosen.empty() ? usualDeviceService(std::string(sender)) : chosen;
+    return chosen ? chosen->text() : usualDeviceService(std::string(sender));
 }
 
 std::string serviceAtDevice(std::string_view serviceAddress, const std::string &deviceAddress)

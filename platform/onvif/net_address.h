@@ -37,8 +37,10 @@ std::optional<HttpAddress> parseHttpAddress(std::string_view text);
 std::string usualDeviceService(const std::string &host, int port = 80);
 
 /// The address of a device's service among those that it advertises: http before https, on the
-/// sender itself before its subnet. One that points elsewhere is not followed, and one on the
-/// loopback interface only when the sender is there; without any, the usual address at the sender.
+/// sender itself before its subnet. One that points elsewhere (a host name, an address behind
+/// translation) is not followed: its port and path are looked for at the sender, as are those of
+/// one on the loopback interface unless the sender is there. Without any, the usual address at the
+/// sender.
 std::string chooseXAddr(const std::vector<std::string> &xaddrs, std::string_view sender,
                         Ipv4 subnetMask);
 

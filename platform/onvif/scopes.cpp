@@ -54,7 +54,17 @@ ScopeTexts textsFromScopes(const std::vector<std::string> &scopes)
 
 std::string scopeFor(std::string_view kind, std::string_view text)
 {
-    return std::string(scopeRoot) + std::string(kind) + '/' + percentEncode(text);
+    const std::string start = std::string(scopeRoot) + std::string(kind) + '/';
+    if (kind != "location")
+        return start + percentEncode(text);
+    // Locations may be paths (ONVIF Core 7.3.2.2).
+    std::string path;
+    for (std::size_t slash = text.find('/'); slash != std::string_view::npos;
+         slash = text.find('/')) {
+        path += percentEncode(text.substr(0, slash)) + '/';
+        text.remove_prefix(slash + 1);
+    }
+    return start + path + percentEncode(text);
 }
 
 bool isScopeOf(std::string_view scope, std::string_view kind)

@@ -26,7 +26,7 @@ inline constexpr std::size_t maxScopeText = 256;
 ScopeTexts textsFromScopes(const std::vector<std::string> &scopes);
 
 /// The scope that says a text, such as "onvif://www.onvif.org/name/Front%20door". kind is "name"
-/// or "location".
+/// or "location"; a location may be a path, "country/city".
 std::string scopeFor(std::string_view kind, std::string_view text);
 
 /// Whether a scope is of this kind ("name", "hardware", "location"), whatever its text.

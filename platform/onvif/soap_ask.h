@@ -11,10 +11,11 @@ namespace onvif {
 /// An answer that cannot be read is a Fault.
 template <class T, class Parse>
 RequestPtr ask(SoapClient &soap, const std::string &service, const std::string &action,
-               const std::string &body, Parse parse, std::function<void(SoapStatus, T)> done)
+               const std::string &body, Parse parse, std::function<void(SoapStatus, T)> done,
+               SoapKind kind = SoapKind::Question)
 {
     return soap.call(
-        service, action, body,
+        service, action, body, kind,
         [parse = std::move(parse), done = std::move(done)](const SoapReply &reply) {
             if (reply.status != SoapStatus::Ok) {
                 done(reply.status, T{});
@@ -30,10 +31,10 @@ RequestPtr ask(SoapClient &soap, const std::string &service, const std::string &
 
 /// Calls a service whose answer says no more than that it was done.
 inline RequestPtr tell(SoapClient &soap, const std::string &service, const std::string &action,
-                       const std::string &body, std::function<void(SoapStatus)> done)
+                       const std::string &body, SoapKind kind, std::function<void(SoapStatus)> done)
 {
     return soap.call(
-        service, action, body,
+        service, action, body, kind,
         [done = std::move(done)](const SoapReply &reply) { done(reply.status); });
 }
 

@@ -1,10 +1,16 @@
 #include "platform/onvif/soap_client.h"
 
 #include "platform/onvif/http_exchange.h"
+#include "platform/onvif/http_login.h"
+#include "platform/onvif/log.h"
+#include "platform/onvif/login_memory.h"
+#include "platform/onvif/net_address.h"
 #include "platform/onvif/soap_message.h"
 
 #include <cstdlib>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace onvif {
 
@@ -14,35 +20,64 @@ constexpr const char *clockAction = "http://www.onvif.org/ver10/device/wsdl/GetS
 constexpr const char *clockBody = "<tds:GetSystemDateAndTime/>";
 // A device whose clock was changed refuses old dates; smaller steps are no reason to sign again.
 constexpr std::int64_t clockStep = 2;
+// Some devices lock an account after a few wrong answers.
+constexpr int maxTokens = 2;
 
 enum class Signing
 {
-    Http,  ///< digest or basic, as the device requires
+    Http,  ///< as the device asks
     Token, ///< WS-Security UsernameToken
 };
 
-SoapReply readReply(const HttpAnswer &answer)
+struct ReadReply
 {
     SoapReply reply;
+    bool isBareRefusal = false; ///< an HTTP error that does not say what is wrong
+};
+
+ReadReply readReply(const HttpAnswer &answer, const std::string &action)
+{
+    ReadReply read;
     if (answer.status == 0) {
-        reply.text = "no answer";
-        return reply;
+        g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: no answer", action.c_str());
+        return read;
     }
-    reply.status = SoapStatus::Fault;
-    reply.text = "HTTP status " + std::to_string(answer.status);
+    read.reply.status = SoapStatus::Fault;
     std::optional<XmlMessage> message;
     if (!answer.isTooLarge)
         message = XmlMessage::parse(answer.body);
     const std::optional<SoapFault> fault = message ? faultIn(*message) : std::nullopt;
-    if (fault)
-        reply.text += ", " + fault->text;
+    g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: HTTP status %u %s", action.c_str(), answer.status,
+          fault ? fault->text.c_str() : "");
     if (answer.status == 401 || answer.status == 403 || (fault && fault->isRefusal)) {
-        reply.status = SoapStatus::Refused;
+        read.reply.status = SoapStatus::Refused;
     } else if (!fault && message && answer.status / 100 == 2) {
-        reply.status = SoapStatus::Ok;
-        reply.message = std::make_shared<const XmlMessage>(std::move(*message));
+        read.reply.status = SoapStatus::Ok;
+        read.reply.message = std::make_shared<const XmlMessage>(std::move(*message));
+    } else {
+        read.isBareRefusal = !fault && (answer.status == 400 || answer.status == 500);
     }
-    return reply;
+    return read;
+}
+
+// What the device's clock may be ahead, the best guess first. Without any time from the device its
+// clock is taken to be right.
+std::vector<std::int64_t> clockOffsets(const SoapReply &reply, const HttpAnswer &answer)
+{
+    const std::int64_t now = g_get_real_time() / G_USEC_PER_SEC;
+    std::vector<std::int64_t> offsets;
+    const auto add = [&offsets](std::int64_t offset) {
+        for (const std::int64_t known : offsets)
+            if (std::abs(known - offset) <= clockStep)
+                return;
+        offsets.push_back(offset);
+    };
+    if (const auto time = reply.message ? parseSystemTime(*reply.message) : std::nullopt)
+        add(*time - now);
+    if (answer.date)
+        add(*answer.date - now);
+    add(0);
+    return offsets;
 }
 
 } // namespace
@@ -59,8 +94,10 @@ struct SoapClient::Session
     GObjectPtr<SoupSession> http;
     std::string deviceService;
     Credentials credentials;
-    unsigned milliseconds = 5000;
+    SoapOptions options;
     Signing signing = Signing::Http;
+    std::optional<HttpDigest> digest;        ///< answers the challenge that was accepted last
+    bool takesBasic = false;                 ///< it was accepted after a token was refused
     std::optional<std::int64_t> clockOffset; ///< seconds the device's clock is ahead
 };
 
@@ -68,97 +105,184 @@ class SoapClient::Call : public Request
 {
 public:
     Call(std::shared_ptr<Session> session, std::string service, std::string action,
-         std::string body, Done done)
+         std::string body, SoapKind kind, Done done)
         : m_session(std::move(session))
+        , m_address(parseHttpAddress(service).value_or(HttpAddress()))
         , m_service(std::move(service))
         , m_action(std::move(action))
         , m_body(std::move(body))
+        , m_kind(kind)
         , m_done(std::move(done))
     {
         if (m_session->signing == Signing::Http)
-            sendForHttpSigning();
+            sendUnsignedOrDigest();
         else if (m_session->clockOffset)
-            sendSigned();
+            sendToken();
         else
             readClock();
     }
 
 private:
-    void post(const std::string &service, const std::string &action, const std::string &envelope,
-              const Credentials &credentials, std::function<void(HttpAnswer)> answered)
+    void post(const std::string &service, const std::string &action, SoapKind kind,
+              const std::string &envelope, const std::string &authorization,
+              std::function<void(HttpAnswer)> answered)
     {
+        const SoapOptions &options = m_session->options;
         HttpPost post;
         post.address = service;
         post.contentType = "application/soap+xml; charset=utf-8; action=\"" + action + '"';
         post.body = envelope;
-        post.credentials = credentials;
-        post.milliseconds = m_session->milliseconds;
+        post.authorization = authorization;
+        post.milliseconds =
+            kind == SoapKind::Question ? options.questionMilliseconds : options.changeMilliseconds;
+        post.mayReuseConnection = kind == SoapKind::Question;
         m_exchange = postHttp(m_session->context.get(), m_session->http.get(), std::move(post),
                               std::move(answered));
     }
 
-    void sendForHttpSigning()
+    [[nodiscard]] bool hasUser() const { return !m_session->credentials.user.empty(); }
+
+    void sendUnsignedOrDigest()
     {
-        post(
-            m_service, m_action, buildEnvelope(m_body), m_session->credentials,
-            [this](const HttpAnswer &answer) {
-                const SoapReply reply = readReply(answer);
-                const bool canUseToken =
-                    !answer.wasChallenged && !m_session->credentials.user.empty();
-                if (reply.status == SoapStatus::Refused && canUseToken)
-                    readClock();
-                else
-                    finish(reply);
-            });
+        std::string authorization;
+        if (m_session->digest && hasUser()) {
+            authorization =
+                m_session->digest->authorization("POST", m_address.path, m_session->credentials);
+        }
+        const bool isSigned = !authorization.empty();
+        post(m_service, m_action, m_kind, buildEnvelope(m_body), authorization,
+             [this, isSigned](const HttpAnswer &answer) { httpAnswered(answer, isSigned); });
+    }
+
+    void httpAnswered(const HttpAnswer &answer, bool wasSigned)
+    {
+        const ReadReply read = readReply(answer, m_action);
+        const std::vector<HttpChallenge> challenges = parseChallenges(answer.challenges);
+        if (answer.status == 401 && mayAnswer(challenges)) {
+            sendUnsignedOrDigest();
+            return;
+        }
+        if (answer.status == 401)
+            m_session->digest.reset();
+        m_asksForBasic = offersScheme(challenges, "basic") && !offersScheme(challenges, "digest");
+        const bool isRefused =
+            read.reply.status == SoapStatus::Refused || (read.isBareRefusal && !wasSigned);
+        if (!isRefused || !hasUser()) {
+            finish(read.reply);
+            return;
+        }
+        m_refusal = read.reply;
+        if (m_session->takesBasic)
+            tokensRefused();
+        else
+            readClock();
+    }
+
+    // Whether there is a digest for these challenges that has not been refused already.
+    bool mayAnswer(const std::vector<HttpChallenge> &challenges)
+    {
+        std::optional<HttpDigest> digest = HttpDigest::choose(challenges);
+        if (offersScheme(challenges, "digest"))
+            LoginMemory::instance().sawSecretLogin(m_address.host);
+        const bool isNew = digest && (m_answered == 0 || (digest->isStale() && m_answered == 1));
+        if (!isNew || !hasUser())
+            return false;
+        ++m_answered;
+        m_session->digest = std::move(digest);
+        return true;
     }
 
     void readClock()
     {
         post(
-            m_session->deviceService, clockAction, buildEnvelope(clockBody), {},
+            m_session->deviceService, clockAction, SoapKind::Question, buildEnvelope(clockBody), {},
             [this](const HttpAnswer &answer) {
-                const SoapReply reply = readReply(answer);
+                const SoapReply reply = readReply(answer, clockAction).reply;
                 if (reply.status == SoapStatus::NoAnswer) {
                     finish(reply);
                     return;
                 }
-                std::optional<std::int64_t> time;
-                if (reply.message)
-                    time = parseSystemTime(*reply.message);
-                const std::int64_t now = g_get_real_time() / G_USEC_PER_SEC;
-                const std::int64_t offset = time ? *time - now : 0;
-                gotClock(offset);
+                m_offsets = clockOffsets(reply, answer);
+                sendNextToken();
             });
     }
 
-    void gotClock(std::int64_t offset)
+    // The next clock that the device may have, but for the one that was tried already.
+    void sendNextToken()
     {
-        const bool isSame =
-            m_session->clockOffset && std::abs(*m_session->clockOffset - offset) <= clockStep;
-        m_session->clockOffset = offset;
-        if (m_refusal && isSame)
-            finish(*m_refusal);
-        else
-            sendSigned();
+        const std::optional<std::int64_t> tried = m_session->clockOffset;
+        while (m_tokens > 0 && !m_offsets.empty() && tried &&
+               std::abs(m_offsets.front() - *tried) <= clockStep)
+            m_offsets.erase(m_offsets.begin());
+        if (m_offsets.empty() || m_tokens == maxTokens) {
+            tokensRefused();
+            return;
+        }
+        m_session->clockOffset = m_offsets.front();
+        m_offsets.erase(m_offsets.begin());
+        sendToken();
     }
 
-    void sendSigned()
+    void sendToken()
     {
+        ++m_tokens;
         const TokenStamp stamp = TokenStamp::now(m_session->clockOffset.value_or(0));
-        post(m_service, m_action, buildSignedEnvelope(m_body, m_session->credentials, stamp), {},
-             [this](const HttpAnswer &answer) {
-                 const SoapReply reply = readReply(answer);
-                 const bool wasGood = m_session->signing == Signing::Token;
-                 if (reply.status == SoapStatus::Ok)
-                     m_session->signing = Signing::Token;
-                 if (reply.status == SoapStatus::Refused && wasGood && !m_refusal) {
-                     // It worked before: perhaps the device's clock was set meanwhile.
-                     m_refusal = reply;
-                     readClock();
-                 } else {
-                     finish(reply);
-                 }
-             });
+        post(m_service, m_action, m_kind,
+             buildSignedEnvelope(m_body, m_session->credentials, stamp), {},
+             [this](const HttpAnswer &answer) { tokenAnswered(answer); });
+    }
+
+    void tokenAnswered(const HttpAnswer &answer)
+    {
+        const ReadReply read = readReply(answer, m_action);
+        if (read.reply.status == SoapStatus::Ok) {
+            m_session->signing = Signing::Token;
+            LoginMemory::instance().sawSecretLogin(m_address.host);
+        }
+        if (read.reply.status != SoapStatus::Refused) {
+            finish(read.reply);
+            return;
+        }
+        m_refusal = read.reply;
+        // It worked before: perhaps the device's clock was set meanwhile.
+        if (m_tokens == 1 && m_offsets.empty() && m_session->signing == Signing::Token)
+            readClock();
+        else
+            sendNextToken();
+    }
+
+    void tokensRefused()
+    {
+        if (m_asksForBasic && maySendClear())
+            sendBasic();
+        else
+            finish(*m_refusal);
+    }
+
+    [[nodiscard]] bool maySendClear() const
+    {
+        if (m_address.secure)
+            return true;
+        const bool isAllowed = m_session->options.clearPassword == ClearPassword::AsLastResort &&
+                               !LoginMemory::instance().hasSecretLogin(m_address.host);
+        if (!isAllowed) {
+            g_log(logDomain, G_LOG_LEVEL_DEBUG,
+                  "%s: %s asks for the password in clear and does not get it", m_action.c_str(),
+                  m_address.host.c_str());
+        }
+        return isAllowed;
+    }
+
+    void sendBasic()
+    {
+        post(
+            m_service, m_action, m_kind, buildEnvelope(m_body),
+            basicAuthorization(m_session->credentials),
+            [this](const HttpAnswer &answer) {
+                const SoapReply reply = readReply(answer, m_action).reply;
+                m_session->takesBasic = reply.status == SoapStatus::Ok;
+                finish(reply);
+            });
     }
 
     void finish(const SoapReply &reply)
@@ -170,19 +294,27 @@ private:
     }
 
     std::shared_ptr<Session> m_session;
+    HttpAddress m_address; ///< m_service, taken apart
     std::string m_service;
     std::string m_action;
     std::string m_body;
+    SoapKind m_kind;
     Done m_done;
-    std::optional<SoapReply> m_refusal; ///< of a token that used to be accepted
+    int m_answered = 0; ///< digest challenges of this call
+    int m_tokens = 0;   ///< sent in this call
+    bool m_asksForBasic = false;
+    std::vector<std::int64_t> m_offsets; ///< of the device's clock, not tried yet
+    std::optional<SoapReply> m_refusal;
     RequestPtr m_exchange;
 };
 
-SoapClient::SoapClient(GMainContext *context, std::string deviceService, Credentials credentials)
+SoapClient::SoapClient(GMainContext *context, std::string deviceService, Credentials credentials,
+                       SoapOptions options)
     : m_session(std::make_shared<Session>(context))
 {
     m_session->deviceService = std::move(deviceService);
     m_session->credentials = std::move(credentials);
+    m_session->options = options;
 }
 
 SoapClient::~SoapClient() = default;
@@ -192,15 +324,10 @@ const std::string &SoapClient::deviceService() const
     return m_session->deviceService;
 }
 
-void SoapClient::setTimeout(unsigned milliseconds)
-{
-    m_session->milliseconds = milliseconds;
-}
-
 RequestPtr SoapClient::call(const std::string &service, const std::string &action,
-                            const std::string &body, Done done)
+                            const std::string &body, SoapKind kind, Done done)
 {
-    return std::make_unique<Call>(m_session, service, action, body, std::move(done));
+    return std::make_unique<Call>(m_session, service, action, body, kind, std::move(done));
 }
 
 } // namespace onvif

@@ -12,21 +12,44 @@
 
 namespace onvif {
 
-/// How a request ended. message is set with SoapStatus::Ok only; text describes a failure, for the
-/// log.
+/// How a request ended. message is set with SoapStatus::Ok only.
 struct SoapReply
 {
     SoapStatus status = SoapStatus::NoAnswer;
     std::shared_ptr<const XmlMessage> message;
-    std::string text;
+};
+
+/// Whether a password may go over the network in clear: HTTP basic without TLS.
+enum class ClearPassword
+{
+    Never,
+    /// To a device that has never offered anything better in this process and refused a token.
+    /// For devices whose address the user typed; a multicast answer may come from any host.
+    AsLastResort,
+};
+
+/// Whether a request changes the device, which sets its time limit.
+enum class SoapKind
+{
+    Question,
+    Change, ///< sent over a new connection, never sent twice
+};
+
+struct SoapOptions
+{
+    ClearPassword clearPassword = ClearPassword::Never;
+    unsigned questionMilliseconds = 5000; ///< for one exchange with the device
+    unsigned changeMilliseconds = 15'000; ///< the same, of a SoapKind::Change
 };
 
 /// Talks SOAP over HTTP with one device on behalf of one user.
 ///
-/// The credentials go out by HTTP digest (or basic, when the device knows nothing else). A device
-/// that refuses without asking for either gets a UsernameToken, dated by its own clock; never both
-/// in one message. The way that worked is kept. Certificates are not checked: cameras make their
-/// own. Answers are limited to XmlMessage::maxBytes; redirections are not followed.
+/// The login goes out by HTTP digest (MD5 or SHA-256) where the device asks for it. A device that
+/// refuses otherwise, or takes no digest, gets a WS-Security UsernameToken, dated by its own clock;
+/// never both in one message. HTTP basic comes last: over TLS, or where ClearPassword allows it.
+/// The way that worked and the nonce are kept. Wrong credentials reach the device at most three
+/// times a call. Certificates are not checked: cameras make their own. Answers are limited to
+/// XmlMessage::maxBytes; redirections are not followed.
 ///
 /// Belongs to the thread that runs the context as its default.
 class SoapClient
@@ -35,19 +58,17 @@ public:
     using Done = std::function<void(SoapReply)>;
 
     /// deviceService: address of the device service, which also reports the device's clock.
-    SoapClient(GMainContext *context, std::string deviceService, Credentials credentials);
+    SoapClient(GMainContext *context, std::string deviceService, Credentials credentials,
+               SoapOptions options = {});
     ~SoapClient();
     SoapClient(const SoapClient &) = delete;
     SoapClient &operator=(const SoapClient &) = delete;
 
     [[nodiscard]] const std::string &deviceService() const;
 
-    /// How long one exchange with the device may take, in milliseconds; 5000 unless set.
-    void setTimeout(unsigned milliseconds);
-
     /// Sends a body (see buildEnvelope) to a service of the device.
     [[nodiscard]] RequestPtr call(const std::string &service, const std::string &action,
-                                  const std::string &body, Done done);
+                                  const std::string &body, SoapKind kind, Done done);
 
 private:
     class Call;

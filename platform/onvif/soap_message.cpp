@@ -6,7 +6,9 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <array>
+#include <charconv>
 #include <random>
 
 namespace onvif {
@@ -65,11 +67,56 @@ std::string securityHeader(const Credentials &credentials, const TokenStamp &sta
 bool saysRefused(std::string_view text)
 {
     const std::string lower = lowerAscii(text);
-    for (const char *word : {"notauthorized", "not authorized", "failedauthentication",
-                             "failedcheck", "invalidsecurity", "unauthorized"})
+    for (const char *word :
+         {"notauthorized", "not authorized", "failedauthentication", "failedcheck",
+          "invalidsecurity", "unauthorized", "authentication failed", "authentication failure",
+          "authority failure", "login failed", "access denied", "messageexpired"})
         if (lower.find(word) != std::string::npos)
             return true;
     return false;
+}
+
+// A tt:DateTime, taken for UTC, in seconds since 1970. GLib checks the ranges of all fields.
+std::optional<std::int64_t> momentIn(pugi::xml_node dateTime)
+{
+    const pugi::xml_node date = child(dateTime, "Date");
+    const pugi::xml_node time = child(dateTime, "Time");
+    GDateTime *moment = g_date_time_new_utc(
+        numberOf(child(date, "Year"), -1), numberOf(child(date, "Month"), -1),
+        numberOf(child(date, "Day"), -1), numberOf(child(time, "Hour"), -1),
+        numberOf(child(time, "Minute"), -1), numberOf(child(time, "Second"), -1));
+    if (!moment)
+        return std::nullopt;
+    const std::int64_t seconds = g_date_time_to_unix(moment);
+    g_date_time_unref(moment);
+    return seconds;
+}
+
+// How many seconds a zone is behind UTC by the offset of a POSIX TZ text (IEEE 1003.1, 8.3) such as
+// "CST-8" or "<+0330>-3:30"; what follows the offset, the rules of summer time, is not read. The
+// text is never handed to the system, which would open a file of that name.
+std::optional<std::int64_t> secondsWest(std::string_view zone, bool isSummer)
+{
+    const std::size_t end = zone.starts_with('<') ? zone.find('>') : std::string_view::npos;
+    zone.remove_prefix(end == std::string_view::npos ? 0 : end + 1);
+    zone.remove_prefix(std::min(zone.find_first_of("+-0123456789"), zone.size()));
+    const bool isNegative = zone.starts_with('-');
+    zone.remove_prefix(isNegative || zone.starts_with('+') ? 1 : 0);
+    std::int64_t seconds = 0;
+    for (std::int64_t unit = 3600; unit > 0; unit /= 60) {
+        unsigned value = 0;
+        const auto [next, error] = std::from_chars(zone.data(), zone.data() + zone.size(), value);
+        const unsigned limit = unit == 3600 ? 24 : 59;
+        if (error != std::errc() || value > limit)
+            return std::nullopt;
+        seconds += unit * value;
+        zone.remove_prefix(static_cast<std::size_t>(next - zone.data()));
+        if (!zone.starts_with(':'))
+            break;
+        zone.remove_prefix(1);
+    }
+    constexpr std::int64_t summerTime = 3600;
+    return (isNegative ? -seconds : seconds) - (isSummer ? summerTime : 0);
 }
 
 } // namespace
@@ -132,20 +179,14 @@ std::optional<SoapFault> faultIn(const XmlMessage &message)
 
 std::optional<std::int64_t> parseSystemTime(const XmlMessage &message)
 {
-    const pugi::xml_node utc =
-        child(message.body(), {"GetSystemDateAndTimeResponse", "SystemDateAndTime", "UTCDateTime"});
-    const pugi::xml_node date = child(utc, "Date");
-    const pugi::xml_node time = child(utc, "Time");
-    // GLib checks the ranges of all fields.
-    GDateTime *moment = g_date_time_new_utc(
-        numberOf(child(date, "Year"), -1), numberOf(child(date, "Month"), -1),
-        numberOf(child(date, "Day"), -1), numberOf(child(time, "Hour"), -1),
-        numberOf(child(time, "Minute"), -1), numberOf(child(time, "Second"), -1));
-    if (!moment)
-        return std::nullopt;
-    const std::int64_t seconds = g_date_time_to_unix(moment);
-    g_date_time_unref(moment);
-    return seconds;
+    const pugi::xml_node system =
+        child(message.body(), {"GetSystemDateAndTimeResponse", "SystemDateAndTime"});
+    if (const auto utc = momentIn(child(system, "UTCDateTime")))
+        return utc;
+    const auto local = momentIn(child(system, "LocalDateTime"));
+    const auto west = secondsWest(textOf(child(system, {"TimeZone", "TZ"})),
+                                  isTrue(child(system, "DaylightSavings")));
+    return local && west ? std::optional(*local + *west) : std::nullopt;
 }
 
 } // namespace onvif

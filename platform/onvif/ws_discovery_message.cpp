@@ -5,12 +5,15 @@
 
 #include <glib.h>
 
+#include <algorithm>
+
 namespace onvif {
 
 namespace {
 
 constexpr std::size_t maxXAddrs = 16;
 constexpr std::size_t maxScopes = 128;
+constexpr std::size_t maxTypes = 16;
 
 std::string envelope(std::string_view action, std::string_view messageId, std::string_view body)
 {
@@ -49,13 +52,36 @@ std::vector<std::string> words(std::string_view text, std::size_t maxCount)
     return found;
 }
 
-bool isOnvifDevice(std::string_view types, const std::vector<std::string> &scopes)
+// The namespace that a prefix stands for at a node.
+std::string_view namespaceOf(pugi::xml_node node, const std::string &prefix)
 {
-    for (const std::string &scope : scopes)
-        if (lowerAscii(scope).starts_with("onvif://"))
-            return true;
-    return types.find("NetworkVideoTransmitter") != std::string_view::npos ||
-           types.find("Device") != std::string_view::npos;
+    const std::string name = prefix.empty() ? "xmlns" : "xmlns:" + prefix;
+    for (; node; node = node.parent())
+        if (const pugi::xml_attribute attribute = node.attribute(name.c_str()))
+            return attribute.value();
+    return {};
+}
+
+// Printers and computers announce a "Device" too, that of another namespace.
+bool isOnvifType(pugi::xml_node types, const std::string &type)
+{
+    const std::size_t colon = type.find(':');
+    const std::string prefix = colon == std::string::npos ? std::string() : type.substr(0, colon);
+    const std::string local = type.substr(colon == std::string::npos ? 0 : colon + 1);
+    return local == "NetworkVideoTransmitter" ||
+           (local == "Device" &&
+            namespaceOf(types, prefix).find("onvif.org") != std::string_view::npos);
+}
+
+bool isOnvifDevice(pugi::xml_node types, const std::vector<std::string> &scopes)
+{
+    const std::vector<std::string> names = words(textOf(types), maxTypes);
+    return std::any_of(scopes.begin(), scopes.end(),
+                       [](const std::string &scope) {
+                           return lowerAscii(scope).starts_with("onvif://");
+                       }) ||
+           std::any_of(names.begin(), names.end(),
+                       [types](const std::string &name) { return isOnvifType(types, name); });
 }
 
 std::optional<DiscoveredDevice> parseDevice(pugi::xml_node match)
@@ -63,7 +89,7 @@ std::optional<DiscoveredDevice> parseDevice(pugi::xml_node match)
     DiscoveredDevice device;
     device.uid = uidFromEndpoint(textOf(child(match, {"EndpointReference", "Address"})));
     const std::vector<std::string> scopes = words(textOf(child(match, "Scopes")), maxScopes);
-    if (device.uid.empty() || !isOnvifDevice(textOf(child(match, "Types")), scopes))
+    if (device.uid.empty() || !isOnvifDevice(child(match, "Types"), scopes))
         return std::nullopt;
     device.xaddrs = words(textOf(child(match, "XAddrs")), maxXAddrs);
     ScopeTexts texts = textsFromScopes(scopes);

@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace onvif {
 
 namespace {
@@ -39,6 +42,7 @@ protected:
 
     CameraLookupTest()
     {
+        searchOnlyAt("");
         m_device.answer("GetCapabilities",
                         "<tds:GetCapabilitiesResponse><tds:Capabilities><tt:Media><tt:XAddr>"
                         "http://192.0.2.7/onvif/media</tt:XAddr></tt:Media></tds:Capabilities>"
@@ -107,17 +111,58 @@ protected:
 
 TEST_F(CameraLookupTest, ResolvesAUid)
 {
-    UdpPeer peer(m_context, [](const std::string &question) {
-        AnnouncedDevice other;
-        other.endpoint = "urn:uuid:00000000-8f6b-4c57-9a55-3f1d50e6a101";
+    AnnouncedDevice other;
+    other.endpoint = "urn:uuid:00000000-8f6b-4c57-9a55-3f1d50e6a101";
+    for (const bool comesFirst : {true, false}) {
+        UdpPeer peer(m_context, [&other, comesFirst](const std::string &question) {
+            std::vector<AnnouncedDevice> devices = {AnnouncedDevice(), other};
+            if (!comesFirst)
+                std::swap(devices[0], devices[1]);
+            return std::vector<std::string>{
+                discoveryAnswer("ProbeMatches", messageIdOf(question), devices)};
+        });
+        searchOnlyAt(peer.target());
+        const auto location = resolve(uuid);
+        ASSERT_TRUE(location);
+        EXPECT_EQ(location->address, "127.0.0.1");
+        EXPECT_EQ(location->xaddr, "http://127.0.0.1:8080/onvif/device_service");
+    }
+}
+
+TEST_F(CameraLookupTest, NeverTellsThePasswordInClearToWhoeverClaimsAUid)
+{
+    RawServer thief(m_context,
+                    "HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"r\"\r\n"
+                    "Content-Length: 0\r\n\r\n",
+                    RawServer::End::StayOpen, "127.0.0.31");
+    UdpPeer peer(m_context, [&thief](const std::string &question) {
+        AnnouncedDevice claim;
+        claim.xaddrs = thief.service();
         return std::vector<std::string>{
-            discoveryAnswer("ProbeMatches", messageIdOf(question), {other, AnnouncedDevice{}})};
+            discoveryAnswer("ProbeMatches", messageIdOf(question), {claim})};
     });
     searchOnlyAt(peer.target());
     const auto location = resolve(uuid);
     ASSERT_TRUE(location);
-    EXPECT_EQ(location->address, "127.0.0.1");
-    EXPECT_EQ(location->xaddr, "http://127.0.0.1:8080/onvif/device_service");
+    const auto statusOf = [this](const std::string &xaddr) {
+        std::optional<SoapStatus> got;
+        const RequestPtr request = m_lookup.streamUris(
+            xaddr, {"admin", "secret"}, [&got](SoapStatus status, const auto &) { got = status; });
+        EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
+        return got.value_or(SoapStatus::NoAnswer);
+    };
+    const auto tellsPassword = [&thief] {
+        return std::any_of(thief.requests().begin(), thief.requests().end(),
+                           [](const std::string &request) {
+                               return request.find("Basic YW") != std::string::npos;
+                           });
+    };
+    EXPECT_EQ(statusOf(location->xaddr), SoapStatus::Refused);
+    EXPECT_FALSE(thief.requests().empty());
+    EXPECT_FALSE(tellsPassword());
+    // At an address that the user gave it is the last resort.
+    EXPECT_EQ(statusOf(thief.service() + "/typed"), SoapStatus::Refused);
+    EXPECT_TRUE(tellsPassword());
 }
 
 TEST_F(CameraLookupTest, DoesNotResolveAnUnknownUid)

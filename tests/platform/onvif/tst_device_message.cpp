@@ -66,8 +66,6 @@ TEST(DeviceMessage, BuildsTheOtherSetups)
     EXPECT_EQ(buildSetScopes({"onvif://www.onvif.org/name/a&b"}),
               "<tds:SetScopes><tds:Scopes>onvif://www.onvif.org/name/a&amp;b</tds:Scopes>"
               "</tds:SetScopes>");
-    EXPECT_EQ(buildSetHostname("cam"),
-              "<tds:SetHostname><tds:Name>cam</tds:Name></tds:SetHostname>");
 }
 
 TEST(DeviceMessage, ReadsInterfacesWithAManualAddress)
@@ -169,10 +167,6 @@ TEST(DeviceMessage, ReadsProtocolsScopesAndInformation)
                                       "<Model>ZC-1</Model></GetDeviceInformationResponse>"));
     ASSERT_TRUE(information);
     EXPECT_EQ(information->model, "ZC-1");
-    EXPECT_EQ(parseHostname(parsed("<GetHostnameResponse><HostnameInformation>"
-                                   "<Name>cam</Name></HostnameInformation>"
-                                   "</GetHostnameResponse>")),
-              "cam");
 }
 
 TEST(DeviceMessage, FindsTheMediaService)

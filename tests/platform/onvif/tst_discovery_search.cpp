@@ -50,15 +50,19 @@ protected:
         return scope;
     }
 
-    std::vector<DiscoveredDevice> search(const SearchScope &scope)
+    SearchResult resultOf(const SearchScope &scope)
     {
-        std::optional<std::vector<DiscoveredDevice>> found;
-        const DiscoverySearch running(
-            m_context.get(), scope,
-            [&found](std::vector<DiscoveredDevice> devices) { found = std::move(devices); });
+        std::optional<SearchResult> found;
+        const DiscoverySearch running(m_context.get(), scope,
+                                      [&found](SearchResult result) { found = std::move(result); });
         EXPECT_FALSE(found) << "the end is never told inside the start";
         EXPECT_TRUE(m_context.runUntil([&found] { return found.has_value(); }));
-        return found.value_or(std::vector<DiscoveredDevice>());
+        return found.value_or(SearchResult());
+    }
+
+    std::vector<DiscoveredDevice> search(const SearchScope &scope)
+    {
+        return resultOf(scope).devices;
     }
 
     TestContext m_context;
@@ -141,10 +145,50 @@ TEST_F(DiscoverySearchTest, EndsEarlyWhenItHasEnough)
     SearchScope scope = only({peer.target()});
     scope.milliseconds = 600'000;
     scope.uid = uuid;
-    scope.isEnough = [](const DiscoveredDevice &device) { return device.uid == uuid; };
+    scope.isWanted = [](const DiscoveredDevice &device) { return device.uid == uuid; };
     EXPECT_EQ(search(scope).size(), 1u);
     ASSERT_FALSE(peer.received().empty());
     EXPECT_EQ(kindFor(peer.received().front()), "ResolveMatches") << "Resolve goes out first";
+}
+
+TEST_F(DiscoverySearchTest, HandsOverTheDeviceThatEndedIt)
+{
+    for (const bool comesFirst : {true, false}) {
+        UdpPeer peer(m_context, [comesFirst](const std::string &question) {
+            std::vector<AnnouncedDevice> devices = {numbered(1), numbered(2)};
+            devices.insert(comesFirst ? devices.begin() : devices.end(), AnnouncedDevice());
+            return std::vector<std::string>{answerTo(question, devices)};
+        });
+        SearchScope scope = only({peer.target()});
+        scope.isWanted = [](const DiscoveredDevice &device) { return device.uid == uuid; };
+        const SearchResult result = resultOf(scope);
+        ASSERT_TRUE(result.wanted);
+        EXPECT_EQ(result.wanted->uid, uuid);
+        EXPECT_EQ(result.devices.size(), 3u);
+    }
+}
+
+TEST_F(DiscoverySearchTest, SeesADeviceThatAnsweredFromItsOldPlaceBefore)
+{
+    UdpPeer peer(m_context, [](const std::string &question) {
+        AnnouncedDevice moved;
+        moved.xaddrs = "http://127.0.0.9/onvif/device_service";
+        return std::vector<std::string>{answerTo(question, {AnnouncedDevice()}),
+                                        answerTo(question, {moved})};
+    });
+    SearchScope scope = only({peer.target()});
+    scope.isWanted = [](const DiscoveredDevice &device) {
+        return device.serviceAddress.starts_with("http://127.0.0.9/");
+    };
+    EXPECT_TRUE(resultOf(scope).wanted);
+}
+
+TEST_F(DiscoverySearchTest, TakesAnswersOfItsTargetsOnlyWhenItIsTold)
+{
+    UdpPeer peer(m_context, always({}));
+    SearchScope scope = only({peer.target()});
+    scope.onlyTargets = true;
+    EXPECT_EQ(search(scope).size(), 1u);
 }
 
 TEST_F(DiscoverySearchTest, IgnoresAnswersToForeignQuestions)

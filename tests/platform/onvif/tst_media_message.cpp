@@ -30,6 +30,11 @@ std::vector<MediaProfile> profiles(const std::string &content)
         parsed("<trt:GetProfilesResponse>" + content + "</trt:GetProfilesResponse>"));
 }
 
+MediaProfile sized(const std::string &token, int width, int height, const std::string &source = {})
+{
+    return {token, "", source, width, height};
+}
+
 } // namespace
 
 TEST(MediaMessage, BuildsItsQuestions)
@@ -68,15 +73,47 @@ TEST(MediaMessage, LimitsTheNumberOfProfiles)
 
 TEST(MediaMessage, ChoosesLargestAndSmallest)
 {
-    const auto choice =
-        chooseProfiles({{"mid", "", 1280, 720}, {"small", "", 640, 360}, {"big", "", 1920, 1080}});
+    const auto choice = chooseProfiles(
+        {sized("mid", 1280, 720), sized("small", 640, 360), sized("big", 1920, 1080)});
     ASSERT_TRUE(choice);
     EXPECT_EQ(choice->main.token, "big");
     EXPECT_EQ(choice->sub.token, "small");
-    const auto equal = chooseProfiles({{"first", "", 640, 360}, {"second", "", 640, 360}});
+    const auto equal = chooseProfiles({sized("first", 640, 360), sized("second", 640, 360)});
     EXPECT_EQ(equal->main.token, "first");
     EXPECT_EQ(equal->sub.token, "first");
     EXPECT_FALSE(chooseProfiles({}));
+}
+
+TEST(MediaMessage, PassesOverAStreamTooCoarseForATile)
+{
+    const auto choice = chooseProfiles(
+        {sized("phone", 160, 120), sized("main", 1920, 1080), sized("sub", 640, 360)});
+    EXPECT_EQ(choice->sub.token, "sub");
+    // But a coarse one costs less than the main stream.
+    const auto two = chooseProfiles({sized("main", 1920, 1080), sized("phone", 160, 120)});
+    EXPECT_EQ(two->main.token, "main");
+    EXPECT_EQ(two->sub.token, "phone");
+}
+
+TEST(MediaMessage, ChoosesBothOfOneLens)
+{
+    const auto choice =
+        chooseProfiles({sized("wide-main", 1920, 1080, "1"), sized("wide-sub", 704, 576, "1"),
+                        sized("tele-main", 2560, 1440, "2"), sized("tele-sub", 640, 360, "2")});
+    ASSERT_TRUE(choice);
+    EXPECT_EQ(choice->main.token, "wide-main");
+    EXPECT_EQ(choice->sub.token, "wide-sub");
+}
+
+TEST(MediaMessage, ReadsTheVideoSource)
+{
+    const auto found = profiles("<trt:Profiles token=\"a\"><tt:VideoSourceConfiguration>"
+                                "<tt:SourceToken>lens_2</tt:SourceToken>"
+                                "</tt:VideoSourceConfiguration><tt:VideoEncoderConfiguration>"
+                                "<tt:Encoding>H264</tt:Encoding></tt:VideoEncoderConfiguration>"
+                                "</trt:Profiles>");
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].source, "lens_2");
 }
 
 TEST(MediaMessage, ReadsTheStreamAddress)

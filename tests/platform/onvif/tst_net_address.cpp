@@ -80,24 +80,32 @@ TEST(ChooseXAddr, PrefersPlainHttpOnTheSameAddress)
               "https://192.168.1.20/d");
 }
 
-TEST(ChooseXAddr, DoesNotFollowOneThatPointsElsewhere)
+TEST(ChooseXAddr, KeepsPortAndPathOfOneThatPointsElsewhere)
+{
+    for (const char *host : {"8.8.8.8", "192.168.2.20", "127.0.0.1", "cam.example", "[::1]"})
+        EXPECT_EQ(choose({"http://" + std::string(host) + ":8899/d"}, "192.168.1.20"),
+                  "http://192.168.1.20:8899/d")
+            << host;
+    EXPECT_EQ(choose({"http://192.168.1.30/d"}, "192.168.1.20", 0), "http://192.168.1.20/d")
+        << "nothing is known of the sender's subnet";
+    EXPECT_EQ(choose({"http://8.8.8.8:81/a", "http://192.168.1.20:82/b"}, "192.168.1.20"),
+              "http://192.168.1.20:82/b");
+    EXPECT_EQ(choose({"http://cam.example:8899/d"}, "fe80::1"), "http://[fe80::1]:8899/d");
+}
+
+TEST(ChooseXAddr, TakesTheUsualOneWithoutAUsableOne)
 {
     const std::string usual = "http://192.168.1.20/onvif/device_service";
-    for (const char *elsewhere :
-         {"http://8.8.8.8/d", "http://192.168.2.20/d", "http://127.0.0.1/d", "http://evil.com/d",
-          "ftp://192.168.1.20/d", "http://u:p@192.168.1.20/d", "http://[::1]/d"})
-        EXPECT_EQ(choose({elsewhere}, "192.168.1.20"), usual) << elsewhere;
+    for (const char *unusable : {"ftp://192.168.1.20/d", "http://u:p@192.168.1.20/d", "x", ""})
+        EXPECT_EQ(choose({unusable}, "192.168.1.20"), usual) << unusable;
     EXPECT_EQ(choose({}, "192.168.1.20"), usual);
-    EXPECT_EQ(choose({"http://192.168.1.30/d"}, "192.168.1.20", 0), usual)
-        << "nothing is known of the sender's subnet";
 }
 
 TEST(ChooseXAddr, FollowsLoopbackFromLoopbackOnly)
 {
     EXPECT_EQ(choose({"http://127.0.0.1:8001/d"}, "127.0.0.1"), "http://127.0.0.1:8001/d");
     EXPECT_EQ(choose({"http://127.0.0.2:8001/d"}, "127.0.0.1"), "http://127.0.0.2:8001/d");
-    EXPECT_EQ(choose({"http://192.168.1.20/d"}, "127.0.0.1", 0),
-              "http://127.0.0.1/onvif/device_service");
+    EXPECT_EQ(choose({"http://192.168.1.20/d"}, "127.0.0.1", 0), "http://127.0.0.1/d");
 }
 
 TEST(ServiceAtDevice, KeepsToTheDevice)

@@ -21,8 +21,9 @@ protected:
     SoapReply call(SoapClient &client)
     {
         std::optional<SoapReply> got;
-        const RequestPtr running = client.call(client.deviceService(), "urn:action", body,
-                                               [&got](SoapReply reply) { got = std::move(reply); });
+        const RequestPtr running =
+            client.call(client.deviceService(), "urn:action", body, SoapKind::Question,
+                        [&got](SoapReply reply) { got = std::move(reply); });
         EXPECT_FALSE(got) << "the answer is never told inside the call";
         EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
         return got.value_or(SoapReply());
@@ -30,15 +31,16 @@ protected:
 
     SoapStatus statusFrom(const std::string &service, unsigned milliseconds = 20'000)
     {
-        SoapClient client(m_context.get(), service, {"admin", "secret"});
-        client.setTimeout(milliseconds);
+        SoapClient client(m_context.get(), service, {"admin", "secret"},
+                          {.questionMilliseconds = milliseconds});
         return call(client).status;
     }
 
-    SoapStatus statusFor(const SoapDevice &device, const Credentials &credentials)
+    SoapStatus statusFor(const SoapDevice &device, const Credentials &credentials,
+                         ClearPassword clear = ClearPassword::Never)
     {
-        SoapClient client(m_context.get(), device.service(), credentials);
-        client.setTimeout(20'000);
+        SoapClient client(m_context.get(), device.service(), credentials,
+                          {.clearPassword = clear, .questionMilliseconds = 20'000});
         return call(client).status;
     }
 
@@ -48,6 +50,18 @@ protected:
 bool hasToken(const std::string &text)
 {
     return text.find("UsernameToken") != std::string::npos;
+}
+
+std::string okAnswer()
+{
+    const std::string text = SoapDevice::envelope(response);
+    return "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(text.size()) + "\r\n\r\n" + text;
+}
+
+std::string basicChallenge()
+{
+    return "HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"r\"\r\n"
+           "Content-Length: 0\r\n\r\n";
 }
 
 } // namespace
@@ -77,13 +91,115 @@ TEST_F(SoapClientTest, SignsWithDigest)
     EXPECT_FALSE(hasToken(device.seen()[0].text)) << "never both";
 }
 
-TEST_F(SoapClientTest, SignsWithBasicWhenNothingElseIsOffered)
+TEST_F(SoapClientTest, SignsLaterRequestsWithoutBeingAsked)
 {
-    SoapDevice device(m_context);
-    device.answer(request, response);
-    device.guard(SoapDevice::Guard::Basic, "admin", "secret");
-    EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Ok);
-    EXPECT_EQ(device.seen()[0].authorization, "Basic YWRtaW46c2VjcmV0");
+    RawServer server(m_context,
+                     {"HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", "
+                      "nonce=\"n\", qop=\"auth\"\r\nContent-Length: 0\r\n\r\n",
+                      okAnswer()},
+                     RawServer::End::StayOpen);
+    SoapClient client(m_context.get(), server.service(), {"admin", "secret"});
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    ASSERT_EQ(server.requests().size(), 3u);
+    EXPECT_NE(server.requests()[1].find("nc=00000001"), std::string::npos);
+    EXPECT_NE(server.requests()[2].find("nc=00000002"), std::string::npos);
+    EXPECT_EQ(server.connections(), 1);
+}
+
+TEST_F(SoapClientTest, AnswersANonceThatHasRunOut)
+{
+    const std::string head = "HTTP/1.1 401 Unauthorized\r\nContent-Length: 0\r\n";
+    RawServer server(
+        m_context,
+        {head + "WWW-Authenticate: Digest realm=\"r\", nonce=\"first\"\r\n\r\n", okAnswer(),
+         head + "WWW-Authenticate: Digest realm=\"r\", nonce=\"second\"\r\n\r\n", okAnswer()},
+        RawServer::End::StayOpen);
+    SoapClient client(m_context.get(), server.service(), {"admin", "secret"});
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    ASSERT_EQ(server.requests().size(), 4u);
+    EXPECT_NE(server.requests()[3].find("nonce=\"second\""), std::string::npos);
+}
+
+TEST_F(SoapClientTest, AsksOnceMoreWhenAKeptConnectionWasClosed)
+{
+    RawServer server(m_context, okAnswer(), RawServer::End::CloseAtSecond);
+    SoapClient client(m_context.get(), server.service(), {});
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    EXPECT_EQ(server.requests().size(), 2u);
+    EXPECT_EQ(server.connections(), 2);
+}
+
+TEST_F(SoapClientTest, SignsOverANewConnectionWhenTheRefusalClosedTheFirst)
+{
+    RawServer server(m_context,
+                     {"HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", "
+                      "nonce=\"n\"\r\nContent-Length: 0\r\n\r\n",
+                      okAnswer()},
+                     RawServer::End::CloseAtSecond);
+    EXPECT_EQ(statusFrom(server.service()), SoapStatus::Ok);
+    EXPECT_EQ(server.connections(), 2);
+}
+
+TEST_F(SoapClientTest, NeverSendsAChangeTwiceByItself)
+{
+    RawServer server(m_context, okAnswer(), RawServer::End::CloseAtSecond);
+    SoapClient client(m_context.get(), server.service(), {});
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    std::optional<SoapReply> got;
+    const RequestPtr running = client.call(
+        client.deviceService(), "urn:action", body, SoapKind::Change,
+        [&got](SoapReply reply) { got = std::move(reply); });
+    EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
+    EXPECT_EQ(got->status, SoapStatus::Ok);
+    EXPECT_EQ(server.connections(), 2) << "a connection of its own";
+    EXPECT_EQ(server.requests().size(), 2u);
+}
+
+// The memory of what a device has offered is kept by host, for the whole process: each of these
+// needs a host of its own.
+TEST_F(SoapClientTest, TellsThePasswordInClearOnlyWhereNothingElseWasEverOffered)
+{
+    RawServer server(m_context, {basicChallenge(), basicChallenge(), basicChallenge(), okAnswer()},
+                     RawServer::End::StayOpen, "127.0.0.21");
+    const std::string service = server.service();
+    SoapClient client(m_context.get(), service, {"admin", "secret"},
+                      {.clearPassword = ClearPassword::AsLastResort});
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    ASSERT_EQ(server.requests().size(), 4u) << "unsigned, clock, token, basic";
+    EXPECT_TRUE(hasToken(server.requests()[2])) << "the token is tried first";
+    EXPECT_NE(server.requests()[3].find("Basic YWRtaW46c2VjcmV0"), std::string::npos);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(server.requests()[static_cast<std::size_t>(i)].find("Basic YW"),
+                  std::string::npos);
+}
+
+TEST_F(SoapClientTest, NeverTellsThePasswordInClearToOneThatMayBeAnybody)
+{
+    RawServer server(m_context, basicChallenge(), RawServer::End::StayOpen, "127.0.0.22");
+    SoapClient client(m_context.get(), server.service(), {"admin", "secret"});
+    EXPECT_EQ(call(client).status, SoapStatus::Refused);
+    for (const std::string &seen : server.requests())
+        EXPECT_EQ(seen.find("Basic YW"), std::string::npos);
+}
+
+TEST_F(SoapClientTest, NeverTellsThePasswordInClearToOneThatHasOfferedMore)
+{
+    RawServer server(m_context,
+                     {"HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", "
+                      "nonce=\"n\"\r\nContent-Length: 0\r\n\r\n",
+                      okAnswer(), basicChallenge()},
+                     RawServer::End::StayOpen, "127.0.0.23");
+    const std::string service = server.service();
+    const SoapOptions options{.clearPassword = ClearPassword::AsLastResort};
+    SoapClient first(m_context.get(), service, {"admin", "secret"}, options);
+    EXPECT_EQ(call(first).status, SoapStatus::Ok);
+    SoapClient second(m_context.get(), service, {"admin", "secret"}, options);
+    EXPECT_EQ(call(second).status, SoapStatus::Refused);
+    for (const std::string &seen : server.requests())
+        EXPECT_EQ(seen.find("Basic YW"), std::string::npos);
 }
 
 TEST_F(SoapClientTest, WithAWrongPasswordIsRefused)
@@ -123,6 +239,37 @@ TEST_F(SoapClientTest, FallsBackToATokenDatedByTheDevicesClock)
     EXPECT_EQ(device.seen()[1].request, "GetSystemDateAndTime");
     EXPECT_TRUE(hasToken(device.seen()[2].text));
     EXPECT_TRUE(device.seen()[2].authorization.empty()) << "never both";
+}
+
+TEST_F(SoapClientTest, TriesATokenAfterARefusedDigest)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::DigestAndToken, "admin", "secret");
+    EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Ok);
+    EXPECT_EQ(statusFor(device, {"admin", "wrong"}), SoapStatus::Refused);
+}
+
+TEST_F(SoapClientTest, TriesATokenAfterAnErrorThatSaysNothing)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::BareToken, "admin", "secret");
+    EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Ok);
+    EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
+}
+
+TEST_F(SoapClientTest, DatesATokenByLocalTimeOrTheHttpDate)
+{
+    for (const auto clock : {SoapDevice::Clock::LocalOnly, SoapDevice::Clock::Refused}) {
+        SoapDevice device(m_context);
+        device.answer(request, response);
+        device.guard(SoapDevice::Guard::Token, "admin", "secret");
+        device.setClock(clock);
+        device.setClockOffset(-20 * 24 * 3600L);
+        EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Ok);
+        EXPECT_EQ(device.seen(request).size(), 2u);
+    }
 }
 
 TEST_F(SoapClientTest, KeepsTheWayThatWorked)
@@ -258,10 +405,11 @@ TEST_F(SoapClientTest, IsCancelledByTheDestructionOfTheRequest)
     bool isCalled = false;
     SoapClient client(m_context.get(), device.service(), {});
     RequestPtr running = client.call(
-        client.deviceService(), "a", body, [&isCalled](const SoapReply &) { isCalled = true; });
+        client.deviceService(), "a", body, SoapKind::Question,
+        [&isCalled](const SoapReply &) { isCalled = true; });
     EXPECT_TRUE(m_context.runUntil([&device] { return device.seen().size() == 1; }));
     running.reset();
-    running = client.call(client.deviceService(), "a", body,
+    running = client.call(client.deviceService(), "a", body, SoapKind::Question,
                           [&isCalled](const SoapReply &) { isCalled = true; });
     running.reset();
     m_context.drain();
@@ -278,11 +426,11 @@ TEST_F(SoapClientTest, LetsTheReceiverAskAgain)
     std::function<void(SoapReply)> next = [&](const SoapReply &reply) {
         EXPECT_EQ(reply.status, SoapStatus::Ok);
         if (++answers < 3)
-            running = client.call(client.deviceService(), "a", body, next);
+            running = client.call(client.deviceService(), "a", body, SoapKind::Question, next);
         else
             running.reset();
     };
-    running = client.call(client.deviceService(), "a", body, next);
+    running = client.call(client.deviceService(), "a", body, SoapKind::Question, next);
     EXPECT_TRUE(m_context.runUntil([&answers] { return answers == 3; }));
     EXPECT_FALSE(running);
 }

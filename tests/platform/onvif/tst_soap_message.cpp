@@ -106,4 +106,29 @@ TEST(SystemTime, OfABrokenClockIsAbsent)
     EXPECT_FALSE(parseSystemTime(parsed("<GetSystemDateAndTimeResponse/>")));
 }
 
+namespace {
+
+std::optional<std::int64_t> localTime(const std::string &zone, const std::string &summer = "false")
+{
+    return parseSystemTime(parsed(
+        "<GetSystemDateAndTimeResponse><SystemDateAndTime><DaylightSavings>" + summer +
+        "</DaylightSavings><TimeZone><TZ>" + zone +
+        "</TZ></TimeZone><LocalDateTime><Time><Hour>12</Hour><Minute>0</Minute><Second>0</Second>"
+        "</Time><Date><Year>1970</Year><Month>1</Month><Day>1</Day></Date></LocalDateTime>"
+        "</SystemDateAndTime></GetSystemDateAndTimeResponse>"));
+}
+
+} // namespace
+
+TEST(SystemTime, IsReadFromLocalTimeWhereThereIsNoUtc)
+{
+    EXPECT_EQ(localTime("CST-8"), 4 * 3600);
+    EXPECT_EQ(localTime("UTC0"), 12 * 3600);
+    EXPECT_EQ(localTime("PST8PDT,M3.2.0,M11.1.0"), 20 * 3600);
+    EXPECT_EQ(localTime("PST8PDT,M3.2.0,M11.1.0", "true"), 19 * 3600);
+    EXPECT_EQ(localTime("&lt;+0330&gt;-3:30"), 12 * 3600 - 3 * 3600 - 1800);
+    for (const char *bad : {"", "Europe/Berlin", "CST-99", "../../etc/passwd", "/dev/zero", "&lt;"})
+        EXPECT_FALSE(localTime(bad)) << bad;
+}
+
 } // namespace onvif

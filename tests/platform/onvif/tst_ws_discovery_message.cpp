@@ -85,7 +85,7 @@ TEST(DiscoveryAnswer, CanBeAHello)
 TEST(DiscoveryAnswer, LeavesOutDevicesThatAreNoCameras)
 {
     AnnouncedDevice printer;
-    printer.types = "wprt:PrintService";
+    printer.types = "wprt:PrintService wsdp:Device";
     printer.scopes = "ldap:///ou=printers";
     const auto answer = answerOf({printer});
     ASSERT_TRUE(answer);

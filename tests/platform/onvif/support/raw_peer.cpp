@@ -2,18 +2,37 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cstdlib>
 
-RawServer::RawServer(const TestContext &context, std::string answer, End end)
+namespace {
+
+// Whether head and body of an HTTP request are there.
+bool isWhole(const std::string &request)
+{
+    const std::size_t head = request.find("\r\n\r\n");
+    if (head == std::string::npos)
+        return false;
+    const std::size_t length = request.find("Content-Length: ");
+    const std::size_t body =
+        length < head ? std::strtoul(request.c_str() + length + 16, nullptr, 10) : 0;
+    return request.size() >= head + 4 + body;
+}
+
+} // namespace
+
+RawServer::RawServer(const TestContext &context, std::vector<std::string> answers, End end,
+                     std::string host)
     : m_service(g_socket_service_new())
     , m_cancellable(g_cancellable_new())
-    , m_answer(std::move(answer))
+    , m_answers(std::move(answers))
     , m_end(end)
-    , m_buffer(64 * 1024)
+    , m_host(std::move(host))
 {
     EXPECT_TRUE(onvif::isThreadDefault(context.get()));
     const onvif::GObjectPtr<GSocketAddress> any(
-        g_inet_socket_address_new_from_string("127.0.0.1", 0));
+        g_inet_socket_address_new_from_string(m_host.c_str(), 0));
     GSocketAddress *effective = nullptr;
     EXPECT_TRUE(g_socket_listener_add_address(G_SOCKET_LISTENER(m_service.get()), any.get(),
                                               G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_TCP, nullptr,
@@ -34,36 +53,62 @@ RawServer::~RawServer()
 
 std::string RawServer::service() const
 {
-    return "http://127.0.0.1:" + std::to_string(m_port) + "/onvif/device_service";
+    return "http://" + m_host + ':' + std::to_string(m_port) + "/onvif/device_service";
 }
 
 gboolean RawServer::incoming(GSocketService *, GSocketConnection *connection, GObject *,
                              gpointer data)
 {
     auto *self = static_cast<RawServer *>(data);
-    self->m_connections.push_back(onvif::shareObject(connection));
-    GInputStream *input = g_io_stream_get_input_stream(G_IO_STREAM(connection));
-    g_object_set_data(G_OBJECT(input), "connection", connection);
-    g_input_stream_read_async(input, self->m_buffer.data(), self->m_buffer.size(),
-                              G_PRIORITY_DEFAULT, self->m_cancellable.get(), requestRead, self);
+    auto &made = *self->m_connections.emplace_back(std::make_unique<Connection>());
+    made.server = self;
+    made.stream = onvif::shareObject(connection);
+    self->read(made);
     return TRUE;
 }
 
-void RawServer::requestRead(GObject *stream, GAsyncResult *result, gpointer data)
+void RawServer::read(Connection &connection)
+{
+    g_input_stream_read_async(g_io_stream_get_input_stream(G_IO_STREAM(connection.stream.get())),
+                              connection.buffer.data(), connection.buffer.size(),
+                              G_PRIORITY_DEFAULT, m_cancellable.get(), readSome, &connection);
+}
+
+void RawServer::readSome(GObject *stream, GAsyncResult *result, gpointer data)
 {
     GError *error = nullptr;
     const gssize length = g_input_stream_read_finish(G_INPUT_STREAM(stream), result, &error);
     const onvif::GErrorPtr failure(error);
     if (length <= 0)
         return;
-    auto *self = static_cast<RawServer *>(data);
-    auto *connection = G_IO_STREAM(g_object_get_data(stream, "connection"));
+    auto &connection = *static_cast<Connection *>(data);
+    connection.received.append(connection.buffer.data(), static_cast<std::size_t>(length));
+    // What is no HTTP request is answered as well.
+    const bool isHttp = connection.received.starts_with("POST ");
+    if (!isHttp || isWhole(connection.received))
+        connection.server->answer(connection);
+    else
+        connection.server->read(connection);
+}
+
+void RawServer::answer(Connection &connection)
+{
     // The other end may close before it has all of it.
-    GSocket *socket = g_socket_connection_get_socket(G_SOCKET_CONNECTION(connection));
+    GSocket *socket = g_socket_connection_get_socket(connection.stream.get());
     g_socket_set_blocking(socket, FALSE);
-    g_socket_send(socket, self->m_answer.data(), self->m_answer.size(), nullptr, nullptr);
-    if (self->m_end == End::Close)
+    if (m_end == End::CloseAtSecond && connection.answered == 1) {
+        g_socket_close(socket, nullptr);
+        return;
+    }
+    const std::string &answer = m_answers[std::min(m_requests.size(), m_answers.size() - 1)];
+    m_requests.push_back(std::move(connection.received));
+    connection.received.clear();
+    ++connection.answered;
+    g_socket_send(socket, answer.data(), answer.size(), nullptr, nullptr);
+    if (m_end == End::Close)
         g_socket_shutdown(socket, FALSE, TRUE, nullptr);
+    else
+        read(connection);
 }
 
 UdpPeer::UdpPeer(const TestContext &context, Answer answer)

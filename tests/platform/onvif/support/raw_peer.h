@@ -2,40 +2,64 @@
 
 #include "tests/platform/onvif/support/test_context.h"
 
+#include <array>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
-/// A TCP server on 127.0.0.1 that answers whatever it is sent with the same bytes.
+/// A TCP server on a loopback address that answers each HTTP request with the next of its answers,
+/// whatever it is asked; the last one serves for all that follow.
 class RawServer
 {
 public:
     enum class End
     {
-        Close,
+        Close,         ///< the connection, after each answer
+        CloseAtSecond, ///< when a second request comes over the same connection, unanswered
         StayOpen
     };
 
-    RawServer(const TestContext &context, std::string answer, End end);
+    RawServer(const TestContext &context, std::vector<std::string> answers, End end,
+              std::string host = "127.0.0.1");
+    RawServer(const TestContext &context, const std::string &answer, End end,
+              std::string host = "127.0.0.1")
+        : RawServer(context, std::vector<std::string>{answer}, end, std::move(host))
+    {
+    }
     ~RawServer();
     RawServer(const RawServer &) = delete;
     RawServer &operator=(const RawServer &) = delete;
 
     [[nodiscard]] std::string service() const;
     [[nodiscard]] int connections() const { return static_cast<int>(m_connections.size()); }
+    /// Head and body of each request that was answered.
+    [[nodiscard]] const std::vector<std::string> &requests() const { return m_requests; }
 
 private:
+    struct Connection
+    {
+        RawServer *server = nullptr;
+        onvif::GObjectPtr<GSocketConnection> stream;
+        std::string received;
+        std::array<char, 16 * 1024> buffer = {};
+        int answered = 0;
+    };
+
     static gboolean incoming(GSocketService *, GSocketConnection *connection, GObject *,
                              gpointer self);
-    static void requestRead(GObject *stream, GAsyncResult *result, gpointer self);
+    static void readSome(GObject *stream, GAsyncResult *result, gpointer connection);
+    void read(Connection &connection);
+    void answer(Connection &connection);
 
     onvif::GObjectPtr<GSocketService> m_service;
     onvif::GObjectPtr<GCancellable> m_cancellable;
-    std::string m_answer;
+    std::vector<std::string> m_answers;
     End m_end;
+    std::string m_host;
     guint16 m_port = 0;
-    std::vector<onvif::GObjectPtr<GSocketConnection>> m_connections;
-    std::vector<char> m_buffer;
+    std::vector<std::unique_ptr<Connection>> m_connections;
+    std::vector<std::string> m_requests;
 };
 
 /// A UDP socket on 127.0.0.1 that hands each datagram to a function, which answers with any number

@@ -159,6 +159,15 @@ void SoapDevice::handle(SoupServer *, SoupServerMessage *message, const char *, 
         return;
     }
     soup_server_message_set_status(message, static_cast<guint>(reply.status), nullptr);
+    SoupMessageHeaders *answer = soup_server_message_get_response_headers(message);
+    if (self->m_guard == Guard::DigestAndToken && reply.status == 401) {
+        soup_message_headers_append(answer, "WWW-Authenticate",
+                                    R"(Digest realm="device", nonce="1", qop="auth")");
+    }
+    if (self->m_clockOffset != 0) {
+        const onvif::GTextPtr date(self->deviceTime("%a, %d %b %Y %H:%M:%S GMT", 0));
+        soup_message_headers_replace(answer, "Date", date.get());
+    }
     soup_server_message_set_response(message, "application/soap+xml", SOUP_MEMORY_COPY,
                                      reply.text.data(), reply.text.size());
 }
@@ -167,10 +176,16 @@ SoapDevice::Reply SoapDevice::replyTo(const Seen &request) const
 {
     if (m_guard == Guard::Unreasonable)
         return {401, {}, false};
-    if (request.request == "GetSystemDateAndTime")
+    if (request.request == "GetSystemDateAndTime" && m_clock != Clock::Refused)
         return {200, clockAnswer(), false};
-    if (m_guard == Guard::Token && !hasGoodToken(request.text))
-        return {400, faultText("ter:NotAuthorized"), false};
+    const bool wantsToken =
+        m_guard == Guard::Token || m_guard == Guard::DigestAndToken || m_guard == Guard::BareToken;
+    if (wantsToken && !hasGoodToken(request.text)) {
+        if (m_guard == Guard::DigestAndToken)
+            return {401, {}, false};
+        return {400, m_guard == Guard::BareToken ? std::string() : faultText("ter:NotAuthorized"),
+                false};
+    }
     const auto found = m_replies.find(request.request);
     return found != m_replies.end() ? found->second
                                     : Reply{400, faultText("ter:ActionNotSupported"), false};
@@ -218,19 +233,27 @@ bool SoapDevice::hasGoodToken(const std::string &envelope) const
            text(document, "Password") == expected.get();
 }
 
-std::string SoapDevice::clockAnswer() const
+char *SoapDevice::deviceTime(const char *format, std::int64_t zone) const
 {
     GDateTime *moment =
-        g_date_time_new_from_unix_utc(g_get_real_time() / G_USEC_PER_SEC + m_clockOffset);
-    const onvif::GTextPtr fields(g_date_time_format(
-        moment,
+        g_date_time_new_from_unix_utc(g_get_real_time() / G_USEC_PER_SEC + m_clockOffset + zone);
+    char *text = g_date_time_format(moment, format);
+    g_date_time_unref(moment);
+    return text;
+}
+
+std::string SoapDevice::clockAnswer() const
+{
+    const bool isLocal = m_clock == Clock::LocalOnly;
+    const onvif::GTextPtr fields(deviceTime(
         "<tt:Time><tt:Hour>%-H</tt:Hour><tt:Minute>%-M</tt:Minute><tt:Second>%-S</tt:Second>"
         "</tt:Time><tt:Date><tt:Year>%Y</tt:Year><tt:Month>%-m</tt:Month><tt:Day>%-d</tt:Day>"
-        "</tt:Date>"));
-    g_date_time_unref(moment);
+        "</tt:Date>",
+        isLocal ? 8 * 3600L : 0));
+    const std::string name = isLocal ? "tt:LocalDateTime>" : "tt:UTCDateTime>";
     return envelope("<tds:GetSystemDateAndTimeResponse><tds:SystemDateAndTime>"
-                    "<tt:DateTimeType>NTP</tt:DateTimeType><tt:UTCDateTime>" +
-                    std::string(fields.get()) +
-                    "</tt:UTCDateTime></tds:SystemDateAndTime>"
-                    "</tds:GetSystemDateAndTimeResponse>");
+                    "<tt:DateTimeType>NTP</tt:DateTimeType><tt:TimeZone><tt:TZ>CST-8</tt:TZ>"
+                    "</tt:TimeZone><" +
+                    name + fields.get() + "</" + name +
+                    "</tds:SystemDateAndTime></tds:GetSystemDateAndTimeResponse>");
 }

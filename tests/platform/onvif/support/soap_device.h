@@ -16,10 +16,12 @@ public:
     enum class Guard
     {
         None,
-        Digest,      ///< HTTP digest
-        Basic,       ///< HTTP basic
-        Token,       ///< WS-Security UsernameToken, refusals with HTTP 400 and a fault
-        Unreasonable ///< refuses everything with HTTP 401 and no challenge
+        Digest,         ///< HTTP digest
+        Basic,          ///< HTTP basic
+        Token,          ///< WS-Security UsernameToken, refusals with HTTP 400 and a fault
+        DigestAndToken, ///< asks for an HTTP digest, but its accounts work by UsernameToken only
+        BareToken,      ///< UsernameToken, refusals with HTTP 400 and no fault
+        Unreasonable    ///< refuses everything with HTTP 401 and no challenge
     };
 
     /// One request as it came in.
@@ -50,6 +52,15 @@ public:
     /// Never answers this request.
     void keepSilent(const std::string &request);
 
+    /// How the device tells its clock: by the parts of GetSystemDateAndTime's answer.
+    enum class Clock
+    {
+        Utc,
+        LocalOnly, ///< in a zone eight hours ahead of UTC
+        Refused,
+    };
+    void setClock(Clock clock) { m_clock = clock; }
+
     /// Seconds that the device's clock is ahead, for tokens and GetSystemDateAndTime.
     void setClockOffset(std::int64_t seconds) { m_clockOffset = seconds; }
 
@@ -75,6 +86,7 @@ private:
                                   const char *password, gpointer self);
     [[nodiscard]] Reply replyTo(const Seen &request) const;
     [[nodiscard]] bool hasGoodToken(const std::string &text) const;
+    [[nodiscard]] char *deviceTime(const char *format, std::int64_t zone) const;
     [[nodiscard]] std::string clockAnswer() const;
 
     onvif::GObjectPtr<SoupServer> m_server;
@@ -83,6 +95,7 @@ private:
     std::string m_user;
     std::string m_password;
     std::map<std::string, Reply> m_replies;
+    Clock m_clock = Clock::Utc;
     std::int64_t m_clockOffset = 0;
     std::vector<Seen> m_seen;
     std::vector<onvif::GObjectPtr<SoupServerMessage>> m_silenced;
