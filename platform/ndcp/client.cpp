@@ -2,6 +2,9 @@
 
 #include "platform/ndcp/device_record.h"
 #include "platform/ndcp/known_devices.h"
+#include "platform/ndcp/log.h"
+
+#include <utility>
 
 namespace ndcp {
 
@@ -9,6 +12,7 @@ Client::Client(std::shared_ptr<Worker> worker, ndcp_callback callback, void *use
     : m_worker(std::move(worker))
     , m_callback(callback)
     , m_user(user)
+    , m_table(std::make_shared<std::vector<ndcp_device>>())
 {
 }
 
@@ -23,20 +27,24 @@ Client::~Client()
 
 void Client::discover()
 {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_older.clear();
+    }
     m_worker->post([this] { startSearch(); });
 }
 
 std::int32_t Client::count() const
 {
     const std::lock_guard lock(m_mutex);
-    return static_cast<std::int32_t>(m_table.size());
+    return static_cast<std::int32_t>(m_table->size());
 }
 
 const ndcp_device *Client::device(std::int32_t index) const
 {
     const std::lock_guard lock(m_mutex);
-    const bool isInTable = index >= 0 && static_cast<std::size_t>(index) < m_table.size();
-    return isInTable ? &m_table[static_cast<std::size_t>(index)] : nullptr;
+    const bool isInTable = index >= 0 && static_cast<std::size_t>(index) < m_table->size();
+    return isInTable ? &(*m_table)[static_cast<std::size_t>(index)] : nullptr;
 }
 
 void Client::configure(ConfigurationTask::Kind kind, ndcp_device *record)
@@ -51,20 +59,24 @@ void Client::startSearch()
         return;
     m_search = std::make_unique<onvif::DiscoverySearch>(
         m_worker->context(), onvif::SearchScope::fromEnvironment(),
-        [this](const std::vector<onvif::DiscoveredDevice> &devices) { searchDone(devices); });
+        [this](const onvif::SearchResult &result) { searchDone(result); });
 }
 
-void Client::searchDone(const std::vector<onvif::DiscoveredDevice> &devices)
+void Client::searchDone(const onvif::SearchResult &result)
 {
-    Table table;
-    table.reserve(devices.size());
-    for (const onvif::DiscoveredDevice &device : devices) {
-        table.push_back(recordOf(device));
-        KnownDevices::instance().setService(device.uid, device.serviceAddress);
+    KnownDevices &known = KnownDevices::instance();
+    std::vector<ndcp_device> table;
+    table.reserve(result.devices.size());
+    for (const onvif::DiscoveredDevice &device : result.devices) {
+        const int webPort = known.device(device.uid).webPort;
+        table.push_back(recordOf(device, webPort != 0 ? webPort : usualWebPort));
+        known.setService(device.uid, device.serviceAddress);
     }
+    g_log(logDomain, G_LOG_LEVEL_DEBUG, "a search has found %zu devices", table.size());
     {
         const std::lock_guard lock(m_mutex);
-        m_table = std::move(table);
+        m_older.push_back(std::exchange(
+            m_table, std::make_shared<const std::vector<ndcp_device>>(std::move(table))));
     }
     m_search.reset();
     m_callback(NDCP_EVENT_DISCOVERY, 0, m_user);

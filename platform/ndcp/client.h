@@ -31,10 +31,10 @@ public:
 
 private:
     using Tasks = std::list<onvif::RequestPtr>;
-    using Table = std::vector<ndcp_device>;
+    using Table = std::shared_ptr<const std::vector<ndcp_device>>;
 
     void startSearch();
-    void searchDone(const std::vector<onvif::DiscoveredDevice> &devices);
+    void searchDone(const onvif::SearchResult &result);
     void startTask(ConfigurationTask::Kind kind, const ndcp_device &record, ndcp_device *target);
 
     std::shared_ptr<Worker> m_worker;
@@ -42,8 +42,9 @@ private:
     void *m_user;
     onvif::RequestPtr m_search; ///< worker
     Tasks m_tasks;              ///< worker
-    mutable std::mutex m_mutex; ///< protects m_table
+    mutable std::mutex m_mutex; ///< protects what follows
     Table m_table;              ///< of the last search that has finished
+    std::vector<Table> m_older; ///< whose devices were handed out before the present search
 };
 
 } // namespace ndcp

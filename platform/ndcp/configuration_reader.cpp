@@ -38,6 +38,9 @@ void ConfigurationReader::askForInterfaces()
                 onvif::parseIpv4(service ? service->host : std::string()).value_or(0);
             const std::optional<onvif::NetworkInterface> interface =
                 chooseInterface(interfaces, address);
+            for (const onvif::NetworkInterface &each : interfaces)
+                if (each.mac)
+                    m_configuration.macs.push_back(*each.mac);
             if (status == SoapStatus::Ok && interface) {
                 m_configuration.interface = *interface;
                 askForGateway();

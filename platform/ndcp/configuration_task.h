@@ -1,16 +1,16 @@
 #pragma once
 
+#include "platform/ndcp/configuration_times.h"
 #include "platform/ndcp/ndcp.h"
 #include "platform/ndcp/network_configuration.h"
 #include "platform/onvif/request.h"
-#include "platform/onvif/soap_client.h"
 #include "platform/onvif/timer.h"
 
 #include <glib.h>
 
-#include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace ndcp {
@@ -18,9 +18,11 @@ namespace ndcp {
 /// Finds the device of a record, reads its configuration and, when that is the task, writes the
 /// record's.
 ///
-/// A device of an earlier search is queried where it was found, and searched by its UID when it
-/// does not answer there. Another one is queried at the record's address; to write, it must be
-/// found by its UID first, because the record's address may be the one that it is to get.
+/// A device of an earlier search is asked where it was found, another one at the record's address.
+/// Who answers there is compared with the record by hardware address; where it is not the device,
+/// or nothing can be read, the device is looked for by its UID. Nothing is written to a device that
+/// was told neither by its hardware address nor by its UID, nor to one without a UID at an address
+/// that may be the one that it is to get.
 class ConfigurationTask : public onvif::Request
 {
 public:
@@ -34,16 +36,28 @@ public:
     /// device's configuration.
     using Done = std::function<void(int error, const ndcp_device &record)>;
 
-    ConfigurationTask(GMainContext *context, Kind kind, const ndcp_device &record, Done done);
+    ConfigurationTask(GMainContext *context, Kind kind, const ndcp_device &record, Done done,
+                      const ConfigurationTimes &times = {});
 
 private:
-    void collectPlaces();
-    void tryNextPlace();
-    void search();
-    void tryService(const std::string &service);
-    void readDone(onvif::SoapStatus status, const NetworkConfiguration &configuration);
-    void write(const NetworkConfiguration &current);
-    [[nodiscard]] int errorOf(onvif::SoapStatus status) const;
+    /// What was found where the device was first asked.
+    struct Answer
+    {
+        std::string service;
+        onvif::SoapStatus status = onvif::SoapStatus::NoAnswer;
+        NetworkConfiguration configuration;
+    };
+
+    [[nodiscard]] std::string rememberedService() const;
+    void start();
+    void tryService(const std::string &service, bool isFoundByUid);
+    void readDone(Answer answer, bool isFoundByUid);
+    [[nodiscard]] bool isTheDevice(const NetworkConfiguration &configuration) const;
+    void search(Answer before);
+    void take(const Answer &answer);
+    void write(const Answer &answer);
+    void finishWith(const Answer &answer);
+    [[nodiscard]] int errorOf(onvif::SoapStatus status, int fault) const;
     void finish(int error);
 
     GMainContext *m_context;
@@ -51,9 +65,7 @@ private:
     ndcp_device m_record;
     std::string m_uid;
     Done m_done;
-    std::deque<std::string> m_places; ///< services to try, in this order
-    bool m_maySearch;
-    std::string m_service; ///< the one being tried
+    ConfigurationTimes m_times;
     std::unique_ptr<onvif::SoapClient> m_soap;
     onvif::RequestPtr m_request;
     onvif::Timer m_start; ///< so that done is never called inside the constructor

@@ -1,9 +1,13 @@
 #include "platform/ndcp/configuration_writer.h"
 
-#include "platform/onvif/discovery_search.h"
+#include "platform/ndcp/device_finder.h"
+#include "platform/ndcp/device_record.h"
+#include "platform/ndcp/log.h"
 #include "platform/onvif/net_address.h"
-#include "platform/onvif/text.h"
+#include "platform/onvif/network_interfaces.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace ndcp {
@@ -12,152 +16,283 @@ using onvif::SoapStatus;
 
 namespace {
 
-std::string withPort(const std::string &service, int port)
+constexpr std::array partNames = {"scopes", "DNS", "gateway", "protocols", "address", "restart"};
+
+bool isInSubnet(onvif::Ipv4 address, onvif::Ipv4 member, onvif::Ipv4 mask)
 {
-    std::optional<onvif::HttpAddress> address = onvif::parseHttpAddress(service);
-    if (!address || address->secure)
-        return service;
-    address->port = port;
-    return address->text();
+    return mask != 0 && (address & mask) == (member & mask);
 }
 
-std::string withHost(const std::string &service, onvif::Ipv4 host)
+// Whether this computer reaches an address without a gateway.
+bool isNeighbour(onvif::Ipv4 address)
 {
-    std::optional<onvif::HttpAddress> address = onvif::parseHttpAddress(service);
-    if (!address)
-        return service;
-    address->host = onvif::ipv4Text(host);
-    return address->text();
+    constexpr onvif::Ipv4 loopback = 0x7F000000;
+    constexpr onvif::Ipv4 loopbackMask = 0xFF000000;
+    const std::vector<onvif::LocalAddress> own = onvif::localAddresses();
+    return isInSubnet(address, loopback, loopbackMask) ||
+           std::any_of(own.begin(), own.end(), [address](const onvif::LocalAddress &local) {
+               return isInSubnet(address, local.address, local.mask);
+           });
 }
 
 } // namespace
 
-ConfigurationWriter::ConfigurationWriter(GMainContext *context, const std::string &service,
-                                         const onvif::Credentials &credentials, std::string uid,
-                                         const ConfigurationChange &change, Done done)
+ConfigurationWriter::ConfigurationWriter(GMainContext *context, Target target,
+                                         const ndcp_device &record,
+                                         const NetworkConfiguration &current,
+                                         const ConfigurationTimes &times, Done done)
     : m_context(context)
-    , m_credentials(credentials)
-    , m_uid(std::move(uid))
+    , m_target(std::move(target))
+    , m_record(record)
+    , m_before(current)
+    , m_change(changeTo(record, current).value_or(ConfigurationChange()))
+    , m_times(times)
     , m_done(std::move(done))
-    , m_interface(change.interface)
     , m_start(context, 0, [this] { runNext(); })
 {
-    planSteps(change);
-    connectTo(service);
+    plan();
+    connectTo(m_target.service);
 }
 
-void ConfigurationWriter::planSteps(const ConfigurationChange &change)
+ConfigurationWriter::~ConfigurationWriter() = default;
+
+void ConfigurationWriter::plan()
 {
-    using onvif::DeviceClient;
-    using Done = std::function<void(SoapStatus)>;
-    if (change.scopes) {
-        m_steps.emplace_back([scopes = *change.scopes](DeviceClient &device, Done done) {
-            return device.setScopes(scopes, std::move(done));
-        });
-    }
-    if (change.dns) {
-        m_steps.emplace_back([dns = *change.dns](DeviceClient &device, Done done) {
-            return device.setDns(dns, std::move(done));
-        });
-    }
-    if (change.gateway) {
-        m_steps.emplace_back([gateway = *change.gateway](DeviceClient &device, Done done) {
-            return device.setDefaultGateway(gateway, std::move(done));
-        });
-    }
-    if (change.protocols) {
-        m_steps.emplace_back(
-            [this, protocols = *change.protocols](DeviceClient &device, Done done) {
-                m_newPort = protocols.front().ports.front();
-                return device.setNetworkProtocols(protocols, std::move(done));
-            });
-    }
+    std::deque<Part> order = {Part::Scopes, Part::Dns, Part::Gateway, Part::Protocols,
+                              Part::Interface};
+    if (goesAddressFirst())
+        order = {Part::Scopes, Part::Interface, Part::Dns, Part::Gateway, Part::Protocols};
+    std::copy_if(order.begin(), order.end(), std::back_inserter(m_parts),
+                 [this](Part part) { return isStillToDo(part, m_before); });
+}
+
+bool ConfigurationWriter::goesAddressFirst() const
+{
+    return mayBeRefusedBeforeTheAddress() && !m_change.interface->dhcp &&
+           (m_change.interface->address == m_before.interface.address ||
+            isNeighbour(m_change.interface->address));
+}
+
+// A device with DHCP may take no gateway and DNS from others, nor a gateway that it cannot reach.
+bool ConfigurationWriter::mayBeRefusedBeforeTheAddress() const
+{
+    const onvif::NetworkInterface &now = m_before.interface;
+    const bool isGatewayOutside =
+        m_change.gateway && *m_change.gateway != 0 &&
+        !isInSubnet(*m_change.gateway, now.address, onvif::maskFromPrefix(now.prefixLength));
+    return m_change.interface && (now.dhcp || isGatewayOutside);
+}
+
+bool ConfigurationWriter::isPlanned(Part part) const
+{
+    return std::find(m_parts.begin(), m_parts.end(), part) != m_parts.end();
 }
 
 void ConfigurationWriter::connectTo(const std::string &service)
 {
+    m_request.reset();
     m_device.reset();
-    m_soap = std::make_unique<onvif::SoapClient>(m_context, service, m_credentials);
+    m_target.service = service;
+    m_soap =
+        std::make_unique<onvif::SoapClient>(m_context, service, m_target.credentials, m_times.soap);
     m_device = std::make_unique<onvif::DeviceClient>(*m_soap);
 }
 
 void ConfigurationWriter::runNext()
 {
-    if (m_nextStep < m_steps.size())
-        m_request = m_steps[m_nextStep](*m_device, [this](SoapStatus status) { stepDone(status); });
-    else if (m_interface)
-        startInterfaceStep();
-    else
+    if (m_parts.empty() && m_needsRestart)
+        m_parts.push_back(Part::Restart);
+    if (m_parts.empty() && !m_again.empty())
+        m_parts = std::exchange(m_again, {});
+    if (m_parts.empty()) {
         finish(SoapStatus::Ok);
+        return;
+    }
+    const Part part = m_parts.front();
+    m_parts.pop_front();
+    m_request = send(part);
 }
 
-void ConfigurationWriter::stepDone(SoapStatus status)
+onvif::RequestPtr ConfigurationWriter::send(Part part)
 {
-    if (status == SoapStatus::Ok) {
-        ++m_nextStep;
+    auto done = [this, part](SoapStatus status) { sent(part, status); };
+    switch (part) {
+    case Part::Scopes:
+        return m_device->setScopes(*m_change.scopes, done);
+    case Part::Dns:
+        return m_device->setDns(*m_change.dns, done);
+    case Part::Gateway:
+        return m_device->setDefaultGateway(*m_change.gateway, done);
+    case Part::Protocols:
+        return m_device->setNetworkProtocols(*m_change.protocols, done);
+    case Part::Interface:
+        return m_device->setNetworkInterface(*m_change.interface,
+                                             [this, done](SoapStatus status, bool needsRestart) {
+                                                 m_needsRestart = needsRestart;
+                                                 done(status);
+                                             });
+    case Part::Restart:
+        break;
+    }
+    m_needsRestart = false;
+    return m_device->reboot(done);
+}
+
+void ConfigurationWriter::sent(Part part, SoapStatus status)
+{
+    g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: %s, status %d", m_target.service.c_str(),
+          partNames[static_cast<std::size_t>(part)], static_cast<int>(status));
+    if (part == Part::Restart) {
+        // A device that is down already has taken it. One that does not let this user restart it
+        // has taken the set-up all the same.
+        partDone(part);
+    } else if (status == SoapStatus::Ok) {
+        partDone(part);
+    } else if (status == SoapStatus::NoAnswer) {
+        if (part == Part::Protocols || part == Part::Interface)
+            lookUntilDone(part, false);
+        else
+            lookToSendAgain(part);
+    } else if (status == SoapStatus::Fault) {
+        refusedValue(part);
+    } else {
+        finish(status);
+    }
+}
+
+void ConfigurationWriter::refusedValue(Part part)
+{
+    const bool mayFollow = part == Part::Gateway || (part == Part::Dns && m_before.interface.dhcp);
+    if (mayFollow && mayBeRefusedBeforeTheAddress() &&
+        (isPlanned(Part::Interface) || m_needsRestart)) {
+        m_again.push_back(part);
         runNext();
     } else {
-        finish(status);
+        finish(SoapStatus::Fault);
     }
 }
 
-void ConfigurationWriter::startInterfaceStep()
+void ConfigurationWriter::partDone(Part part)
 {
-    m_request = m_device->setNetworkInterface(
-        *m_interface,
-        [this](SoapStatus status, bool needsReboot) { interfaceDone(status, needsReboot); });
+    const bool isMoving = (part == Part::Interface && !m_needsRestart) || part == Part::Restart;
+    const bool hasMore = !m_parts.empty() || !m_again.empty();
+    if (hasMore && (isMoving || part == Part::Protocols))
+        lookUntilDone(part == Part::Restart ? Part::Interface : part, true);
+    else
+        runNext();
 }
 
-void ConfigurationWriter::interfaceDone(SoapStatus status, bool needsReboot)
+void ConfigurationWriter::lookUntilDone(Part part, bool wasAnswered)
 {
-    if (status == SoapStatus::NoAnswer && m_newPort) {
-        // The new port counts already.
-        connectTo(withPort(m_soap->deviceService(), *std::exchange(m_newPort, std::nullopt)));
-        startInterfaceStep();
-    } else if (status == SoapStatus::NoAnswer) {
-        lookForMovedDevice();
-    } else if (status == SoapStatus::Ok && needsReboot) {
-        m_request = m_device->reboot([this](SoapStatus rebooted) { rebootDone(rebooted); });
-    } else {
-        finish(status);
-    }
-}
-
-// Some devices change their address so fast that the answer is never sent.
-void ConfigurationWriter::lookForMovedDevice()
-{
-    onvif::SearchScope scope = onvif::SearchScope::fromEnvironment();
-    scope.uid = m_uid;
-    const std::string wantedHost =
-        m_interface->dhcp ? std::string() : onvif::ipv4Text(m_interface->address);
-    const auto isMoved = [this, wantedHost](const onvif::DiscoveredDevice &device) {
-        const auto service = onvif::parseHttpAddress(device.serviceAddress);
-        return onvif::sameUid(device.uid, m_uid) && service &&
-               (wantedHost.empty() || service->host == wantedHost);
+    const auto isDone = [this, part](const NetworkConfiguration &configuration) {
+        return !isStillToDo(part, configuration);
     };
-    scope.isEnough = isMoved;
-    m_request = std::make_unique<onvif::DiscoverySearch>(
-        m_context, std::move(scope),
-        [this, isMoved](const std::vector<onvif::DiscoveredDevice> &devices) {
-            const bool isFound = !devices.empty() && isMoved(devices.back());
-            finish(isFound ? SoapStatus::Ok : SoapStatus::NoAnswer);
-        });
+    look(isDone, wasAnswered ? m_times.settle : m_times.look,
+         [this, part, wasAnswered](const std::string &service, bool isThere) {
+             // Some devices tell their old configuration for ever. What they have said to have
+             // taken is believed; a request without an answer is not.
+             if (!isThere && !(wasAnswered && !service.empty())) {
+                 finish(SoapStatus::NoAnswer);
+                 return;
+             }
+             connectTo(service);
+             m_isFound = m_isFound || (part == Part::Interface && isThere);
+             runNext();
+         });
 }
 
-void ConfigurationWriter::rebootDone(SoapStatus status)
+// It may be restarting because of the part before.
+void ConfigurationWriter::lookToSendAgain(Part part)
 {
-    // A device that is down already has taken the request.
-    finish(status == SoapStatus::NoAnswer ? SoapStatus::Ok : status);
+    if (std::exchange(m_wasSentAgain, true)) {
+        finish(SoapStatus::NoAnswer);
+        return;
+    }
+    look([](const NetworkConfiguration &) { return true; }, m_times.look,
+         [this, part](const std::string &service, bool isThere) {
+             if (!isThere) {
+                 finish(SoapStatus::NoAnswer);
+                 return;
+             }
+             connectTo(service);
+             m_request = send(part);
+         });
+}
+
+void ConfigurationWriter::look(std::function<bool(const NetworkConfiguration &)> isThere,
+                               unsigned patience,
+                               std::function<void(const std::string &, bool)> done)
+{
+    DeviceFinder::Wanted wanted;
+    wanted.uid = m_target.uid;
+    wanted.macs = m_before.macs;
+    wanted.places = possiblePlaces();
+    wanted.isThere = std::move(isThere);
+    wanted.patience = patience;
+    m_request =
+        std::make_unique<DeviceFinder>(m_context, std::move(wanted), m_target.credentials, m_times,
+                                       [done = std::move(done)](const DeviceFinder::Found &found) {
+                                           done(found.service, found.isThere);
+                                       });
+}
+
+bool ConfigurationWriter::isStillToDo(Part part, const NetworkConfiguration &configuration) const
+{
+    const ConfigurationChange change =
+        changeTo(m_record, configuration).value_or(ConfigurationChange());
+    switch (part) {
+    case Part::Scopes:
+        return change.scopes.has_value();
+    case Part::Dns:
+        return change.dns.has_value();
+    case Part::Gateway:
+        return change.gateway.has_value();
+    case Part::Protocols:
+        return change.protocols.has_value();
+    case Part::Interface:
+        return change.interface.has_value();
+    case Part::Restart:
+        break;
+    }
+    return false;
+}
+
+// Where the device may be now, the likeliest first: at the new address or the old one, at the new
+// port when the device service shared the port of the web pages, or at the old one.
+std::vector<std::string> ConfigurationWriter::possiblePlaces() const
+{
+    std::vector<std::string> places;
+    const std::optional<onvif::HttpAddress> now = onvif::parseHttpAddress(m_target.service);
+    if (!now)
+        return places;
+    std::vector<std::string> hosts = {now->host};
+    if (m_change.interface && !m_change.interface->dhcp)
+        hosts.insert(hosts.begin(), onvif::ipv4Text(m_change.interface->address));
+    std::vector<int> ports = {now->port};
+    if (m_change.protocols && !now->secure && now->port == webPort(m_before))
+        ports.insert(ports.begin(), httpPort(m_record));
+    for (const std::string &host : hosts) {
+        for (const int port : ports) {
+            onvif::HttpAddress place = *now;
+            place.host = host;
+            place.port = port;
+            if (std::find(places.begin(), places.end(), place.text()) == places.end())
+                places.push_back(place.text());
+        }
+    }
+    return places;
 }
 
 void ConfigurationWriter::finish(SoapStatus status)
 {
-    std::string service = m_soap->deviceService();
+    std::string service = m_target.service;
     if (status == SoapStatus::Ok) {
-        if (m_newPort)
-            service = withPort(service, *m_newPort);
-        if (m_interface && !m_interface->dhcp)
-            service = withHost(service, m_interface->address);
+        const std::vector<std::string> places = possiblePlaces();
+        const bool isSomewhere = m_change.interface && m_change.interface->dhcp;
+        if (isSomewhere && !m_isFound)
+            service.clear();
+        else if (!isSomewhere && !places.empty())
+            service = places.front();
     }
     // The receiver may destroy this object.
     const Done done = std::move(m_done);

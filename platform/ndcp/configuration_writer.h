@@ -1,54 +1,92 @@
 #pragma once
 
+#include "platform/ndcp/configuration_times.h"
+#include "platform/ndcp/ndcp.h"
 #include "platform/ndcp/network_configuration.h"
 #include "platform/onvif/device_client.h"
 #include "platform/onvif/timer.h"
 
 #include <glib.h>
 
+#include <deque>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
-#include <vector>
 
 namespace ndcp {
 
-/// Writes a new configuration to a device. What cannot cut the connection is sent first: names,
-/// DNS, gateway; then the HTTP port, after which the device may answer on the new port only; last
-/// the address, and a restart where the device wants one.
+class DeviceFinder;
+
+/// Tells a device the configuration of a record, one part after the other, in an order in which it
+/// stays reachable.
+///
+/// Usually what cannot cut the connection goes first: names, DNS, gateway, then the HTTP port, and
+/// last the address. A device that leaves DHCP, or gets a gateway outside its present subnet, gets
+/// its address before gateway and DNS, which it would refuse, where it can be reached at its new
+/// address; elsewhere they are tried first, and again after the address when they are refused.
+/// After port and address the device is looked for before it is told more. When an answer is lost,
+/// the device is looked for too: port and address count when the device says so itself, the rest is
+/// sent once more.
 class ConfigurationWriter : public onvif::Request
 {
 public:
-    /// service: where the device service can be expected from now on.
+    struct Target
+    {
+        std::string service;
+        std::string uid; ///< may be empty
+        onvif::Credentials credentials;
+    };
+
+    /// service: where the device service can be expected from now on; empty when it is not known.
     using Done = std::function<void(onvif::SoapStatus, std::string service)>;
 
-    ConfigurationWriter(GMainContext *context, const std::string &service,
-                        const onvif::Credentials &credentials, std::string uid,
-                        const ConfigurationChange &change, Done done);
+    /// current: what the device has now. record: see changeTo, which must give a change.
+    ConfigurationWriter(GMainContext *context, Target target, const ndcp_device &record,
+                        const NetworkConfiguration &current, const ConfigurationTimes &times,
+                        Done done);
+    ~ConfigurationWriter() override;
 
 private:
-    using Step = std::function<onvif::RequestPtr(onvif::DeviceClient &,
-                                                 std::function<void(onvif::SoapStatus)>)>;
+    enum class Part
+    {
+        Scopes,
+        Dns,
+        Gateway,
+        Protocols,
+        Interface,
+        Restart,
+    };
 
-    void planSteps(const ConfigurationChange &change);
+    void plan();
+    [[nodiscard]] bool goesAddressFirst() const;
+    [[nodiscard]] bool mayBeRefusedBeforeTheAddress() const;
+    [[nodiscard]] bool isPlanned(Part part) const;
     void connectTo(const std::string &service);
     void runNext();
-    void stepDone(onvif::SoapStatus status);
-    void startInterfaceStep();
-    void interfaceDone(onvif::SoapStatus status, bool needsReboot);
-    void lookForMovedDevice();
-    void rebootDone(onvif::SoapStatus status);
+    onvif::RequestPtr send(Part part);
+    void sent(Part part, onvif::SoapStatus status);
+    void refusedValue(Part part);
+    void partDone(Part part);
+    void lookUntilDone(Part part, bool wasAnswered);
+    void lookToSendAgain(Part part);
+    void look(std::function<bool(const NetworkConfiguration &)> isThere, unsigned patience,
+              std::function<void(const std::string &service, bool isThere)> done);
+    [[nodiscard]] bool isStillToDo(Part part, const NetworkConfiguration &configuration) const;
+    [[nodiscard]] std::vector<std::string> possiblePlaces() const;
     void finish(onvif::SoapStatus status);
 
     GMainContext *m_context;
-    onvif::Credentials m_credentials;
-    std::string m_uid;
+    Target m_target;
+    ndcp_device m_record;
+    NetworkConfiguration m_before;
+    ConfigurationChange m_change;
+    ConfigurationTimes m_times;
     Done m_done;
-    std::vector<Step> m_steps;
-    std::size_t m_nextStep = 0;
-    std::optional<onvif::InterfaceSetup> m_interface;
-    std::optional<int> m_newPort; ///< set while the old port may still be the one that answers
+    std::deque<Part> m_parts; ///< still to be told
+    std::deque<Part> m_again; ///< refused before the address was set
+    bool m_needsRestart = false;
+    bool m_wasSentAgain = false;
+    bool m_isFound = false; ///< it was seen with its new address
     std::unique_ptr<onvif::SoapClient> m_soap;
     std::unique_ptr<onvif::DeviceClient> m_device;
     onvif::RequestPtr m_request;

@@ -3,7 +3,8 @@
 #include "platform/onvif/net_address.h"
 #include "platform/onvif/network_interfaces.h"
 
-#include <glib.h>
+#include <algorithm>
+#include <iterator>
 
 namespace ndcp {
 
@@ -29,34 +30,38 @@ static_assert(onvif::maxUidLength == sizeof(ndcp_device::uid) - 1);
 
 namespace {
 
-constexpr int usualHttpPort = 80;
+// The bytes of the record that mean nothing to clients.
+enum Reserved : std::size_t
+{
+    Mark,     ///< says that the library has filled the following
+    Parts,    ///< ReadPart values
+    PortHigh, ///< the port that the library gave the record
+    PortLow,
+};
+
+constexpr std::uint8_t markOfLibrary = 0xC5;
+
+bool isMarked(const ndcp_device &record)
+{
+    return record.reserved[Mark] == markOfLibrary;
+}
+
+void mark(ndcp_device &record)
+{
+    if (!isMarked(record))
+        std::fill(std::begin(record.reserved), std::end(record.reserved), std::uint8_t(0));
+    record.reserved[Mark] = markOfLibrary;
+}
 
 } // namespace
 
-std::string typedText(std::string_view bytes)
-{
-    if (g_utf8_validate(bytes.data(), static_cast<gssize>(bytes.size()), nullptr))
-        return std::string(bytes);
-    std::string text;
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x80) {
-            text += c;
-        } else {
-            text += static_cast<char>(0xC0 | byte >> 6);
-            text += static_cast<char>(0x80 | (byte & 0x3F));
-        }
-    }
-    return text;
-}
-
-ndcp_device recordOf(const onvif::DiscoveredDevice &device)
+ndcp_device recordOf(const onvif::DiscoveredDevice &device, int webPort)
 {
     ndcp_device record = {};
     const std::optional<onvif::HttpAddress> service =
         onvif::parseHttpAddress(device.serviceAddress);
     record.ip = onvif::parseIpv4(service ? service->host : device.senderAddress).value_or(0);
-    setHttpPort(record, service ? service->port : usualHttpPort);
+    setHttpPort(record, webPort);
     setField(record.model, device.model);
     setField(record.name, device.name);
     setField(record.location, device.location);
@@ -76,7 +81,28 @@ int httpPort(const ndcp_device &record)
 
 void setHttpPort(ndcp_device &record, int port)
 {
+    mark(record);
     record.http_port = static_cast<std::int16_t>(static_cast<std::uint16_t>(port));
+    record.reserved[PortHigh] = static_cast<std::uint8_t>(port >> 8);
+    record.reserved[PortLow] = static_cast<std::uint8_t>(port);
+}
+
+bool isPortChanged(const ndcp_device &record)
+{
+    const int given =
+        isMarked(record) ? record.reserved[PortHigh] << 8 | record.reserved[PortLow] : usualWebPort;
+    return httpPort(record) != 0 && httpPort(record) != given;
+}
+
+void markRead(ndcp_device &record, unsigned parts)
+{
+    mark(record);
+    record.reserved[Parts] = static_cast<std::uint8_t>(record.reserved[Parts] | parts);
+}
+
+bool wasRead(const ndcp_device &record, ReadPart part)
+{
+    return isMarked(record) && (record.reserved[Parts] & part) != 0;
 }
 
 } // namespace ndcp

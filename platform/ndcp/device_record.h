@@ -6,10 +6,14 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace ndcp {
+
+/// What HTTP servers use, and what a device is taken to use until its configuration was read.
+inline constexpr int usualWebPort = 80;
 
 /// Writes a text to a field of the record: cut on the border of a UTF-8 character, the rest of the
 /// field zero, always terminated.
@@ -27,14 +31,30 @@ std::string fieldText(const char (&field)[size])
     return {field, std::find(field, field + size, '\0')};
 }
 
-/// Text that a user typed, as UTF-8: what is no UTF-8 is taken as Latin-1.
-std::string typedText(std::string_view bytes);
+/// Bits for the fields of a record whose values were read from the device. Stored in the record
+/// itself, which clients copy whole.
+enum ReadPart : std::uint8_t
+{
+    ReadInterface = 1, ///< address, mask and how they are assigned
+    ReadGateway = 2,
+    ReadDns = 4,
+};
 
 /// The record of a device that a search found, without network configuration and credentials.
-ndcp_device recordOf(const onvif::DiscoveredDevice &device);
+/// webPort: the port of its web pages as far as it is known.
+ndcp_device recordOf(const onvif::DiscoveredDevice &device, int webPort = usualWebPort);
+
+/// Notes that parts (ReadPart values) of the record have been read, besides those before.
+void markRead(ndcp_device &record, unsigned parts);
+bool wasRead(const ndcp_device &record, ReadPart part);
 
 /// The HTTP port of a record, which is a signed field.
 int httpPort(const ndcp_device &record);
+
+/// Sets the port as the library knows it.
 void setHttpPort(ndcp_device &record, int port);
+
+/// Whether the record holds another port than the library gave it.
+bool isPortChanged(const ndcp_device &record);
 
 } // namespace ndcp

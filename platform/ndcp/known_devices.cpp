@@ -17,21 +17,32 @@ KnownDevices &KnownDevices::instance()
     return known;
 }
 
-std::string KnownDevices::service(const std::string &uid) const
+KnownDevices::Device KnownDevices::device(const std::string &uid) const
 {
     const std::lock_guard lock(m_mutex);
-    const auto found = m_services.find(onvif::lowerAscii(uid));
-    return found == m_services.end() ? std::string() : found->second;
+    const auto found = m_devices.find(onvif::lowerAscii(uid));
+    return found == m_devices.end() ? Device() : found->second;
 }
 
 void KnownDevices::setService(const std::string &uid, const std::string &service)
 {
-    if (uid.empty())
-        return;
     const std::lock_guard lock(m_mutex);
-    if (m_services.size() >= maxKnown)
-        m_services.clear();
-    m_services[onvif::lowerAscii(uid)] = service;
+    if (!uid.empty())
+        place(uid).service = service;
+}
+
+void KnownDevices::setWebPort(const std::string &uid, int port)
+{
+    const std::lock_guard lock(m_mutex);
+    if (!uid.empty())
+        place(uid).webPort = port;
+}
+
+KnownDevices::Device &KnownDevices::place(const std::string &uid)
+{
+    if (m_devices.size() >= maxKnown)
+        m_devices.clear();
+    return m_devices[onvif::lowerAscii(uid)];
 }
 
 } // namespace ndcp

@@ -6,20 +6,29 @@
 
 namespace ndcp {
 
-/// Where the devices of this process's searches can be queried for their configuration. Shared by
-/// all clients: the one that searched need not be the one that configures. Safe from any thread.
+/// What is remembered of the devices of this process's searches. Shared by all clients: the one
+/// that searched need not be the one that configures. Safe from any thread.
 class KnownDevices
 {
 public:
+    struct Device
+    {
+        std::string service; ///< address of the device service; empty when it is not known
+        int webPort = 0;     ///< of its web pages, from its configuration; 0 when it was never read
+    };
+
     static KnownDevices &instance();
 
-    /// Address of the device service; empty when the UID is not known.
-    [[nodiscard]] std::string service(const std::string &uid) const;
+    [[nodiscard]] Device device(const std::string &uid) const;
+    /// An empty service is forgotten: the device is looked for the next time.
     void setService(const std::string &uid, const std::string &service);
+    void setWebPort(const std::string &uid, int port);
 
 private:
-    mutable std::mutex m_mutex;                    ///< protects m_services
-    std::map<std::string, std::string> m_services; ///< by UID in lower case
+    Device &place(const std::string &uid);
+
+    mutable std::mutex m_mutex;              ///< protects m_devices
+    std::map<std::string, Device> m_devices; ///< by UID in lower case
 };
 
 } // namespace ndcp

@@ -26,6 +26,11 @@ int guarded(Function function) noexcept
 
 } // namespace
 
+int ndcp_takes_utf8(void)
+{
+    return 1;
+}
+
 ndcp_client *ndcpclient_create(ndcp_callback callback, void *user)
 {
     ndcp_client *made = nullptr;

@@ -14,13 +14,9 @@ using onvif::DnsInformation;
 using onvif::Ipv4;
 using onvif::NetworkProtocol;
 
-const NetworkProtocol *httpProtocol(const std::vector<NetworkProtocol> &protocols)
+bool isHttp(const NetworkProtocol &protocol)
 {
-    const auto found =
-        std::find_if(protocols.begin(), protocols.end(), [](const NetworkProtocol &protocol) {
-            return protocol.name == "HTTP" && protocol.isEnabled && !protocol.ports.empty();
-        });
-    return found == protocols.end() ? nullptr : &*found;
+    return protocol.name == "HTTP" && protocol.isEnabled && !protocol.ports.empty();
 }
 
 // Texts that can be changed count before fixed ones of the same kind.
@@ -39,7 +35,7 @@ onvif::ScopeTexts textsOf(const std::vector<DeviceScope> &scopes)
 template <std::size_t size>
 bool isChanged(const char (&field)[size], const std::string &current)
 {
-    return typedText(fieldText(field)) != onvif::cutUtf8(current, size - 1);
+    return fieldText(field) != onvif::cutUtf8(current, size - 1);
 }
 
 DnsInformation wantedDns(const ndcp_device &record)
@@ -56,6 +52,8 @@ std::optional<DnsInformation> changedDns(const ndcp_device &record,
                                          const std::optional<DnsInformation> &current)
 {
     const DnsInformation wanted = wantedDns(record);
+    if (!wasRead(record, ReadDns) && wanted.servers.empty())
+        return std::nullopt;
     if (!current)
         return wanted.servers.empty() ? std::nullopt : std::optional(wanted);
     if (wanted.dhcp != current->dhcp)
@@ -70,11 +68,30 @@ std::optional<std::vector<NetworkProtocol>>
 changedProtocols(const ndcp_device &record,
                  const std::optional<std::vector<NetworkProtocol>> &current)
 {
-    const int port = httpPort(record);
-    const NetworkProtocol *http = current ? httpProtocol(*current) : nullptr;
-    if (port == 0 || !http || http->ports.front() == port)
+    if (!current || !isPortChanged(record))
         return std::nullopt;
-    return std::vector<NetworkProtocol>{{"HTTP", true, {port}}};
+    // Some devices take the list for the whole: all of it goes back, with one port changed.
+    std::vector<NetworkProtocol> wanted = *current;
+    const auto http = std::find_if(wanted.begin(), wanted.end(), isHttp);
+    if (http == wanted.end() || http->ports.front() == httpPort(record))
+        return std::nullopt;
+    http->ports.front() = httpPort(record);
+    return wanted;
+}
+
+// A device with several locations tells them as one text, see onvif::ScopeTexts.
+std::vector<std::string> locationsIn(std::string_view text, bool areSeveral)
+{
+    constexpr std::string_view separator = ", ";
+    std::vector<std::string> locations;
+    while (!text.empty()) {
+        const std::size_t end =
+            areSeveral ? std::min(text.find(separator), text.size()) : text.size();
+        if (end > 0)
+            locations.emplace_back(text.substr(0, end));
+        text.remove_prefix(std::min(end + separator.size(), text.size()));
+    }
+    return locations;
 }
 
 std::optional<std::vector<std::string>>
@@ -94,13 +111,24 @@ changedScopes(const ndcp_device &record, const std::optional<std::vector<DeviceS
         if (!scope.isFixed && !isReplaced)
             scopes.push_back(scope.uri);
     }
-    const std::string name = typedText(fieldText(record.name));
-    const std::string location = typedText(fieldText(record.location));
+    const std::string name = fieldText(record.name);
+    const std::string location = fieldText(record.location);
     if (isRenamed && !name.empty())
         scopes.push_back(onvif::scopeFor("name", name));
-    if (isMoved && !location.empty())
-        scopes.push_back(onvif::scopeFor("location", location));
+    const auto locations = std::count_if(known.begin(), known.end(), [](const DeviceScope &scope) {
+        return onvif::isScopeOf(scope.uri, "location");
+    });
+    if (isMoved)
+        for (const std::string &one : locationsIn(location, locations > 1))
+            scopes.push_back(onvif::scopeFor("location", one));
     return scopes;
+}
+
+// A search leaves all of these as they are.
+bool hasNetworkValues(const ndcp_device &record)
+{
+    return record.manual_ip != 0 || record.mask != 0 || record.gateway != 0 ||
+           record.manual_dns != 0 || record.dns1 != 0 || record.dns2 != 0 || isPortChanged(record);
 }
 
 std::optional<onvif::InterfaceSetup> changedInterface(const ndcp_device &record,
@@ -129,7 +157,7 @@ chooseInterface(const std::vector<onvif::NetworkInterface> &interfaces, Ipv4 add
     for (const onvif::NetworkInterface &candidate : interfaces) {
         if (!candidate.hasIpv4)
             continue;
-        if (candidate.address == address)
+        if (address != 0 && candidate.address == address)
             return candidate;
         if (!chosen || (candidate.isEnabled && !chosen->isEnabled))
             chosen = candidate;
@@ -147,18 +175,20 @@ void fillRecord(ndcp_device &record, const NetworkConfiguration &configuration)
         record.mask = onvif::maskFromPrefix(interface.prefixLength);
     }
     record.manual_ip = interface.dhcp ? 0 : 1;
-    if (configuration.gateway)
+    unsigned parts = ReadInterface;
+    if (configuration.gateway) {
         record.gateway = *configuration.gateway;
+        parts |= ReadGateway;
+    }
     if (configuration.dns) {
         const std::vector<Ipv4> &servers = configuration.dns->servers;
         record.manual_dns = configuration.dns->dhcp ? 0 : 1;
         record.dns1 = !servers.empty() ? servers[0] : 0;
         record.dns2 = servers.size() > 1 ? servers[1] : 0;
+        parts |= ReadDns;
     }
-    if (configuration.protocols) {
-        if (const NetworkProtocol *http = httpProtocol(*configuration.protocols))
-            setHttpPort(record, http->ports.front());
-    }
+    setHttpPort(record, webPort(configuration) != 0 ? webPort(configuration) : httpPort(record));
+    markRead(record, parts);
     if (configuration.scopes) {
         const onvif::ScopeTexts texts = textsOf(*configuration.scopes);
         setField(record.name, texts.name);
@@ -168,14 +198,28 @@ void fillRecord(ndcp_device &record, const NetworkConfiguration &configuration)
         setField(record.model, configuration.model);
 }
 
-ConfigurationChange changeTo(const ndcp_device &record, const NetworkConfiguration &current)
+int webPort(const NetworkConfiguration &configuration)
+{
+    if (!configuration.protocols)
+        return 0;
+    const std::vector<NetworkProtocol> &protocols = *configuration.protocols;
+    const auto http = std::find_if(protocols.begin(), protocols.end(), isHttp);
+    return http == protocols.end() ? 0 : http->ports.front();
+}
+
+std::optional<ConfigurationChange> changeTo(const ndcp_device &record,
+                                            const NetworkConfiguration &current)
 {
     ConfigurationChange change;
     change.scopes = changedScopes(record, current.scopes);
+    if (!wasRead(record, ReadInterface))
+        return hasNetworkValues(record) ? std::nullopt : std::optional(change);
     change.dns = changedDns(record, current.dns);
-    // With DHCP the gateway comes from there.
-    const bool setsGateway = record.manual_ip != 0 && record.gateway != current.gateway.value_or(0);
-    if (setsGateway)
+    // With DHCP the gateway comes from there; leaving it, the device may have none of its own.
+    const bool wasAutomatic = current.interface.dhcp && record.gateway != 0;
+    const bool mayDiffer = wasRead(record, ReadGateway) || record.gateway != 0;
+    if (record.manual_ip != 0 && mayDiffer &&
+        (wasAutomatic || record.gateway != current.gateway.value_or(0)))
         change.gateway = record.gateway;
     change.protocols = changedProtocols(record, current.protocols);
     change.interface = changedInterface(record, current.interface);

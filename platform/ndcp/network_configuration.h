@@ -14,6 +14,7 @@ namespace ndcp {
 struct NetworkConfiguration
 {
     onvif::NetworkInterface interface;
+    std::vector<onvif::MacAddress> macs; ///< of all its interfaces
     std::optional<onvif::Ipv4> gateway;
     std::optional<onvif::DnsInformation> dns;
     std::optional<std::vector<onvif::NetworkProtocol>> protocols;
@@ -21,8 +22,8 @@ struct NetworkConfiguration
     std::string model; ///< requested only when discovery did not report it
 };
 
-/// The interface that carries an address, else the first enabled one with IPv4; nullopt when the
-/// device has none.
+/// The interface that carries an address (0: none is known), else the first enabled one with IPv4;
+/// nullopt when the device has none.
 std::optional<onvif::NetworkInterface>
 chooseInterface(const std::vector<onvif::NetworkInterface> &interfaces, onvif::Ipv4 address);
 
@@ -40,6 +41,12 @@ struct ConfigurationChange
     std::optional<onvif::InterfaceSetup> interface;
 };
 
-ConfigurationChange changeTo(const ndcp_device &record, const NetworkConfiguration &current);
+/// nullopt when the record has values for a network configuration that was never read into it: what
+/// it says of the rest means nothing then. Name and location count without a reading too.
+std::optional<ConfigurationChange> changeTo(const ndcp_device &record,
+                                            const NetworkConfiguration &current);
+
+/// Port of the device's web pages; 0 when it does not tell.
+int webPort(const NetworkConfiguration &configuration);
 
 } // namespace ndcp

@@ -25,6 +25,7 @@ struct Library
     std::vector<std::unique_ptr<ndcp_client>> clients;
     std::vector<ndcp_device> devices;
     std::optional<std::int32_t> count;
+    int takesUtf8 = 1;
     ndcp_device conf{};
     std::map<int, int> answers; ///< event to error
     std::map<std::string, int> results;
@@ -126,6 +127,7 @@ void reset()
     lib.clients.clear();
     lib.devices.clear();
     lib.count.reset();
+    lib.takesUtf8 = 1;
     lib.conf = {};
     lib.answers.clear();
     lib.results.clear();
@@ -157,6 +159,12 @@ void setDevices(const std::vector<ndcp_device> &devices)
 {
     const std::lock_guard lock(library().mutex);
     library().devices = devices;
+}
+
+void setTakesUtf8(int answer)
+{
+    const std::lock_guard lock(library().mutex);
+    library().takesUtf8 = answer;
 }
 
 void setCount(std::optional<std::int32_t> count)
@@ -247,6 +255,12 @@ bool waitDelivered(int milliseconds)
 }
 
 } // namespace fake_ndcp
+
+int ndcp_takes_utf8(void)
+{
+    const std::lock_guard lock(library().mutex);
+    return library().takesUtf8;
+}
 
 ndcp_client *ndcpclient_create(ndcp_callback callback, void *user)
 {

@@ -46,6 +46,9 @@ void failCreate(int times = 1);
 /// and no event follows.
 void setResult(const std::string &request, int result);
 
+/// What ndcp_takes_utf8 answers until reset(); 1 at first.
+void setTakesUtf8(int answer);
+
 /// Names of all calls in order: "create", "discover", "getcnt", "getdev", "get_conf", "set_conf",
 /// "delete".
 std::vector<std::string> calls();

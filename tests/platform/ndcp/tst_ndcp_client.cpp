@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -41,14 +42,7 @@ protected:
         m_announced.endpoint = "urn:uuid:" + m_uid;
         m_announced.xaddrs = m_device.service();
         searchOnlyAt(m_peer.target());
-        m_device.answer("GetNetworkInterfaces",
-                        "<tds:GetNetworkInterfacesResponse>"
-                        "<tds:NetworkInterfaces token=\"eth0\"><tt:Enabled>true</tt:Enabled>"
-                        "<tt:Info><tt:HwAddress>00:1a:2b:3c:4d:5e</tt:HwAddress></tt:Info>"
-                        "<tt:IPv4><tt:Enabled>true</tt:Enabled><tt:Config><tt:Manual>"
-                        "<tt:Address>127.0.0.1</tt:Address><tt:PrefixLength>8</tt:PrefixLength>"
-                        "</tt:Manual><tt:DHCP>false</tt:DHCP></tt:Config></tt:IPv4>"
-                        "</tds:NetworkInterfaces></tds:GetNetworkInterfacesResponse>");
+        letInterfacesBeRead("00:1a:2b:3c:4d:5e");
         m_device.answer("GetNetworkDefaultGateway",
                         "<tds:GetNetworkDefaultGatewayResponse><tds:NetworkGateway>"
                         "<tt:IPv4Address>192.168.1.1</tt:IPv4Address></tds:NetworkGateway>"
@@ -74,6 +68,21 @@ protected:
                                     "SetNetworkProtocols", "SystemReboot"})
             m_device.answer(request, std::string("<tds:") + request + "Response/>");
         letInterfacesBeSet(false);
+    }
+
+    void letInterfacesBeRead(const std::string &mac)
+    {
+        m_device.answer("GetNetworkInterfaces",
+                        "<tds:GetNetworkInterfacesResponse>"
+                        "<tds:NetworkInterfaces token=\"eth0\"><tt:Enabled>true</tt:Enabled>"
+                        "<tt:Info><tt:HwAddress>" +
+                            mac +
+                            "</tt:HwAddress></tt:Info>"
+                            "<tt:IPv4><tt:Enabled>true</tt:Enabled><tt:Config><tt:Manual>"
+                            "<tt:Address>127.0.0.1</tt:Address>"
+                            "<tt:PrefixLength>8</tt:PrefixLength>"
+                            "</tt:Manual><tt:DHCP>false</tt:DHCP></tt:Config></tt:IPv4>"
+                            "</tds:NetworkInterfaces></tds:GetNetworkInterfacesResponse>");
     }
 
     void letInterfacesBeSet(bool needsReboot)
@@ -122,7 +131,7 @@ TEST_F(NdcpClientTest, FindsADevice)
     ASSERT_EQ(devices.size(), 1u);
     const ndcp_device &device = devices.front();
     EXPECT_EQ(device.ip, 0x7F000001u);
-    EXPECT_EQ(static_cast<std::uint16_t>(device.http_port), m_device.port());
+    EXPECT_EQ(device.http_port, 80) << "its web pages', not its device service's";
     EXPECT_STREQ(device.model, "ZC-1");
     EXPECT_STREQ(device.name, "Door");
     EXPECT_STREQ(device.location, "Hall");
@@ -387,7 +396,105 @@ TEST_F(NdcpClientTest, TellsThatTheDeviceDidNotTakeIt)
     EXPECT_EQ(client.write(record), NDCP_ERROR_SET_CONF);
     EXPECT_THAT(setRequests(), ElementsAre("SetDNS")) << "the address stays as it is";
     m_device.answerFault("GetNetworkInterfaces", "ter:ActionNotSupported");
-    EXPECT_EQ(client.write(record), NDCP_ERROR_SET_CONF);
+    EXPECT_EQ(client.write(record), NDCP_ERROR_GET_CONF) << "nothing can be read";
+}
+
+TEST_F(NdcpClientTest, TellsTheWebPortOnceItWasRead)
+{
+    ClientHarness client(m_context);
+    ndcp_device record = newRecord();
+    ASSERT_EQ(client.read(record), 0);
+    EXPECT_EQ(static_cast<std::uint16_t>(record.http_port), m_device.port());
+    const std::vector<ndcp_device> devices = client.search();
+    ASSERT_EQ(devices.size(), 1u);
+    EXPECT_EQ(static_cast<std::uint16_t>(devices.front().http_port), m_device.port());
+}
+
+TEST_F(NdcpClientTest, WritesNoNetworkThatNobodyRead)
+{
+    ClientHarness client(m_context);
+    ndcp_device record = client.search().at(0);
+    setText(record.name, "Back door");
+    EXPECT_EQ(client.write(record), 0);
+    EXPECT_THAT(setRequests(), ElementsAre("SetScopes"));
+    record.manual_dns = 1;
+    record.dns1 = 0x09090909;
+    EXPECT_EQ(client.write(record), NDCP_ERROR_GET_CONF);
+    EXPECT_THAT(setRequests(), ElementsAre("SetScopes"));
+}
+
+TEST_F(NdcpClientTest, ReadsAndWritesOnlyTheDeviceThatTheRecordNames)
+{
+    ClientHarness client(m_context);
+    ndcp_device record = client.search().at(0);
+    ASSERT_EQ(client.read(record), 0);
+    // Another device has got the address meanwhile, and the same password.
+    letInterfacesBeRead("00:1a:2b:3c:4d:99");
+    m_announced.endpoint = "urn:uuid:" + newUid();
+    setText(record.name, "Back door");
+    EXPECT_EQ(client.write(record), NDCP_ERROR_NETWORK);
+    EXPECT_EQ(client.read(record), NDCP_ERROR_NETWORK);
+    EXPECT_THAT(setRequests(), IsEmpty());
+    // A changed network card is still the device, when it says so itself.
+    m_announced.endpoint = "urn:uuid:" + m_uid;
+    EXPECT_EQ(client.write(record), 0);
+    EXPECT_THAT(setRequests(), ElementsAre("SetScopes"));
+}
+
+TEST_F(NdcpClientTest, LooksForADeviceWhoseAddressAnswersWithFaults)
+{
+    SoapDevice web(m_context);
+    web.answerRaw("GetNetworkInterfaces", 404, "<html/>");
+    m_announced.xaddrs = web.service();
+    ClientHarness client(m_context);
+    ndcp_device record = client.search().at(0);
+    m_announced.xaddrs = m_device.service();
+    EXPECT_EQ(client.read(record), 0);
+    EXPECT_EQ(record.dns1, 0x08080808u);
+}
+
+TEST_F(NdcpClientTest, FindsTheWantedDeviceBesideOthersOfOneAnswer)
+{
+    AnnouncedDevice other;
+    for (const bool comesFirst : {true, false}) {
+        UdpPeer proxy(m_context, [this, &other, comesFirst](const std::string &question) {
+            std::vector<AnnouncedDevice> devices = {m_announced, other};
+            if (!comesFirst)
+                std::swap(devices[0], devices[1]);
+            return std::vector<std::string>{answerTo(question, devices)};
+        });
+        searchOnlyAt(proxy.target());
+        m_uid = newUid();
+        m_announced.endpoint = "urn:uuid:" + m_uid;
+        ndcp_device record = newRecord();
+        ClientHarness client(m_context);
+        EXPECT_EQ(client.read(record), 0);
+    }
+}
+
+TEST_F(NdcpClientTest, KeepsADeviceReadableUntilTheNextSearchIsStarted)
+{
+    ClientHarness client(m_context);
+    EXPECT_EQ(client.search().size(), 1u);
+    EXPECT_EQ(ndcpclient_discover(client.get()), 0);
+    const ndcp_device *device = ndcpclient_getdev(client.get(), 0);
+    ASSERT_NE(device, nullptr);
+    EXPECT_EQ(client.nextEvent().message, NDCP_EVENT_DISCOVERY);
+    EXPECT_NE(ndcpclient_getdev(client.get(), 0), device);
+    EXPECT_STREQ(device->uid, m_uid.c_str());
+}
+
+TEST_F(NdcpClientTest, SaysThatItsTextsAreUtf8)
+{
+    EXPECT_EQ(ndcp_takes_utf8(), 1);
+    m_device.guard(SoapDevice::Guard::Token, "admin", "p\u00e4ss\u65e5");
+    ClientHarness client(m_context);
+    ndcp_device record = newRecord();
+    setText(record.password, "p\u00e4ss\u65e5");
+    EXPECT_EQ(client.read(record), 0);
+    setText(record.name, "T\u00fcr");
+    EXPECT_EQ(client.write(record), 0);
+    EXPECT_THAT(m_device.seen("SetScopes").at(0), HasSubstr("name/T%C3%BCr"));
 }
 
 TEST_F(NdcpClientTest, NeverWritesToTheDeviceThatHasTheNewAddress)

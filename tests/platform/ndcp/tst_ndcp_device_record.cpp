@@ -31,8 +31,9 @@ TEST(DeviceRecord, IsFilledToTheByte)
         expected.replace(offset, bytes.size(), bytes);
     };
     const std::uint32_t ip = 0xC0000214;
-    const std::int16_t port = 8080;
+    const std::int16_t port = 80; // of the web pages, not of the device service
     put(0, std::string("\x00\x1a\x2b\x3c\x4d\x5e", 6));
+    put(6, std::string("\xC5\x00\x00\x50", 4));
     put(16, std::string(reinterpret_cast<const char *>(&ip), 4));
     put(20, std::string(reinterpret_cast<const char *>(&port), 2));
     put(22, "ZC-1");
@@ -56,11 +57,32 @@ TEST(DeviceRecord, CutsTextsBetweenCharacters)
 
 TEST(DeviceRecord, KeepsHighPortsInItsSignedField)
 {
-    onvif::DiscoveredDevice device = door();
-    device.serviceAddress = "http://192.0.2.20:50000/onvif/device_service";
-    const ndcp_device record = recordOf(device);
+    const ndcp_device record = recordOf(door(), 50000);
     EXPECT_EQ(record.http_port, -15536);
     EXPECT_EQ(httpPort(record), 50000);
+    EXPECT_FALSE(isPortChanged(record));
+}
+
+TEST(DeviceRecord, KnowsWhichOfItsPartsWereRead)
+{
+    ndcp_device record = recordOf(door());
+    EXPECT_FALSE(wasRead(record, ReadInterface));
+    markRead(record, ReadInterface | ReadDns);
+    EXPECT_TRUE(wasRead(record, ReadInterface));
+    EXPECT_FALSE(wasRead(record, ReadGateway));
+    EXPECT_TRUE(wasRead(record, ReadDns));
+    record.http_port = 8080;
+    EXPECT_TRUE(isPortChanged(record));
+}
+
+TEST(DeviceRecord, TakesForeignBytesInItsOwnForNothingRead)
+{
+    ndcp_device record = {};
+    std::memset(record.reserved, 0xFF, sizeof record.reserved);
+    EXPECT_FALSE(wasRead(record, ReadInterface));
+    markRead(record, ReadGateway);
+    EXPECT_FALSE(wasRead(record, ReadInterface));
+    EXPECT_TRUE(wasRead(record, ReadGateway));
 }
 
 TEST(DeviceRecord, WithoutAnIpv4AddressHasNone)
@@ -79,14 +101,6 @@ TEST(DeviceRecord, ReadsFieldsThatAreNotTerminated)
     std::memset(record.username, 'u', sizeof record.username);
     EXPECT_EQ(fieldText(record.username), std::string(64, 'u'));
     EXPECT_EQ(fieldText(record.password), "");
-}
-
-TEST(TypedText, IsUtf8OrLatin1)
-{
-    EXPECT_EQ(typedText("plain"), "plain");
-    EXPECT_EQ(typedText("caf\u00e9"), "caf\u00e9");
-    EXPECT_EQ(typedText("caf\xe9"), "caf\u00e9");
-    EXPECT_EQ(typedText("\xff"), "\u00ff");
 }
 
 } // namespace ndcp

@@ -18,7 +18,8 @@ NetworkConfiguration configuration()
     current.interface.prefixLength = 24;
     current.gateway = 0xC0A80101;
     current.dns = onvif::DnsInformation{false, {0x08080808, 0x09090909, 0x01010101}};
-    current.protocols = {{"HTTPS", true, {443}}, {"HTTP", true, {80, 8080}}};
+    current.protocols = {
+        {"HTTPS", true, {443}}, {"HTTP", true, {80, 8080}}, {"RTSP", false, {554}}};
     current.scopes = {{"onvif://www.onvif.org/type/video", true},
                       {"onvif://www.onvif.org/name/Door", false},
                       {"onvif://www.onvif.org/location/Hall", false},
@@ -31,6 +32,19 @@ ndcp_device filled()
     ndcp_device record = {};
     fillRecord(record, configuration());
     return record;
+}
+
+ConfigurationChange changeOf(const ndcp_device &record, const NetworkConfiguration &current)
+{
+    const std::optional<ConfigurationChange> change = changeTo(record, current);
+    EXPECT_TRUE(change);
+    return change.value_or(ConfigurationChange());
+}
+
+// A port as the user types it.
+void typePort(ndcp_device &record, int port)
+{
+    record.http_port = static_cast<std::int16_t>(port);
 }
 
 bool isNothing(const ConfigurationChange &change)
@@ -88,7 +102,7 @@ TEST(NetworkConfiguration, LeavesWhatTheDeviceDoesNotTell)
 
 TEST(NetworkConfiguration, ChangesNothingThatIsRight)
 {
-    EXPECT_TRUE(isNothing(changeTo(filled(), configuration())));
+    EXPECT_TRUE(isNothing(changeOf(filled(), configuration())));
 }
 
 TEST(NetworkConfiguration, DoesNotTakeCutTextsForChanges)
@@ -97,7 +111,7 @@ TEST(NetworkConfiguration, DoesNotTakeCutTextsForChanges)
     (*current.scopes)[1].uri = "onvif://www.onvif.org/name/" + std::string(60, 'n');
     ndcp_device record = filled();
     fillRecord(record, current);
-    EXPECT_TRUE(isNothing(changeTo(record, current)));
+    EXPECT_TRUE(isNothing(changeOf(record, current)));
 }
 
 TEST(NetworkConfiguration, ChangesTheAddress)
@@ -105,7 +119,7 @@ TEST(NetworkConfiguration, ChangesTheAddress)
     ndcp_device record = filled();
     record.ip = 0xC0A80115;
     record.mask = 0xFFFF0000;
-    const ConfigurationChange change = changeTo(record, configuration());
+    const ConfigurationChange change = changeOf(record, configuration());
     ASSERT_TRUE(change.interface);
     EXPECT_EQ(change.interface->token, "eth0");
     EXPECT_FALSE(change.interface->dhcp);
@@ -120,7 +134,7 @@ TEST(NetworkConfiguration, ChangesToAutomaticAssignment)
     record.manual_ip = 0;
     record.manual_dns = 0;
     record.gateway = 0;
-    const ConfigurationChange change = changeTo(record, configuration());
+    const ConfigurationChange change = changeOf(record, configuration());
     ASSERT_TRUE(change.interface);
     EXPECT_TRUE(change.interface->dhcp);
     ASSERT_TRUE(change.dns);
@@ -134,15 +148,18 @@ TEST(NetworkConfiguration, ChangesDnsGatewayAndPort)
     record.dns1 = 0;
     record.dns2 = 0x0A000001;
     record.gateway = 0xC0A801FE;
-    setHttpPort(record, 50000);
-    const ConfigurationChange change = changeTo(record, configuration());
+    typePort(record, 50000);
+    const ConfigurationChange change = changeOf(record, configuration());
     ASSERT_TRUE(change.dns);
     EXPECT_EQ(change.dns->servers, (std::vector<onvif::Ipv4>{0x0A000001}));
     EXPECT_EQ(change.gateway, 0xC0A801FEu);
     ASSERT_TRUE(change.protocols);
-    ASSERT_EQ(change.protocols->size(), 1u);
-    EXPECT_EQ(change.protocols->front().name, "HTTP");
-    EXPECT_EQ(change.protocols->front().ports, (std::vector<int>{50000}));
+    ASSERT_EQ(change.protocols->size(), 3u) << "what is not changed goes back as it was";
+    EXPECT_EQ(change.protocols->at(0).name, "HTTPS");
+    EXPECT_EQ(change.protocols->at(1).name, "HTTP");
+    EXPECT_EQ(change.protocols->at(1).ports, (std::vector<int>{50000, 8080}));
+    EXPECT_EQ(change.protocols->at(2).name, "RTSP");
+    EXPECT_FALSE(change.protocols->at(2).isEnabled);
     EXPECT_FALSE(change.interface);
 }
 
@@ -150,7 +167,7 @@ TEST(NetworkConfiguration, KeepsTheOtherScopesWhenTextsChange)
 {
     ndcp_device record = filled();
     setField(record.name, "Back door");
-    const ConfigurationChange change = changeTo(record, configuration());
+    const ConfigurationChange change = changeOf(record, configuration());
     ASSERT_TRUE(change.scopes);
     EXPECT_EQ(*change.scopes, (std::vector<std::string>{"onvif://www.onvif.org/location/Hall",
                                                         "onvif://www.onvif.org/extra/1",
@@ -162,10 +179,104 @@ TEST(NetworkConfiguration, WritesWhatTheDeviceCouldNotTellOnlyWhenThereIsSomethi
     NetworkConfiguration silent;
     silent.interface = configuration().interface;
     ndcp_device record = filled();
-    EXPECT_EQ(changeTo(record, silent).dns->servers.size(), 2u);
-    EXPECT_EQ(changeTo(record, silent).gateway, 0xC0A80101u);
+    EXPECT_EQ(changeOf(record, silent).dns->servers.size(), 2u);
+    EXPECT_EQ(changeOf(record, silent).gateway, 0xC0A80101u);
     record.dns1 = record.dns2 = record.gateway = 0;
-    EXPECT_TRUE(isNothing(changeTo(record, silent)));
+    EXPECT_TRUE(isNothing(changeOf(record, silent)));
+}
+
+TEST(NetworkConfiguration, LeavingDhcpWritesTheGatewayOfTheLease)
+{
+    NetworkConfiguration current = configuration();
+    current.interface.dhcp = true;
+    ndcp_device record = {};
+    fillRecord(record, current);
+    EXPECT_TRUE(isNothing(changeOf(record, current)));
+    record.manual_ip = 1;
+    const ConfigurationChange change = changeOf(record, current);
+    ASSERT_TRUE(change.interface);
+    EXPECT_FALSE(change.interface->dhcp);
+    EXPECT_EQ(change.gateway, 0xC0A80101u);
+    record.gateway = 0;
+    EXPECT_EQ(changeOf(record, current).gateway, 0u) << "taken away by the user";
+}
+
+TEST(NetworkConfiguration, WritesNothingOfANetworkThatWasNeverRead)
+{
+    ndcp_device record = recordOf({});
+    setField(record.name, "Door");
+    setField(record.location, "Attic");
+    const ConfigurationChange change = changeOf(record, configuration());
+    EXPECT_TRUE(change.scopes);
+    EXPECT_FALSE(change.dns || change.gateway || change.protocols || change.interface);
+}
+
+TEST(NetworkConfiguration, RefusesValuesAboveANetworkThatWasNeverRead)
+{
+    const auto isRefused = [](void (*touch)(ndcp_device &)) {
+        ndcp_device record = recordOf({});
+        touch(record);
+        return !changeTo(record, configuration());
+    };
+    EXPECT_TRUE(isRefused([](ndcp_device &record) { record.manual_ip = 1; }));
+    EXPECT_TRUE(isRefused([](ndcp_device &record) { record.mask = 0xFFFFFF00; }));
+    EXPECT_TRUE(isRefused([](ndcp_device &record) { record.gateway = 1; }));
+    EXPECT_TRUE(isRefused([](ndcp_device &record) { record.manual_dns = 1; }));
+    EXPECT_TRUE(isRefused([](ndcp_device &record) { record.dns1 = 1; }));
+    EXPECT_TRUE(isRefused([](ndcp_device &record) { record.dns2 = 1; }));
+    EXPECT_TRUE(isRefused([](ndcp_device &record) { record.http_port = 8080; }));
+    EXPECT_FALSE(isRefused([](ndcp_device &) {}));
+}
+
+TEST(NetworkConfiguration, LeavesWhatTheDeviceCouldNotTellWhenItWasRead)
+{
+    NetworkConfiguration silent;
+    silent.interface = configuration().interface;
+    ndcp_device record = recordOf({});
+    fillRecord(record, silent);
+    // Now it tells: its gateway and its servers stay.
+    EXPECT_TRUE(isNothing(changeOf(record, [] {
+        NetworkConfiguration current = configuration();
+        current.scopes.reset();
+        return current;
+    }())));
+}
+
+TEST(NetworkConfiguration, KeepsAPortThatTheUserDidNotTouch)
+{
+    const ndcp_device record = filled();
+    NetworkConfiguration current = configuration();
+    (*current.protocols)[1].ports.front() = 8000;
+    EXPECT_FALSE(changeOf(record, current).protocols);
+}
+
+TEST(NetworkConfiguration, WritesSeveralLocationsAsSeveral)
+{
+    NetworkConfiguration current = configuration();
+    current.scopes->push_back({"onvif://www.onvif.org/location/city/Rome", false});
+    ndcp_device record = {};
+    fillRecord(record, current);
+    ASSERT_STREQ(record.location, "Hall, city/Rome");
+    setField(record.location, "Hall 2, city/New York");
+    const ConfigurationChange change = changeOf(record, current);
+    ASSERT_TRUE(change.scopes);
+    EXPECT_EQ(*change.scopes,
+              (std::vector<std::string>{"onvif://www.onvif.org/name/Door",
+                                        "onvif://www.onvif.org/extra/1",
+                                        "onvif://www.onvif.org/location/Hall%202",
+                                        "onvif://www.onvif.org/location/city/New%20York"}));
+    setField(record.location, "");
+    EXPECT_EQ(changeOf(record, current).scopes->size(), 2u);
+}
+
+TEST(NetworkConfiguration, KeepsNamesThatAreNotAscii)
+{
+    NetworkConfiguration current = configuration();
+    (*current.scopes)[1].uri = "onvif://www.onvif.org/name/T%C3%BCr";
+    ndcp_device record = {};
+    fillRecord(record, current);
+    EXPECT_STREQ(record.name, "T\u00fcr");
+    EXPECT_TRUE(isNothing(changeOf(record, current)));
 }
 
 TEST(NetworkConfiguration, ChoosesTheInterfaceThatAnswered)
@@ -183,6 +294,11 @@ TEST(NetworkConfiguration, ChoosesTheInterfaceThatAnswered)
     EXPECT_EQ(chooseInterface({bare, disabled, first, second}, 0x7F000001)->token, "eth0");
     EXPECT_EQ(chooseInterface({bare, disabled}, 1)->token, "wlan0");
     EXPECT_FALSE(chooseInterface({bare}, 1));
+    onvif::NetworkInterface unconnected = first;
+    unconnected.token = "eth2";
+    unconnected.address = 0;
+    unconnected.isEnabled = false;
+    EXPECT_EQ(chooseInterface({unconnected, first}, 0)->token, "eth0") << "reached by a name";
     EXPECT_FALSE(chooseInterface({}, 1));
 }
 

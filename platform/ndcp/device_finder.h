@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/ndcp/configuration_times.h"
+#include "platform/ndcp/network_configuration.h"
+#include "platform/onvif/request.h"
+#include "platform/onvif/timer.h"
+
+#include <glib.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace ndcp {
+
+/// Looks for a device that is about to come to another address or port, or to restart: asks the
+/// places where it may be, and the network for its UID, again and again until it is there.
+class DeviceFinder : public onvif::Request
+{
+public:
+    struct Wanted
+    {
+        std::string uid;                     ///< may be empty: then only the places are asked
+        std::vector<onvif::MacAddress> macs; ///< of its interfaces; empty: not known
+        std::vector<std::string> places;     ///< device services, the likeliest first
+        /// Whether a device with this configuration has arrived. One that answers from its old
+        /// place as before has not.
+        std::function<bool(const NetworkConfiguration &)> isThere;
+        /// For how long one that answers as before is waited for, in milliseconds.
+        unsigned patience = 0;
+    };
+
+    struct Found
+    {
+        bool isThere = false;
+        std::string service; ///< where it answered last; empty when it did not
+    };
+
+    using Done = std::function<void(const Found &)>;
+
+    /// Ends after times.look milliseconds at the latest, or with the patience. done is never called
+    /// inside.
+    DeviceFinder(GMainContext *context, Wanted wanted, onvif::Credentials credentials,
+                 const ConfigurationTimes &times, Done done);
+
+private:
+    void startRound();
+    void askNext();
+    void answered(onvif::SoapStatus status, const NetworkConfiguration &configuration);
+    void search();
+    [[nodiscard]] bool isSameDevice(const NetworkConfiguration &configuration) const;
+    void finish(bool isThere);
+
+    GMainContext *m_context;
+    Wanted m_wanted;
+    onvif::Credentials m_credentials;
+    ConfigurationTimes m_times;
+    Done m_done;
+    std::size_t m_next = 0; ///< place
+    std::string m_seenAt;
+    bool m_wasSeen = false; ///< in this round
+    gint64 m_started = g_get_monotonic_time();
+    std::unique_ptr<onvif::SoapClient> m_soap;
+    onvif::RequestPtr m_request;
+    onvif::Timer m_pause;
+    onvif::Timer m_end;
+};
+
+} // namespace ndcp
