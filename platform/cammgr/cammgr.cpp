@@ -275,7 +275,15 @@ int RtspPlayer_EndWriting(RtspPlayer *player)
 
 int RtspPlayer_IsWriting(RtspPlayer *player)
 {
-    return ask(player, &LiveStream::isWriting);
+    return with(
+        player, 0,
+        [](RtspPlayer &p) {
+            return p.withStream([](const LiveStream &stream) {
+                if (stream.isWriting())
+                    return CAMMGR_WRITING;
+                return stream.isWaitingToWrite() ? CAMMGR_WRITING_WAITS : CAMMGR_WRITING_NONE;
+            });
+        });
 }
 
 int RtspPlayer_GetVideoFrameRate(RtspPlayer *player)

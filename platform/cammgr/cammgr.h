@@ -162,7 +162,20 @@ CAMMGR_API int RtspPlayer_BeginWriting(RtspPlayer *player, const char *base_path
 /* Ends the recording; the file is finished in the background. */
 CAMMGR_API int RtspPlayer_EndWriting(RtspPlayer *player);
 
-/* Non-zero while a recording runs. */
+/* Results of RtspPlayer_IsWriting of this library; another one says 0 or any other number. */
+enum
+{
+    CAMMGR_WRITING_NONE =
+        0,              /* no recording runs: none was begun, or its begin failed, or it ended */
+    CAMMGR_WRITING = 1, /* a clip is open and takes the frames that come */
+    CAMMGR_WRITING_WAITS =
+        2 /* one was begun and nothing is being written: no key frame came yet, or
+             the disk is full or gone. A new clip begins when that is over, which
+             is looked at every 5 s; RtspPlayer_EndWriting ends the wait. */
+};
+
+/* Non-zero while a recording runs, from RtspPlayer_BeginWriting to RtspPlayer_EndWriting or the end
+ * of the stream: a CAMMGR_WRITING value. */
 CAMMGR_API int RtspPlayer_IsWriting(RtspPlayer *player);
 
 /* Over the last second: frames per second, bits per second. */

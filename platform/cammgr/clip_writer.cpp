@@ -227,7 +227,7 @@ bool ClipWriter::build()
 /// On a media worker.
 void ClipWriter::writeStill(const AccessUnit &picture) const
 {
-    const std::string still = path() + ".jpeg";
+    const std::string still = stillPath();
     writeJpeg(decodeLast({picture}, stillBudget), still);
     // No still of a clip that was deleted in the meantime.
     if (!FileIdentity::of(path()))
@@ -303,8 +303,11 @@ void ClipWriter::removeWhatCannotPlay() const
 {
     std::error_code error;
     const auto size = std::filesystem::file_size(path(), error);
-    if (!error && size < indexBytes() && FileIdentity::of(path()) == m_file)
+    if (!error && size < indexBytes() && FileIdentity::of(path()) == m_file) {
         std::filesystem::remove(path(), error);
+        if (m_format.withStill)
+            std::filesystem::remove(stillPath(), error);
+    }
 }
 
 /// Any thread; the lock may be held.

@@ -73,6 +73,7 @@ private:
 
     void open();
     bool build();
+    std::string stillPath() const { return path() + ".jpeg"; }
     void writeStill(const AccessUnit &picture) const;
     void finish();
     void removeWhatCannotPlay() const;

@@ -98,6 +98,11 @@ bool LiveStream::isWriting() const
     return d->session && d->session->isWriting();
 }
 
+bool LiveStream::isWaitingToWrite() const
+{
+    return d->session && d->session->isWaitingToWrite();
+}
+
 int LiveStream::frameRate() const
 {
     return d->session ? d->session->frameRate() : 0;

@@ -85,8 +85,11 @@ public:
     int beginWriting(const std::string &basePath, int limitBytes);
     /// Ends the recording; the file is finished in the background. Negative when none runs.
     int endWriting();
-    /// False again after endWriting(), at the end of the stream and when the disk is full.
+    /// Whether frames go into a clip; false after endWriting() and at the end of the stream.
     bool isWriting() const;
+    /// A recording was begun, but nothing can be written: no key frame came yet, or the disk is
+    /// full or gone. A new clip begins when there is room again.
+    bool isWaitingToWrite() const;
 
     int frameRate() const; ///< frames that arrived in the last second
     int bitRate() const;   ///< bits of video that arrived in the last second

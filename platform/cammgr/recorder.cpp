@@ -2,11 +2,14 @@
 
 #include "platform/cammgr/clip_names.h"
 #include "platform/cammgr/left_overs.h"
+#include "platform/cammgr/worker_pool.h"
 
 #include <glib/gstdio.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <unistd.h>
+#include <utility>
 
 namespace cammgr {
 
@@ -26,6 +29,11 @@ constexpr int indexBytesPerFrame = 20;
 constexpr int indexBytesPerSecondAtLeast = 550;
 // Audio that is older than this is not flowing.
 constexpr GstClockTime audioFlows = GST_SECOND;
+// After a clip failed: how often to look for room, how much makes a new clip worth while, and how
+// long that clip has to last before it counts.
+constexpr auto roomCheckPeriod = 5s;
+constexpr uintmax_t minRoomBytes = 64 * 1024 * 1024;
+constexpr GstClockTime provingTime = 2 * GST_SECOND;
 
 bool isWritableFolder(const std::string &path)
 {
@@ -57,9 +65,13 @@ int Recorder::begin(const std::string &basePath, int limitBytes, bool withAudio)
     bool needKey = false;
     {
         std::lock_guard lock(m_lock);
-        if (m_writing)
+        if (m_writing && !m_stalled)
             return -1;
+        if (m_clip)
+            m_clip->close();
+        m_clip.reset();
         m_writing = true;
+        m_stalled = m_roomIsBack = false;
         m_basePath = basePath;
         m_limit = limitBytes > 0 ? static_cast<uint64_t>(limitBytes) : 0;
         m_withAudio = withAudio;
@@ -90,7 +102,7 @@ int Recorder::end()
     std::lock_guard lock(m_lock);
     if (!m_writing)
         return -1;
-    m_writing = false;
+    m_writing = m_stalled = false;
     if (m_clip)
         m_clip->close();
     m_clip.reset();
@@ -100,7 +112,13 @@ int Recorder::end()
 bool Recorder::isWriting() const
 {
     std::lock_guard lock(m_lock);
-    return m_writing;
+    return m_writing && m_clip && !m_stalled;
+}
+
+bool Recorder::isWaiting() const
+{
+    std::lock_guard lock(m_lock);
+    return m_writing && (!m_clip || m_stalled);
 }
 
 void Recorder::takeFrame(const AccessUnit &unit)
@@ -123,6 +141,8 @@ void Recorder::takeFrame(const AccessUnit &unit)
         m_lastTime = unit.time;
         if (!m_writing || unit.number <= m_lastNumber)
             return;
+        if (m_stalled)
+            checkRoom();
         write(unit);
         // A camera that sends key frames rarely is requested to send one when the clip is full.
         if (m_clip && m_limit != 0 && m_clip->bytes() > m_limit && !m_askedForKey)
@@ -147,14 +167,37 @@ void Recorder::write(const AccessUnit &unit)
     if (unit.key) {
         m_largestGop = std::max(m_largestGop, m_gopBytes);
         m_gopBytes = 0;
-        if (!m_clip || mustRollOver(unit))
+        if (m_clip ? mustRollOver(unit) : !m_stalled || std::exchange(m_roomIsBack, false))
             startClip(unit);
     }
     if (!m_clip)
         return;
+    if (m_stalled && unit.time > m_clip->start() + provingTime)
+        m_stalled = false;
     m_gopBytes += unit.size();
     m_lastNumber = unit.number;
     m_clip->push(unit);
+}
+
+/// Called with the lock. Looks for room in the background, now and then: a disk that is gone may
+/// take its time to say so.
+void Recorder::checkRoom()
+{
+    const auto now = SteadyClock::now();
+    if (m_clip || m_roomChecking || m_roomIsBack || now < m_nextRoomCheck)
+        return;
+    m_roomChecking = true;
+    m_nextRoomCheck = now + roomCheckPeriod;
+    mediaWorkers().run([weak = weak_from_this(), base = m_basePath] {
+        std::error_code error;
+        const auto folder = std::filesystem::path(base).parent_path();
+        const bool room = std::filesystem::space(folder, error).available >= minRoomBytes && !error;
+        if (const auto self = weak.lock()) {
+            std::lock_guard lock(self->m_lock);
+            self->m_roomChecking = false;
+            self->m_roomIsBack = room;
+        }
+    });
 }
 
 /// Called with the lock.
@@ -239,7 +282,9 @@ void Recorder::clipFailed(const ClipWriter *clip)
     if (m_clip.get() != clip)
         return;
     // The disk is full or was removed: what was written stays, the stream continues.
-    m_writing = false;
+    m_stalled = true;
+    m_roomIsBack = false;
+    m_nextRoomCheck = SteadyClock::now() + roomCheckPeriod;
     m_clip->close();
     m_clip.reset();
 }

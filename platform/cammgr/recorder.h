@@ -26,7 +26,11 @@ public:
     int begin(const std::string &basePath, int limitBytes, bool withAudio);
     /// The clip is finished in the background. Negative when none was written.
     int end();
+    /// Whether frames go into a clip.
     bool isWriting() const;
+    /// Whether a recording was begun and nothing can be written: no key frame came yet, or the disk
+    /// is full or gone, which is tried again every few seconds.
+    bool isWaiting() const;
 
     void takeFrame(const AccessUnit &unit) override;
     void takeAudio(const AudioUnit &unit) override;
@@ -34,6 +38,7 @@ public:
 private:
     void startClip(const AccessUnit &first);
     void write(const AccessUnit &unit);
+    void checkRoom();
     bool mustRollOver(const AccessUnit &unit) const;
     void clipFailed(const ClipWriter *clip);
     ClipFormat formatFor(const AccessUnit &first) const;
@@ -44,7 +49,11 @@ private:
     const std::function<void()> m_wantKeyFrame;
 
     mutable std::mutex m_lock; ///< protects everything below
-    bool m_writing = false;
+    bool m_writing = false;    ///< from begin() to end()
+    bool m_stalled = false;    ///< the last clip failed; the next one waits for room, and proves it
+    bool m_roomChecking = false;
+    bool m_roomIsBack = false;
+    SteadyClock::time_point m_nextRoomCheck;
     std::string m_basePath;
     uint64_t m_limit = 0;
     bool m_withAudio = false;

@@ -41,6 +41,7 @@ public:
     int beginWriting(const std::string &basePath, int limitBytes);
     int endWriting() { return m_recorder->end(); }
     bool isWriting() const { return m_recorder->isWriting(); }
+    bool isWaitingToWrite() const { return m_recorder->isWaiting(); }
     int frameRate() const { return m_stats.frames(); }
     int bitRate() const { return m_stats.bits(); }
     int width() const { return m_width; }

@@ -46,7 +46,7 @@ struct Script
 {
     Probe probe = Probe::ByHand;
     int playing = 0;   ///< set by Play and Stop
-    int writing = 0;   ///< set by BeginWriting and EndWriting
+    int writing = 0;   ///< a CAMMGR_WRITING value; set by BeginWriting and EndWriting
     int uploading = 0; ///< set by AudioUpload_Play and AudioUpload_Stop
     int mode = 1;
     int hasVideo = 1;

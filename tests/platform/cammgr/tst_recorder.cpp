@@ -443,3 +443,56 @@ TEST_F(RecorderTest, RecordingTidiesItsFolder)
     EXPECT_TRUE(waitUntil([&] { return !exists(left); }));
     m_recorder->end();
 }
+
+TEST_F(RecorderTest, RecordingGoesOnWhenThereIsRoomAgain)
+{
+    auto units = EncodedStream::make({.frames = 500, .pattern = "snow"});
+    const auto old = signal(SIGXFSZ, SIG_IGN);
+    rlimit before = {};
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit limited = before;
+    feed({units.begin(), units.begin() + 1});
+    m_recorder->begin(m_base, 104857600, false);
+    EXPECT_FALSE(m_recorder->isWaiting());
+    feed({units.begin() + 1, units.begin() + 200});
+    ASSERT_TRUE(waitUntil([&] { return MediaProbe::duration(clip(1)) > 4; }));
+    limited.rlim_cur = std::filesystem::file_size(clip(1)) + 200'000;
+    setrlimit(RLIMIT_FSIZE, &limited);
+    feed({units.begin() + 200, units.end()});
+    EXPECT_TRUE(waitUntil([&] { return m_recorder->isWaiting(); }));
+    EXPECT_FALSE(m_recorder->isWriting());
+    setrlimit(RLIMIT_FSIZE, &before);
+    signal(SIGXFSZ, old);
+
+    size_t next = 0;
+    EXPECT_TRUE(waitUntil([&] {
+        for (size_t i = 0; i < 25; ++i, ++next) {
+            AccessUnit unit = units[next % units.size()];
+            unit.number = units.size() + next + 1;
+            unit.time = units.back().time + (next + 1) * 40 * GST_MSECOND;
+            feed({unit});
+        }
+        return m_recorder->isWriting();
+    }));
+    EXPECT_FALSE(m_recorder->isWaiting());
+    EXPECT_EQ(m_recorder->end(), 0);
+    EXPECT_FALSE(m_recorder->isWaiting());
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_GT(MediaProbe::decodedFrames(clip(1)), 150);
+    EXPECT_GT(MediaProbe::decodedFrames(clip(2)), 50);
+    EXPECT_TRUE(exists(clip(2) + ".jpeg"));
+    EXPECT_FALSE(exists(clip(3)));
+}
+
+TEST_F(RecorderTest, EndEndsTheWaitForRoom)
+{
+    const auto units = EncodedStream::make({.frames = 60});
+    EXPECT_EQ(m_recorder->begin(m_base, 0, false), 0);
+    EXPECT_TRUE(m_recorder->isWaiting()) << "for a key frame";
+    EXPECT_FALSE(m_recorder->isWriting());
+    EXPECT_EQ(m_recorder->end(), 0);
+    EXPECT_FALSE(m_recorder->isWaiting());
+    feed(units);
+    EXPECT_TRUE(waitUntilClosed());
+    EXPECT_FALSE(exists(clip(1)));
+}
