@@ -8,6 +8,8 @@
 #include "ui/manager/range_validator.h"
 #include "ui_motion_dialog.h"
 
+#include <QKeyEvent>
+
 namespace {
 
 struct Defaults
@@ -60,6 +62,7 @@ void Motion_Dialog::setUpControls()
         for (size_t field = 0; field < validators.size(); ++field) {
             QLineEdit *const edit = m_windows[i].edits[field];
             edit->setValidator(validators[field]);
+            new zelvaro::RangeGuard(edit);
             edit->setText(QLatin1String(windowDefaults[i].texts[field]));
         }
     }
@@ -123,6 +126,18 @@ void Motion_Dialog::slotApply()
             return;
         }
     }
+}
+
+void Motion_Dialog::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() != Qt::Key_Enter && event->key() != Qt::Key_Return) {
+        QDialog::keyPressEvent(event);
+        return;
+    }
+    auto *const button = qobject_cast<QPushButton *>(focusWidget());
+    if (button && !event->isAutoRepeat())
+        button->click();
+    event->accept();
 }
 
 void Motion_Dialog::slotExit()

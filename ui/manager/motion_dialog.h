@@ -24,6 +24,11 @@ public:
     Motion_Dialog(QWidget *parent, CCamera *camera);
     ~Motion_Dialog() override;
 
+protected:
+    /// Enter clicks the button that has the focus and does nothing anywhere else: there is no
+    /// default button that would write to the camera.
+    void keyPressEvent(QKeyEvent *event) override;
+
 private slots:
     void slotQuery();
     void slotApply();

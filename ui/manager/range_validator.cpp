@@ -1,5 +1,7 @@
 #include "ui/manager/range_validator.h"
 
+#include <QLineEdit>
+
 #include <algorithm>
 
 namespace zelvaro {
@@ -17,6 +19,18 @@ QValidator::State RangeValidator::validate(QString &input, int &) const
         return Acceptable;
     // More digits only make it larger, so what is too small may still grow.
     return number > top() || number == 0 ? Invalid : Intermediate;
+}
+
+RangeGuard::RangeGuard(QLineEdit *edit) : QObject(edit), m_shown(edit->text())
+{
+    connect(edit, &QLineEdit::textEdited, this, [this, edit](QString text) {
+        int position = 0;
+        if (text.length() >= m_shown.length() &&
+            edit->validator()->validate(text, position) == QValidator::Invalid)
+            edit->setText(m_shown);
+    });
+    // What it shows now: the text of the signal may just have been undone.
+    connect(edit, &QLineEdit::textChanged, this, [this, edit] { m_shown = edit->text(); });
 }
 
 } // namespace zelvaro

@@ -56,7 +56,7 @@ QStringList targets(const std::vector<std::string> &requests)
 } // namespace
 
 /// The four detection windows of a camera, read and written over the scripted library.
-class TstMotionDialog : public QObject
+class TestMotionDialog : public QObject
 {
     Q_OBJECT
 
@@ -87,7 +87,11 @@ private slots:
     void everyReceiverOfTheEndIsDisconnected();
     void refusedBatchEndsTheWait();
     void sessionThatGoesDoesNotHarm();
-    void formLooksAsDescribed();
+    void enterWritesNothing_data();
+    void enterWritesNothing();
+    void valuesOutsideTheRangeAreShownAndTakeNoMoreKeys();
+    void theFormHasItsNamesAndTexts();
+    void nothingIsCutOff();
 
 private:
     void answer(const std::function<std::vector<std::string>(const std::vector<std::string> &)> &a);
@@ -102,7 +106,7 @@ private:
     std::unique_ptr<Session> m_session;
 };
 
-void TstMotionDialog::init()
+void TestMotionDialog::init()
 {
     fake_cammgr::reset();
     m_checks = std::make_unique<CheckLog>();
@@ -113,7 +117,7 @@ void TstMotionDialog::init()
     });
 }
 
-void TstMotionDialog::cleanup()
+void TestMotionDialog::cleanup()
 {
     m_session.reset();
     QCOMPARE(m_checks->take(), QStringList());
@@ -122,15 +126,15 @@ void TstMotionDialog::cleanup()
     fake_cammgr::reset();
 }
 
-void TstMotionDialog::answer(
+void TestMotionDialog::answer(
     const std::function<std::vector<std::string>(const std::vector<std::string> &)> &a)
 {
     m_session->player()->change([&](fake_cammgr::Script &s) { s.replies = a; });
 }
 
-void TstMotionDialog::answerWhileWaiting(ModalScript &script,
-                                         const std::vector<std::string> &replies,
-                                         const QString &text)
+void TestMotionDialog::answerWhileWaiting(ModalScript &script,
+                                          const std::vector<std::string> &replies,
+                                          const QString &text)
 {
     answer(nullptr);
     script.then([this, replies, text](QWidget *window) {
@@ -143,7 +147,7 @@ void TstMotionDialog::answerWhileWaiting(ModalScript &script,
     });
 }
 
-std::unique_ptr<Motion_Dialog> TstMotionDialog::open()
+std::unique_ptr<Motion_Dialog> TestMotionDialog::open()
 {
     auto dialog = std::make_unique<Motion_Dialog>(nullptr, m_session->camera.get());
     dialog->show();
@@ -152,7 +156,7 @@ std::unique_ptr<Motion_Dialog> TstMotionDialog::open()
     return dialog;
 }
 
-void TstMotionDialog::queriesFourWindowsBeforeItIsShown()
+void TestMotionDialog::queriesFourWindowsBeforeItIsShown()
 {
     const Motion_Dialog dialog(nullptr, m_session->camera.get());
     QVERIFY(!dialog.isVisible());
@@ -163,7 +167,7 @@ void TstMotionDialog::queriesFourWindowsBeforeItIsShown()
                 .endsWith("Basic YWRtaW46c2VjcmV0\r\n\r\n"));
 }
 
-void TstMotionDialog::waitsBehindTheBusyDialog()
+void TestMotionDialog::waitsBehindTheBusyDialog()
 {
     answer(nullptr);
     bool seen = false;
@@ -189,7 +193,7 @@ void TstMotionDialog::waitsBehindTheBusyDialog()
     QVERIFY(script.done());
 }
 
-void TstMotionDialog::cameraThatDoesNotAnswerKeepsTheDefaults()
+void TestMotionDialog::cameraThatDoesNotAnswerKeepsTheDefaults()
 {
     ModalScript script; // no message may come
     answerWhileWaiting(script, {"cannot connect", "cannot connect", "", ""});
@@ -198,7 +202,7 @@ void TstMotionDialog::cameraThatDoesNotAnswerKeepsTheDefaults()
     QCOMPARE(shown(*dialog), defaults);
 }
 
-void TstMotionDialog::answersFillTheControlsByPosition()
+void TestMotionDialog::answersFillTheControlsByPosition()
 {
     answer([](const auto &) {
         return std::vector<std::string>{
@@ -213,7 +217,7 @@ void TstMotionDialog::answersFillTheControlsByPosition()
                                           "1 21 22 23 24 25 26", "0 639 479 639 479 100 1"}));
 }
 
-void TstMotionDialog::failedWindowKeepsWhatItShowed()
+void TestMotionDialog::failedWindowKeepsWhatItShowed()
 {
     answer([](const auto &) {
         return std::vector<std::string>{reply({"1", "0", "1", "2", "3", "4", "5", "6"}),
@@ -225,7 +229,7 @@ void TstMotionDialog::failedWindowKeepsWhatItShowed()
              QStringList({"0 1 2 3 4 5 6", defaults[1], defaults[2], "1 1 2 3 4 5 6"}));
 }
 
-void TstMotionDialog::enabledOnlyByExactlyOne()
+void TestMotionDialog::enabledOnlyByExactlyOne()
 {
     answer([](const auto &) {
         return std::vector<std::string>{reply({"1", "2", "0", "0", "0", "0", "1", "1"}),
@@ -238,7 +242,7 @@ void TstMotionDialog::enabledOnlyByExactlyOne()
              QStringList({"0 0 0 0 0 1 1", "1 0 0 0 0 1 1", "0 0 0 0 0 1 1", "0 0 0 0 0 1 1"}));
 }
 
-void TstMotionDialog::shortAnswerKeepsTheForm_data()
+void TestMotionDialog::shortAnswerKeepsTheForm_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("no values") << "000 Success";
@@ -248,7 +252,7 @@ void TstMotionDialog::shortAnswerKeepsTheForm_data()
         << "000 Success\nA=1\nB=0\nC=1\nD=1\nE=1\nF=1\nG=1\nH";
 }
 
-void TstMotionDialog::shortAnswerKeepsTheForm()
+void TestMotionDialog::shortAnswerKeepsTheForm()
 {
     QFETCH(QString, text);
     answer([&](const auto &) { return std::vector<std::string>(4, text.toStdString()); });
@@ -259,7 +263,7 @@ void TstMotionDialog::shortAnswerKeepsTheForm()
     m_checks->take();
 }
 
-void TstMotionDialog::queryButtonReadsAgain()
+void TestMotionDialog::queryButtonReadsAgain()
 {
     const auto dialog = open();
     answer([](const auto &) {
@@ -271,7 +275,7 @@ void TstMotionDialog::queryButtonReadsAgain()
     QVERIFY(dialog->isVisible());
 }
 
-void TstMotionDialog::applySendsAllWindowsAsTyped()
+void TestMotionDialog::applySendsAllWindowsAsTyped()
 {
     const auto dialog = open();
     answer([](const auto &requests) {
@@ -299,7 +303,7 @@ void TstMotionDialog::applySendsAllWindowsAsTyped()
                           "THRESHOLD=60&SENSITIVITY=70"}));
 }
 
-void TstMotionDialog::emptyEditIsSentAsAnEmptyValue()
+void TestMotionDialog::emptyEditIsSentAsAnEmptyValue()
 {
     const auto dialog = open();
     answer([](const auto &requests) {
@@ -312,24 +316,37 @@ void TstMotionDialog::emptyEditIsSentAsAnEmptyValue()
     QVERIFY(sent().first().contains("&LEFT=0&TOP=&RIGHT=639&"));
 }
 
-void TstMotionDialog::typingOutsideTheRangeIsRefused()
+void TestMotionDialog::typingOutsideTheRangeIsRefused()
 {
     const auto dialog = open();
-    const auto typed = [&](const char *name, const char *keys) {
+    const auto typed = [&](const QByteArray &name, const char *keys) {
         auto *const edit = dialog->findChild<QLineEdit *>(name);
         edit->clear();
         QTest::keyClicks(edit, keys);
         return edit->text();
     };
-    QCOMPARE(typed("left1", "640"), QString("64"));
-    QCOMPARE(typed("right1", "639"), QString("639"));
-    QCOMPARE(typed("top1", "480"), QString("48"));
-    QCOMPARE(typed("bottom1", "479"), QString("479"));
-    QCOMPARE(typed("thres1", "0"), QString());
-    QCOMPARE(typed("sens1", "101"), QString("10"));
+    for (int i = 1; i <= 4; ++i) {
+        dialog->findChild<QGroupBox *>("window" + QString::number(i))->setChecked(true);
+        const auto in = [i](const char *field) {
+            return QByteArray(field) + QByteArray::number(i);
+        };
+        for (const char *field : {"left", "right"}) {
+            QCOMPARE(typed(in(field), "640"), QString("64"));
+            QCOMPARE(typed(in(field), "639"), QString("639"));
+        }
+        for (const char *field : {"top", "bottom"}) {
+            QCOMPARE(typed(in(field), "480"), QString("48"));
+            QCOMPARE(typed(in(field), "479"), QString("479"));
+        }
+        for (const char *field : {"thres", "sens"}) {
+            QCOMPARE(typed(in(field), "0"), QString());
+            QCOMPARE(typed(in(field), "101"), QString("10"));
+            QCOMPARE(typed(in(field), "100"), QString("100"));
+        }
+    }
 }
 
-void TstMotionDialog::failedApplyTellsOnce()
+void TestMotionDialog::failedApplyTellsOnce()
 {
     const auto dialog = open();
     QStringList texts;
@@ -350,7 +367,7 @@ void TstMotionDialog::failedApplyTellsOnce()
     QVERIFY(dialog->isVisible());
 }
 
-void TstMotionDialog::applyThatWorksSaysNothingAndStaysOpen()
+void TestMotionDialog::applyThatWorksSaysNothingAndStaysOpen()
 {
     const auto dialog = open();
     QSignalSpy finished(dialog.get(), &QDialog::finished);
@@ -362,7 +379,7 @@ void TstMotionDialog::applyThatWorksSaysNothingAndStaysOpen()
     QCOMPARE(finished.count(), 0);
 }
 
-void TstMotionDialog::exitAcceptsAndSendsNothing()
+void TestMotionDialog::exitAcceptsAndSendsNothing()
 {
     const auto dialog = open();
     m_session->player()->forgetCalls();
@@ -372,7 +389,7 @@ void TstMotionDialog::exitAcceptsAndSendsNothing()
     QCOMPARE(m_session->player()->count("RtspPlayer_Issue_P2PConf_URLCMDs"), 0);
 }
 
-void TstMotionDialog::everyReceiverOfTheEndIsDisconnected()
+void TestMotionDialog::everyReceiverOfTheEndIsDisconnected()
 {
     int ends = 0;
     connect(m_session->camera.get(), &CCameraCore::signalP2PConfFinished, this, [&] { ++ends; });
@@ -382,7 +399,7 @@ void TstMotionDialog::everyReceiverOfTheEndIsDisconnected()
     QCOMPARE(ends, 1);
 }
 
-void TstMotionDialog::refusedBatchEndsTheWait()
+void TestMotionDialog::refusedBatchEndsTheWait()
 {
     m_session->player()->change(
         [](fake_cammgr::Script &s) { s.results["RtspPlayer_Issue_P2PConf_URLCMDs"] = -1; });
@@ -390,7 +407,7 @@ void TstMotionDialog::refusedBatchEndsTheWait()
     QCOMPARE(shown(*dialog), defaults);
 }
 
-void TstMotionDialog::sessionThatGoesDoesNotHarm()
+void TestMotionDialog::sessionThatGoesDoesNotHarm()
 {
     const auto dialog = open();
     answer(nullptr);
@@ -402,27 +419,98 @@ void TstMotionDialog::sessionThatGoesDoesNotHarm()
     QCOMPARE(shown(*dialog), defaults);
 }
 
-void TstMotionDialog::formLooksAsDescribed()
+void TestMotionDialog::enterWritesNothing_data()
+{
+    QTest::addColumn<QString>("focus");
+    QTest::addColumn<QString>("request");
+    QTest::newRow("in a field") << "left1"
+                                << "";
+    QTest::newRow("on a window's box") << "window3"
+                                       << "";
+    QTest::newRow("on Query") << "btnQuery"
+                              << "/form/getMotion?WINDOW=1";
+    QTest::newRow("on Exit") << "btnExit"
+                             << "";
+    QTest::newRow("on Apply, which is what it says") << "btnApply"
+                                                     << "/form/setMotion?WINDOW=1";
+}
+
+void TestMotionDialog::enterWritesNothing()
+{
+    QFETCH(QString, focus);
+    QFETCH(QString, request);
+    for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
+        const auto dialog = open();
+        dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
+        auto *const widget = dialog->findChild<QWidget *>(focus);
+        widget->setFocus();
+        QTRY_VERIFY_WITH_TIMEOUT(widget->hasFocus(), Deadline);
+        m_session->player()->forgetCalls();
+        ModalScript script;
+        if (focus == "btnApply")
+            script.then([](QWidget *box) { press(box, "btnOk"); });
+        QTest::keyClick(widget, Qt::Key(key));
+        // Held down it repeats.
+        QKeyEvent held(QEvent::KeyPress, key, Qt::NoModifier, "\r", true);
+        QApplication::sendEvent(widget, &held);
+        QCOMPARE(m_session->player()->count("RtspPlayer_Issue_P2PConf_URLCMDs"),
+                 request.isEmpty() ? 0 : 1);
+        if (!request.isEmpty())
+            QVERIFY2(sent().first().startsWith(request), qPrintable(sent().first()));
+        QCOMPARE(dialog->isVisible(), focus != "btnExit");
+        QVERIFY(script.done());
+    }
+}
+
+void TestMotionDialog::valuesOutsideTheRangeAreShownAndTakeNoMoreKeys()
+{
+    answer([](const auto &) {
+        return std::vector<std::string>(4, reply({"1", "1", "704", "576", "x", "", "0", "101"}));
+    });
+    const auto dialog = open();
+    QCOMPARE(shown(*dialog, 2), QString("1 704 576 x  0 101"));
+    const auto typed = [&](const char *name, const char *keys) {
+        auto *const edit = dialog->findChild<QLineEdit *>(name);
+        QTest::keyClicks(edit, keys);
+        return edit->text();
+    };
+    QCOMPARE(typed("left2", "1"), QString("704"));
+    QCOMPARE(typed("right2", "y"), QString("x"));
+    QCOMPARE(typed("sens2", "9"), QString("101"));
+    auto *const top = dialog->findChild<QLineEdit *>("top2");
+    top->selectAll();
+    QTest::keyClicks(top, "479");
+    QCOMPARE(top->text(), QString("479"));
+}
+
+void TestMotionDialog::theFormHasItsNamesAndTexts()
 {
     const auto dialog = open();
     QVERIFY(dialog->windowFlags() & Qt::FramelessWindowHint);
     QVERIFY(dialog->testAttribute(Qt::WA_TranslucentBackground));
+    QVERIFY(dialog->findChild<QFrame *>("frameCameraMotion"));
+    QVERIFY(dialog->findChild<QLabel *>("labelTitleLine"));
     QCOMPARE(dialog->findChild<QLabel *>("labelTitle")->text(), QString("Motion Settings"));
     for (int i = 1; i <= 4; ++i) {
         const auto *const box = dialog->findChild<QGroupBox *>(QString("window%1").arg(i));
         QCOMPARE(box->title(), QString("Detection Window: %1").arg(i));
         QVERIFY(box->isCheckable());
+        QStringList labels;
+        for (const QLabel *label : box->findChildren<QLabel *>())
+            labels << label->text();
+        labels.sort();
+        QCOMPARE(labels,
+                 QStringList({"Bottom", "Left", "Right", "Sensitivity", "Threshold", "Top"}));
     }
     QCOMPARE(dialog->findChild<QPushButton *>("btnQuery")->text(), QString("Query"));
     QCOMPARE(dialog->findChild<QPushButton *>("btnApply")->text(), QString("Apply"));
     QCOMPARE(dialog->findChild<QPushButton *>("btnExit")->text(), QString("Exit"));
-    QVERIFY(dialog->findChild<QFrame *>("frameCameraMotion"));
-    for (const char *image : {":/images/settingframe.png", ":/images/dlgctrl/button_default.png",
-                              ":/images/dlgctrl/text_default.png", ":/images/titleline.png"}) {
-        QVERIFY2(dialog->styleSheet().contains(image), image);
-        QVERIFY2(QFile::exists(image), image);
-    }
-    // All is on the form, nothing is cut off.
+}
+
+void TestMotionDialog::nothingIsCutOff()
+{
+    const auto dialog = open();
     for (const QWidget *child : dialog->findChildren<QWidget *>()) {
         if (qobject_cast<const QLabel *>(child) || qobject_cast<const QLineEdit *>(child)) {
             QVERIFY2(child->height() >= child->minimumSizeHint().height() ||
@@ -434,5 +522,5 @@ void TstMotionDialog::formLooksAsDescribed()
         dialog->grab().save(qEnvironmentVariable("ZELVARO_SCREENSHOTS") + "/motion_dialog.png");
 }
 
-QTEST_MAIN(TstMotionDialog)
+QTEST_MAIN(TestMotionDialog)
 #include "tst_motion_dialog.moc"

@@ -4,7 +4,7 @@
 #include <QtTest>
 
 /// Whole numbers within a range, typed with real keys.
-class TstRangeValidator : public QObject
+class TestRangeValidator : public QObject
 {
     Q_OBJECT
 
@@ -14,9 +14,10 @@ private slots:
     void emptyIsOnTheWay();
     void pastedTextOutsideTheRangeIsRefused();
     void everyNumberOfTheRangeIsTaken();
+    void aTextFromElsewhereTakesNoKeysThatLeaveItOutside();
 };
 
-void TstRangeValidator::typedText_data()
+void TestRangeValidator::typedText_data()
 {
     QTest::addColumn<int>("bottom");
     QTest::addColumn<int>("top");
@@ -50,7 +51,7 @@ void TstRangeValidator::typedText_data()
                                      << "12";
 }
 
-void TstRangeValidator::typedText()
+void TestRangeValidator::typedText()
 {
     QFETCH(int, bottom);
     QFETCH(int, top);
@@ -62,7 +63,7 @@ void TstRangeValidator::typedText()
     QTEST(edit.text(), "text");
 }
 
-void TstRangeValidator::emptyIsOnTheWay()
+void TestRangeValidator::emptyIsOnTheWay()
 {
     const zelvaro::RangeValidator validator(1, 100);
     QString text;
@@ -70,7 +71,7 @@ void TstRangeValidator::emptyIsOnTheWay()
     QCOMPARE(validator.validate(text, position), QValidator::Intermediate);
 }
 
-void TstRangeValidator::pastedTextOutsideTheRangeIsRefused()
+void TestRangeValidator::pastedTextOutsideTheRangeIsRefused()
 {
     const zelvaro::RangeValidator validator(0, 639);
     int position = 0;
@@ -79,7 +80,7 @@ void TstRangeValidator::pastedTextOutsideTheRangeIsRefused()
         QCOMPARE(validator.validate(text, position), QValidator::Invalid);
 }
 
-void TstRangeValidator::everyNumberOfTheRangeIsTaken()
+void TestRangeValidator::everyNumberOfTheRangeIsTaken()
 {
     const zelvaro::RangeValidator validator(1, 100);
     int position = 0;
@@ -90,5 +91,28 @@ void TstRangeValidator::everyNumberOfTheRangeIsTaken()
     }
 }
 
-QTEST_MAIN(TstRangeValidator)
+void TestRangeValidator::aTextFromElsewhereTakesNoKeysThatLeaveItOutside()
+{
+    QLineEdit edit;
+    edit.setValidator(new zelvaro::RangeValidator(0, 639, &edit));
+    new zelvaro::RangeGuard(&edit);
+    edit.setText("1704");
+    QTest::keyClicks(&edit, "9x-");
+    QCOMPARE(edit.text(), QString("1704"));
+    QTest::keyClick(&edit, Qt::Key_Backspace);
+    QCOMPARE(edit.text(), QString("170"));
+    QTest::keyClicks(&edit, "0");
+    QCOMPARE(edit.text(), QString("170"));
+    edit.setText("far");
+    edit.selectAll();
+    QTest::keyClicks(&edit, "64");
+    QCOMPARE(edit.text(), QString("64"));
+    edit.setText("70400");
+    QTest::keyClick(&edit, Qt::Key_Backspace);
+    QCOMPARE(edit.text(), QString("7040"));
+    QTest::keyClicks(&edit, "1");
+    QCOMPARE(edit.text(), QString("7040"));
+}
+
+QTEST_MAIN(TestRangeValidator)
 #include "tst_range_validator.moc"
