@@ -5,6 +5,12 @@
 #include <QDir>
 #include <QFileInfo>
 
+CCamera::CCamera(QWidget *parent) : CCameraCore(parent)
+{
+    connect(&CameraSettings::instance(), &CameraSettings::albumPathChanged, this,
+            &CCamera::signalThumbChanged);
+}
+
 QString CCamera::thumb_path() const
 {
     return CameraSettings::instance().cameraFolder(hostname()) + QStringLiteral("/thumb.jpeg");

@@ -8,7 +8,7 @@ class CCamera : public CCameraCore
     Q_OBJECT
 
 public:
-    using CCameraCore::CCameraCore;
+    explicit CCamera(QWidget *parent = nullptr);
 
     /// "thumb.jpeg" in the camera's folder of the album.
     QString thumb_path() const;
@@ -18,5 +18,6 @@ public:
     int take_thumb();
 
 signals:
+    /// There may be another thumbnail: it was taken, or the album is another folder now.
     void signalThumbChanged();
 };

@@ -1,11 +1,11 @@
 #include "camera/camera_core.h"
 
 #include "camera/command_channel.h"
+#include "camera/developer_check.h"
 #include "camera/library_text.h"
 #include "camera/session_registry.h"
 #include "camera/wait_events.h"
 #include "settings/camera_record.h"
-#include "settings/developer_check.h"
 
 #include <QLoggingCategory>
 #include <QPointer>
@@ -21,10 +21,8 @@ constexpr int waitStep = 100;         // ms
 constexpr int defaultWidth = 640;
 constexpr int defaultHeight = 480;
 
-bool check(bool ok, const char *condition)
-{
-    return zelvaro::developerCheck(ok, condition, "Camera");
-}
+/// Of the checks.
+constexpr char source[] = "Camera";
 
 QByteArray libraryText(const QString &text)
 {
@@ -62,12 +60,12 @@ int CCameraCore::set_info(CameraRecord *record)
 
 int CCameraCore::create()
 {
-    const bool fresh = check(!m_pRtspPlayer, "!m_pRtspPlayer");
-    check(!cam_to_stop, "!cam_to_stop");
-    check(!cam_started, "!cam_started");
-    check(!cam_to_delete, "!cam_to_delete");
-    check(cam_status == CAMERA_STATE_DISCONNECTED, "cam_status == CAMERA_STATE_DISCONNECTED");
-    check(cam_status == old_cam_status, "cam_status == old_cam_status");
+    const bool fresh = ZELVARO_CHECK(!m_pRtspPlayer, source);
+    ZELVARO_CHECK(!cam_to_stop, source);
+    ZELVARO_CHECK(!cam_started, source);
+    ZELVARO_CHECK(!cam_to_delete, source);
+    ZELVARO_CHECK(cam_status == CAMERA_STATE_DISCONNECTED, source);
+    ZELVARO_CHECK(cam_status == old_cam_status, source);
     // A second player would take the place of the first, which nobody could stop any more.
     if (!fresh)
         return -1;
@@ -84,10 +82,12 @@ int CCameraCore::create()
 
 void CCameraCore::tick_alive()
 {
-    if (m_pRtspPlayer && !cam_started && !cam_to_stop) {
-        cam_started = 1;
-        RtspPlayer_TickAlive(m_pRtspPlayer);
-    }
+    if (!m_pRtspPlayer || cam_started || cam_to_stop)
+        return;
+    cam_started = 1;
+    // A probe that the library does not take is never answered: it has failed.
+    if (RtspPlayer_TickAlive(m_pRtspPlayer) < 0)
+        emit signalCameraEvent(CAMMGR_MSG_PROBE_FAILED, CAMMGR_ERROR_UNREACHABLE, {});
 }
 
 void CCameraCore::slotCameraTickAlive()
@@ -97,7 +97,7 @@ void CCameraCore::slotCameraTickAlive()
 
 RtspPlayer *CCameraCore::player() const
 {
-    check(m_pRtspPlayer, "m_pRtspPlayer");
+    ZELVARO_CHECK(m_pRtspPlayer, source);
     return m_pRtspPlayer;
 }
 
@@ -117,7 +117,8 @@ int CCameraCore::setup_live_stream(int stream, QWidget *surface)
 int CCameraCore::play()
 {
     RtspPlayer *const current = player();
-    return cam_status == CAMERA_STATE_CONNECTED ? RtspPlayer_Play(current) : -1;
+    // A view's report may have been on its way when the session was stopped.
+    return cam_status == CAMERA_STATE_CONNECTED && !cam_to_stop ? RtspPlayer_Play(current) : -1;
 }
 
 int CCameraCore::stop_play()
@@ -133,13 +134,13 @@ int CCameraCore::is_playing() const
 int CCameraCore::stop()
 {
     RtspPlayer *const current = player();
-    check(!cam_to_delete, "!cam_to_delete");
-    check(!cam_to_stop, "!cam_to_stop");
+    ZELVARO_CHECK(!cam_to_delete, source);
+    ZELVARO_CHECK(!cam_to_stop, source);
     cam_to_stop = 1;
     RtspPlayer_Stop_Connecting(current);
     disconnect(this, &CCameraCore::signalStateChanged, nullptr, nullptr);
     disconnect(this, &CCameraCore::signalStateReport, nullptr, nullptr);
-    disconnect(this, nullptr, this, SLOT(slotCameraTickAlive()));
+    m_reprobe.stop();
     return RtspPlayer_Stop(current);
 }
 
@@ -175,16 +176,16 @@ void CCameraCore::delete_player()
     }
     while (cam_to_delete)
         zelvaro::waitEvents(waitStep);
-    check(!m_pRtspPlayer, "!m_pRtspPlayer");
+    ZELVARO_CHECK(!m_pRtspPlayer, source);
     forgetPlayer();
 }
 
 void CCameraCore::checkStopped() const
 {
-    check(!cam_started, "!cam_started");
-    check(cam_to_stop, "cam_to_stop");
-    check(!cam_to_delete, "!cam_to_delete");
-    check(!is_playing(), "!is_playing()");
+    ZELVARO_CHECK(!cam_started, source);
+    ZELVARO_CHECK(cam_to_stop, source);
+    ZELVARO_CHECK(!cam_to_delete, source);
+    ZELVARO_CHECK(!is_playing(), source);
 }
 
 void CCameraCore::forgetPlayer()
@@ -195,7 +196,7 @@ void CCameraCore::forgetPlayer()
 
 void CCameraCore::restart()
 {
-    check(false, "false");
+    ZELVARO_CHECK(false, source);
 }
 
 int CCameraCore::audio_upload_play()
@@ -273,7 +274,7 @@ int CCameraCore::get_video_height() const
 int CCameraCore::issue_conf_commands(const QStringList &requests)
 {
     const int cnt = requests.length();
-    check(cnt > 0, "cnt > 0");
+    ZELVARO_CHECK(cnt > 0, source);
     QList<QByteArray> bytes;
     std::vector<const char *> texts;
     for (const QString &request : requests) {
@@ -289,22 +290,22 @@ int CCameraCore::issue_conf_commands(const QStringList &requests)
     return result;
 }
 
-void CCameraCore::playerCallback(int message, int countOrError, void *context, char **strings)
+void CCameraCore::playerCallback(int message, int nErrORcnt, void *context, char **strings)
 {
     QStringList result;
     if (strings) {
-        check(countOrError > 0, "nErrORcnt > 0");
-        for (int i = 0; i < countOrError; ++i)
+        ZELVARO_CHECK(nErrORcnt > 0, source);
+        for (int i = 0; i < nErrORcnt; ++i)
             result << QString::fromUtf8(strings[i]);
     }
     zelvaro::SessionRegistry::withSession(context, [&](CCameraCore *session) {
-        emit session->signalCameraEvent(message, countOrError, result);
+        emit session->signalCameraEvent(message, nErrORcnt, result);
     });
 }
 
 void CCameraCore::slotCameraEvent(int nMsg, int nErrORcnt, const QStringList &result)
 {
-    check(m_pRtspPlayer, "m_pRtspPlayer");
+    ZELVARO_CHECK(m_pRtspPlayer, source);
     switch (nMsg) {
     case CAMMGR_MSG_PROBE_OK:
     case CAMMGR_MSG_PROBE_FAILED:
@@ -317,13 +318,13 @@ void CCameraCore::slotCameraEvent(int nMsg, int nErrORcnt, const QStringList &re
         handleReplies(nErrORcnt, result);
         break;
     default:
-        check(false, "false");
+        ZELVARO_CHECK(false, source);
     }
 }
 
 void CCameraCore::handleProbeResult(int message, int error)
 {
-    check(cam_started, "cam_started");
+    ZELVARO_CHECK(cam_started, source);
     cam_started = 0;
     if (cam_to_stop)
         return;
@@ -354,16 +355,16 @@ void CCameraCore::changeState(int status, int code)
 
 void CCameraCore::handleDeleted()
 {
-    check(cam_to_delete, "cam_to_delete");
-    check(cam_to_stop, "cam_to_stop");
-    check(cam_started == 0, "cam_started == 0");
+    ZELVARO_CHECK(cam_to_delete, source);
+    ZELVARO_CHECK(cam_to_stop, source);
+    ZELVARO_CHECK(cam_started == 0, source);
     m_pRtspPlayer = nullptr;
     cam_to_delete = 0;
 }
 
 void CCameraCore::handleReplies(int nErrORcnt, const QStringList &result)
 {
-    check(nErrORcnt == result.length(), "nErrORcnt == result.length()");
+    ZELVARO_CHECK(nErrORcnt == result.length(), source);
     m_commandCodes.clear();
     m_commandKeys.clear();
     m_commandValues.clear();

@@ -56,14 +56,16 @@ public:
 
     /// Creates the player and sends the first probe. -1 when the library returns none.
     int create();
-    /// Sends a probe unless one is outstanding, the session is stopped or there is no player.
+    /// Sends a probe unless one is outstanding, the session is stopped or there is no player. One
+    /// that the library refuses is reported as failed.
     void tick_alive();
 
     /// Stream for a large picture: 0 main, 1 sub; 1 without a player.
     int get_mode() const;
     /// Stream 1 is the sub stream, any other number the main stream.
     int setup_live_stream(int stream, QWidget *surface);
-    /// Does nothing and returns -1 unless connected; callers try again on the next state report.
+    /// Does nothing and returns -1 unless connected and not stopped; callers try again on the next
+    /// state report.
     int play();
     int stop_play();
     /// Non-zero while a stream plays.
@@ -124,7 +126,7 @@ public slots:
     void slotCameraTickAlive();
 
 private:
-    static void playerCallback(int message, int countOrError, void *context, char **strings);
+    static void playerCallback(int message, int nErrORcnt, void *context, char **strings);
     /// The player, after the check that there is one.
     RtspPlayer *player() const;
     void handleProbeResult(int message, int error);
@@ -152,5 +154,5 @@ private:
     QList<QStringList> m_commandKeys;
     QList<QStringList> m_commandValues;
     CameraRecord *m_record = nullptr;
-    QTimer m_reprobe;
+    QTimer m_reprobe{this};
 };

@@ -1,6 +1,6 @@
 #include "camera/command_channel.h"
 
-#include "settings/developer_check.h"
+#include "camera/developer_check.h"
 
 #include <algorithm>
 
@@ -9,8 +9,7 @@ namespace zelvaro {
 QString build_request(const QString &username, const QString &password, const QString &command,
                       const QStringList &params, const QStringList &values)
 {
-    developerCheck(params.length() == values.length(), "params.length() == values.length()",
-                   "Camera");
+    ZELVARO_CHECK(params.length() == values.length(), "Camera");
     QString request = QStringLiteral("GET /form/") + command;
     const int count = std::min(params.length(), values.length());
     for (int i = 0; i < count; ++i)
@@ -47,7 +46,7 @@ QString get_email_alarm_sending_request(const QString &username, const QString &
 
 QString get_motion_request(const QString &username, const QString &password, int window)
 {
-    developerCheck((window > 0) && (window < 5), "(window > 0) && (window < 5)", "Camera");
+    ZELVARO_CHECK((window > 0) && (window < 5), "Camera");
     return build_request(username, password, QStringLiteral("getMotion"),
                          {QStringLiteral("WINDOW")}, {QString::number(window)});
 }

@@ -6,7 +6,7 @@
 #include <QSignalSpy>
 
 /// The thumbnail of a camera.
-class TstCamera : public QObject
+class TestCamera : public QObject
 {
     Q_OBJECT
 
@@ -18,6 +18,7 @@ private slots:
     void takingAThumbMakesTheFolderAndThePicture();
     void thumbIsReplaced();
     void failedThumbIsAnnouncedAllTheSame();
+    void anotherAlbumMayHaveAnotherThumb();
     void albumThatCannotBeMadeDoesNotHarm();
     void hostnameWithSlashesMakesFoldersInTheAlbum();
     void hostnameThatLeadsOutOfTheAlbumStaysInIt();
@@ -30,7 +31,7 @@ private:
     QString m_album;
 };
 
-void TstCamera::init()
+void TestCamera::init()
 {
     fake_cammgr::reset();
     m_checks = std::make_unique<CheckLog>();
@@ -40,7 +41,7 @@ void TstCamera::init()
     CameraSettings::instance().setAlbumPath(m_album);
 }
 
-void TstCamera::cleanup()
+void TestCamera::cleanup()
 {
     QCOMPARE(m_checks->take(), QStringList());
     m_checks.reset();
@@ -48,7 +49,7 @@ void TstCamera::cleanup()
     fake_cammgr::reset();
 }
 
-QStringList TstCamera::filesBelow(const QString &folder) const
+QStringList TestCamera::filesBelow(const QString &folder) const
 {
     QStringList files;
     QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
@@ -57,14 +58,14 @@ QStringList TstCamera::filesBelow(const QString &folder) const
     return files;
 }
 
-void TstCamera::thumbStandsInTheCamerasFolder()
+void TestCamera::thumbStandsInTheCamerasFolder()
 {
     Session session;
     QCOMPARE(session->thumb_path(), m_album + "/ZLV-1/thumb.jpeg");
     QVERIFY(!session->has_thumb());
 }
 
-void TstCamera::takingAThumbMakesTheFolderAndThePicture()
+void TestCamera::takingAThumbMakesTheFolderAndThePicture()
 {
     Session session;
     session.startConnected();
@@ -77,7 +78,7 @@ void TstCamera::takingAThumbMakesTheFolderAndThePicture()
              session->thumb_path().toStdString());
 }
 
-void TstCamera::thumbIsReplaced()
+void TestCamera::thumbIsReplaced()
 {
     Session session;
     session.startConnected();
@@ -89,7 +90,7 @@ void TstCamera::thumbIsReplaced()
     QCOMPARE(file.readAll(), QByteArray("other"));
 }
 
-void TstCamera::failedThumbIsAnnouncedAllTheSame()
+void TestCamera::failedThumbIsAnnouncedAllTheSame()
 {
     Session session;
     session.startConnected();
@@ -100,7 +101,16 @@ void TstCamera::failedThumbIsAnnouncedAllTheSame()
     QVERIFY(!session->has_thumb());
 }
 
-void TstCamera::albumThatCannotBeMadeDoesNotHarm()
+void TestCamera::anotherAlbumMayHaveAnotherThumb()
+{
+    Session session;
+    QSignalSpy changed(session.camera.get(), &CCamera::signalThumbChanged);
+    CameraSettings::instance().setAlbumPath(m_album + "/other");
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(session->thumb_path(), m_album + "/other/ZLV-1/thumb.jpeg");
+}
+
+void TestCamera::albumThatCannotBeMadeDoesNotHarm()
 {
     QFile blocker(m_home->path() + "/inner");
     QVERIFY(blocker.open(QIODevice::WriteOnly));
@@ -110,7 +120,7 @@ void TstCamera::albumThatCannotBeMadeDoesNotHarm()
     QVERIFY(!session->has_thumb());
 }
 
-void TstCamera::hostnameWithSlashesMakesFoldersInTheAlbum()
+void TestCamera::hostnameWithSlashesMakesFoldersInTheAlbum()
 {
     Session session;
     session.record.hostname = "rtsp://cam.lan:554/stream";
@@ -119,10 +129,10 @@ void TstCamera::hostnameWithSlashesMakesFoldersInTheAlbum()
     session->take_thumb();
     QVERIFY(session->has_thumb());
     QCOMPARE(filesBelow(m_home->path() + "/inner"),
-             QStringList(m_album + "/rtsp:/cam.lan:554/stream/thumb.jpeg"));
+             QStringList(m_album + "/rtsp%3A/cam.lan%3A554/stream/thumb.jpeg"));
 }
 
-void TstCamera::hostnameThatLeadsOutOfTheAlbumStaysInIt()
+void TestCamera::hostnameThatLeadsOutOfTheAlbumStaysInIt()
 {
     Session session;
     session.record.hostname = "../../outside";
@@ -133,5 +143,5 @@ void TstCamera::hostnameThatLeadsOutOfTheAlbumStaysInIt()
     QCOMPARE(filesBelow(m_home->path()), QStringList(m_album + "/_/_/outside/thumb.jpeg"));
 }
 
-QTEST_MAIN(TstCamera)
+QTEST_MAIN(TestCamera)
 #include "tst_camera.moc"

@@ -1,7 +1,7 @@
 #include "tests/camera/session_test.h"
 
 /// Each check for developers, broken once. A broken check never ends the program.
-class TstCameraChecks : public QObject
+class TestCameraChecks : public QObject
 {
     Q_OBJECT
 
@@ -35,20 +35,20 @@ private:
     std::unique_ptr<CheckLog> m_checks;
 };
 
-void TstCameraChecks::init()
+void TestCameraChecks::init()
 {
     fake_cammgr::reset();
     m_checks = std::make_unique<CheckLog>();
 }
 
-void TstCameraChecks::cleanup()
+void TestCameraChecks::cleanup()
 {
     QCOMPARE(m_checks->take(), QStringList());
     m_checks.reset();
     fake_cammgr::reset();
 }
 
-void TstCameraChecks::operationsWithoutAPlayer_data()
+void TestCameraChecks::operationsWithoutAPlayer_data()
 {
     QTest::addColumn<int>("index");
     QTest::addColumn<QString>("call");
@@ -76,7 +76,7 @@ void TstCameraChecks::operationsWithoutAPlayer_data()
 }
 
 /// The check is reported, then the library is called anyway.
-void TstCameraChecks::operationsWithoutAPlayer()
+void TestCameraChecks::operationsWithoutAPlayer()
 {
     QFETCH(int, index);
     QFETCH(QString, call);
@@ -107,7 +107,7 @@ void TstCameraChecks::operationsWithoutAPlayer()
     QCOMPARE(fake_cammgr::calls().front().player, nullptr);
 }
 
-void TstCameraChecks::createTwice()
+void TestCameraChecks::createTwice()
 {
     Session session;
     session.start();
@@ -116,7 +116,7 @@ void TstCameraChecks::createTwice()
     QCOMPARE(fake_cammgr::players().size(), size_t(1));
 }
 
-void TstCameraChecks::createAfterStop()
+void TestCameraChecks::createAfterStop()
 {
     Session session;
     session.start();
@@ -127,7 +127,7 @@ void TstCameraChecks::createAfterStop()
     QCOMPARE(session.player()->count("RtspPlayer_TickAlive"), 0);
 }
 
-void TstCameraChecks::createInAStateThatIsNotNew()
+void TestCameraChecks::createInAStateThatIsNotNew()
 {
     Session session;
     session->slotCameraEvent(CAMMGR_MSG_PROBE_OK, 0, {});
@@ -137,7 +137,7 @@ void TstCameraChecks::createInAStateThatIsNotNew()
                                           "cam_status == old_cam_status"}));
 }
 
-void TstCameraChecks::stopTwice()
+void TestCameraChecks::stopTwice()
 {
     Session session;
     session.start();
@@ -147,7 +147,7 @@ void TstCameraChecks::stopTwice()
     session->wait_stopped();
 }
 
-void TstCameraChecks::stopWhileThePlayerIsDeleted()
+void TestCameraChecks::stopWhileThePlayerIsDeleted()
 {
     Session session;
     session.start();
@@ -162,7 +162,7 @@ void TstCameraChecks::stopWhileThePlayerIsDeleted()
     QCOMPARE(reports(), CheckLog::camera({"!cam_to_delete", "!cam_to_stop"}));
 }
 
-void TstCameraChecks::deleteWithAProbeOut()
+void TestCameraChecks::deleteWithAProbeOut()
 {
     Session session;
     session.start();
@@ -172,7 +172,7 @@ void TstCameraChecks::deleteWithAProbeOut()
     QCOMPARE(reports(), CheckLog::camera({"!cam_started"}));
 }
 
-void TstCameraChecks::deleteWithoutStop()
+void TestCameraChecks::deleteWithoutStop()
 {
     Session session;
     session.startConnected();
@@ -181,7 +181,7 @@ void TstCameraChecks::deleteWithoutStop()
     QVERIFY(!session->has_player());
 }
 
-void TstCameraChecks::deleteWhilePlaying()
+void TestCameraChecks::deleteWhilePlaying()
 {
     Session session;
     session.startConnected();
@@ -192,7 +192,7 @@ void TstCameraChecks::deleteWhilePlaying()
     QCOMPARE(reports(), CheckLog::camera({"!is_playing()"}));
 }
 
-void TstCameraChecks::deleteWithoutAPlayer()
+void TestCameraChecks::deleteWithoutAPlayer()
 {
     const QStringList broken = CheckLog::camera({"m_pRtspPlayer", "cam_to_stop", "m_pRtspPlayer"});
     Session session;
@@ -202,7 +202,7 @@ void TstCameraChecks::deleteWithoutAPlayer()
     QCOMPARE(reports(), broken);
 }
 
-void TstCameraChecks::probeResultThatNobodyAskedFor()
+void TestCameraChecks::probeResultThatNobodyAskedFor()
 {
     Session session;
     session.startConnected();
@@ -212,7 +212,7 @@ void TstCameraChecks::probeResultThatNobodyAskedFor()
     QCOMPARE(session->get_state(), int(CAMERA_STATE_DISCONNECTED));
 }
 
-void TstCameraChecks::deletedThatNobodyAskedFor()
+void TestCameraChecks::deletedThatNobodyAskedFor()
 {
     Session session;
     session.start();
@@ -222,7 +222,7 @@ void TstCameraChecks::deletedThatNobodyAskedFor()
     QVERIFY(!session->has_player());
 }
 
-void TstCameraChecks::stringsWithoutACount()
+void TestCameraChecks::stringsWithoutACount()
 {
     Session session;
     session.start();
@@ -236,7 +236,7 @@ void TstCameraChecks::stringsWithoutACount()
     QVERIFY(session->command_codes().isEmpty());
 }
 
-void TstCameraChecks::countWithoutStrings()
+void TestCameraChecks::countWithoutStrings()
 {
     Session session;
     session.start();
@@ -246,7 +246,7 @@ void TstCameraChecks::countWithoutStrings()
     QVERIFY(session->command_codes().isEmpty());
 }
 
-void TstCameraChecks::eventWithoutAPlayer()
+void TestCameraChecks::eventWithoutAPlayer()
 {
     Session session;
     session->slotCameraEvent(CAMMGR_MSG_COMMAND_REPLIES, 1, {"000 Success"});
@@ -254,7 +254,7 @@ void TstCameraChecks::eventWithoutAPlayer()
     QCOMPARE(session->command_codes(), QList<int>({0}));
 }
 
-void TstCameraChecks::unknownMessage()
+void TestCameraChecks::unknownMessage()
 {
     Session session;
     session.startConnected();
@@ -265,7 +265,7 @@ void TstCameraChecks::unknownMessage()
     QCOMPARE(session->get_state(), int(CAMERA_STATE_CONNECTED));
 }
 
-void TstCameraChecks::restartOfAStoppedSession()
+void TestCameraChecks::restartOfAStoppedSession()
 {
     Session session;
     session->restart();
@@ -273,7 +273,7 @@ void TstCameraChecks::restartOfAStoppedSession()
     QVERIFY(fake_cammgr::calls().empty());
 }
 
-void TstCameraChecks::noCommands()
+void TestCameraChecks::noCommands()
 {
     Session session;
     session.start();
@@ -281,5 +281,5 @@ void TstCameraChecks::noCommands()
     QCOMPARE(reports(), CheckLog::camera({"cnt > 0"}));
 }
 
-QTEST_MAIN(TstCameraChecks)
+QTEST_MAIN(TestCameraChecks)
 #include "tst_camera_checks.moc"

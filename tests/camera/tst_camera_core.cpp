@@ -24,7 +24,7 @@ struct StateLog
 } // namespace
 
 /// The session over a library that answers on demand.
-class TstCameraCore : public QObject
+class TestCameraCore : public QObject
 {
     Q_OBJECT
 
@@ -45,6 +45,7 @@ private slots:
     void codeAloneIsAChange();
     void stateIsHandledOnTheGuiThread();
     void probesAgainThreeSecondsAfterAResult();
+    void aProbeThatTheLibraryRefusesHasFailed();
     void onlyOneProbeIsOut();
     void answerThatComesTwiceDoesNotDoubleTheProbes();
     void modeWithoutAPlayerIsTheSubStream();
@@ -63,13 +64,13 @@ private:
     std::unique_ptr<CheckLog> m_checks;
 };
 
-void TstCameraCore::init()
+void TestCameraCore::init()
 {
     fake_cammgr::reset();
     m_checks = std::make_unique<CheckLog>();
 }
 
-void TstCameraCore::cleanup()
+void TestCameraCore::cleanup()
 {
     QCOMPARE(m_checks->take(), QStringList());
     m_checks.reset();
@@ -77,7 +78,7 @@ void TstCameraCore::cleanup()
     fake_cammgr::reset();
 }
 
-void TstCameraCore::startsDisconnected()
+void TestCameraCore::startsDisconnected()
 {
     const CCamera camera;
     QCOMPARE(camera.get_state(), int(CAMERA_STATE_DISCONNECTED));
@@ -94,7 +95,7 @@ void TstCameraCore::startsDisconnected()
     QVERIFY(fake_cammgr::calls().empty());
 }
 
-void TstCameraCore::setInfoCopiesTheRecord()
+void TestCameraCore::setInfoCopiesTheRecord()
 {
     Session session;
     QCOMPARE(session->set_info(&session.record), 0);
@@ -105,7 +106,7 @@ void TstCameraCore::setInfoCopiesTheRecord()
     QCOMPARE(session->stream_path(), QString("/live/1/h264.sdp"));
 }
 
-void TstCameraCore::createMakesAPlayerAndSendsAProbe()
+void TestCameraCore::createMakesAPlayerAndSendsAProbe()
 {
     Session session;
     QCOMPARE(session->create(), 0);
@@ -120,7 +121,7 @@ void TstCameraCore::createMakesAPlayerAndSendsAProbe()
     QCOMPARE(session->get_state(), int(CAMERA_STATE_DISCONNECTED));
 }
 
-void TstCameraCore::createWithoutAPlayerFails()
+void TestCameraCore::createWithoutAPlayerFails()
 {
     Session session;
     fake_cammgr::failCreate();
@@ -131,7 +132,7 @@ void TstCameraCore::createWithoutAPlayerFails()
     QCOMPARE(fake_cammgr::calls().size(), size_t(1));
 }
 
-void TstCameraCore::textsGoInTheEncodingOfTheLibrary_data()
+void TestCameraCore::textsGoInTheEncodingOfTheLibrary_data()
 {
     QTest::addColumn<bool>("takesUtf8");
     QTest::addColumn<QByteArray>("username");
@@ -144,7 +145,7 @@ void TstCameraCore::textsGoInTheEncodingOfTheLibrary_data()
                                  << QByteArray("/no/Fot\xc3\x83\xc2\xb3s");
 }
 
-void TstCameraCore::textsGoInTheEncodingOfTheLibrary()
+void TestCameraCore::textsGoInTheEncodingOfTheLibrary()
 {
     QFETCH(bool, takesUtf8);
     QFETCH(QByteArray, username);
@@ -166,7 +167,7 @@ void TstCameraCore::textsGoInTheEncodingOfTheLibrary()
     QCOMPARE(session.player()->last("RtspPlayer_BeginWriting")->texts.front(), path.toStdString());
 }
 
-void TstCameraCore::probeResultsMoveTheState_data()
+void TestCameraCore::probeResultsMoveTheState_data()
 {
     QTest::addColumn<int>("message");
     QTest::addColumn<int>("argument");
@@ -180,7 +181,7 @@ void TstCameraCore::probeResultsMoveTheState_data()
     QTest::newRow("negative error") << 1 << -1 << 2 << -255;
 }
 
-void TstCameraCore::probeResultsMoveTheState()
+void TestCameraCore::probeResultsMoveTheState()
 {
     QFETCH(int, message);
     QFETCH(int, argument);
@@ -194,7 +195,7 @@ void TstCameraCore::probeResultsMoveTheState()
     QCOMPARE(report.count(), 1);
 }
 
-void TstCameraCore::sameResultTwiceOnlyReports()
+void TestCameraCore::sameResultTwiceOnlyReports()
 {
     Session session;
     session.startConnected();
@@ -213,7 +214,7 @@ void TstCameraCore::sameResultTwiceOnlyReports()
     QCOMPARE(log.take(), QStringList({"report"}));
 }
 
-void TstCameraCore::changedComesBeforeReport()
+void TestCameraCore::changedComesBeforeReport()
 {
     Session session;
     StateLog log(session.camera.get());
@@ -221,7 +222,7 @@ void TstCameraCore::changedComesBeforeReport()
     QCOMPARE(log.take(), QStringList({"changed", "report"}));
 }
 
-void TstCameraCore::codeAloneIsAChange()
+void TestCameraCore::codeAloneIsAChange()
 {
     Session session;
     session.start();
@@ -232,7 +233,7 @@ void TstCameraCore::codeAloneIsAChange()
     QCOMPARE(log.take(), QStringList({"changed", "report"}));
 }
 
-void TstCameraCore::stateIsHandledOnTheGuiThread()
+void TestCameraCore::stateIsHandledOnTheGuiThread()
 {
     Session session;
     session.start();
@@ -250,19 +251,47 @@ void TstCameraCore::stateIsHandledOnTheGuiThread()
     QCOMPARE(report, QThread::currentThread());
 }
 
-void TstCameraCore::probesAgainThreeSecondsAfterAResult()
+void TestCameraCore::probesAgainThreeSecondsAfterAResult()
 {
     Session session;
     session.start();
+    auto *const clock = session->findChild<QTimer *>();
+    QVERIFY(clock);
+    QVERIFY(!clock->isActive());
     QElapsedTimer timer;
     timer.start();
     session.player()->probeFailed();
+    deliverAll();
+    QVERIFY(clock->isActive());
+    QVERIFY(clock->isSingleShot());
+    QCOMPARE(clock->interval(), 3000);
     QTRY_COMPARE_WITH_TIMEOUT(session.player()->count("RtspPlayer_TickAlive"), 2, deadline);
     // Qt's coarse timers may be 5 % early.
     QVERIFY2(timer.elapsed() >= 2850, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY(!clock->isActive());
 }
 
-void TstCameraCore::onlyOneProbeIsOut()
+void TestCameraCore::aProbeThatTheLibraryRefusesHasFailed()
+{
+    fake_cammgr::Script script;
+    script.results["RtspPlayer_TickAlive"] = -1;
+    fake_cammgr::setDefaults(script);
+    Session session;
+    StateLog log(session.camera.get());
+    session.start();
+    // Not from inside the call: a view that asks in its report would ask for ever.
+    QCOMPARE(log.take(), QStringList());
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(log.take(), QStringList({"report"}));
+    QCOMPARE(session->get_state_code(), -255);
+    session.player()->change([](fake_cammgr::Script &s) {
+        s.results.clear();
+        s.probe = fake_cammgr::Probe::Ok;
+    });
+    QTRY_COMPARE_WITH_TIMEOUT(session->get_state(), int(CAMERA_STATE_CONNECTED), deadline);
+}
+
+void TestCameraCore::onlyOneProbeIsOut()
 {
     Session session;
     session.start();
@@ -275,7 +304,7 @@ void TstCameraCore::onlyOneProbeIsOut()
     QCOMPARE(session.player()->count("RtspPlayer_TickAlive"), 2);
 }
 
-void TstCameraCore::answerThatComesTwiceDoesNotDoubleTheProbes()
+void TestCameraCore::answerThatComesTwiceDoesNotDoubleTheProbes()
 {
     Session session;
     session.start();
@@ -291,7 +320,7 @@ void TstCameraCore::answerThatComesTwiceDoesNotDoubleTheProbes()
     QCOMPARE(player->count("RtspPlayer_TickAlive"), 2);
 }
 
-void TstCameraCore::modeWithoutAPlayerIsTheSubStream()
+void TestCameraCore::modeWithoutAPlayerIsTheSubStream()
 {
     Session session;
     QCOMPARE(session->get_mode(), 1);
@@ -302,7 +331,7 @@ void TstCameraCore::modeWithoutAPlayerIsTheSubStream()
     QCOMPARE(session->get_mode(), 7);
 }
 
-void TstCameraCore::streamIndexSelectsThePath_data()
+void TestCameraCore::streamIndexSelectsThePath_data()
 {
     QTest::addColumn<int>("stream");
     QTest::addColumn<QString>("path");
@@ -312,7 +341,7 @@ void TstCameraCore::streamIndexSelectsThePath_data()
     QTest::newRow("-1") << -1 << "/live/0/h264.sdp";
 }
 
-void TstCameraCore::streamIndexSelectsThePath()
+void TestCameraCore::streamIndexSelectsThePath()
 {
     QFETCH(int, stream);
     QFETCH(QString, path);
@@ -324,7 +353,7 @@ void TstCameraCore::streamIndexSelectsThePath()
     QCOMPARE(session.player()->path(), path.toStdString());
 }
 
-void TstCameraCore::setupHandsOverTheNativeWindow()
+void TestCameraCore::setupHandsOverTheNativeWindow()
 {
     Session session;
     session.start();
@@ -337,7 +366,7 @@ void TstCameraCore::setupHandsOverTheNativeWindow()
     QCOMPARE(session.player()->window(), std::uintptr_t(0));
 }
 
-void TstCameraCore::playNeedsAConnection()
+void TestCameraCore::playNeedsAConnection()
 {
     Session session;
     session.start();
@@ -357,7 +386,7 @@ void TstCameraCore::playNeedsAConnection()
     QVERIFY(!session->is_playing());
 }
 
-void TstCameraCore::unknownSizeIsTheDefault_data()
+void TestCameraCore::unknownSizeIsTheDefault_data()
 {
     QTest::addColumn<int>("width");
     QTest::addColumn<int>("height");
@@ -369,7 +398,7 @@ void TstCameraCore::unknownSizeIsTheDefault_data()
     QTest::newRow("one of them") << 1280 << 0 << QSize(1280, 480);
 }
 
-void TstCameraCore::unknownSizeIsTheDefault()
+void TestCameraCore::unknownSizeIsTheDefault()
 {
     QFETCH(int, width);
     QFETCH(int, height);
@@ -382,7 +411,7 @@ void TstCameraCore::unknownSizeIsTheDefault()
     QTEST(QSize(session->get_video_width(), session->get_video_height()), "size");
 }
 
-void TstCameraCore::figuresArePassedOn()
+void TestCameraCore::figuresArePassedOn()
 {
     Session session;
     session.start();
@@ -402,7 +431,7 @@ void TstCameraCore::figuresArePassedOn()
     QCOMPARE(session->audio_upload_is_playing(), 4);
 }
 
-void TstCameraCore::callsCarryTheirArguments()
+void TestCameraCore::callsCarryTheirArguments()
 {
     Session session;
     session.start();
@@ -422,7 +451,7 @@ void TstCameraCore::callsCarryTheirArguments()
     QCOMPARE(session->snapshot(folder.path() + "/absent/x.jpg"), -1);
 }
 
-void TstCameraCore::everyOperationGoesToItsCall_data()
+void TestCameraCore::everyOperationGoesToItsCall_data()
 {
     QTest::addColumn<QString>("call");
     for (const char *name :
@@ -433,7 +462,7 @@ void TstCameraCore::everyOperationGoesToItsCall_data()
         QTest::newRow(name) << name;
 }
 
-void TstCameraCore::everyOperationGoesToItsCall()
+void TestCameraCore::everyOperationGoesToItsCall()
 {
     QFETCH(QString, call);
     Session session;
@@ -462,5 +491,5 @@ void TstCameraCore::everyOperationGoesToItsCall()
     player->change([](fake_cammgr::Script &s) { s.results.clear(); });
 }
 
-QTEST_MAIN(TstCameraCore)
+QTEST_MAIN(TestCameraCore)
 #include "tst_camera_core.moc"

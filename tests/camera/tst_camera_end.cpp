@@ -6,7 +6,7 @@
 #include <thread>
 
 /// How a session ends: stop, wait, delete; and what comes too late.
-class TstCameraEnd : public QObject
+class TestCameraEnd : public QObject
 {
     Q_OBJECT
 
@@ -18,6 +18,8 @@ private slots:
     void stopGivesTheLibrarysResult();
     void lateProbeResultAfterStopIsDropped();
     void scheduledProbeAfterStopDoesNothing();
+    void waitingEndsWhenTheLibraryRefusesProbes();
+    void aReportThatWasOnItsWayDoesNotPlayAStoppedSession();
     void waitStoppedAsksUntilProbeAndStreamAreGone();
     void waitStoppedReturnsAtOnceWhenNothingIsLeft();
     void waitingWorksWhenTheApplicationQuits();
@@ -34,13 +36,13 @@ private:
     std::unique_ptr<CheckLog> m_checks;
 };
 
-void TstCameraEnd::init()
+void TestCameraEnd::init()
 {
     fake_cammgr::reset();
     m_checks = std::make_unique<CheckLog>();
 }
 
-void TstCameraEnd::cleanup()
+void TestCameraEnd::cleanup()
 {
     QCOMPARE(m_checks->take(), QStringList());
     m_checks.reset();
@@ -48,7 +50,7 @@ void TstCameraEnd::cleanup()
     fake_cammgr::reset();
 }
 
-void TstCameraEnd::stopAsksTheLibraryAndCutsTheStateSignals()
+void TestCameraEnd::stopAsksTheLibraryAndCutsTheStateSignals()
 {
     Session session;
     session.startConnected();
@@ -68,7 +70,7 @@ void TstCameraEnd::stopAsksTheLibraryAndCutsTheStateSignals()
     QCOMPARE(received, 0);
 }
 
-void TstCameraEnd::stopGivesTheLibrarysResult()
+void TestCameraEnd::stopGivesTheLibrarysResult()
 {
     Session session;
     session.start();
@@ -78,7 +80,7 @@ void TstCameraEnd::stopGivesTheLibrarysResult()
     session->wait_stopped();
 }
 
-void TstCameraEnd::lateProbeResultAfterStopIsDropped()
+void TestCameraEnd::lateProbeResultAfterStopIsDropped()
 {
     Session session;
     session.start();
@@ -96,16 +98,57 @@ void TstCameraEnd::lateProbeResultAfterStopIsDropped()
     session->delete_sync(); // the probe is no longer out
 }
 
-void TstCameraEnd::scheduledProbeAfterStopDoesNothing()
+void TestCameraEnd::scheduledProbeAfterStopDoesNothing()
 {
     Session session;
     session.startConnected();
+    auto *const clock = session->findChild<QTimer *>();
+    QVERIFY(clock && clock->isActive());
     session->stop();
-    session->slotCameraTickAlive();
+    QVERIFY(!clock->isActive());
+    clock->start(0);
+    QTRY_VERIFY_WITH_TIMEOUT(!clock->isActive(), deadline);
     QCOMPARE(session.player()->count("RtspPlayer_TickAlive"), 1);
 }
 
-void TstCameraEnd::waitStoppedAsksUntilProbeAndStreamAreGone()
+void TestCameraEnd::waitingEndsWhenTheLibraryRefusesProbes()
+{
+    fake_cammgr::Script script;
+    script.results["RtspPlayer_TickAlive"] = -1;
+    fake_cammgr::setDefaults(script);
+    Session session;
+    session.start();
+    const QObject test;
+    QTimer::singleShot(deadline, &test, [] { qFatal("the wait does not end"); });
+    session->stop();
+    session->wait_stopped();
+    session->delete_sync();
+    QVERIFY(!session->has_player());
+}
+
+void TestCameraEnd::aReportThatWasOnItsWayDoesNotPlayAStoppedSession()
+{
+    Session session;
+    session.startConnected();
+    int reports = 0;
+    const auto view = [&] {
+        ++reports;
+        session->play();
+    };
+    connect(session.camera.get(), &CCameraCore::signalStateReport, this, view,
+            Qt::QueuedConnection);
+    session->tick_alive();
+    session.player()->probeOk();
+    QVERIFY(fake_cammgr::waitDelivered(deadline));
+    QCoreApplication::sendPostedEvents(session.camera.get());
+    session->stop();
+    session->wait_stopped();
+    QCoreApplication::sendPostedEvents();
+    QCOMPARE(reports, 1);
+    QCOMPARE(session.player()->count("RtspPlayer_Play"), 0);
+}
+
+void TestCameraEnd::waitStoppedAsksUntilProbeAndStreamAreGone()
 {
     Session session;
     session.startConnected();
@@ -131,7 +174,7 @@ void TstCameraEnd::waitStoppedAsksUntilProbeAndStreamAreGone()
     session->delete_sync();
 }
 
-void TstCameraEnd::waitStoppedReturnsAtOnceWhenNothingIsLeft()
+void TestCameraEnd::waitStoppedReturnsAtOnceWhenNothingIsLeft()
 {
     Session session;
     session.startConnected();
@@ -141,7 +184,7 @@ void TstCameraEnd::waitStoppedReturnsAtOnceWhenNothingIsLeft()
     QCOMPARE(names(session.player()->calls()), QStringList({"RtspPlayer_IsPlaying"}));
 }
 
-void TstCameraEnd::waitingWorksWhenTheApplicationQuits()
+void TestCameraEnd::waitingWorksWhenTheApplicationQuits()
 {
     Session session;
     session.start();
@@ -155,7 +198,7 @@ void TstCameraEnd::waitingWorksWhenTheApplicationQuits()
     session->delete_sync();
 }
 
-void TstCameraEnd::deleteSyncTakesThePlayerAway()
+void TestCameraEnd::deleteSyncTakesThePlayerAway()
 {
     Session session;
     session.startConnected();
@@ -175,7 +218,7 @@ void TstCameraEnd::deleteSyncTakesThePlayerAway()
     QCOMPARE(player->count("RtspPlayer_Delete"), 0);
 }
 
-void TstCameraEnd::deletePlayerWaitsForTheLibrary()
+void TestCameraEnd::deletePlayerWaitsForTheLibrary()
 {
     Session session;
     session.startConnected();
@@ -194,7 +237,7 @@ void TstCameraEnd::deletePlayerWaitsForTheLibrary()
     QCOMPARE(session->get_state(), int(CAMERA_STATE_DISCONNECTED));
 }
 
-void TstCameraEnd::deleteThatTheLibraryRefusesIsDoneAtOnce()
+void TestCameraEnd::deleteThatTheLibraryRefusesIsDoneAtOnce()
 {
     Session session;
     session.startConnected();
@@ -206,7 +249,7 @@ void TstCameraEnd::deleteThatTheLibraryRefusesIsDoneAtOnce()
     QVERIFY(player->deleted());
 }
 
-void TstCameraEnd::destructorDeletesThePlayer()
+void TestCameraEnd::destructorDeletesThePlayer()
 {
     Session session;
     session.startConnected();
@@ -217,7 +260,7 @@ void TstCameraEnd::destructorDeletesThePlayer()
     QVERIFY(player->deleted());
 }
 
-void TstCameraEnd::destructorWithoutAPlayerAsksNothing()
+void TestCameraEnd::destructorWithoutAPlayerAsksNothing()
 {
     {
         Session session;
@@ -225,7 +268,7 @@ void TstCameraEnd::destructorWithoutAPlayerAsksNothing()
     QVERIFY(fake_cammgr::calls().empty());
 }
 
-void TstCameraEnd::messageAfterTheEndIsDropped()
+void TestCameraEnd::messageAfterTheEndIsDropped()
 {
     std::shared_ptr<fake_cammgr::Player> player;
     {
@@ -236,9 +279,11 @@ void TstCameraEnd::messageAfterTheEndIsDropped()
     for (int message = 0; message <= 4; ++message)
         player->send(message, 1, std::vector<std::string>{"x"});
     deliverAll();
+    QCOMPARE(m_checks->take(), QStringList());
+    QVERIFY(fake_cammgr::breaches().empty());
 }
 
-void TstCameraEnd::messagesWhileSessionsComeAndGo()
+void TestCameraEnd::messagesWhileSessionsComeAndGo()
 {
     std::atomic<bool> run = true;
     std::thread storm([&] {
@@ -266,11 +311,12 @@ void TstCameraEnd::messagesWhileSessionsComeAndGo()
     run = false;
     storm.join();
     deliverAll();
-    // Those that were posted before the player went find none.
-    m_checks->take();
+    // Those that were posted before the player was deleted find none.
+    for (const QString &report : m_checks->take())
+        QCOMPARE(report, CheckLog::camera({"m_pRtspPlayer"}).first());
 }
 
-void TstCameraEnd::sessionMayGoInItsOwnStateSignal()
+void TestCameraEnd::sessionMayGoInItsOwnStateSignal()
 {
     for (const bool atChange : {true, false}) {
         CameraRecord record;
@@ -293,5 +339,5 @@ void TstCameraEnd::sessionMayGoInItsOwnStateSignal()
     }
 }
 
-QTEST_MAIN(TstCameraEnd)
+QTEST_MAIN(TestCameraEnd)
 #include "tst_camera_end.moc"

@@ -31,7 +31,7 @@ QStringList actions(const QStringList &wanted)
 } // namespace
 
 /// The sessions of all registered cameras.
-class TstCameraList : public QObject
+class TestCameraList : public QObject
 {
     Q_OBJECT
 
@@ -49,6 +49,7 @@ private slots:
     void destroyAllAlsoStopsWhatWasNotClosed();
     void closingWhileProbesAreOut();
     void hundredDeadCamerasCloseQuickly();
+    void closingEndsWhenTheLibraryRefusesProbes();
     void sessionWithoutAPlayerDoesNotDisturbTheEnd();
 
 private:
@@ -59,7 +60,7 @@ private:
     std::unique_ptr<CCameraList> m_list;
 };
 
-void TstCameraList::init()
+void TestCameraList::init()
 {
     fake_cammgr::reset();
     m_home = std::make_unique<SettingsHome>();
@@ -68,7 +69,7 @@ void TstCameraList::init()
     m_list = std::make_unique<CCameraList>();
 }
 
-void TstCameraList::cleanup()
+void TestCameraList::cleanup()
 {
     m_list->closing();
     m_list->destroyAll();
@@ -78,13 +79,13 @@ void TstCameraList::cleanup()
     fake_cammgr::reset();
 }
 
-void TstCameraList::addRecords(const QStringList &hostnames)
+void TestCameraList::addRecords(const QStringList &hostnames)
 {
     for (const QString &hostname : hostnames)
         m_settings->addRecord(CAMERA_TYPE_P2P, hostname, "admin", "secret", "name", false);
 }
 
-void TstCameraList::startsASessionForEachRecordInOrder()
+void TestCameraList::startsASessionForEachRecordInOrder()
 {
     addRecords({"a", "b", "c"});
     m_list->startSessions(*m_settings);
@@ -100,7 +101,7 @@ void TstCameraList::startsASessionForEachRecordInOrder()
                  {"RtspPlayer_TickAlive a", "RtspPlayer_TickAlive b", "RtspPlayer_TickAlive c"}));
 }
 
-void TstCameraList::sessionThatCannotStartIsRemovedAndItsRecordStays()
+void TestCameraList::sessionThatCannotStartIsRemovedAndItsRecordStays()
 {
     addRecords({"a", "b"});
     fake_cammgr::failCreate();
@@ -112,7 +113,7 @@ void TstCameraList::sessionThatCannotStartIsRemovedAndItsRecordStays()
     QVERIFY(m_home->read().contains("HOSTNAME=a\n"));
 }
 
-void TstCameraList::startingAgainReplacesTheSessions()
+void TestCameraList::startingAgainReplacesTheSessions()
 {
     addRecords({"a"});
     m_list->startSessions(*m_settings);
@@ -123,7 +124,7 @@ void TstCameraList::startingAgainReplacesTheSessions()
     QVERIFY(fake_cammgr::players().front()->deleted());
 }
 
-void TstCameraList::removeDestroysTheSession()
+void TestCameraList::removeDestroysTheSession()
 {
     addRecords({"a", "b"});
     m_list->startSessions(*m_settings);
@@ -139,7 +140,7 @@ void TstCameraList::removeDestroysTheSession()
     QCOMPARE(fake_cammgr::player("a")->count("RtspPlayer_Delete"), 1);
 }
 
-void TstCameraList::removePassesOverAStranger()
+void TestCameraList::removePassesOverAStranger()
 {
     CCamera stranger;
     m_list->remove(&stranger);
@@ -147,7 +148,7 @@ void TstCameraList::removePassesOverAStranger()
     QCOMPARE(m_list->count(), 0);
 }
 
-void TstCameraList::closingStopsAllBeforeItWaitsForAny()
+void TestCameraList::closingStopsAllBeforeItWaitsForAny()
 {
     addRecords({"a", "b"});
     m_list->startSessions(*m_settings);
@@ -160,7 +161,7 @@ void TstCameraList::closingStopsAllBeforeItWaitsForAny()
     QCOMPARE(m_list->count(), 2);
 }
 
-void TstCameraList::destroyAllTearsDownFromTheFront()
+void TestCameraList::destroyAllTearsDownFromTheFront()
 {
     addRecords({"a", "b", "c"});
     m_list->startSessions(*m_settings);
@@ -172,7 +173,7 @@ void TstCameraList::destroyAllTearsDownFromTheFront()
                           "RtspPlayer_DeleteSync c"}));
 }
 
-void TstCameraList::destroyAllAlsoStopsWhatWasNotClosed()
+void TestCameraList::destroyAllAlsoStopsWhatWasNotClosed()
 {
     addRecords({"a"});
     m_list->startSessions(*m_settings);
@@ -180,7 +181,7 @@ void TstCameraList::destroyAllAlsoStopsWhatWasNotClosed()
     QVERIFY(fake_cammgr::player("a")->deleted());
 }
 
-void TstCameraList::closingWhileProbesAreOut()
+void TestCameraList::closingWhileProbesAreOut()
 {
     // The library answers the probe only at the second request to end it.
     fake_cammgr::Script script;
@@ -196,7 +197,7 @@ void TstCameraList::closingWhileProbesAreOut()
     QVERIFY(player->count("RtspPlayer_Stop_Connecting") >= 2);
 }
 
-void TstCameraList::hundredDeadCamerasCloseQuickly()
+void TestCameraList::hundredDeadCamerasCloseQuickly()
 {
     QStringList hostnames;
     for (int i = 0; i < 100; ++i)
@@ -208,11 +209,28 @@ void TstCameraList::hundredDeadCamerasCloseQuickly()
     timer.start();
     m_list->closing();
     m_list->destroyAll();
-    // One after the other each would wait for 100 ms at least once: together they wait once.
-    QVERIFY2(timer.elapsed() < 9000, qPrintable(QString::number(timer.elapsed())));
+    // One after the other each would wait for 100 ms at least once. Together they wait once, or
+    // twice where the library's thread is slow.
+    const int waits = actions({"RtspPlayer_Stop_Connecting"}).size() - 100;
+    QVERIFY2(waits <= 5, qPrintable(QString::number(waits)));
+    QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
 }
 
-void TstCameraList::sessionWithoutAPlayerDoesNotDisturbTheEnd()
+void TestCameraList::closingEndsWhenTheLibraryRefusesProbes()
+{
+    fake_cammgr::Script script;
+    script.results["RtspPlayer_TickAlive"] = -1;
+    fake_cammgr::setDefaults(script);
+    addRecords({"a", "b"});
+    m_list->startSessions(*m_settings);
+    const QObject test;
+    QTimer::singleShot(deadline, &test, [] { qFatal("the program does not end"); });
+    m_list->closing();
+    m_list->destroyAll();
+    QCOMPARE(m_list->count(), 0);
+}
+
+void TestCameraList::sessionWithoutAPlayerDoesNotDisturbTheEnd()
 {
     CCamera *const camera = m_list->create();
     QCOMPARE(m_list->at(0), camera);
@@ -222,5 +240,5 @@ void TstCameraList::sessionWithoutAPlayerDoesNotDisturbTheEnd()
     QCOMPARE(fake_cammgr::calls().size(), size_t(0));
 }
 
-QTEST_MAIN(TstCameraList)
+QTEST_MAIN(TestCameraList)
 #include "tst_camera_list.moc"

@@ -5,7 +5,7 @@
 #include <QSignalSpy>
 
 /// Requests and replies to the byte, and a batch through the session.
-class TstCommandChannel : public QObject
+class TestCommandChannel : public QObject
 {
     Q_OBJECT
 
@@ -33,13 +33,13 @@ private:
     std::unique_ptr<CheckLog> m_checks;
 };
 
-void TstCommandChannel::init()
+void TestCommandChannel::init()
 {
     fake_cammgr::reset();
     m_checks = std::make_unique<CheckLog>();
 }
 
-void TstCommandChannel::cleanup()
+void TestCommandChannel::cleanup()
 {
     QCOMPARE(m_checks->take(), QStringList());
     m_checks.reset();
@@ -47,7 +47,7 @@ void TstCommandChannel::cleanup()
     fake_cammgr::reset();
 }
 
-void TstCommandChannel::requestTexts_data()
+void TestCommandChannel::requestTexts_data()
 {
     QTest::addColumn<QString>("request");
     QTest::addColumn<QString>("target");
@@ -77,7 +77,7 @@ void TstCommandChannel::requestTexts_data()
                                     "THRESHOLD=&SENSITIVITY=";
 }
 
-void TstCommandChannel::requestTexts()
+void TestCommandChannel::requestTexts()
 {
     QFETCH(QString, request);
     QFETCH(QString, target);
@@ -85,13 +85,13 @@ void TstCommandChannel::requestTexts()
              "GET /form/" + target + " HTTP/1.1\r\nAuthorization: Basic YWRtaW46c2VjcmV0\r\n\r\n");
 }
 
-void TstCommandChannel::requestWithoutParametersHasNoQuestionMark()
+void TestCommandChannel::requestWithoutParametersHasNoQuestionMark()
 {
     QCOMPARE(zelvaro::sys_reboot_request("", ""),
              QString("GET /form/sysReboot HTTP/1.1\r\nAuthorization: Basic Og==\r\n\r\n"));
 }
 
-void TstCommandChannel::credentialsAreUtf8()
+void TestCommandChannel::credentialsAreUtf8()
 {
     const QString request =
         zelvaro::sys_reboot_request(QStringLiteral("Jos\u00e9"), QStringLiteral("\u043f:\u20ac"));
@@ -99,14 +99,14 @@ void TstCommandChannel::credentialsAreUtf8()
     QCOMPARE(QByteArray::fromBase64(encoded), QByteArray("Jos\xc3\xa9:\xd0\xbf:\xe2\x82\xac"));
 }
 
-void TstCommandChannel::valuesGoUnescaped()
+void TestCommandChannel::valuesGoUnescaped()
 {
     const QString request =
         zelvaro::build_request("u", "p", "cmd", {"A", "B c"}, {"1&2=3", "%/ ?"});
     QVERIFY(request.startsWith("GET /form/cmd?A=1&2=3&B c=%/ ? HTTP/1.1\r\n"));
 }
 
-void TstCommandChannel::motionWindowIsChecked()
+void TestCommandChannel::motionWindowIsChecked()
 {
     for (const int window : {0, 5, -1}) {
         zelvaro::get_motion_request("u", "p", window);
@@ -116,14 +116,14 @@ void TstCommandChannel::motionWindowIsChecked()
         zelvaro::get_motion_request("u", "p", window);
 }
 
-void TstCommandChannel::parametersWithoutValuesAreChecked()
+void TestCommandChannel::parametersWithoutValuesAreChecked()
 {
     const QString request = zelvaro::build_request("u", "p", "cmd", {"A", "B"}, {"1"});
     QCOMPARE(m_checks->take(), CheckLog::camera({"params.length() == values.length()"}));
     QVERIFY(request.startsWith("GET /form/cmd?A=1 HTTP/1.1\r\n"));
 }
 
-void TstCommandChannel::replies_data()
+void TestCommandChannel::replies_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<int>("code");
@@ -151,7 +151,7 @@ void TstCommandChannel::replies_data()
     QTest::newRow("failure text") << "cannot connect" << -1 << none << none;
 }
 
-void TstCommandChannel::replies()
+void TestCommandChannel::replies()
 {
     QFETCH(QString, text);
     Session session;
@@ -166,7 +166,7 @@ void TstCommandChannel::replies()
     QTEST(session->command_values().first(), "values");
 }
 
-void TstCommandChannel::batchGoesToTheLibraryInOrder()
+void TestCommandChannel::batchGoesToTheLibraryInOrder()
 {
     Session session;
     session.start();
@@ -180,7 +180,7 @@ void TstCommandChannel::batchGoesToTheLibraryInOrder()
     QCOMPARE(session->command_values(), QList<QStringList>({{"1"}, {}, {}}));
 }
 
-void TstCommandChannel::resultsAreReplacedByEveryBatch()
+void TestCommandChannel::resultsAreReplacedByEveryBatch()
 {
     Session session;
     session.start();
@@ -199,7 +199,7 @@ void TstCommandChannel::resultsAreReplacedByEveryBatch()
     QCOMPARE(session->command_values().length(), 1);
 }
 
-void TstCommandChannel::batchThatTheLibraryRefusesFails()
+void TestCommandChannel::batchThatTheLibraryRefusesFails()
 {
     Session session;
     session.start();
@@ -212,7 +212,7 @@ void TstCommandChannel::batchThatTheLibraryRefusesFails()
     QCOMPARE(session->command_codes(), QList<int>({-1, -1}));
 }
 
-void TstCommandChannel::finishedComesThroughTheEventLoop()
+void TestCommandChannel::finishedComesThroughTheEventLoop()
 {
     Session session;
     session.start();
@@ -226,7 +226,7 @@ void TstCommandChannel::finishedComesThroughTheEventLoop()
     QVERIFY(finished.wait(deadline));
 }
 
-void TstCommandChannel::repliesWithOtherBytesAreTaken()
+void TestCommandChannel::repliesWithOtherBytesAreTaken()
 {
     Session session;
     session.start();
@@ -237,7 +237,7 @@ void TstCommandChannel::repliesWithOtherBytesAreTaken()
     QCOMPARE(session->command_keys().first(), QStringList("A"));
 }
 
-void TstCommandChannel::hugeReplyIsTaken()
+void TestCommandChannel::hugeReplyIsTaken()
 {
     Session session;
     session.start();
@@ -250,5 +250,5 @@ void TstCommandChannel::hugeReplyIsTaken()
     QCOMPARE(session->command_keys().first().length(), 100000);
 }
 
-QTEST_MAIN(TstCommandChannel)
+QTEST_MAIN(TestCommandChannel)
 #include "tst_command_channel.moc"

@@ -7,7 +7,7 @@
 #include <QtTest>
 
 /// Waiting in a local event loop, with a real keyboard's events.
-class TstWaitEvents : public QObject
+class TestWaitEvents : public QObject
 {
     Q_OBJECT
 
@@ -17,7 +17,7 @@ private slots:
     void keepsUserInputForLater();
 };
 
-void TstWaitEvents::lastsAsLongAsAsked()
+void TestWaitEvents::lastsAsLongAsAsked()
 {
     QElapsedTimer timer;
     timer.start();
@@ -26,7 +26,7 @@ void TstWaitEvents::lastsAsLongAsAsked()
     QVERIFY2(timer.elapsed() >= 185, qPrintable(QString::number(timer.elapsed())));
 }
 
-void TstWaitEvents::runsTimersAndQueuedCalls()
+void TestWaitEvents::runsTimersAndQueuedCalls()
 {
     bool called = false;
     bool fired = false;
@@ -38,7 +38,7 @@ void TstWaitEvents::runsTimersAndQueuedCalls()
     QVERIFY(fired);
 }
 
-void TstWaitEvents::keepsUserInputForLater()
+void TestWaitEvents::keepsUserInputForLater()
 {
     QPushButton button(QStringLiteral("press me"));
     int clicks = 0;
@@ -57,5 +57,5 @@ void TstWaitEvents::keepsUserInputForLater()
     QTRY_COMPARE_WITH_TIMEOUT(clicks, 3, 30000);
 }
 
-QTEST_MAIN(TstWaitEvents)
+QTEST_MAIN(TestWaitEvents)
 #include "tst_wait_events.moc"

@@ -1,8 +1,8 @@
 #include "ui/album/photo_mgr_frame.h"
 
 #include "camera/camera.h"
+#include "camera/developer_check.h"
 #include "settings/camera_settings.h"
-#include "settings/developer_check.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/common/album_files.h"
 #include "ui/common/message_box.h"
@@ -177,7 +177,7 @@ void CPhotoMgrFrame::slotDeletePhoto(CPhotoMgrItemForm *item)
 void CPhotoMgrFrame::slotPlayPhoto(CPhotoMgrItemForm *item)
 {
     PageHost *host = pageHost();
-    if (!zelvaro::developerCheck(host != nullptr, "pageHost()", "PhotoMgrFrame"))
+    if (!ZELVARO_CHECK(pageHost(), "PhotoMgrFrame"))
         return;
     if (m_videoMode)
         host->playVideo(&m_tiles, item);

@@ -1,6 +1,6 @@
 #include "ui/discovery/camera_set_up.h"
 
-#include "settings/developer_check.h"
+#include "camera/developer_check.h"
 #include "ui/common/busy_dialog.h"
 #include "ui/common/message_box.h"
 #include "ui/discovery/address_edit.h"
@@ -122,9 +122,7 @@ void CCameraSetUp::slotExit()
 
 void CCameraSetUp::slotNDCPEvent(int nMsg, int nErrorCode)
 {
-    const bool known = nMsg == NDCP_EVENT_GET_CONF || nMsg == NDCP_EVENT_SET_CONF;
-    if (!zelvaro::developerCheck(
-            known, "nMsg == NDCP_EVENT_GET_CONF || nMsg == NDCP_EVENT_SET_CONF", "CameraSetUp"))
+    if (!ZELVARO_CHECK(nMsg == NDCP_EVENT_GET_CONF || nMsg == NDCP_EVENT_SET_CONF, "CameraSetUp"))
         return;
     if (nErrorCode != 0)
         showLibraryError(nErrorCode);

@@ -1,6 +1,6 @@
 #include "ui/discovery/search_camera_list_form.h"
 
-#include "settings/developer_check.h"
+#include "camera/developer_check.h"
 #include "ui/common/busy_dialog.h"
 #include "ui/common/camera_list_icons.h"
 #include "ui/common/desktop.h"
@@ -72,8 +72,7 @@ void CSearchCameraListForm::slotNDCPEvent(int nMsg, int nErrorCode)
     Q_UNUSED(nErrorCode)
     qDebug("CSearchCameraListForm::ndcpEvent()\r\n");
     if (nMsg != NDCP_EVENT_GET_CONF) {
-        if (!zelvaro::developerCheck(nMsg == NDCP_EVENT_DISCOVERY, "nMsg == NDCP_EVENT_DISCOVERY",
-                                     "SearchCameraFormList"))
+        if (!ZELVARO_CHECK(nMsg == NDCP_EVENT_DISCOVERY, "SearchCameraFormList"))
             return;
         m_client.forEachDevice([this](const ndcp_device &device) { m_records.merge(device); });
     }

@@ -3,8 +3,8 @@
 #include "camera/camera.h"
 #include "camera/camera_list.h"
 #include "camera/command_channel.h"
+#include "camera/developer_check.h"
 #include "settings/camera_settings.h"
-#include "settings/developer_check.h"
 #include "ui/common/command_wait.h"
 #include "ui/common/message_box.h"
 #include "ui/common/page_host.h"
@@ -158,7 +158,7 @@ void CCameraMgrFrame::slotDeleteCamera(CCameraMgrItemForm *item)
 
 void CCameraMgrFrame::slotPlayCamera(CCameraMgrItemForm *item)
 {
-    if (zelvaro::developerCheck(pageHost() != nullptr, "pageHost()", "CameraMgrFrame"))
+    if (ZELVARO_CHECK(pageHost(), "CameraMgrFrame"))
         pageHost()->playCamera(item->camera());
 }
 

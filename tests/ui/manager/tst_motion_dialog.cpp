@@ -445,7 +445,7 @@ void TestMotionDialog::enterWritesNothing()
         QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
         auto *const widget = dialog->findChild<QWidget *>(focus);
         widget->setFocus();
-        QTRY_VERIFY_WITH_TIMEOUT(widget->hasFocus(), Deadline);
+        QTRY_VERIFY_WITH_TIMEOUT(widget->hasFocus(), deadline);
         m_session->player()->forgetCalls();
         ModalScript script;
         if (focus == "btnApply")
