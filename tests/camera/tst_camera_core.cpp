@@ -74,7 +74,7 @@ void TestCameraCore::cleanup()
 {
     QCOMPARE(m_checks->take(), QStringList());
     m_checks.reset();
-    QVERIFY(fake_cammgr::breaches().empty());
+    QVERIFY(fake_cammgr::contractViolations().empty());
     fake_cammgr::reset();
 }
 

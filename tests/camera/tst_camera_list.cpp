@@ -73,7 +73,7 @@ void TestCameraList::cleanup()
 {
     m_list->closing();
     m_list->destroyAll();
-    QCOMPARE(fake_cammgr::breaches().size(), size_t(0));
+    QCOMPARE(fake_cammgr::contractViolations().size(), size_t(0));
     m_list.reset();
     m_settings.reset();
     fake_cammgr::reset();

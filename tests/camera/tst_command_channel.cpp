@@ -43,7 +43,7 @@ void TestCommandChannel::cleanup()
 {
     QCOMPARE(m_checks->take(), QStringList());
     m_checks.reset();
-    QVERIFY(fake_cammgr::breaches().empty());
+    QVERIFY(fake_cammgr::contractViolations().empty());
     fake_cammgr::reset();
 }
 

@@ -130,7 +130,7 @@ void reset()
     library().takesUtf8 = 1;
     library().failures = 0;
     library().calls.clear();
-    library().breaches.clear();
+    library().violations.clear();
 }
 
 void setDefaults(const Script &script)
@@ -178,10 +178,10 @@ std::vector<Call> calls()
     return library().calls;
 }
 
-std::vector<std::string> breaches()
+std::vector<std::string> contractViolations()
 {
     const std::lock_guard lock(library().mutex);
-    return library().breaches;
+    return library().violations;
 }
 
 bool waitDelivered(int milliseconds)

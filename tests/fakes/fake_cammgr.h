@@ -127,9 +127,9 @@ std::shared_ptr<Player> lastPlayer();
 /// Calls of all players, and those without one, in order.
 std::vector<Call> calls();
 
-/// Breaches of the interface's contract that the program committed, as texts: a call with a
+/// Violations of the contract of the interface by the program, as texts: a call with a
 /// deleted player, a delete while playing, a call from the callback ...
-std::vector<std::string> breaches();
+std::vector<std::string> contractViolations();
 
 /// Waits until every message sent so far has passed its callback. False after the deadline.
 bool waitDelivered(int milliseconds = 20000);

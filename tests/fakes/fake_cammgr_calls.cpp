@@ -26,15 +26,15 @@ public:
         Call call{name, std::move(texts), std::move(numbers), handle};
         library().calls.push_back(call);
         if (library().thread.isCurrent())
-            breach("called from the callback");
+            reportViolation("called from the callback");
         if (found == library().players.end()) {
             if (handle)
-                breach("unknown player");
+                reportViolation("unknown player");
             return;
         }
         (*found)->m_calls.push_back(std::move(call));
         if ((*found)->m_deleted)
-            breach("deleted player");
+            reportViolation("deleted player");
         else
             m_player = *found;
     }
@@ -44,9 +44,9 @@ public:
     Script &script() const { return m_player->m_script; }
     const std::shared_ptr<RtspPlayer> &player() const { return m_player; }
     void unlock() { m_lock.unlock(); }
-    void breach(const char *what)
+    void reportViolation(const char *what)
     {
-        library().breaches.push_back(std::string(m_name) + ": " + what);
+        library().violations.push_back(std::string(m_name) + ": " + what);
     }
 
     /// The result that the script gives to this call, otherwise `usual`; for a player that is not
@@ -181,7 +181,7 @@ int RtspPlayer_Delete(RtspPlayer *player)
 {
     Entry entry("RtspPlayer_Delete", player);
     if (entry && entry.script().playing)
-        entry.breach("the player plays");
+        entry.reportViolation("the player plays");
     if (entry && entry.works() && entry.script().deleteAnswers)
         post(entry.player(), CAMMGR_MSG_DELETED, 0);
     return entry.result(0, -1);
@@ -193,7 +193,7 @@ int RtspPlayer_DeleteSync(RtspPlayer *player)
     const int result = entry.result(0, -1);
     if (entry) {
         if (entry.script().playing)
-            entry.breach("the player plays");
+            entry.reportViolation("the player plays");
         entry->m_deleted = true;
         entry.unlock();
         library().thread.drop(player);

@@ -69,7 +69,7 @@ struct Library
     int takesUtf8 = 1;
     int failures = 0;
     std::vector<Call> calls;
-    std::vector<std::string> breaches;
+    std::vector<std::string> violations;
     fake::DeliveryThread thread{"fake_cammgr"};
 };
 

@@ -33,7 +33,7 @@ struct Library
     std::vector<std::string> calls;
     std::vector<ndcp_device> asked;
     std::vector<ndcp_device> written;
-    std::vector<std::string> breaches;
+    std::vector<std::string> violations;
     fake::DeliveryThread thread{"fake_ndcp"};
 };
 
@@ -87,11 +87,11 @@ bool enter(const char *name, const ndcp_client *client)
     Library &lib = library();
     lib.calls.emplace_back(name);
     if (lib.thread.isCurrent())
-        lib.breaches.push_back(std::string(name) + ": called from the callback");
+        lib.violations.push_back(std::string(name) + ": called from the callback");
     const bool known = std::any_of(lib.clients.begin(), lib.clients.end(),
                                    [&](const auto &c) { return c.get() == client; });
     if (!known && client)
-        lib.breaches.push_back(std::string(name) + ": unknown client");
+        lib.violations.push_back(std::string(name) + ": unknown client");
     return known;
 }
 
@@ -135,7 +135,7 @@ void reset()
     lib.calls.clear();
     lib.asked.clear();
     lib.written.clear();
-    lib.breaches.clear();
+    lib.violations.clear();
 }
 
 ndcp_device device(const std::string &uid, const std::string &name, std::uint32_t ip, int httpPort)
@@ -243,10 +243,10 @@ std::vector<ndcp_device> written()
     return library().written;
 }
 
-std::vector<std::string> breaches()
+std::vector<std::string> contractViolations()
 {
     const std::lock_guard lock(library().mutex);
-    return library().breaches;
+    return library().violations;
 }
 
 bool waitDelivered(int milliseconds)

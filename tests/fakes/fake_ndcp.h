@@ -58,8 +58,8 @@ int clients();
 /// Records as they were given to get_conf and set_conf, oldest first.
 std::vector<ndcp_device> asked();
 std::vector<ndcp_device> written();
-/// Breaches of the interface's contract, as texts.
-std::vector<std::string> breaches();
+/// Violations of the contract of the interface by the program, as texts.
+std::vector<std::string> contractViolations();
 
 /// Waits until every event so far has passed its callback. False after the deadline.
 bool waitDelivered(int milliseconds = 20000);

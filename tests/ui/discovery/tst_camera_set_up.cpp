@@ -104,7 +104,7 @@ void TestCameraSetUp::cleanup()
     m_dialog.reset();
     m_page.reset();
     QCOMPARE(fake_ndcp::clients(), 0);
-    QVERIFY(fake_ndcp::breaches().empty());
+    QVERIFY(fake_ndcp::contractViolations().empty());
 }
 
 void TestCameraSetUp::textsStandAsWritten_data()

@@ -248,7 +248,7 @@ void TestSearchCameraForm::closedWhileSearching()
     QVERIFY(!form->isVisible());
     form.reset();
     QCOMPARE(fake_ndcp::clients(), 0);
-    QVERIFY(fake_ndcp::breaches().empty());
+    QVERIFY(fake_ndcp::contractViolations().empty());
 }
 
 QTEST_MAIN(TestSearchCameraForm)

@@ -107,7 +107,7 @@ void TestSearchCameraListForm::cleanup()
     m_form.reset();
     setDesktop(nullptr);
     QCOMPARE(fake_ndcp::clients(), 0);
-    QVERIFY(fake_ndcp::breaches().empty());
+    QVERIFY(fake_ndcp::contractViolations().empty());
 }
 
 void TestSearchCameraListForm::looksAsDescribed()

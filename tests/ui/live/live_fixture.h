@@ -52,12 +52,12 @@ class LiveFixture : public SessionsFixture
 public:
     static constexpr int deadline = 20000; // ms
 
-    /// The sessions end while the library's breaches are still known.
+    /// End the sessions before violations are reset.
     ~LiveFixture()
     {
         endSessions();
-        for (const std::string &breach : fake_cammgr::breaches())
-            QFAIL(breach.c_str());
+        for (const std::string &violation : fake_cammgr::contractViolations())
+            QFAIL(violation.c_str());
     }
 
     static CCamera *camera(int index = 0) { return CCameraList::instance().at(index); }

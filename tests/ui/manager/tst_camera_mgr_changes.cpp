@@ -246,7 +246,7 @@ void CameraMgrChangesTest::deletingEndsSessionTileAndRecord()
     QCOMPARE(cellOf(tile(1)), (Cell{0, 1}));
     QCOMPARE(cellOf(addTile()), (Cell{0, 2}));
     QTRY_VERIFY_WITH_TIMEOUT(deleted.isNull(), deadline);
-    QVERIFY(fake_cammgr::breaches().empty());
+    QVERIFY(fake_cammgr::contractViolations().empty());
 }
 
 void CameraMgrChangesTest::deletingWaitsForAnOutstandingProbe()
@@ -265,7 +265,7 @@ void CameraMgrChangesTest::deletingWaitsForAnOutstandingProbe()
         [this] { tile(0)->slotDelete(); });
     QVERIFY(player->deleted());
     QVERIFY(m_frame->tiles().isEmpty());
-    QVERIFY(fake_cammgr::breaches().empty());
+    QVERIFY(fake_cammgr::contractViolations().empty());
 }
 
 void CameraMgrChangesTest::modifyingNothingChangesNothing()

@@ -122,7 +122,7 @@ void TestMotionDialog::cleanup()
     m_session.reset();
     QCOMPARE(m_checks->take(), QStringList());
     m_checks.reset();
-    QVERIFY(fake_cammgr::breaches().empty());
+    QVERIFY(fake_cammgr::contractViolations().empty());
     fake_cammgr::reset();
 }
 
