@@ -280,7 +280,7 @@ void TestCameraEnd::messageAfterTheEndIsDropped()
         player->send(message, 1, std::vector<std::string>{"x"});
     deliverAll();
     QCOMPARE(m_checks->take(), QStringList());
-    QVERIFY(fake_cammgr::breaches().empty());
+    QVERIFY(fake_cammgr::contractViolations().empty());
 }
 
 void TestCameraEnd::messagesWhileSessionsComeAndGo()
