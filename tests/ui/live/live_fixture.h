@@ -17,10 +17,16 @@ public:
     ~RecordingDesktop() override { setDesktop(nullptr); }
 
     bool openUrl(const QUrl &) override { return false; }
-    void playSound(const QString &file) override { sounds << file; }
+    void playSound(const QString &file) override
+    {
+        sounds << file;
+        if (heard)
+            heard();
+    }
     QString chooseFolder(QWidget *, const QString &, const QString &) override { return {}; }
 
     QStringList sounds;
+    std::function<void()> heard; ///< runs at each sound
 };
 
 /// Debug lines as they are written while this lives.

@@ -1,6 +1,7 @@
 #include "ui/live/multi_live_form.h"
 
 #include "resources/resources.h"
+#include "tests/support/declared.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/common/message_box.h"
@@ -58,6 +59,12 @@ private:
     CMultiLiveFrame *frame() const { return child<CMultiLiveFrame>("frameMultiLive"); }
     void click(const char *button) { QTest::mouseClick(child(button), Qt::LeftButton); }
     bool recordButtonIsDown() const;
+    /// Whether the tile shows that it records.
+    bool isMarked(int index) const
+    {
+        const auto *mark = frame()->tiles().at(index)->findChild<QLabel *>("labelRecording");
+        return !mark->styleSheet().isEmpty();
+    }
     void show(const QStringList &hostnames);
     void play(int index);
     /// Presses record and chooses the tiles of the dialog with these numbers.
@@ -117,11 +124,7 @@ void tst_MultiLiveForm::record(const QList<int> &chosen)
 
 void tst_MultiLiveForm::slotsStandInOrder()
 {
-    QStringList found;
-    const QMetaObject &meta = CMultiLiveForm::staticMetaObject;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-        found << QString::fromLatin1(meta.method(i).methodSignature());
-    QCOMPARE(found,
+    QCOMPARE(declared(CMultiLiveForm::staticMetaObject, QMetaMethod::Slot),
              (QStringList{QStringLiteral("slotSelect()"), QStringLiteral("slotSnapshot()"),
                           QStringLiteral("slotRecord()"), QStringLiteral("slotMuteChanged(bool)"),
                           QStringLiteral("slotVolumeChanged(int)")}));
@@ -157,7 +160,10 @@ void tst_MultiLiveForm::snapshotOfAllPlayingTilesWithOneSound()
     show({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
     play(0);
     play(2);
+    int writtenBefore = -1;
+    m_live->desktop.heard = [&] { writtenBefore = m_live->count("RtspPlayer_Snapshot", 0); };
     click("btnSnapshot");
+    QCOMPARE(writtenBefore, 0);
     QCOMPARE(m_live->desktop.sounds, QStringList{QCoreApplication::applicationDirPath() +
                                                  QStringLiteral("/sounds/snapshot.wav")});
     for (int index : {0, 2}) {
@@ -180,20 +186,10 @@ void tst_MultiLiveForm::recordAsksWhichCamerasAndRecordsThose()
         QCOMPARE(m_live->lastNumber("RtspPlayer_BeginWriting", index), 104857600);
         QCOMPARE(m_live->lastText("RtspPlayer_Snapshot", index),
                  m_live->folder(index) + QStringLiteral("/20240305_070809.mp4.jpeg"));
-        QVERIFY(!frame()
-                     ->tiles()
-                     .at(index)
-                     ->findChild<QLabel *>(QStringLiteral("labelRecording"))
-                     ->styleSheet()
-                     .isEmpty());
+        QVERIFY(isMarked(index));
     }
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting", 1), 0);
-    QVERIFY(frame()
-                ->tiles()
-                .at(1)
-                ->findChild<QLabel *>(QStringLiteral("labelRecording"))
-                ->styleSheet()
-                .isEmpty());
+    QVERIFY(!isMarked(1));
 }
 
 void tst_MultiLiveForm::recordCancelledTogglesNothing()
@@ -231,12 +227,7 @@ void tst_MultiLiveForm::recordAgainStopsAll()
     QVERIFY(!recordButtonIsDown());
     for (int index : {0, 1}) {
         QCOMPARE(m_live->count("RtspPlayer_EndWriting", index), 1);
-        QVERIFY(frame()
-                    ->tiles()
-                    .at(index)
-                    ->findChild<QLabel *>(QStringLiteral("labelRecording"))
-                    ->styleSheet()
-                    .isEmpty());
+        QVERIFY(!isMarked(index));
     }
 }
 
@@ -326,6 +317,7 @@ void tst_MultiLiveForm::okInTheWarningStopsTheRecordings()
     show({QStringLiteral("A")});
     play(0);
     record({0});
+    QVERIFY(isMarked(0));
     ModalScript script;
     script.then([](CMessageBox *box) { press(box, "btnOk"); }).then([](CSelectCameraForm *dialog) {
         dialog->reject();
@@ -333,6 +325,7 @@ void tst_MultiLiveForm::okInTheWarningStopsTheRecordings()
     click("btnSelect");
     QVERIFY(script.done());
     QVERIFY(!recordButtonIsDown());
+    QVERIFY(!isMarked(0));
     QCOMPARE(m_live->count("RtspPlayer_EndWriting"), 1);
     QVERIFY(m_live->camera()->is_playing());
 }
@@ -365,6 +358,7 @@ void tst_MultiLiveForm::leavingResetsTheRecordButton()
     QVERIFY(m_form->MayLeave());
     m_form->StartPlay();
     play(0);
+    QVERIFY(!isMarked(0));
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
 }
 

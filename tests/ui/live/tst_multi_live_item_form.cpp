@@ -1,6 +1,7 @@
 #include "ui/live/multi_live_item_form.h"
 
 #include "resources/resources.h"
+#include "tests/support/declared.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/live/video_frame.h"
 
@@ -86,14 +87,13 @@ void tst_MultiLiveItemForm::play(int width, int height)
 
 void tst_MultiLiveItemForm::slotsStandInOrder()
 {
-    QStringList found;
     const QMetaObject &meta = CMultiLiveItemForm::staticMetaObject;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
-        found << QString::fromLatin1(meta.method(i).methodSignature());
-    QCOMPARE(found, (QStringList{QStringLiteral("selectCamera(CMultiLiveItemForm*)"),
-                                 QStringLiteral("slotCameraStatusChanged()"),
-                                 QStringLiteral("slotTimer()"),
-                                 QStringLiteral("slotVideoDoubleClicked()")}));
+    QCOMPARE(declared(meta, QMetaMethod::Signal),
+             QStringList{QStringLiteral("selectCamera(CMultiLiveItemForm*)")});
+    QCOMPARE(
+        declared(meta, QMetaMethod::Slot),
+        (QStringList{QStringLiteral("slotCameraStatusChanged()"), QStringLiteral("slotTimer()"),
+                     QStringLiteral("slotVideoDoubleClicked()")}));
 }
 
 void tst_MultiLiveItemForm::setCameraShowsItsNameConnecting()
@@ -278,6 +278,7 @@ void tst_MultiLiveItemForm::fullScreenIsTheTilesOwn()
     QVERIFY(frame->isFullScreen());
     QTRY_VERIFY_WITH_TIMEOUT(frame->hasFocus(), deadline);
     QVERIFY(m_live->host.pages.isEmpty());
+    QCOMPARE(m_live->count("RtspPlayer_SetupP2PliveStream"), 1);
     QTest::keyClick(frame, Qt::Key_Escape);
     QVERIFY(!frame->isWindow());
     QTRY_COMPARE_WITH_TIMEOUT(frame->geometry(), QRect(6, 5, 160, 120), deadline);
@@ -285,15 +286,14 @@ void tst_MultiLiveItemForm::fullScreenIsTheTilesOwn()
 
 void tst_MultiLiveItemForm::theSelectedFrame()
 {
-    const QString rest = QStringLiteral(".png);border-top-width:4;border-bottom-width:7;border-"
-                                        "left-width:5;border-right-width:6;}");
-    const QString start = QStringLiteral(
-        "QFrame#frameCameraItemBk{border-image: url(:/images/multilive/multiliveitemframe_");
-    QCOMPARE(child("frameCameraItemBk")->styleSheet(), start + QStringLiteral("default") + rest);
+    const auto shows = [this](const char *image) {
+        return child("frameCameraItemBk")->styleSheet().contains(QLatin1String(image));
+    };
+    QVERIFY(shows(":/images/multilive/multiliveitemframe_default.png"));
     m_tile->setSelected(true);
-    QCOMPARE(child("frameCameraItemBk")->styleSheet(), start + QStringLiteral("hover") + rest);
+    QVERIFY(shows(":/images/multilive/multiliveitemframe_hover.png"));
     m_tile->setSelected(false);
-    QCOMPARE(child("frameCameraItemBk")->styleSheet(), start + QStringLiteral("default") + rest);
+    QVERIFY(shows(":/images/multilive/multiliveitemframe_default.png"));
     QVERIFY(QFile::exists(QStringLiteral(":/images/multilive/multiliveitemframe_default.png")));
     QVERIFY(QFile::exists(QStringLiteral(":/images/multilive/multiliveitemframe_hover.png")));
 }
