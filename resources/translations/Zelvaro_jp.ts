@@ -767,6 +767,10 @@
         <source> is connecting...</source>
         <translation> に接続しています...</translation>
     </message>
+    <message>
+        <source>%1 is not being recorded: the album folder cannot be written, or the disk is full.</source>
+        <translation>%1 は録画されていません: アルバムフォルダーに書き込めないか、ディスクがいっぱいです。</translation>
+    </message>
 </context>
 <context>
     <name>Motion_Dialog</name>

@@ -767,6 +767,10 @@
         <source> is connecting...</source>
         <translation> 正在连接...</translation>
     </message>
+    <message>
+        <source>%1 is not being recorded: the album folder cannot be written, or the disk is full.</source>
+        <translation>%1 未在录像：相册文件夹无法写入，或磁盘已满。</translation>
+    </message>
 </context>
 <context>
     <name>Motion_Dialog</name>

@@ -767,6 +767,10 @@
         <source> is connecting...</source>
         <translation> — подключение...</translation>
     </message>
+    <message>
+        <source>%1 is not being recorded: the album folder cannot be written, or the disk is full.</source>
+        <translation>%1 не записывается: папка альбома недоступна для записи или диск заполнен.</translation>
+    </message>
 </context>
 <context>
     <name>Motion_Dialog</name>

@@ -8,6 +8,7 @@
 #include "ui/live/video_frame.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QStackedWidget>
 #include <QTest>
@@ -109,13 +110,18 @@ void EscapeTest::open(const QString &page)
         m_form->showMultiLive();
     else
         m_form->playCamera(Registry::cameras().at(0));
-    QTRY_VERIFY_WITH_TIMEOUT(Registry::cameras().at(0)->is_playing(), deadline);
+    // After the layout, which shows native windows: the offscreen platform activates each of them.
+    auto *status = m_form->findChild<QWidget *>(page)->findChild<QLabel *>("labelStatus");
+    QTRY_VERIFY_WITH_TIMEOUT(status->text().startsWith("640x360"), deadline);
+    m_form->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
     click(picture(page));
     QTRY_COMPARE_WITH_TIMEOUT(QApplication::focusWidget(), picture(page), deadline);
 }
 
 void EscapeTest::releaseOver(const QString &page)
 {
+    m_form->activateWindow(); // as a window manager does when a dialog is gone
     QTRY_COMPARE_WITH_TIMEOUT(QApplication::focusWidget(), picture(page), deadline);
     QTest::keyRelease(m_form->windowHandle(), Qt::Key_Escape);
     QVERIFY(!picture(page)->isWindow());

@@ -1,11 +1,12 @@
 #include "ui/live/live_view.h"
 
-#include "camera/camera.h"
 #include "settings/camera_settings.h"
+#include "ui/common/page_host.h"
 #include "ui/common/status_text.h"
 #include "ui/common/tool_tip.h"
 #include "ui/live/video_frame.h"
 
+#include <QFile>
 #include <QLabel>
 #include <QLoggingCategory>
 
@@ -55,9 +56,10 @@ bool LiveView::isPlaying() const
     return m_camera && m_camera->is_playing();
 }
 
-void LiveView::open(int stream)
+void LiveView::setUp(int stream)
 {
     m_needLayout = true;
+    m_reportRequested = false;
     m_stream = stream;
     QWidget *surface = m_widgets.surface->CreateRenderSurface();
     m_camera->setup_live_stream(m_stream, surface);
@@ -66,6 +68,8 @@ void LiveView::open(int stream)
 
 void LiveView::close()
 {
+    QObject::disconnect(m_reports);
+    setWritingFails(false);
     if (m_camera)
         m_camera->stop_play();
     m_camera = nullptr;
@@ -80,9 +84,10 @@ void LiveView::report()
     if (!isPlaying()) {
         showConnecting();
         m_needLayout = true;
-        m_camera->play();
+        play();
     } else if (m_needLayout) {
         m_needLayout = false;
+        m_reportRequested = false;
         streamChanged();
     } else {
         // Some cameras change their picture without a break in the stream.
@@ -95,7 +100,21 @@ void LiveView::report()
             --m_thumbnailCountdown;
         }
         applyVolume();
+        checkWriting();
         showStatus();
+    }
+}
+
+// Reports come 3 s apart: without another one the picture would move for that long before its
+// layout and volume are applied. The library answers a probe sent after play when the first picture
+// is shown. One probe per start, because another library may answer at once.
+void LiveView::play()
+{
+    if (m_camera->play() < 0) {
+        m_reportRequested = false;
+    } else if (!m_reportRequested) {
+        m_reportRequested = true;
+        m_camera->tick_alive();
     }
 }
 
@@ -196,7 +215,8 @@ void LiveView::followWindow()
         return;
     m_camera->setup_live_stream(m_stream, surface);
     m_window = surface->internalWinId();
-    m_camera->play();
+    m_reportRequested = false;
+    play();
 }
 
 void LiveView::applyVolume()
@@ -210,6 +230,8 @@ void LiveView::setRecording(bool recording)
     m_recording = recording;
     m_widgets.recording->setStyleSheet(
         recording ? QStringLiteral("border-image:url(%1);").arg(recordImage(true)) : QString());
+    if (!recording)
+        setWritingFails(false);
     applyRecording();
 }
 
@@ -220,11 +242,37 @@ void LiveView::applyRecording()
     const bool writing = m_camera->is_writing();
     if (m_recording && !writing) {
         const QString base = recordingBase(madeFolder(), m_clock());
-        m_camera->snapshot(clipStill(clipFile(base)));
-        m_camera->begin_writing(base, recordingLimit);
+        const QString still = clipStill(clipFile(base));
+        m_camera->snapshot(still);
+        const bool begun = m_camera->begin_writing(base, recordingLimit) >= 0;
+        // A still without a clip would stay for ever: the album shows clips.
+        if (!begun && !QFile::exists(clipFile(base)))
+            QFile::remove(still);
+        setWritingFails(!begun);
     } else if (!m_recording && writing) {
         m_camera->end_writing();
     }
+}
+
+void LiveView::checkWriting()
+{
+    setWritingFails(m_recording && !m_camera->is_writing());
+}
+
+void LiveView::setWritingFails(bool fails)
+{
+    if (m_writingFails == fails)
+        return;
+    m_writingFails = fails;
+    QString trouble;
+    if (fails) {
+        trouble = tr("%1 is not being recorded: the album folder cannot be written, or the disk is "
+                     "full.")
+                      .arg(m_camera->name());
+    }
+    m_widgets.recording->setToolTip(plainToolTip(trouble));
+    if (PageHost *host = pageHost())
+        host->showStatus(trouble);
 }
 
 void LiveView::takePhoto()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "camera/camera.h"
 #include "ui/common/album_files.h"
 #include "ui/common/picture_box.h"
 
@@ -8,7 +9,6 @@
 
 #include <functional>
 
-class CCamera;
 class CVideoFrame;
 class QLabel;
 
@@ -45,16 +45,28 @@ public:
     /// volume: what the session's volume is to be, 0 to 200. clock: names photos and recordings.
     LiveView(const LiveWidgets &widgets, StatusSize statusSize, std::function<int()> volume,
              Clock clock);
+    /// Stops the stream: nothing may draw on a surface that is gone.
+    ~LiveView() { close(); }
+    LiveView(const LiveView &) = delete;
+    LiveView &operator=(const LiveView &) = delete;
 
     CCamera *camera() const;
     /// Null: none.
     void setCamera(CCamera *camera);
     bool isPlaying() const;
 
-    /// Gives the session a fresh surface to draw stream 0 (main) or 1 (sub) on. The view then
-    /// connects the session's reports and requests one.
-    void open(int stream);
-    /// Stops the stream and forgets the camera. The session continues.
+    /// Gives the session a fresh surface to draw stream 0 (main) or 1 (sub) on, connects its
+    /// reports to the page's slotTimer() (queued) and requests one.
+    template <typename Page>
+    void open(int stream, Page *page)
+    {
+        setUp(stream);
+        QObject::disconnect(m_reports);
+        m_reports = QObject::connect(m_camera.data(), &CCamera::signalStateReport, page,
+                                     &Page::slotTimer, Qt::QueuedConnection);
+        m_camera->tick_alive();
+    }
+    /// Ends the reports, stops the stream and forgets the camera. The session continues.
     void close();
 
     /// The session has answered a probe: follows the stream, starts it when it does not play.
@@ -79,12 +91,16 @@ public:
     void takePhoto();
 
 private:
+    void setUp(int stream);
+    void play();
     void calculateVideoSize();
     void resizeVideoWindow();
     void layOutStream();
     void layOut();
     void followWindow();
     void applyRecording();
+    void checkWriting();
+    void setWritingFails(bool fails);
     void showStatus();
     void showConnecting();
     void showStatusText(const QString &text);
@@ -97,9 +113,12 @@ private:
     Clock m_clock;
     PictureBox m_box;
     bool m_recording = false;
+    bool m_writingFails = false; // although requested; the user has been told
     QPointer<CCamera> m_camera;
+    QMetaObject::Connection m_reports;
     qint32 m_thumbnailCountdown = 0; // reports until the next thumbnail
     bool m_needLayout = false;       // the stream has not been seen playing since it was requested
+    bool m_reportRequested = false;  // since then, for the first picture
     QSize m_streamSize;              // as last laid out
     int m_stream = 1;
     WId m_window = 0; // that the session draws on

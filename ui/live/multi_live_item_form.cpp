@@ -1,6 +1,5 @@
 #include "ui/live/multi_live_item_form.h"
 
-#include "camera/camera.h"
 #include "ui_multi_live_item_form.h"
 
 #include <QKeyEvent>
@@ -48,19 +47,12 @@ CCamera *CMultiLiveItemForm::camera() const
 
 void CMultiLiveItemForm::start()
 {
-    CCamera *session = camera();
-    if (!session)
-        return;
-    m_live->open(subStream);
-    connect(session, &CCamera::signalStateReport, this, &CMultiLiveItemForm::slotTimer,
-            Qt::ConnectionType(Qt::QueuedConnection | Qt::UniqueConnection));
-    session->tick_alive();
+    if (camera())
+        m_live->open(subStream, this);
 }
 
 void CMultiLiveItemForm::stop()
 {
-    if (CCamera *session = camera())
-        disconnect(session, &CCamera::signalStateReport, this, &CMultiLiveItemForm::slotTimer);
     m_live->close();
 }
 

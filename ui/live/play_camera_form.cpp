@@ -1,6 +1,5 @@
 #include "ui/live/play_camera_form.h"
 
-#include "camera/camera.h"
 #include "ui/common/page_host.h"
 #include "ui/live/snapshot_sound.h"
 #include "ui_play_camera_form.h"
@@ -34,11 +33,7 @@ CPlayCameraForm::CPlayCameraForm(QWidget *parent, zelvaro::Clock clock)
             &CPlayCameraForm::slotMuteChanged);
 }
 
-CPlayCameraForm::~CPlayCameraForm()
-{
-    // Nothing may draw on a destroyed surface.
-    m_live->close();
-}
+CPlayCameraForm::~CPlayCameraForm() = default;
 
 void CPlayCameraForm::SetCamera(CCamera *camera)
 {
@@ -50,10 +45,7 @@ void CPlayCameraForm::StartPlay()
     CCamera *camera = m_live->camera();
     if (!camera)
         return;
-    m_live->open(camera->get_mode());
-    connect(camera, &CCamera::signalStateReport, this, &CPlayCameraForm::slotTimer,
-            Qt::ConnectionType(Qt::QueuedConnection | Qt::UniqueConnection));
-    camera->tick_alive();
+    m_live->open(camera->get_mode(), this);
 }
 
 bool CPlayCameraForm::IsPlaying() const
@@ -63,16 +55,15 @@ bool CPlayCameraForm::IsPlaying() const
 
 void CPlayCameraForm::StopPlay()
 {
-    CCamera *camera = m_live->camera();
-    if (!camera)
+    if (!m_live->camera())
         return;
-    disconnect(camera, &CCamera::signalStateReport, this, &CPlayCameraForm::slotTimer);
     if (m_live->isRecording())
         setRecording(false);
     if (m_talking)
         setTalking(false);
-    m_live->leaveFullScreen();
+    // The stream first: it would follow the picture to its window on the page.
     m_live->close();
+    m_live->leaveFullScreen();
 }
 
 void CPlayCameraForm::slotVideoAreaResize()
