@@ -1,5 +1,7 @@
 #include "app/child_margins.h"
 
+#include "app/x11_connection.h"
+
 #include <QCoreApplication>
 #include <QGuiApplication>
 #include <QPlatformSurfaceEvent>
@@ -7,39 +9,24 @@
 #include <QVector>
 #include <QWindow>
 
-#include <xcb/xcb.h>
-
 #include <array>
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 namespace zelvaro {
 
 namespace {
 
-struct FreeReply
-{
-    void operator()(void *reply) const { std::free(reply); }
-};
-
 /// Sets _NET_FRAME_EXTENTS (EWMH 1.5) on child windows, as a window manager does on the others.
-/// The connection is its own: the toolkit's is reached through private interfaces only.
 class ChildMargins : public QObject
 {
 public:
-    explicit ChildMargins(QObject *owner) : QObject(owner), m_server(xcb_connect(nullptr, nullptr))
+    explicit ChildMargins(QObject *owner) : QObject(owner)
     {
-        static const char name[] = "_NET_FRAME_EXTENTS";
-        const auto asked = xcb_intern_atom(m_server, 0, sizeof name - 1, name);
-        const std::unique_ptr<xcb_intern_atom_reply_t, FreeReply> answer(
-            xcb_intern_atom_reply(m_server, asked, nullptr));
-        if (!answer)
+        if (!m_server.isOpen())
             return;
-        m_property = answer->atom;
+        m_property = m_server.atom("_NET_FRAME_EXTENTS");
         QCoreApplication::instance()->installEventFilter(this);
     }
-    ~ChildMargins() override { xcb_disconnect(m_server); }
 
     bool eventFilter(QObject *object, QEvent *event) override
     {
@@ -62,18 +49,17 @@ private:
     {
         static const std::array<std::uint32_t, 4> none{};
         for (const xcb_window_t window : qAsConst(m_fresh)) {
-            xcb_change_property(m_server, XCB_PROP_MODE_REPLACE, window, m_property,
+            xcb_change_property(m_server.get(), XCB_PROP_MODE_REPLACE, window, m_property,
                                 XCB_ATOM_CARDINAL, 32, none.size(), none.data());
         }
         m_fresh.clear();
-        xcb_flush(m_server);
+        xcb_flush(m_server.get());
         // A window that no longer exists is reported as an error, which can be ignored.
-        while (const std::unique_ptr<xcb_generic_event_t, FreeReply> event{
-            xcb_poll_for_event(m_server)}) {
+        while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(m_server.get())}) {
         }
     }
 
-    xcb_connection_t *const m_server;
+    const X11Connection m_server;
     xcb_atom_t m_property = XCB_ATOM_NONE;
     QVector<xcb_window_t> m_fresh;
 };

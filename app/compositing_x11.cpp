@@ -1,26 +1,24 @@
 #include "app/compositing.h"
 
-#include <QByteArray>
-#include <QGuiApplication>
+#include "app/x11_connection.h"
 
-#include <X11/Xlib.h>
+#include <QGuiApplication>
 
 namespace zelvaro {
 
-// A compositing manager owns the selection _NET_WM_CM_Sn of its screen (EWMH 1.5). The connection
-// is our own: Qt's is reached through private interfaces only.
+// A compositing manager owns the selection _NET_WM_CM_Sn of its screen (EWMH 1.5).
 bool desktopComposes()
 {
     if (QGuiApplication::platformName() != QLatin1String("xcb"))
         return true;
-    Display *display = XOpenDisplay(nullptr);
-    if (display == nullptr)
+    const X11Connection server;
+    if (!server.isOpen())
         return true;
-    const QByteArray name = "_NET_WM_CM_S" + QByteArray::number(DefaultScreen(display));
-    const Atom selection = XInternAtom(display, name.constData(), False);
-    const bool owned = XGetSelectionOwner(display, selection) != None;
-    XCloseDisplay(display);
-    return owned;
+    const xcb_atom_t selection =
+        server.atom("_NET_WM_CM_S" + QByteArray::number(server.screenNumber()));
+    const XReply<xcb_get_selection_owner_reply_t> answer(xcb_get_selection_owner_reply(
+        server.get(), xcb_get_selection_owner(server.get(), selection), nullptr));
+    return answer && answer->owner != XCB_WINDOW_NONE;
 }
 
 } // namespace zelvaro
