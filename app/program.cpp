@@ -4,26 +4,35 @@
 #include "app/connected_screenshot.h"
 #include "app/main_form.h"
 #include "app/screen_density.h"
+#include "app/start_environment.h"
+#include "app/version.h"
+#include "app/video_platform.h"
 #include "camera/camera_list.h"
 #include "resources/resources.h"
 #include "settings/camera_settings.h"
+#include "ui/common/message_box.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QLoggingCategory>
+#include <QMetaEnum>
+#include <QOpenGLContext>
 #include <QTextCodec>
 #include <QThreadPool>
 #include <QTranslator>
 
+#include <algorithm>
+#include <cstdio>
 #include <memory>
+#include <string_view>
 
 namespace zelvaro {
 
 namespace {
 
-constexpr int mostBackgroundTasks = 64;
-constexpr char glIntegration[] = "QT_XCB_GL_INTEGRATION";
-// Qt 5.15 hides the name AA_X11InitThreads where deprecated names are off, and still has the bit.
-constexpr auto x11InitThreads = static_cast<Qt::ApplicationAttribute>(10);
+Q_LOGGING_CATEGORY(lcProgram, "zelvaro.program")
+
+constexpr int maxBackgroundTasks = 64;
 
 // Sizes are in logical pixels on every screen and pictures are taken at its density. Factors
 // between the whole ones are kept: rounded, the texts would outgrow the pictures around them.
@@ -35,28 +44,84 @@ void followScreenDensity()
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 }
 
-/// The file for the requested picture of the window; empty for none. Ends the program on --help,
-/// --version and options that it does not know.
-QString screenshotFile(const QApplication &application)
+void setAttributes()
 {
-    QCommandLineParser parser;
+    // The stream library draws on native child windows, from its own threads.
+    QCoreApplication::setAttribute(Qt::AA_NativeWindows, true);
+    // Qt 5.15 hides this name from code that uses no deprecated ones, and still has the attribute.
+    const int x11InitThreads =
+        QMetaEnum::fromType<Qt::ApplicationAttribute>().keyToValue("AA_X11InitThreads");
+    QCoreApplication::setAttribute(static_cast<Qt::ApplicationAttribute>(x11InitThreads), true);
+    followScreenDensity();
+}
+
+void declareOptions(QCommandLineParser &parser)
+{
     parser.setApplicationDescription(QStringLiteral("Client for network cameras."));
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption screenshot(
-        QStringLiteral("screenshot"),
-        QStringLiteral("Save a picture of the window as PNG once all cameras are connected, and "
-                       "quit."),
-        QStringLiteral("file"));
-    parser.addOption(screenshot);
+    parser.addOption({QStringLiteral("screenshot"),
+                      QStringLiteral("Save a picture of the window as PNG once all cameras are "
+                                     "connected, and quit."),
+                      QStringLiteral("file")});
+}
+
+/// Answers --help and --version, which need no display, and ends the process.
+void answerQuestions(int &argc, char **argv)
+{
+    static constexpr std::string_view questions[] = {"-h", "--help", "--help-all", "-v",
+                                                     "--version"};
+    if (argc != 2 ||
+        std::find(std::begin(questions), std::end(questions), argv[1]) == std::end(questions))
+        return;
+    QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    declareOptions(parser);
     parser.process(application);
-    return parser.value(screenshot);
+}
+
+/// The file for the requested picture of the window; empty for none. Ends the program on options
+/// that it does not know.
+QString screenshotFile(const QApplication &application)
+{
+    QCommandLineParser parser;
+    declareOptions(parser);
+    parser.process(application);
+    return parser.value(QStringLiteral("screenshot"));
+}
+
+/// Says on standard error why nothing can be drawn, and on the screen where there is one.
+int refuseWithoutVideo(int &argc, char **argv)
+{
+    std::fprintf(stderr, "zelvaro: %s\n", qPrintable(whyNoVideo()));
+    if (canShowOnWayland()) {
+        StartEnvironment environment;
+        environment.set("QT_QPA_PLATFORM", "wayland");
+        const QApplication application(argc, argv);
+        initResources();
+        applyLook();
+        CMessageBox(CMessageBox::Error, QStringLiteral("Zelvaro"), whyNoVideo(), QMessageBox::Ok)
+            .exec();
+    }
+    return 1;
+}
+
+/// Lets the library that is loaded for the window system read what it looks up later than when
+/// the application object is made.
+void readStartEnvironment()
+{
+    if (QGuiApplication::platformName() == QLatin1String("xcb"))
+        QOpenGLContext::supportsThreadedOpenGL(); // makes it choose how OpenGL is drawn
+    else
+        qCWarning(lcProgram) << "live video is drawn on the platform xcb only, and this is"
+                             << QGuiApplication::platformName();
 }
 
 // One after the other: each part needs the earlier ones and is destroyed before them.
 int runWindow(QApplication &application, const std::function<void(CMainForm &)> &shown)
 {
-    QTranslator translator; // stays empty: the user interface shows the source texts
+    // Stays empty: the user interface shows the source texts.
+    QTranslator translator(&application);
     QCoreApplication::installTranslator(&translator);
 
     CameraSettings &settings = CameraSettings::instance();
@@ -83,27 +148,32 @@ int runWindow(QApplication &application, const std::function<void(CMainForm &)> 
 
 int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &shown)
 {
-    // The stream library draws on native child windows.
-    QCoreApplication::setAttribute(Qt::AA_NativeWindows, true);
-    QCoreApplication::setAttribute(x11InitThreads, true);
-    followScreenDensity();
-    // Nothing here is drawn with OpenGL, and looking for it takes a tenth of the start.
-    if (!qEnvironmentVariableIsSet(glIntegration))
-        qputenv(glIntegration, "none");
-    QThreadPool::globalInstance()->setMaxThreadCount(mostBackgroundTasks);
     // The settings folder is named by it. No organisation: the folder is directly in the user's.
     QCoreApplication::setApplicationName(QStringLiteral("Zelvaro"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.4"));
+    QCoreApplication::setApplicationVersion(QString::fromLatin1(version));
+    answerQuestions(argc, argv);
+    const VideoPlatform platform = videoPlatform(argc, argv);
+    if (platform == VideoPlatform::None)
+        return refuseWithoutVideo(argc, argv);
+
+    setAttributes();
+    StartEnvironment environment;
+    if (platform == VideoPlatform::X11)
+        environment.set("QT_QPA_PLATFORM", "xcb");
+    // Nothing here is drawn with OpenGL, and looking for it takes a tenth of the start.
+    environment.set("QT_XCB_GL_INTEGRATION", "none");
+    QThreadPool::globalInstance()->setMaxThreadCount(maxBackgroundTasks);
 
     QApplication application(argc, argv);
+    readStartEnvironment();
+    environment.restore();
+    const QString picture = screenshotFile(application);
     declareChildMargins(&application);
     initResources();
     applyLook();
-    const QString picture = screenshotFile(application);
-    if (picture.isEmpty())
-        return runWindow(application, shown);
     return runWindow(application, [&](CMainForm &window) {
-        ConnectedScreenshot::schedule(window, picture);
+        if (!picture.isEmpty())
+            ConnectedScreenshot::schedule(window, picture);
         if (shown)
             shown(window);
     });
