@@ -4,9 +4,11 @@
 #include "app/connected_screenshot.h"
 #include "app/main_form.h"
 #include "app/screen_density.h"
+#include "app/single_instance.h"
 #include "app/start_environment.h"
 #include "app/version.h"
 #include "app/video_platform.h"
+#include "app/window_activation.h"
 #include "camera/camera_list.h"
 #include "resources/resources.h"
 #include "settings/camera_settings.h"
@@ -17,6 +19,7 @@
 #include <QLoggingCategory>
 #include <QMetaEnum>
 #include <QOpenGLContext>
+#include <QStandardPaths>
 #include <QTextCodec>
 #include <QThreadPool>
 #include <QTranslator>
@@ -118,7 +121,8 @@ void readStartEnvironment()
 }
 
 // One after the other: each part needs the earlier ones and is destroyed before them.
-int runWindow(QApplication &application, const std::function<void(CMainForm &)> &shown)
+int runWindow(QApplication &application, SingleInstance &instance,
+              const std::function<void(CMainForm &)> &shown)
 {
     // Stays empty: the user interface shows the source texts.
     QTranslator translator(&application);
@@ -135,6 +139,8 @@ int runWindow(QApplication &application, const std::function<void(CMainForm &)> 
     auto mainForm = std::make_unique<CMainForm>();
     setPageHost(mainForm.get());
     mainForm->show();
+    QObject::connect(&instance, &SingleInstance::activated, mainForm.get(),
+                     [&window = *mainForm] { bringToFront(window); });
     if (shown)
         shown(*mainForm);
     const int result = QApplication::exec();
@@ -168,10 +174,19 @@ int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &s
     readStartEnvironment();
     environment.restore();
     const QString picture = screenshotFile(application);
+    SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
+    if (instance.handOver()) {
+        if (picture.isEmpty())
+            return 0;
+        std::fputs("zelvaro: no screenshot: the program runs already\n", stderr);
+        return 1;
+    }
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &instance,
+                     &SingleInstance::close);
     declareChildMargins(&application);
     initResources();
     applyLook();
-    return runWindow(application, [&](CMainForm &window) {
+    return runWindow(application, instance, [&](CMainForm &window) {
         if (!picture.isEmpty())
             ConnectedScreenshot::schedule(window, picture);
         if (shown)

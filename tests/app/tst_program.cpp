@@ -20,6 +20,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <functional>
 #include <optional>
@@ -216,6 +217,67 @@ private slots:
         QCOMPARE(program.readAllStandardOutput(), QByteArray("Zelvaro ") + zelvaro::version + "\n");
     }
 
+    void secondStartBringsTheWindowToTheFront()
+    {
+        m_home->write(camera("one"));
+        run([this](CMainForm &window) {
+            QVERIFY(QTest::qWaitForWindowActive(&window));
+            window.slotMinimized();
+            QTRY_VERIFY_WITH_TIMEOUT(!window.isActiveWindow(), deadline);
+            QProcess second;
+            startAnother(second);
+            QTRY_COMPARE_WITH_TIMEOUT(second.state(), QProcess::NotRunning, deadline);
+            QCOMPARE(second.exitCode(), 0);
+            QTRY_VERIFY_WITH_TIMEOUT(window.isActiveWindow() && !window.isMinimized(), deadline);
+        });
+        QCOMPARE(fake_cammgr::players().size(), std::size_t(1));
+    }
+
+    // It would undo what the first has saved, and log in to every camera once more.
+    void secondStartTouchesNeitherSettingsNorCameras()
+    {
+        m_home->write(camera("one"));
+        run([this](CMainForm &) {
+            CameraSettings::instance().at(0)->name = "Renamed";
+            CameraSettings::instance().save();
+            const QByteArray saved = m_home->read();
+            QVERIFY(saved.contains("Renamed"));
+            QProcess second;
+            startAnother(second);
+            QTRY_COMPARE_WITH_TIMEOUT(second.state(), QProcess::NotRunning, deadline);
+            QCOMPARE(second.readAllStandardOutput(), QByteArray("0 sessions\n"));
+            QCOMPARE(m_home->read(), saved);
+        });
+    }
+
+    void secondStartTakesNoPicture()
+    {
+        run([this](CMainForm &) {
+            QProcess second;
+            const QString file = m_home->path() + "/picture.png";
+            startAnother(second, {"--screenshot", file});
+            QTRY_COMPARE_WITH_TIMEOUT(second.state(), QProcess::NotRunning, deadline);
+            QCOMPARE(second.exitCode(), 1);
+            QVERIFY(second.readAllStandardError().contains("runs already"));
+            QVERIFY(!QFile::exists(file));
+        });
+    }
+
+    void otherSettingsRunBesideIt()
+    {
+        run([this](CMainForm &) {
+            QProcess other;
+            QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+            environment.insert("XDG_DATA_HOME", m_home->path() + "/other");
+            other.setProcessEnvironment(environment);
+            const QString file = m_home->path() + "/picture.png";
+            startAnother(other, {"--screenshot", file});
+            QTRY_COMPARE_WITH_TIMEOUT(other.state(), QProcess::NotRunning, deadline);
+            QCOMPARE(other.exitCode(), 0);
+            QVERIFY(QFile::exists(file));
+        });
+    }
+
 private:
     static void startAnother(QProcess &process, const QStringList &arguments = {})
     {
@@ -259,7 +321,9 @@ int main(int argc, char **argv)
     if (std::strcmp(argv[1], TestProgram::asProgram) == 0) {
         std::rotate(argv + 1, argv + 2, argv + argc);
         argv[--argc] = nullptr;
-        return zelvaro::runProgram(argc, argv);
+        const int code = zelvaro::runProgram(argc, argv);
+        std::printf("%zu sessions\n", fake_cammgr::players().size());
+        return code;
     }
     TestProgram test;
     return QTest::qExec(&test, argc, argv);
