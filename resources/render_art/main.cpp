@@ -6,38 +6,20 @@
 // A file with the suffix .qss is filled in; every other one is listed as it is.
 
 #include "resources/render_art/art_book.h"
+#include "resources/render_art/render_image.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
-#include <QPainter>
-#include <QSvgRenderer>
 #include <QTextStream>
 
 namespace {
 
 using zelvaro::ArtBook;
 
-QString render(const QByteArray &svg, const ArtBook::Image &image, int density, const QString &file)
-{
-    QSvgRenderer renderer(svg);
-    if (!renderer.isValid())
-        return QStringLiteral("%1: not a drawing").arg(image.name);
-    QImage picture(image.size * density, QImage::Format_ARGB32_Premultiplied);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setRenderHint(QPainter::Antialiasing);
-    renderer.render(&painter, QRectF(QPointF(), picture.size()));
-    painter.end();
-    if (!QDir().mkpath(QFileInfo(file).path()) || !picture.save(file, "PNG"))
-        return QStringLiteral("%1: cannot write").arg(file);
-    return {};
-}
-
 /// The files of one image, depending on its density: both, or name.png alone.
-QString renderImage(ArtBook &book, const ArtBook::Image &image, const QString &output,
+QString renderFiles(ArtBook &book, const ArtBook::Image &image, const QString &output,
                     QTextStream &list)
 {
     const QByteArray svg = book.svg(image).toUtf8();
@@ -48,7 +30,8 @@ QString renderImage(ArtBook &book, const ArtBook::Image &image, const QString &o
         const bool dense = density == 2 && only == 0;
         const QString alias = QStringLiteral("images/%1%2.png")
                                   .arg(image.name, dense ? QStringLiteral("@2x") : QString());
-        const QString error = render(svg, image, density, output + QLatin1Char('/') + alias);
+        const QString error =
+            zelvaro::renderImage(svg, image.size * density, output + QLatin1Char('/') + alias);
         if (!error.isEmpty())
             return error;
         list << "<file>" << alias << "</file>\n";
@@ -111,7 +94,7 @@ int main(int argc, char **argv)
     QString error = book.error();
     for (const ArtBook::Image &image : book.images())
         if (error.isEmpty())
-            error = renderImage(book, image, output, list);
+            error = renderFiles(book, image, output, list);
     for (const QString &argument : arguments.mid(2))
         if (error.isEmpty())
             error = addFile(book, argument, output, list);
