@@ -63,15 +63,16 @@ void CommandBatch::sendNext()
 
 void CommandBatch::received(std::string_view data)
 {
-    if (!m_bareText.empty() || (m_reader.feed(data), m_reader.isBareText())) {
-        m_bareText += m_bareText.empty() ? m_reader.takeBareText() : std::string(data);
-        if (m_bareText.size() > limits.bodyBytes)
-            next(failureText());
-        else
-            m_replyLimit.start(bareTextPause, [this] { next(std::move(m_bareText)); });
+    if (!m_bareText.empty()) {
+        receivedBareText(data);
         return;
     }
-    switch (m_reader.feed({})) {
+    const ReplyReader::State state = m_reader.feed(data);
+    if (m_reader.isBareText()) {
+        receivedBareText(m_reader.takeBareText());
+        return;
+    }
+    switch (state) {
     case ReplyReader::State::Incomplete:
         return;
     case ReplyReader::State::Complete:
@@ -81,6 +82,15 @@ void CommandBatch::received(std::string_view data)
         next(failureText());
         return;
     }
+}
+
+void CommandBatch::receivedBareText(std::string_view text)
+{
+    m_bareText += text;
+    if (m_bareText.size() > limits.bodyBytes)
+        next(failureText());
+    else
+        m_replyLimit.start(bareTextPause, [this] { next(std::move(m_bareText)); });
 }
 
 void CommandBatch::ended(ChannelEnd reason)
@@ -107,7 +117,7 @@ void CommandBatch::answered(const Reply &reply)
     m_replies.push_back(refused ? std::to_string(reply.status) + " refused by the camera"
                                 : reply.body);
     if (m_replies.size() == m_requests.size())
-        failRest(); // does nothing when all succeeded
+        finish();
     else if (m_channel.isOpen())
         sendNext();
     else
@@ -122,7 +132,7 @@ void CommandBatch::next(std::string text)
     m_replyLimit.stop();
     m_replies.push_back(std::move(text));
     if (m_replies.size() == m_requests.size())
-        failRest();
+        finish();
     else
         connect();
 }
@@ -130,6 +140,11 @@ void CommandBatch::next(std::string text)
 void CommandBatch::failRest()
 {
     m_replies.resize(m_requests.size(), failureText());
+    finish();
+}
+
+void CommandBatch::finish()
+{
     Done done = std::exchange(m_done, nullptr);
     cancel();
     done(std::exchange(m_replies, {}));

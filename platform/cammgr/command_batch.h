@@ -37,10 +37,13 @@ private:
     void connect();
     void sendNext();
     void received(std::string_view data);
+    void receivedBareText(std::string_view text);
     void ended(ChannelEnd reason);
     void answered(const Reply &reply);
     void next(std::string text);
     void failRest();
+    /// Hands over the replies; may destroy this object.
+    void finish();
 
     Endpoint m_endpoint;
     std::vector<std::string> m_requests;
