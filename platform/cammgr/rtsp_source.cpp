@@ -226,8 +226,8 @@ void RtspSource::addBranch(GstPad *pad)
     const char *encoding = encodingNameOf(format);
     const bool linked = isH264(encoding) ? addVideoBranch(pad) : addAudioBranch(pad, encoding);
     if (!linked)
-        g_log("cammgr", G_LOG_LEVEL_WARNING, "no use for a stream of %s",
-              encoding ? encoding : "an unknown kind");
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "ignoring stream with unsupported encoding %s",
+              encoding ? encoding : "(unknown)");
 }
 
 bool RtspSource::addVideoBranch(GstPad *pad)
