@@ -326,11 +326,7 @@ int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requ
 int AudioUpload_Play(RtspPlayer *player)
 {
     return with(
-        player, failure,
-        [](RtspPlayer &p) {
-            p.talk();
-            return 0;
-        });
+        player, failure, [](RtspPlayer &p) { return p.talk(); });
 }
 
 int AudioUpload_Stop(RtspPlayer *player)

@@ -196,9 +196,18 @@ CAMMGR_API int RtspPlayer_GetVideoHeight(RtspPlayer *player);
 CAMMGR_API int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requests,
                                                 int count);
 
+/* Results of AudioUpload_Play, besides 0 and -1. */
+enum
+{
+    CAMMGR_TALK_NO_MICROPHONE = -2, /* this machine has no microphone, or it failed */
+    CAMMGR_TALK_NOT_TAKEN = -3,     /* the camera takes no sound, or none of a known kind */
+    CAMMGR_TALK_FAILED = -4         /* no connection, or the camera ended it */
+};
+
 /* Talk-back: microphone to camera, over the ONVIF back channel. Play never waits; IsPlaying is
- * non-zero from then on until Stop, RtspPlayer_Stop, or a failure (no microphone, a camera that
- * takes no sound), which does not touch the stream. */
+ * non-zero from then on until Stop, RtspPlayer_Stop, or a failure, which does not touch the stream.
+ * Within 30 s after a failure Play does nothing and says why, a CAMMGR_TALK_ value, so that a
+ * client may ask again and again; after Stop it tries at once. */
 CAMMGR_API int AudioUpload_Play(RtspPlayer *player);
 CAMMGR_API int AudioUpload_Stop(RtspPlayer *player);
 CAMMGR_API int AudioUpload_IsPlaying(RtspPlayer *player);

@@ -159,13 +159,19 @@ int RtspPlayer::issueCommands(std::vector<std::string> requests)
     return 0;
 }
 
-void RtspPlayer::talk()
+int RtspPlayer::talk()
 {
     if (isTalking())
-        return;
+        return 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        if (const int failure = m_talkBack.failure())
+            return failure;
+    }
     const uint64_t ticket = ++m_talkTicket;
     m_talkPending = true;
     postTo(m_session, [ticket](CameraSession &session) { session.talk(ticket); });
+    return 0;
 }
 
 void RtspPlayer::stopTalk()

@@ -41,7 +41,8 @@ public:
 
     int issueCommands(std::vector<std::string> requests);
 
-    void talk();
+    /// 0, or why the last talk failed when it was not long ago.
+    int talk();
     void stopTalk();
     bool isTalking() const;
 

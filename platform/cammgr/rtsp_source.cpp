@@ -2,6 +2,7 @@
 
 #include "platform/cammgr/access_unit.h"
 #include "platform/cammgr/rtp_audio.h"
+#include "platform/cammgr/rtsp_status.h"
 #include "platform/cammgr/stream_description.h"
 
 #include <gst/app/gstappsink.h>
@@ -51,16 +52,6 @@ bool startBranch(GstPad *pad, std::initializer_list<GstElement *> chain)
         gst_element_sync_state_with_parent(*element);
     const ObjectPtr<GstPad> target(gst_element_get_static_pad(*chain.begin(), "sink"));
     return gst_pad_link(pad, target.get()) == GST_PAD_LINK_OK;
-}
-
-int statusOf(const GstStructure *details)
-{
-    int status = 0;
-    guint unsignedStatus = 0;
-    if (details && !gst_structure_get_int(details, "rtsp-status-code", &status) &&
-        gst_structure_get_uint(details, "rtsp-status-code", &unsignedStatus))
-        status = static_cast<int>(unsignedStatus);
-    return status;
 }
 
 } // namespace
@@ -308,9 +299,7 @@ void RtspSource::readError(GstMessage *message)
     GError *error = nullptr;
     gchar *debug = nullptr;
     gst_message_parse_error(message, &error, &debug);
-    const GstStructure *details = nullptr;
-    gst_message_parse_error_details(message, &details);
-    const int status = statusOf(details);
+    const int status = rtspStatusOf(message);
     g_log("cammgr", G_LOG_LEVEL_INFO, "%s: %s (%d) %s", m_request.url.c_str(), error->message,
           status, debug ? debug : "");
 
@@ -325,9 +314,12 @@ void RtspSource::readError(GstMessage *message)
         m_client.sourceTransportRefused();
     else if (m_playing)
         m_client.sourceEnded(StreamEnd::Closed);
+    else if (status >= lowestErrorStatus ||
+             g_error_matches(error, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_SETTINGS))
+        // After 501 and 551 the framework has no status, but that there is no description.
+        m_client.sourceEnded(StreamEnd::PathRefused);
     else
-        m_client.sourceEnded(status >= lowestErrorStatus ? StreamEnd::PathRefused
-                                                         : StreamEnd::Failed);
+        m_client.sourceEnded(StreamEnd::Failed);
     g_free(debug);
     g_error_free(error);
 }

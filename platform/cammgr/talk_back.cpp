@@ -1,8 +1,11 @@
 #include "platform/cammgr/talk_back.h"
 
+#include "platform/cammgr/cammgr.h"
+#include "platform/cammgr/frame_taker.h"
 #include "platform/cammgr/glib_ptr.h"
 #include "platform/cammgr/gst_ref.h"
 #include "platform/cammgr/login_guard.h"
+#include "platform/cammgr/rtsp_status.h"
 #include "platform/cammgr/stream_description.h"
 
 #include <gst/app/gstappsink.h>
@@ -10,6 +13,7 @@
 
 #include <pthread.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <optional>
@@ -20,6 +24,8 @@ namespace {
 
 /// How long the thread may take to notice that it should end.
 constexpr GstClockTime turn = 50 * GST_MSECOND;
+/// A client that asks again and again for a talk that cannot be costs nothing for this long.
+constexpr auto failurePause = std::chrono::seconds(30);
 constexpr guint64 tcpTimeout = 5 * 1000 * 1000; // microseconds
 constexpr guint64 teardownTimeout = 100 * GST_MSECOND;
 
@@ -28,6 +34,20 @@ struct Channel
     guint stream = 0;
     CapsRef caps; ///< of the RTP packets that the camera expects
 };
+
+/// Whether an error is the camera's answer to a stream that it does not have (551 and the like),
+/// and not a lost connection or a refused login.
+bool isRefusal(GstMessage *error)
+{
+    if (const int status = rtspStatusOf(error))
+        return status >= GST_RTSP_STS_BAD_REQUEST && status != GST_RTSP_STS_UNAUTHORIZED;
+    GError *reason = nullptr;
+    gst_message_parse_error(error, &reason, nullptr);
+    const ErrorPtr guard(reason);
+    // After 501 and 551 the framework has no status, but that there is nothing to set up.
+    return reason->domain == GST_STREAM_ERROR ||
+           g_error_matches(reason, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_SETTINGS);
+}
 
 /// A pipeline or element that is shut down before it is let go.
 class RunningElement
@@ -52,14 +72,17 @@ public:
     {
         return gst_element_set_state(get(), GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE;
     }
-    /// Whether an error or the end came since the last look.
-    bool hasEnded() const
+    /// Whether an error or the end came since the last look. refused: set when it is an answer that
+    /// says that there is nothing to play.
+    bool hasEnded(bool *refused = nullptr) const
     {
         const ObjectPtr<GstBus> bus(gst_element_get_bus(get()));
         GstMessage *message = gst_bus_pop_filtered(
             bus.get(), static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS));
         if (!message)
             return false;
+        if (refused && GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR)
+            *refused = isRefusal(message);
         gst_message_unref(message);
         return true;
     }
@@ -179,18 +202,27 @@ public:
         const std::lock_guard lock(m_mutex);
         return !m_stopWanted && !m_isDone;
     }
-    void finish()
+    /// See TalkBack::failure().
+    int failure() const
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_isDone && !m_stopWanted && SteadyClock::now() - m_doneAt < failurePause ? m_failure
+                                                                                         : 0;
+    }
+    void finish(int failure)
     {
         const std::lock_guard lock(m_mutex);
         m_isDone = true;
+        m_failure = failure;
+        m_doneAt = SteadyClock::now();
         m_changed.notify_all();
     }
 
 private:
     static gboolean selectStream(GstElement *source, guint stream, GstCaps *caps, gpointer self);
-    void talk();
+    int talk();
     void waitForPredecessor();
-    std::optional<Channel> waitForChannel(const RunningElement &session);
+    std::optional<Channel> waitForChannel(const RunningElement &session, bool &refused);
     bool stopWanted() const
     {
         const std::lock_guard lock(m_mutex);
@@ -204,7 +236,10 @@ private:
     std::condition_variable m_changed;
     bool m_stopWanted = false;
     bool m_isDone = false;
+    int m_failure = 0; ///< a CAMMGR_TALK_ value
+    SteadyClock::time_point m_doneAt;
     std::optional<Channel> m_channel;
+    std::atomic<bool> m_wasDescribed = false; ///< the camera told what it has
 };
 
 void TalkBack::Run::waitForPredecessor()
@@ -221,6 +256,7 @@ void TalkBack::Run::waitForPredecessor()
 gboolean TalkBack::Run::selectStream(GstElement *, guint stream, GstCaps *caps, gpointer self)
 {
     auto *run = static_cast<Run *>(self);
+    run->m_wasDescribed = true;
     const GstStructure *media = gst_caps_get_structure(caps, 0);
     // The direction is seen from the camera's description: "sendonly" is what we send.
     if (!gst_structure_has_field(media, "a-sendonly"))
@@ -234,7 +270,7 @@ gboolean TalkBack::Run::selectStream(GstElement *, guint stream, GstCaps *caps, 
     return TRUE;
 }
 
-std::optional<Channel> TalkBack::Run::waitForChannel(const RunningElement &session)
+std::optional<Channel> TalkBack::Run::waitForChannel(const RunningElement &session, bool &refused)
 {
     for (;;) {
         {
@@ -244,7 +280,7 @@ std::optional<Channel> TalkBack::Run::waitForChannel(const RunningElement &sessi
             if (m_stopWanted || m_channel)
                 return m_stopWanted ? std::nullopt : m_channel;
         }
-        if (session.hasEnded())
+        if (session.hasEnded(&refused))
             return std::nullopt;
     }
 }
@@ -252,18 +288,20 @@ std::optional<Channel> TalkBack::Run::waitForChannel(const RunningElement &sessi
 void TalkBack::Run::work()
 {
     waitForPredecessor();
+    int failure = CAMMGR_TALK_FAILED;
     if (!stopWanted() && gst_init_check(nullptr, nullptr, nullptr))
-        talk();
-    finish();
+        failure = talk();
+    finish(failure);
 }
 
-void TalkBack::Run::talk()
+/// Until it is stopped or fails; why it failed.
+int TalkBack::Run::talk()
 {
     LoginGuard guard(m_camera.login, g_str_has_prefix(m_camera.url.c_str(), "rtsps:"));
     const RunningElement session(gst_pipeline_new("talk-session"));
     GstElement *source = guard.makeSource();
     if (!source)
-        return;
+        return CAMMGR_TALK_FAILED;
     gst_bin_add(GST_BIN(session.get()), source);
     gst_util_set_object_arg(G_OBJECT(source), "protocols", "tcp");
     gst_util_set_object_arg(G_OBJECT(source), "backchannel", "onvif");
@@ -273,16 +311,19 @@ void TalkBack::Run::talk()
                  "teardown-timeout", teardownTimeout, nullptr);
     g_signal_connect(source, "select-stream", G_CALLBACK(&Run::selectStream), this);
     if (!session.play())
-        return;
-    const std::optional<Channel> channel = waitForChannel(session);
+        return CAMMGR_TALK_FAILED;
+    bool refused = false;
+    const std::optional<Channel> channel = waitForChannel(session, refused);
     if (!channel)
-        return;
+        return refused || m_wasDescribed ? CAMMGR_TALK_NOT_TAKEN : CAMMGR_TALK_FAILED;
 
     const RunningElement microphone = makeMicrophone(channel->caps.get());
     if (!microphone || !microphone.play())
-        return;
+        return CAMMGR_TALK_NO_MICROPHONE;
     const ObjectPtr<GstElement> sink(gst_bin_get_by_name(GST_BIN(microphone.get()), "out"));
-    while (!stopWanted() && !session.hasEnded() && !microphone.hasEnded()) {
+    while (!stopWanted() && !session.hasEnded()) {
+        if (microphone.hasEnded())
+            return CAMMGR_TALK_NO_MICROPHONE;
         GstSample *sample = gst_app_sink_try_pull_sample(GST_APP_SINK(sink.get()), turn);
         if (!sample)
             continue;
@@ -291,11 +332,12 @@ void TalkBack::Run::talk()
         // Unlike most action signals this one takes the sample over.
         g_signal_emit_by_name(source, "push-backchannel-buffer", channel->stream, sample, &flow);
     }
+    return CAMMGR_TALK_FAILED;
 }
 
 void TalkBack::start(const StreamRequest &camera)
 {
-    if (isRunning())
+    if (isRunning() || failure() != 0)
         return;
     m_run = std::make_shared<Run>(camera, std::move(m_run));
     std::thread([run = m_run] {
@@ -308,6 +350,11 @@ void TalkBack::stop()
 {
     if (m_run)
         m_run->requestStop();
+}
+
+int TalkBack::failure() const
+{
+    return m_run ? m_run->failure() : 0;
 }
 
 bool TalkBack::isRunning() const

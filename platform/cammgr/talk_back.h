@@ -23,9 +23,13 @@ public:
     TalkBack(const TalkBack &) = delete;
     TalkBack &operator=(const TalkBack &) = delete;
 
-    /// Talks to the camera of a stream; does nothing while that runs.
+    /// Talks to the camera of a stream; does nothing while that runs, or shortly after it failed.
     void start(const StreamRequest &camera);
+    /// Also forgets why a talk failed: the next start() tries anew.
     void stop();
+    /// Why the last talk failed: a CAMMGR_TALK_ value, for as long as start() does not try again;
+    /// 0 else.
+    int failure() const;
     /// From start() until stop() or until the camera or the microphone failed.
     bool isRunning() const;
 

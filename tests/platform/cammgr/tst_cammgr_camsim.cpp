@@ -2,6 +2,7 @@
 
 #include "camsim/camsim_process.h"
 #include "tests/platform/cammgr/player_messages.h"
+#include "tests/platform/cammgr/tiny_server.h"
 #include "tests/platform/cammgr/wait_until.h"
 
 #include <glib.h>
@@ -269,11 +270,14 @@ TEST(CammgrWithCamera, AnyRefusalOfThePathLeadsToTheProfilesOnce)
 
 TEST(CammgrWithCamera, ARefusalOfThePathInPlayLeadsToTheProfiles)
 {
-    Cameras cameras({"--canned", "--alt-paths", "--unknown-path", "454"});
-    Player player(cameras.camera().uid);
-    RtspPlayer_SetupP2PliveStream(player, mainPath, 0);
-    ASSERT_TRUE(player.playUntilPictures());
-    EXPECT_EQ(RtspPlayer_GetVideoWidth(player), 1280);
+    for (const char *status : {"454", "501", "551"}) {
+        SCOPED_TRACE(status);
+        Cameras cameras({"--canned", "--alt-paths", "--unknown-path", status});
+        Player player(cameras.camera().uid);
+        RtspPlayer_SetupP2PliveStream(player, mainPath, 0);
+        ASSERT_TRUE(player.playUntilPictures());
+        EXPECT_EQ(RtspPlayer_GetVideoWidth(player), 1280);
+    }
 }
 
 TEST(CammgrWithCamera, FallsBackToTheProfilesInPlayToo)
@@ -423,7 +427,29 @@ TEST(CammgrWithCamera, WithoutBackChannelOrMicrophoneOnlyTalkBackEnds)
         EXPECT_TRUE(waitUntil([&] { return AudioUpload_IsPlaying(player) == 0; }));
         EXPECT_NE(RtspPlayer_IsPlaying(player), 0);
         EXPECT_EQ(cameras.statusNumber("back_channel_packets"), 0);
+
+        // Asking again says why and costs the camera nothing, until the user asks again.
+        const int reason = hasChannel ? CAMMGR_TALK_NO_MICROPHONE : CAMMGR_TALK_NOT_TAKEN;
+        const long requests = cameras.statusNumber("rtsp_requests");
+        for (int i = 0; i < 10; ++i) {
+            EXPECT_EQ(AudioUpload_Play(player), reason);
+            EXPECT_EQ(AudioUpload_IsPlaying(player), 0);
+        }
+        EXPECT_LE(cameras.statusNumber("rtsp_requests"), requests + 1) << "a keep-alive at most";
+        AudioUpload_Stop(player);
+        EXPECT_EQ(AudioUpload_Play(player), 0);
+        EXPECT_TRUE(waitUntil([&] { return AudioUpload_IsPlaying(player) == 0; }));
+        EXPECT_EQ(AudioUpload_Play(player), reason);
     }
+}
+
+TEST(CammgrWithCamera, ATalkToNobodySaysSo)
+{
+    g_setenv("ZELVARO_TALKBACK_SOURCE", "audiotestsrc is-live=true", TRUE);
+    Player player("127.0.0.1:" + std::to_string(closedPort()));
+    EXPECT_EQ(AudioUpload_Play(player), 0);
+    EXPECT_TRUE(waitUntil([&] { return AudioUpload_IsPlaying(player) == 0; }));
+    EXPECT_EQ(AudioUpload_Play(player), CAMMGR_TALK_FAILED);
 }
 
 TEST(CammgrWithCamera, DeletesWhileEverythingIsUnderWay)
