@@ -37,7 +37,7 @@ int runWith(CMessageBox &box, Act act)
 
 } // namespace
 
-class MessageBoxTest : public QObject
+class TestMessageBox : public QObject
 {
     Q_OBJECT
 
@@ -56,16 +56,17 @@ private slots:
     void longTextsWrap();
     void aLongWordWidensTheBox();
     void onlyTheFrameIsDrawn();
+    void theFormHasItsNamesAndTheTitleItsColour();
     void theTitleStripDragsTheBox();
 };
 
-void MessageBoxTest::initTestCase()
+void TestMessageBox::initTestCase()
 {
     zelvaro::initResources();
     zelvaro::applyLook();
 }
 
-void MessageBoxTest::okAndCancelShowsBothButtons()
+void TestMessageBox::okAndCancelShowsBothButtons()
 {
     CMessageBox box(2, "Warning", "Delete camera?", QMessageBox::Ok | QMessageBox::Cancel);
     QVERIFY(!child<QPushButton>(box, "btnOk")->isHidden());
@@ -75,28 +76,28 @@ void MessageBoxTest::okAndCancelShowsBothButtons()
     QCOMPARE(child<QLabel>(box, "labelMessage")->text(), QString("Delete camera?"));
 }
 
-void MessageBoxTest::okAloneShowsOnlyTheOkButton()
+void TestMessageBox::okAloneShowsOnlyTheOkButton()
 {
     CMessageBox box(3, "Error", "Please input UID.", QMessageBox::Ok);
     QVERIFY(!child<QPushButton>(box, "btnOk")->isHidden());
     QVERIFY(child<QPushButton>(box, "btnCancel")->isHidden());
 }
 
-void MessageBoxTest::cancelAloneShowsOnlyTheCancelButton()
+void TestMessageBox::cancelAloneShowsOnlyTheCancelButton()
 {
     CMessageBox box(3, "Error", "Please input UID.", QMessageBox::Cancel);
     QVERIFY(child<QPushButton>(box, "btnOk")->isHidden());
     QVERIFY(!child<QPushButton>(box, "btnCancel")->isHidden());
 }
 
-void MessageBoxTest::kindTwoShowsNoIcon()
+void TestMessageBox::kindTwoShowsNoIcon()
 {
     CMessageBox box(2, "Warning", "Delete camera?", QMessageBox::Ok);
     QVERIFY(child<QLabel>(box, "labelIcon")->pixmap(Qt::ReturnByValue).isNull());
     QVERIFY(child<QLabel>(box, "labelIcon")->text().isEmpty());
 }
 
-void MessageBoxTest::iconByKind_data()
+void TestMessageBox::iconByKind_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("image");
@@ -109,7 +110,7 @@ void MessageBoxTest::iconByKind_data()
     QTest::newRow("negative") << -1 << QString();
 }
 
-void MessageBoxTest::iconByKind()
+void TestMessageBox::iconByKind()
 {
     QFETCH(int, kind);
     QFETCH(QString, image);
@@ -126,7 +127,7 @@ void MessageBoxTest::iconByKind()
     QCOMPARE(shown, wanted);
 }
 
-void MessageBoxTest::resultByButton()
+void TestMessageBox::resultByButton()
 {
     {
         CMessageBox box(2, "Warning", "Delete?", QMessageBox::Ok | QMessageBox::Cancel);
@@ -142,7 +143,7 @@ void MessageBoxTest::resultByButton()
         0);
 }
 
-void MessageBoxTest::enterIsOkAndEscapeIsCancel()
+void TestMessageBox::enterIsOkAndEscapeIsCancel()
 {
     CMessageBox box(2, "Warning", "Delete?", QMessageBox::Ok | QMessageBox::Cancel);
     QCOMPARE(runWith(
@@ -154,20 +155,20 @@ void MessageBoxTest::enterIsOkAndEscapeIsCancel()
     QCOMPARE(runWith(box, [&] { QTest::keyClick(&box, Qt::Key_Escape); }), 0);
 }
 
-void MessageBoxTest::escapeIsCancelWithOkAlone()
+void TestMessageBox::escapeIsCancelWithOkAlone()
 {
     CMessageBox box(3, "Error", "Please input UID.", QMessageBox::Ok);
     QCOMPARE(runWith(box, [&] { QTest::keyClick(&box, Qt::Key_Escape); }), 0);
 }
 
-void MessageBoxTest::textsArePlain()
+void TestMessageBox::textsArePlain()
 {
     CMessageBox box(2, "<b>T</b>", "<img src=x> & <b>bold</b>", QMessageBox::Ok);
     QCOMPARE(child<QLabel>(box, "labelTitle")->textFormat(), Qt::PlainText);
     QCOMPARE(child<QLabel>(box, "labelMessage")->textFormat(), Qt::PlainText);
 }
 
-void MessageBoxTest::longTextsWrap()
+void TestMessageBox::longTextsWrap()
 {
     const QString text = QString("A sentence that goes on and on. ").repeated(20).trimmed();
     CMessageBox box(3, "Error", text, QMessageBox::Ok);
@@ -183,7 +184,7 @@ void MessageBoxTest::longTextsWrap()
     QVERIFY(label->height() > 3 * label->fontMetrics().height());
 }
 
-void MessageBoxTest::aLongWordWidensTheBox()
+void TestMessageBox::aLongWordWidensTheBox()
 {
     const QString path = "/" + QString("folder/").repeated(12);
     CMessageBox box(3, "Error", "Cannot write " + path, QMessageBox::Ok);
@@ -195,7 +196,7 @@ void MessageBoxTest::aLongWordWidensTheBox()
     QVERIFY(label->width() >= wanted);
 }
 
-void MessageBoxTest::onlyTheFrameIsDrawn()
+void TestMessageBox::onlyTheFrameIsDrawn()
 {
     QWidget parent;
     CMessageBox box(2, "Warning", "Text", QMessageBox::Ok, &parent);
@@ -205,7 +206,19 @@ void MessageBoxTest::onlyTheFrameIsDrawn()
     QCOMPARE(box.parentWidget(), &parent);
 }
 
-void MessageBoxTest::theTitleStripDragsTheBox()
+void TestMessageBox::theFormHasItsNamesAndTheTitleItsColour()
+{
+    CMessageBox box(2, "Warning", "Text", QMessageBox::Ok);
+    for (const char *name : {"frameMessage", "frameTitle", "labelTitleLine", "frameBody",
+                             "labelIcon", "labelMessage", "frameButtons"})
+        QVERIFY2(child<QWidget>(box, name), name);
+    box.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&box));
+    QCOMPARE(child<QLabel>(box, "labelTitle")->palette().color(QPalette::WindowText),
+             QColor(39, 69, 93));
+}
+
+void TestMessageBox::theTitleStripDragsTheBox()
 {
     CMessageBox box(2, "Warning", "Text", QMessageBox::Ok);
     box.move(100, 100);
@@ -218,5 +231,5 @@ void MessageBoxTest::theTitleStripDragsTheBox()
     QCOMPARE(box.pos(), QPoint(120, 130));
 }
 
-QTEST_MAIN(MessageBoxTest)
+QTEST_MAIN(TestMessageBox)
 #include "tst_message_box.moc"

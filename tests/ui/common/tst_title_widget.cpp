@@ -33,7 +33,7 @@ void moveTo(QWidget *strip, const QPoint &globalPos, Qt::MouseButtons buttons = 
 
 } // namespace
 
-class TitleWidgetTest : public QObject
+class TestTitleWidget : public QObject
 {
     Q_OBJECT
 
@@ -44,13 +44,14 @@ private slots:
     void draggingNeedsTheLeftButton();
     void aStripWithoutWindowIgnoresTheMouse();
     void aStripOutlivesItsWindow();
+    void pressAndReleaseAreAccepted();
     void everyMoveReportsTheNewGeometry();
     void releaseResetsOnlyTheHorizontalOffset();
     void aMoveWithoutPressStartsAnewWhenBothPartsAreZero();
     void aLabelOnTheStripDragsToo();
 };
 
-void TitleWidgetTest::draggingMovesTheWindowWithThePointer()
+void TestTitleWidget::draggingMovesTheWindowWithThePointer()
 {
     Window window(true);
     const QPoint start = window.strip.mapToGlobal(QPoint(20, 10));
@@ -62,7 +63,7 @@ void TitleWidgetTest::draggingMovesTheWindowWithThePointer()
     QCOMPARE(window.size(), QSize(300, 200));
 }
 
-void TitleWidgetTest::draggingStopsAtTheScreenOrigin()
+void TestTitleWidget::draggingStopsAtTheScreenOrigin()
 {
     Window window(true);
     const QPoint start = window.strip.mapToGlobal(QPoint(20, 10));
@@ -75,7 +76,7 @@ void TitleWidgetTest::draggingStopsAtTheScreenOrigin()
     QCOMPARE(window.pos(), QPoint(0, 50));
 }
 
-void TitleWidgetTest::draggingDoesNothingWhileNotMovable()
+void TestTitleWidget::draggingDoesNothingWhileNotMovable()
 {
     Window window(false);
     QSignalSpy moved(&window.strip, &CTitleWidget::signalSetMoveRect);
@@ -91,7 +92,7 @@ void TitleWidgetTest::draggingDoesNothingWhileNotMovable()
     QCOMPARE(window.pos(), QPoint(240, 175));
 }
 
-void TitleWidgetTest::draggingNeedsTheLeftButton()
+void TestTitleWidget::draggingNeedsTheLeftButton()
 {
     Window window(true);
     const QPoint start = window.strip.mapToGlobal(QPoint(20, 10));
@@ -101,7 +102,7 @@ void TitleWidgetTest::draggingNeedsTheLeftButton()
     QCOMPARE(window.pos(), QPoint(200, 150));
 }
 
-void TitleWidgetTest::aStripWithoutWindowIgnoresTheMouse()
+void TestTitleWidget::aStripWithoutWindowIgnoresTheMouse()
 {
     CTitleWidget strip;
     strip.setMovable(true);
@@ -112,19 +113,33 @@ void TitleWidgetTest::aStripWithoutWindowIgnoresTheMouse()
     moveTo(&strip, QPoint(50, 50));
 }
 
-void TitleWidgetTest::aStripOutlivesItsWindow()
+void TestTitleWidget::aStripOutlivesItsWindow()
 {
     CTitleWidget strip;
     {
         QWidget window;
         strip.attach(&window, true);
     }
+    QSignalSpy moved(&strip, &CTitleWidget::signalSetMoveRect);
     QTest::mousePress(&strip, Qt::LeftButton);
     moveTo(&strip, QPoint(50, 50));
     QTest::mouseRelease(&strip, Qt::LeftButton);
+    QCOMPARE(moved.count(), 0);
 }
 
-void TitleWidgetTest::everyMoveReportsTheNewGeometry()
+void TestTitleWidget::pressAndReleaseAreAccepted()
+{
+    Window window(true);
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, QPoint(3, 3), QPoint(203, 153), Qt::LeftButton, Qt::LeftButton,
+                          Qt::NoModifier);
+        event.ignore();
+        QApplication::sendEvent(&window.strip, &event);
+        QVERIFY(event.isAccepted());
+    }
+}
+
+void TestTitleWidget::everyMoveReportsTheNewGeometry()
 {
     Window window(true);
     QSignalSpy moved(&window.strip, &CTitleWidget::signalSetMoveRect);
@@ -138,7 +153,7 @@ void TitleWidgetTest::everyMoveReportsTheNewGeometry()
     QCOMPARE(moved.at(1).at(0).toRect(), QRect(0, 154, 300, 200));
 }
 
-void TitleWidgetTest::releaseResetsOnlyTheHorizontalOffset()
+void TestTitleWidget::releaseResetsOnlyTheHorizontalOffset()
 {
     Window window(true);
     const QPoint start = window.strip.mapToGlobal(QPoint(20, 10)); // (225, 167)
@@ -150,7 +165,7 @@ void TitleWidgetTest::releaseResetsOnlyTheHorizontalOffset()
     QCOMPARE(window.pos(), QPoint(200 + start.x(), 150 + 8));
 }
 
-void TitleWidgetTest::aMoveWithoutPressStartsAnewWhenBothPartsAreZero()
+void TestTitleWidget::aMoveWithoutPressStartsAnewWhenBothPartsAreZero()
 {
     Window window(true);
     moveTo(&window.strip, QPoint(400, 300));
@@ -159,7 +174,7 @@ void TitleWidgetTest::aMoveWithoutPressStartsAnewWhenBothPartsAreZero()
     QCOMPARE(window.pos(), QPoint(210, 170));
 }
 
-void TitleWidgetTest::aLabelOnTheStripDragsToo()
+void TestTitleWidget::aLabelOnTheStripDragsToo()
 {
     Window window(true);
     QLabel label(QStringLiteral("Title"), &window.strip);
@@ -174,5 +189,5 @@ void TitleWidgetTest::aLabelOnTheStripDragsToo()
     QTest::mouseRelease(&label, Qt::LeftButton);
 }
 
-QTEST_MAIN(TitleWidgetTest)
+QTEST_MAIN(TestTitleWidget)
 #include "tst_title_widget.moc"
