@@ -14,7 +14,7 @@ namespace zelvaro {
 
 namespace {
 
-Q_LOGGING_CATEGORY(liveLog, "zelvaro.live")
+Q_LOGGING_CATEGORY(lcLive, "zelvaro.live")
 
 // Reports between two thumbnails, and from the start of a stream to its first one.
 constexpr int thumbnailPeriod = 60;
@@ -189,11 +189,11 @@ void LiveView::calculateVideoSize()
     m_box.calculate(isPlaying() ? streamSize() : QSize());
     const PictureLayout &layout = m_box.layout();
     if (layout.fitted) {
-        qCDebug(liveLog, "CalculateVideoSize() fSrc:%f fDest:%f\r\n", layout.sourceRatio,
+        qCDebug(lcLive, "CalculateVideoSize() fSrc:%f fDest:%f\r\n", layout.sourceRatio,
                 layout.areaRatio);
     }
     if (layout.hasPicture) {
-        qCDebug(liveLog, "CalculateVideoSize() %d (%d %d)\r\n", layout.zoom,
+        qCDebug(lcLive, "CalculateVideoSize() %d (%d %d)\r\n", layout.zoom,
                 layout.videoRect.width(), layout.videoRect.height());
     }
 }
@@ -202,7 +202,7 @@ void LiveView::resizeVideoWindow()
 {
     m_box.position();
     if (!m_box.isFullScreen()) {
-        qCDebug(liveLog, "resizeVideoWindow() (%d %d)\r\n", m_widgets.surface->width(),
+        qCDebug(lcLive, "resizeVideoWindow() (%d %d)\r\n", m_widgets.surface->width(),
                 m_widgets.surface->height());
     }
 }
