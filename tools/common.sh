@@ -1,5 +1,6 @@
 # Sourced by ./run, ./test, bench/run and the programs in tools/: installs packages, builds, brings a display.
 # Expects $root, the top of the tree.
+: "${root:?}"
 
 say() { printf '%s\n' "$*" >&2; }
 fail() { say "error: $*"; exit 1; }
