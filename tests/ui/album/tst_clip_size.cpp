@@ -48,7 +48,7 @@ QByteArray soundTrack()
 
 } // namespace
 
-class tst_ClipSize : public QObject
+class TestClipSize : public QObject
 {
     Q_OBJECT
 
@@ -71,7 +71,7 @@ private:
     QTemporaryDir m_folder;
 };
 
-void tst_ClipSize::files_data()
+void TestClipSize::files_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QSize>("size");
@@ -97,7 +97,7 @@ void tst_ClipSize::files_data()
     QTest::newRow("thousands of boxes") << many + movie << QSize();
 }
 
-void tst_ClipSize::files()
+void TestClipSize::files()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QSize, size);
@@ -108,7 +108,7 @@ void tst_ClipSize::files()
         QCOMPARE(found, size);
 }
 
-void tst_ClipSize::everyCutAndEveryWrongByteIsSurvived()
+void TestClipSize::everyCutAndEveryWrongByteIsSurvived()
 {
     const QByteArray whole = box("ftyp", "isom") + box("moov", soundTrack() + videoTrack(640, 360));
     QCOMPARE(sizeOf(whole), QSize(640, 360));
@@ -122,12 +122,12 @@ void tst_ClipSize::everyCutAndEveryWrongByteIsSurvived()
     }
 }
 
-void tst_ClipSize::aMissingFileHasNoSize()
+void TestClipSize::aMissingFileHasNoSize()
 {
     QVERIFY(zelvaro::clipSize(m_folder.filePath("missing.mp4")).isEmpty());
     QVERIFY(zelvaro::clipSize(m_folder.path()).isEmpty());
     QVERIFY(zelvaro::clipSize({}).isEmpty());
 }
 
-QTEST_APPLESS_MAIN(tst_ClipSize)
+QTEST_APPLESS_MAIN(TestClipSize)
 #include "tst_clip_size.moc"

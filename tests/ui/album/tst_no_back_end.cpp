@@ -9,7 +9,7 @@
 
 /// The video page on a system where the media framework has nothing to play with. The program runs
 /// itself once more in a mount namespace in which the folder of back ends is empty.
-class tst_NoBackEnd : public QObject
+class TestNoBackEnd : public QObject
 {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ constexpr int noNamespace = 99; // exit code
 
 } // namespace
 
-void tst_NoBackEnd::theStatusLineSaysSo()
+void TestNoBackEnd::theStatusLineSaysSo()
 {
     if (qEnvironmentVariableIsSet(inside))
         lookAtThePage();
@@ -36,7 +36,7 @@ void tst_NoBackEnd::theStatusLineSaysSo()
         runWithoutBackEnd();
 }
 
-void tst_NoBackEnd::runWithoutBackEnd()
+void TestNoBackEnd::runWithoutBackEnd()
 {
     if (QProcess::execute("unshare", {"-rm", "true"}) != 0)
         QSKIP("no mount namespace may be made here");
@@ -55,7 +55,7 @@ void tst_NoBackEnd::runWithoutBackEnd()
     QCOMPARE(child.exitCode(), 0);
 }
 
-void tst_NoBackEnd::lookAtThePage()
+void TestNoBackEnd::lookAtThePage()
 {
     QVERIFY(!ClickVideoPlayer().hasBackEnd());
     AlbumFixture album;
@@ -86,5 +86,5 @@ void tst_NoBackEnd::lookAtThePage()
     page.stop(true);
 }
 
-QTEST_MAIN(tst_NoBackEnd)
+QTEST_MAIN(TestNoBackEnd)
 #include "tst_no_back_end.moc"

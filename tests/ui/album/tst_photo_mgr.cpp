@@ -18,7 +18,7 @@
 #include <QScrollBar>
 #include <QToolButton>
 
-class tst_PhotoMgr : public QObject
+class TestPhotoMgr : public QObject
 {
     Q_OBJECT
 
@@ -101,23 +101,23 @@ private:
     std::unique_ptr<CPhotoMgrForm> m_page;
 };
 
-void tst_PhotoMgr::initTestCase()
+void TestPhotoMgr::initTestCase()
 {
     zelvaro::initResources();
 }
 
-void tst_PhotoMgr::init()
+void TestPhotoMgr::init()
 {
     m_album = std::make_unique<AlbumFixture>();
 }
 
-void tst_PhotoMgr::cleanup()
+void TestPhotoMgr::cleanup()
 {
     m_page.reset();
     m_album.reset();
 }
 
-void tst_PhotoMgr::open(bool videoMode, QSize size)
+void TestPhotoMgr::open(bool videoMode, QSize size)
 {
     m_page = std::make_unique<CPhotoMgrForm>();
     m_page->resize(size);
@@ -126,7 +126,7 @@ void tst_PhotoMgr::open(bool videoMode, QSize size)
     QVERIFY(QTest::qWaitForWindowExposed(m_page.get()));
 }
 
-void tst_PhotoMgr::theListHasEveryCameraWithItsIconAndPointer()
+void TestPhotoMgr::theListHasEveryCameraWithItsIconAndPointer()
 {
     m_album->addCameras({"A", "B", "C"});
     open();
@@ -145,7 +145,7 @@ void tst_PhotoMgr::theListHasEveryCameraWithItsIconAndPointer()
     QCOMPARE(list()->currentIndex().row(), 0);
 }
 
-void tst_PhotoMgr::theModeLabelSaysTheMode()
+void TestPhotoMgr::theModeLabelSaysTheMode()
 {
     open(false);
     QCOMPARE(m_page->findChild<QLabel *>("labelMode")->text(), QString("Photos"));
@@ -153,7 +153,7 @@ void tst_PhotoMgr::theModeLabelSaysTheMode()
     QCOMPARE(m_page->findChild<QLabel *>("labelMode")->text(), QString("Videos"));
 }
 
-void tst_PhotoMgr::noCamerasNoRowNoTile()
+void TestPhotoMgr::noCamerasNoRowNoTile()
 {
     open();
     QCOMPARE(m_page->cameraModel().rowCount(), 0);
@@ -161,7 +161,7 @@ void tst_PhotoMgr::noCamerasNoRowNoTile()
     QVERIFY(tiles().isEmpty());
 }
 
-void tst_PhotoMgr::choosingACameraShowsItsFilesAndMarksIt()
+void TestPhotoMgr::choosingACameraShowsItsFilesAndMarksIt()
 {
     m_album->addCameras({"A", "B"});
     m_album->writePicture("A", "a.jpg", Qt::red);
@@ -178,7 +178,7 @@ void tst_PhotoMgr::choosingACameraShowsItsFilesAndMarksIt()
     QVERIFY(isMarked(0) && !isMarked(1));
 }
 
-void tst_PhotoMgr::aRowWithoutCameraGivesAnEmptyGrid()
+void TestPhotoMgr::aRowWithoutCameraGivesAnEmptyGrid()
 {
     m_album->addCameras({"A"});
     m_album->writePicture("A", "a.jpg", Qt::red);
@@ -194,7 +194,7 @@ void tst_PhotoMgr::aRowWithoutCameraGivesAnEmptyGrid()
     }
 }
 
-void tst_PhotoMgr::emptyingTheModelEmptiesTheGrid()
+void TestPhotoMgr::emptyingTheModelEmptiesTheGrid()
 {
     m_album->addCameras({"A", "B"});
     m_album->writePicture("A", "a.jpg", Qt::red);
@@ -205,7 +205,7 @@ void tst_PhotoMgr::emptyingTheModelEmptiesTheGrid()
     QVERIFY(tiles().isEmpty());
 }
 
-void tst_PhotoMgr::aMissingFolderIsAnEmptyGrid()
+void TestPhotoMgr::aMissingFolderIsAnEmptyGrid()
 {
     m_album->addCameras({"A"});
     open();
@@ -213,7 +213,7 @@ void tst_PhotoMgr::aMissingFolderIsAnEmptyGrid()
     QVERIFY(!QDir(m_album->root() + "/A").exists());
 }
 
-void tst_PhotoMgr::anEmptyGridSaysSo()
+void TestPhotoMgr::anEmptyGridSaysSo()
 {
     const auto drawn = [this] {
         return m_page->findChild<CPhotoMgrFrame *>("framePhotoMgr")->grab().toImage();
@@ -230,7 +230,7 @@ void tst_PhotoMgr::anEmptyGridSaysSo()
     QVERIFY(noPhotos != noVideos);
 }
 
-void tst_PhotoMgr::openingAgainShowsCamerasOfNow()
+void TestPhotoMgr::openingAgainShowsCamerasOfNow()
 {
     m_album->addCameras({"A", "B"});
     m_album->writePicture("B", "b.jpg", Qt::red);
@@ -246,7 +246,7 @@ void tst_PhotoMgr::openingAgainShowsCamerasOfNow()
     QCOMPARE(names(), QStringList({"b.jpg"}));
 }
 
-void tst_PhotoMgr::onlyRecordingsAreVideosAndOnlyJpgArePhotos()
+void TestPhotoMgr::onlyRecordingsAreVideosAndOnlyJpgArePhotos()
 {
     m_album->addCameras({"A"});
     m_album->writePicture("A", "1.jpg", Qt::red);
@@ -261,7 +261,7 @@ void tst_PhotoMgr::onlyRecordingsAreVideosAndOnlyJpgArePhotos()
     QCOMPARE(names(), QStringList({"2.mp4"}));
 }
 
-void tst_PhotoMgr::linksAndFoldersAreNoTiles()
+void TestPhotoMgr::linksAndFoldersAreNoTiles()
 {
     m_album->addCameras({"A"});
     const QString file = m_album->writePicture("A", "1.jpg", Qt::red);
@@ -271,7 +271,7 @@ void tst_PhotoMgr::linksAndFoldersAreNoTiles()
     QCOMPARE(names(), QStringList({"1.jpg"}));
 }
 
-void tst_PhotoMgr::filesStandInTheOrderOfTheirNames()
+void TestPhotoMgr::filesStandInTheOrderOfTheirNames()
 {
     m_album->addCameras({"A"});
     for (const char *name : {"c.jpg", "B.jpg", "a.jpg", "20240305_070809.jpg"})
@@ -280,7 +280,7 @@ void tst_PhotoMgr::filesStandInTheOrderOfTheirNames()
     QCOMPARE(names(), QStringList({"20240305_070809.jpg", "a.jpg", "B.jpg", "c.jpg"}));
 }
 
-void tst_PhotoMgr::theGridFollowsTheWidth()
+void TestPhotoMgr::theGridFollowsTheWidth()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 10; ++i)
@@ -306,7 +306,7 @@ void tst_PhotoMgr::theGridFollowsTheWidth()
     }
 }
 
-void tst_PhotoMgr::aNarrowFrameHasOneColumn()
+void TestPhotoMgr::aNarrowFrameHasOneColumn()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 3; ++i)
@@ -326,7 +326,7 @@ void tst_PhotoMgr::aNarrowFrameHasOneColumn()
     }
 }
 
-void tst_PhotoMgr::theFirstUnusedColumnAndRowTakeTheSlack()
+void TestPhotoMgr::theFirstUnusedColumnAndRowTakeTheSlack()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 5; ++i)
@@ -338,7 +338,7 @@ void tst_PhotoMgr::theFirstUnusedColumnAndRowTakeTheSlack()
     QCOMPARE(grid->rowStretch(5 / columns + 1), 10);
 }
 
-void tst_PhotoMgr::oneThumbnailPerTick()
+void TestPhotoMgr::oneThumbnailPerTick()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 4; ++i)
@@ -357,7 +357,7 @@ void tst_PhotoMgr::oneThumbnailPerTick()
     QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 4, AlbumFixture::deadline);
 }
 
-void tst_PhotoMgr::theRuleOfThePictureIsExact()
+void TestPhotoMgr::theRuleOfThePictureIsExact()
 {
     m_album->addCameras({"A"});
     const QString file = m_album->writePicture("A", "20240305_070809.jpg", Qt::green);
@@ -366,7 +366,7 @@ void tst_PhotoMgr::theRuleOfThePictureIsExact()
     QCOMPARE(picture(0)->styleSheet(), "QFrame#framePhotoItem{border-image:url(" + file + ");}");
 }
 
-void tst_PhotoMgr::aRecordingShowsTheStillBesideIt()
+void TestPhotoMgr::aRecordingShowsTheStillBesideIt()
 {
     m_album->addCameras({"A"});
     const QString file = m_album->write("A", "20240305_070809.mp4");
@@ -377,7 +377,7 @@ void tst_PhotoMgr::aRecordingShowsTheStillBesideIt()
              "QFrame#framePhotoItem{border-image:url(" + file + ".jpeg);}");
 }
 
-void tst_PhotoMgr::aMissingStillLeavesTheTileWithoutPicture()
+void TestPhotoMgr::aMissingStillLeavesTheTileWithoutPicture()
 {
     m_album->addCameras({"A"});
     m_album->write("A", "1.mp4");
@@ -389,7 +389,7 @@ void tst_PhotoMgr::aMissingStillLeavesTheTileWithoutPicture()
     QCOMPARE(m_album->host.current, tiles().at(1));
 }
 
-void tst_PhotoMgr::picturesOfOddPathsAreDrawn()
+void TestPhotoMgr::picturesOfOddPathsAreDrawn()
 {
     CameraSettings::instance().setAlbumPath(m_album->root() +
                                             "/my \"cams\" (a;b) {c} 'd' #%20 \\ ü");
@@ -399,7 +399,7 @@ void tst_PhotoMgr::picturesOfOddPathsAreDrawn()
     QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(0)), Qt::green), AlbumFixture::deadline);
 }
 
-void tst_PhotoMgr::onlyTilesInSightHoldPictures()
+void TestPhotoMgr::onlyTilesInSightHoldPictures()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 40; ++i)
@@ -426,7 +426,7 @@ void tst_PhotoMgr::onlyTilesInSightHoldPictures()
     QVERIFY(holding() < 30);
 }
 
-void tst_PhotoMgr::whatWasScrolledToComesFirst()
+void TestPhotoMgr::whatWasScrolledToComesFirst()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 400; ++i)
@@ -444,7 +444,7 @@ void tst_PhotoMgr::whatWasScrolledToComesFirst()
     QCOMPARE(thumbnails(), 400);
 }
 
-void tst_PhotoMgr::twoThousandFilesDoNotHoldTheProgramUp()
+void TestPhotoMgr::twoThousandFilesDoNotHoldTheProgramUp()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 2000; ++i)
@@ -463,7 +463,7 @@ void tst_PhotoMgr::twoThousandFilesDoNotHoldTheProgramUp()
 }
 
 // As the whole program runs: a grid of thousands is higher than an X window can be.
-void tst_PhotoMgr::theGridNeedsNoWindowsOfItsOwn()
+void TestPhotoMgr::theGridNeedsNoWindowsOfItsOwn()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 60; ++i)
@@ -483,7 +483,7 @@ void tst_PhotoMgr::theGridNeedsNoWindowsOfItsOwn()
     QVERIFY(QCoreApplication::testAttribute(Qt::AA_NativeWindows));
 }
 
-void tst_PhotoMgr::refillStartsTheThumbnailsAgain()
+void TestPhotoMgr::refillStartsTheThumbnailsAgain()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 3; ++i)
@@ -498,7 +498,7 @@ void tst_PhotoMgr::refillStartsTheThumbnailsAgain()
     QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 3, AlbumFixture::deadline);
 }
 
-void tst_PhotoMgr::theTileHasItsNamesAndTexts()
+void TestPhotoMgr::theTileHasItsNamesAndTexts()
 {
     CPhotoMgrItemForm tile;
     QCOMPARE(tile.objectName(), QString("PhotoMgrItemForm"));
@@ -520,7 +520,7 @@ void tst_PhotoMgr::theTileHasItsNamesAndTexts()
     QCOMPARE(tile.size(), QSize(199, 188));
 }
 
-void tst_PhotoMgr::aLeftDoubleClickOpens()
+void TestPhotoMgr::aLeftDoubleClickOpens()
 {
     m_album->addCameras({"A"});
     m_album->write("A", "1.jpg");
@@ -537,7 +537,7 @@ void tst_PhotoMgr::aLeftDoubleClickOpens()
     QCOMPARE(m_album->host.current, tiles().first());
 }
 
-void tst_PhotoMgr::otherDoubleClicksDoNotOpen()
+void TestPhotoMgr::otherDoubleClicksDoNotOpen()
 {
     m_album->addCameras({"A"});
     m_album->write("A", "1.jpg");
@@ -548,7 +548,7 @@ void tst_PhotoMgr::otherDoubleClicksDoNotOpen()
     QVERIFY(m_album->host.pages.isEmpty());
 }
 
-void tst_PhotoMgr::buttonsAndKeysOfATile()
+void TestPhotoMgr::buttonsAndKeysOfATile()
 {
     CPhotoMgrItemForm tile;
     QSignalSpy played(&tile, &CPhotoMgrItemForm::playPhoto);
@@ -565,7 +565,7 @@ void tst_PhotoMgr::buttonsAndKeysOfATile()
     QCOMPARE(deleted.first().first().value<CPhotoMgrItemForm *>(), &tile);
 }
 
-void tst_PhotoMgr::deletingAsksFirst_data()
+void TestPhotoMgr::deletingAsksFirst_data()
 {
     QTest::addColumn<bool>("video");
     QTest::addColumn<QString>("question");
@@ -573,7 +573,7 @@ void tst_PhotoMgr::deletingAsksFirst_data()
     QTest::newRow("video") << true << "Delete video?";
 }
 
-void tst_PhotoMgr::deletingAsksFirst()
+void TestPhotoMgr::deletingAsksFirst()
 {
     QFETCH(bool, video);
     QFETCH(QString, question);
@@ -597,7 +597,7 @@ void tst_PhotoMgr::deletingAsksFirst()
     QCOMPARE(tiles().first()->fullPath(), second);
 }
 
-void tst_PhotoMgr::cancelLeavesFileAndGrid()
+void TestPhotoMgr::cancelLeavesFileAndGrid()
 {
     m_album->addCameras({"A"});
     const QString file = m_album->write("A", "1.jpg");
@@ -613,7 +613,7 @@ void tst_PhotoMgr::cancelLeavesFileAndGrid()
     QCOMPARE(tiles(), PageHost::TileList{before});
 }
 
-void tst_PhotoMgr::deletingTheLastTileLeavesAnEmptyGrid()
+void TestPhotoMgr::deletingTheLastTileLeavesAnEmptyGrid()
 {
     m_album->addCameras({"A"});
     m_album->write("A", "1.jpg");
@@ -628,7 +628,7 @@ void tst_PhotoMgr::deletingTheLastTileLeavesAnEmptyGrid()
     QTRY_VERIFY_WITH_TIMEOUT(!tile, AlbumFixture::deadline);
 }
 
-void tst_PhotoMgr::deletingARecordingDeletesItsStill()
+void TestPhotoMgr::deletingARecordingDeletesItsStill()
 {
     m_album->addCameras({"A"});
     m_album->write("A", "1.mp4");
@@ -643,7 +643,7 @@ void tst_PhotoMgr::deletingARecordingDeletesItsStill()
     QVERIFY(QFile::exists(other));
 }
 
-void tst_PhotoMgr::aFileThatIsGoneIsPassedOver()
+void TestPhotoMgr::aFileThatIsGoneIsPassedOver()
 {
     m_album->addCameras({"A"});
     const QString file = m_album->write("A", "1.jpg");
@@ -657,7 +657,7 @@ void tst_PhotoMgr::aFileThatIsGoneIsPassedOver()
     QCOMPARE(names(), QStringList({"2.jpg"}));
 }
 
-void tst_PhotoMgr::tilesTakenOutByAViewerLeaveNoHole()
+void TestPhotoMgr::tilesTakenOutByAViewerLeaveNoHole()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 6; ++i)
@@ -676,5 +676,5 @@ void tst_PhotoMgr::tilesTakenOutByAViewerLeaveNoHole()
     QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 5, AlbumFixture::deadline);
 }
 
-QTEST_MAIN(tst_PhotoMgr)
+QTEST_MAIN(TestPhotoMgr)
 #include "tst_photo_mgr.moc"

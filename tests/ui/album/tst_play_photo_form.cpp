@@ -7,7 +7,7 @@
 #include <QLabel>
 #include <QToolButton>
 
-class tst_PlayPhotoForm : public QObject
+class TestPlayPhotoForm : public QObject
 {
     Q_OBJECT
 
@@ -66,7 +66,7 @@ private:
     PageHost::TileList m_list;
 };
 
-void tst_PlayPhotoForm::init()
+void TestPlayPhotoForm::init()
 {
     m_album = std::make_unique<AlbumFixture>();
     m_owner = std::make_unique<QWidget>();
@@ -75,7 +75,7 @@ void tst_PlayPhotoForm::init()
     m_page->resize(800, 600);
 }
 
-void tst_PlayPhotoForm::cleanup()
+void TestPlayPhotoForm::cleanup()
 {
     m_page.reset();
     m_list.clear();
@@ -83,14 +83,14 @@ void tst_PlayPhotoForm::cleanup()
     m_album.reset();
 }
 
-CPhotoMgrItemForm *tst_PlayPhotoForm::tile(const QString &file)
+CPhotoMgrItemForm *TestPlayPhotoForm::tile(const QString &file)
 {
     auto *tile = new CPhotoMgrItemForm(m_owner.get());
     tile->setItem(QFileInfo(file).fileName(), file);
     return tile;
 }
 
-void tst_PlayPhotoForm::show(int index)
+void TestPlayPhotoForm::show(int index)
 {
     m_page->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page.get()));
@@ -98,7 +98,7 @@ void tst_PlayPhotoForm::show(int index)
     m_page->showPhoto(m_list.at(index));
 }
 
-void tst_PlayPhotoForm::aPictureThatFitsIsShownAtItsOwnSize()
+void TestPlayPhotoForm::aPictureThatFitsIsShownAtItsOwnSize()
 {
     add("a.jpg");
     show();
@@ -109,7 +109,7 @@ void tst_PlayPhotoForm::aPictureThatFitsIsShownAtItsOwnSize()
     QCOMPARE(window()->geometry(), QRect(left - 6, top - 5, 320 + 13, 240 + 31));
 }
 
-void tst_PlayPhotoForm::aPictureLargerThanTheBoxIsAlwaysFitted()
+void TestPlayPhotoForm::aPictureLargerThanTheBoxIsAlwaysFitted()
 {
     add("wide.jpg", {2000, 500});
     add("high.jpg", {500, 2000});
@@ -126,7 +126,7 @@ void tst_PlayPhotoForm::aPictureLargerThanTheBoxIsAlwaysFitted()
     QVERIFY(window()->geometry().bottom() < area().height());
 }
 
-void tst_PlayPhotoForm::aTinyPictureIsShownOneStepLarger()
+void TestPlayPhotoForm::aTinyPictureIsShownOneStepLarger()
 {
     add("tiny.jpg", {90, 90});
     show();
@@ -134,7 +134,7 @@ void tst_PlayPhotoForm::aTinyPictureIsShownOneStepLarger()
     QCOMPARE(status(), QString("tiny.jpg  90x90(124%)"));
 }
 
-void tst_PlayPhotoForm::zoomStepsGoAlongTheLadder()
+void TestPlayPhotoForm::zoomStepsGoAlongTheLadder()
 {
     add("a.jpg", {300, 200});
     show();
@@ -151,7 +151,7 @@ void tst_PlayPhotoForm::zoomStepsGoAlongTheLadder()
     QCOMPARE(m_page->zoom(), 75);
 }
 
-void tst_PlayPhotoForm::zoomInAt800Stays()
+void TestPlayPhotoForm::zoomInAt800Stays()
 {
     // Any larger picture is fitted before it gets there.
     m_page->resize(1400, 1300);
@@ -163,7 +163,7 @@ void tst_PlayPhotoForm::zoomInAt800Stays()
     QCOMPARE(status(), QString("a.jpg  130x130(800%)"));
 }
 
-void tst_PlayPhotoForm::zoomOutAt10Stays()
+void TestPlayPhotoForm::zoomOutAt10Stays()
 {
     add("a.jpg", {4000, 3000});
     show();
@@ -173,7 +173,7 @@ void tst_PlayPhotoForm::zoomOutAt10Stays()
     QCOMPARE(status(), QString("a.jpg  4000x3000(10%)"));
 }
 
-void tst_PlayPhotoForm::resizingTheAreaStartsAt100Again()
+void TestPlayPhotoForm::resizingTheAreaStartsAt100Again()
 {
     add("a.jpg", {300, 200});
     show();
@@ -184,7 +184,7 @@ void tst_PlayPhotoForm::resizingTheAreaStartsAt100Again()
     QCOMPARE(status(), QString("a.jpg  300x200(100%)"));
 }
 
-void tst_PlayPhotoForm::eachPictureStartsAt100()
+void TestPlayPhotoForm::eachPictureStartsAt100()
 {
     add("a.jpg", {300, 200});
     add("b.jpg", {300, 200});
@@ -194,7 +194,7 @@ void tst_PlayPhotoForm::eachPictureStartsAt100()
     QCOMPARE(status(), QString("b.jpg  300x200(100%)"));
 }
 
-void tst_PlayPhotoForm::previousAndNextStopAtTheEnds()
+void TestPlayPhotoForm::previousAndNextStopAtTheEnds()
 {
     add("a.jpg");
     add("b.jpg");
@@ -213,7 +213,7 @@ void tst_PlayPhotoForm::previousAndNextStopAtTheEnds()
     QVERIFY(status().startsWith("a.jpg"));
 }
 
-void tst_PlayPhotoForm::deletingShowsTheNextOne()
+void TestPlayPhotoForm::deletingShowsTheNextOne()
 {
     add("a.jpg");
     add("b.jpg");
@@ -227,7 +227,7 @@ void tst_PlayPhotoForm::deletingShowsTheNextOne()
     QVERIFY(m_album->host.pages.isEmpty());
 }
 
-void tst_PlayPhotoForm::deletingTheLastOfSeveralShowsTheNewLast()
+void TestPlayPhotoForm::deletingTheLastOfSeveralShowsTheNewLast()
 {
     add("a.jpg");
     add("b.jpg");
@@ -238,7 +238,7 @@ void tst_PlayPhotoForm::deletingTheLastOfSeveralShowsTheNewLast()
     QCOMPARE(m_list.size(), 2);
 }
 
-void tst_PlayPhotoForm::deletingTheOnlyPictureReturnsToTheAlbum()
+void TestPlayPhotoForm::deletingTheOnlyPictureReturnsToTheAlbum()
 {
     add("a.jpg");
     show();
@@ -249,7 +249,7 @@ void tst_PlayPhotoForm::deletingTheOnlyPictureReturnsToTheAlbum()
     QCOMPARE(m_album->host.pages.size(), 2);
 }
 
-void tst_PlayPhotoForm::deletingDoesNotAsk()
+void TestPlayPhotoForm::deletingDoesNotAsk()
 {
     add("a.jpg");
     add("b.jpg");
@@ -259,7 +259,7 @@ void tst_PlayPhotoForm::deletingDoesNotAsk()
     QVERIFY(!QFile::exists(m_album->path("A", "a.jpg")));
 }
 
-void tst_PlayPhotoForm::aTileThatIsGoneIsNotTouched()
+void TestPlayPhotoForm::aTileThatIsGoneIsNotTouched()
 {
     add("a.jpg");
     add("b.jpg");
@@ -274,7 +274,7 @@ void tst_PlayPhotoForm::aTileThatIsGoneIsNotTouched()
     QVERIFY(QFile::exists(m_album->path("A", "b.jpg")));
 }
 
-void tst_PlayPhotoForm::backReturnsToTheAlbum()
+void TestPlayPhotoForm::backReturnsToTheAlbum()
 {
     add("a.jpg");
     show();
@@ -282,7 +282,7 @@ void tst_PlayPhotoForm::backReturnsToTheAlbum()
     QCOMPARE(m_album->host.pages, QStringList({"back to photos"}));
 }
 
-void tst_PlayPhotoForm::aLeftDoubleClickTogglesFullScreen()
+void TestPlayPhotoForm::aLeftDoubleClickTogglesFullScreen()
 {
     add("a.jpg");
     show();
@@ -297,7 +297,7 @@ void tst_PlayPhotoForm::aLeftDoubleClickTogglesFullScreen()
     QCOMPARE(m_frame->parentWidget(), window());
 }
 
-void tst_PlayPhotoForm::releasingEscapeLeavesFullScreen()
+void TestPlayPhotoForm::releasingEscapeLeavesFullScreen()
 {
     add("a.jpg");
     show();
@@ -309,7 +309,7 @@ void tst_PlayPhotoForm::releasingEscapeLeavesFullScreen()
     QVERIFY(!m_page->isPictureFullScreen());
 }
 
-void tst_PlayPhotoForm::theFullScreenButtonOnlyEnters()
+void TestPlayPhotoForm::theFullScreenButtonOnlyEnters()
 {
     add("a.jpg");
     show();
@@ -319,7 +319,7 @@ void tst_PlayPhotoForm::theFullScreenButtonOnlyEnters()
     QCOMPARE(status(), QString("a.jpg  320x240(100%)"));
 }
 
-void tst_PlayPhotoForm::keysStepInFullScreen()
+void TestPlayPhotoForm::keysStepInFullScreen()
 {
     add("a.jpg");
     add("b.jpg", {640, 480});
@@ -334,7 +334,7 @@ void tst_PlayPhotoForm::keysStepInFullScreen()
     QCOMPARE(m_album->host.pages, QStringList({"back to photos"}));
 }
 
-void tst_PlayPhotoForm::picturesThatCannotBeShown_data()
+void TestPlayPhotoForm::picturesThatCannotBeShown_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("empty") << QByteArray();
@@ -346,7 +346,7 @@ void tst_PlayPhotoForm::picturesThatCannotBeShown_data()
                                             21);
 }
 
-void tst_PlayPhotoForm::picturesThatCannotBeShown()
+void TestPlayPhotoForm::picturesThatCannotBeShown()
 {
     QFETCH(QByteArray, bytes);
     m_list << tile(m_album->write("A", "bad.jpg", bytes));
@@ -365,7 +365,7 @@ void tst_PlayPhotoForm::picturesThatCannotBeShown()
     QCOMPARE(status(), QString("good.jpg  0x0(0%)"));
 }
 
-void tst_PlayPhotoForm::aHugePhotoIsShownWithoutALongWait()
+void TestPlayPhotoForm::aHugePhotoIsShownWithoutALongWait()
 {
     add("huge.jpg", {11600, 8700}, Qt::green);
     QElapsedTimer clock;
@@ -376,7 +376,7 @@ void tst_PlayPhotoForm::aHugePhotoIsShownWithoutALongWait()
     QVERIFY(status().startsWith("huge.jpg  11600x8700("));
 }
 
-void tst_PlayPhotoForm::theFrameKeepsTheRatio()
+void TestPlayPhotoForm::theFrameKeepsTheRatio()
 {
     const QString file = m_album->writePicture("A", "a.jpg", Qt::red, {400, 100});
     CPhotoFrame frame;
@@ -391,7 +391,7 @@ void tst_PlayPhotoForm::theFrameKeepsTheRatio()
     QCOMPARE(picture->styleSheet(), "QFrame#framePicture{border-image:url(" + file + ");}");
 }
 
-void tst_PlayPhotoForm::thePictureIsDrawn()
+void TestPlayPhotoForm::thePictureIsDrawn()
 {
     add("a.jpg", {320, 240}, Qt::green);
     add("b.jpg", {320, 240}, Qt::blue);
@@ -401,7 +401,7 @@ void tst_PlayPhotoForm::thePictureIsDrawn()
     QVERIFY(alike(centreOf(m_frame), Qt::blue));
 }
 
-void tst_PlayPhotoForm::buttonsHaveNamesAndTips()
+void TestPlayPhotoForm::buttonsHaveNamesAndTips()
 {
     for (const QToolButton *button : m_page->findChildren<QToolButton *>()) {
         QVERIFY2(!button->toolTip().isEmpty(), qPrintable(button->objectName()));
@@ -410,5 +410,5 @@ void tst_PlayPhotoForm::buttonsHaveNamesAndTips()
     }
 }
 
-QTEST_MAIN(tst_PlayPhotoForm)
+QTEST_MAIN(TestPlayPhotoForm)
 #include "tst_play_photo_form.moc"

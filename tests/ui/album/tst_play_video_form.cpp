@@ -13,7 +13,7 @@
 
 /// The page without a picture: what it does with the states that a player passes through, and with
 /// files that are no recordings. Playback itself is in tst_playback.
-class tst_PlayVideoForm : public QObject
+class TestPlayVideoForm : public QObject
 {
     Q_OBJECT
 
@@ -63,12 +63,12 @@ private:
     PageHost::TileList m_list;
 };
 
-void tst_PlayVideoForm::initTestCase()
+void TestPlayVideoForm::initTestCase()
 {
     zelvaro::initResources();
 }
 
-void tst_PlayVideoForm::init()
+void TestPlayVideoForm::init()
 {
     m_album = std::make_unique<AlbumFixture>();
     m_owner = std::make_unique<QWidget>();
@@ -76,7 +76,7 @@ void tst_PlayVideoForm::init()
     m_page->resize(900, 700);
 }
 
-void tst_PlayVideoForm::cleanup()
+void TestPlayVideoForm::cleanup()
 {
     m_page.reset();
     m_list.clear();
@@ -84,7 +84,7 @@ void tst_PlayVideoForm::cleanup()
     m_album.reset();
 }
 
-void tst_PlayVideoForm::show(int index)
+void TestPlayVideoForm::show(int index)
 {
     m_page->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page.get()));
@@ -92,14 +92,14 @@ void tst_PlayVideoForm::show(int index)
     m_page->showVideo(m_list.at(index));
 }
 
-void tst_PlayVideoForm::theStatusSaysTheDefaultUntilTheSizeIsKnown()
+void TestPlayVideoForm::theStatusSaysTheDefaultUntilTheSizeIsKnown()
 {
     add("a.mp4");
     show();
     QCOMPARE(status(), QString("a.mp4  640x480(100%)"));
 }
 
-void tst_PlayVideoForm::zoomAndSizeStartAnewForEachRecording()
+void TestPlayVideoForm::zoomAndSizeStartAnewForEachRecording()
 {
     add("a.mp4");
     add("b.mp4");
@@ -111,7 +111,7 @@ void tst_PlayVideoForm::zoomAndSizeStartAnewForEachRecording()
     QCOMPARE(status(), QString("b.mp4  640x480(100%)"));
 }
 
-void tst_PlayVideoForm::statesChangeThePlayButton()
+void TestPlayVideoForm::statesChangeThePlayButton()
 {
     add("a.mp4");
     show();
@@ -131,7 +131,7 @@ void tst_PlayVideoForm::statesChangeThePlayButton()
     QVERIFY(status().contains("cannot be played"));
 }
 
-void tst_PlayVideoForm::previousAndNextStopAtTheEnds()
+void TestPlayVideoForm::previousAndNextStopAtTheEnds()
 {
     add("a.mp4");
     add("b.mp4");
@@ -145,7 +145,7 @@ void tst_PlayVideoForm::previousAndNextStopAtTheEnds()
     QVERIFY(status().startsWith("a.mp4"));
 }
 
-void tst_PlayVideoForm::deletingShowsTheNeighbour()
+void TestPlayVideoForm::deletingShowsTheNeighbour()
 {
     add("a.mp4");
     add("b.mp4");
@@ -161,7 +161,7 @@ void tst_PlayVideoForm::deletingShowsTheNeighbour()
     QVERIFY(m_album->host.pages.isEmpty());
 }
 
-void tst_PlayVideoForm::deletingTheOnlyRecordingReturnsToTheAlbum()
+void TestPlayVideoForm::deletingTheOnlyRecordingReturnsToTheAlbum()
 {
     add("a.mp4");
     show();
@@ -172,7 +172,7 @@ void tst_PlayVideoForm::deletingTheOnlyRecordingReturnsToTheAlbum()
     QVERIFY(!QFile::exists(m_album->path("A", "a.mp4")));
 }
 
-void tst_PlayVideoForm::deletingLeavesTheStill()
+void TestPlayVideoForm::deletingLeavesTheStill()
 {
     add("a.mp4");
     const QString still = m_album->writePicture("A", "a.mp4.jpeg", Qt::red);
@@ -181,7 +181,7 @@ void tst_PlayVideoForm::deletingLeavesTheStill()
     QVERIFY(QFile::exists(still));
 }
 
-void tst_PlayVideoForm::leavingBeforeTheStartDoesNotStart()
+void TestPlayVideoForm::leavingBeforeTheStartDoesNotStart()
 {
     add("a.mp4");
     show();
@@ -195,7 +195,7 @@ void tst_PlayVideoForm::leavingBeforeTheStartDoesNotStart()
     QCOMPARE(m_page->player()->mediaObject()->currentSource().type(), Phonon::MediaSource::Empty);
 }
 
-void tst_PlayVideoForm::leavingTwiceAndBeforeAnyRecordingIsSafe()
+void TestPlayVideoForm::leavingTwiceAndBeforeAnyRecordingIsSafe()
 {
     m_page->stop(true);
     m_page->slotPlay();
@@ -212,7 +212,7 @@ void tst_PlayVideoForm::leavingTwiceAndBeforeAnyRecordingIsSafe()
     QVERIFY(status().startsWith("a.mp4"));
 }
 
-void tst_PlayVideoForm::backReturnsToTheAlbum()
+void TestPlayVideoForm::backReturnsToTheAlbum()
 {
     add("a.mp4");
     show();
@@ -220,7 +220,7 @@ void tst_PlayVideoForm::backReturnsToTheAlbum()
     QCOMPARE(m_album->host.pages, QStringList({"back to videos"}));
 }
 
-void tst_PlayVideoForm::aLeftDoubleClickTogglesFullScreen()
+void TestPlayVideoForm::aLeftDoubleClickTogglesFullScreen()
 {
     add("a.mp4");
     show();
@@ -236,7 +236,7 @@ void tst_PlayVideoForm::aLeftDoubleClickTogglesFullScreen()
     QVERIFY(!surface()->isWindow());
 }
 
-void tst_PlayVideoForm::escapeLeavesFullScreen()
+void TestPlayVideoForm::escapeLeavesFullScreen()
 {
     add("a.mp4");
     show();
@@ -249,7 +249,7 @@ void tst_PlayVideoForm::escapeLeavesFullScreen()
     QVERIFY(!m_page->isPictureFullScreen());
 }
 
-void tst_PlayVideoForm::filesThatAreNoRecordings_data()
+void TestPlayVideoForm::filesThatAreNoRecordings_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("zero bytes") << QByteArray();
@@ -260,7 +260,7 @@ void tst_PlayVideoForm::filesThatAreNoRecordings_data()
                                            32);
 }
 
-void tst_PlayVideoForm::filesThatAreNoRecordings()
+void TestPlayVideoForm::filesThatAreNoRecordings()
 {
     QFETCH(QByteArray, bytes);
     add("bad.mp4", bytes);
@@ -275,7 +275,7 @@ void tst_PlayVideoForm::filesThatAreNoRecordings()
     QCOMPARE(m_album->host.pages, QStringList({"back to videos"}));
 }
 
-void tst_PlayVideoForm::theSeekSliderFollowsTheRecording()
+void TestPlayVideoForm::theSeekSliderFollowsTheRecording()
 {
     add("a.mp4");
     show();
@@ -285,7 +285,7 @@ void tst_PlayVideoForm::theSeekSliderFollowsTheRecording()
     QVERIFY(!slider->toolTip().isEmpty() && !slider->accessibleName().isEmpty());
 }
 
-void tst_PlayVideoForm::thePlayerKeepsTheRatio()
+void TestPlayVideoForm::thePlayerKeepsTheRatio()
 {
     zelvaro::PlayerFrame frame;
     auto *player = new QWidget;
@@ -298,5 +298,5 @@ void tst_PlayVideoForm::thePlayerKeepsTheRatio()
     QCOMPARE(player->width(), frame.width());
 }
 
-QTEST_MAIN(tst_PlayVideoForm)
+QTEST_MAIN(TestPlayVideoForm)
 #include "tst_play_video_form.moc"

@@ -9,7 +9,7 @@
 #include <phonon/mediaobject.h>
 
 /// Plays a real recording on the display.
-class tst_Playback : public QObject
+class TestPlayback : public QObject
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ private:
     PageHost::TileList m_list;
 };
 
-void tst_Playback::initTestCase()
+void TestPlayback::initTestCase()
 {
     if (!ClickVideoPlayer().hasBackEnd())
         QSKIP("no back end of Phonon is installed");
@@ -70,7 +70,7 @@ void tst_Playback::initTestCase()
         QSKIP("a recording cannot be made: gst-launch-1.0 with x264enc is missing");
 }
 
-QByteArray tst_Playback::record(const QString &pipeline)
+QByteArray TestPlayback::record(const QString &pipeline)
 {
     const QString clip = m_folder.filePath("clip.mp4");
     QProcess maker;
@@ -82,7 +82,7 @@ QByteArray tst_Playback::record(const QString &pipeline)
     return file.readAll();
 }
 
-QByteArray tst_Playback::makeClip(int frames)
+QByteArray TestPlayback::makeClip(int frames)
 {
     return record(QString("videotestsrc num-buffers=%1 ! "
                           "video/x-raw,width=320,height=180,framerate=25/1 ! "
@@ -91,7 +91,7 @@ QByteArray tst_Playback::makeClip(int frames)
                       .arg(frames));
 }
 
-QByteArray tst_Playback::withoutFirstFrames(const QByteArray &clip)
+QByteArray TestPlayback::withoutFirstFrames(const QByteArray &clip)
 {
     const QString from = m_folder.filePath("whole.mp4");
     const QString to = m_folder.filePath("rest.mp4");
@@ -107,7 +107,7 @@ QByteArray tst_Playback::withoutFirstFrames(const QByteArray &clip)
     return file.readAll();
 }
 
-void tst_Playback::init()
+void TestPlayback::init()
 {
     m_album = std::make_unique<AlbumFixture>();
     m_owner = std::make_unique<QWidget>();
@@ -115,7 +115,7 @@ void tst_Playback::init()
     m_page->resize(900, 700);
 }
 
-void tst_Playback::cleanup()
+void TestPlayback::cleanup()
 {
     m_page.reset();
     m_list.clear();
@@ -123,7 +123,7 @@ void tst_Playback::cleanup()
     m_album.reset();
 }
 
-void tst_Playback::show()
+void TestPlayback::show()
 {
     m_page->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_page.get()));
@@ -131,7 +131,7 @@ void tst_Playback::show()
     m_page->showVideo(m_list.first());
 }
 
-void tst_Playback::aRecordingPlaysAtItsTrueSize()
+void TestPlayback::aRecordingPlaysAtItsTrueSize()
 {
     add("a.mp4", m_clip);
     show();
@@ -139,7 +139,7 @@ void tst_Playback::aRecordingPlaysAtItsTrueSize()
     QTRY_COMPARE_WITH_TIMEOUT(status(), QString("a.mp4  320x180(100%)"), AlbumFixture::deadline);
 }
 
-void tst_Playback::pauseAndResume()
+void TestPlayback::pauseAndResume()
 {
     add("a.mp4", m_clip);
     show();
@@ -153,7 +153,7 @@ void tst_Playback::pauseAndResume()
                               AlbumFixture::deadline);
 }
 
-void tst_Playback::theEndShowsPlayAndTheSameButtonStartsAgain()
+void TestPlayback::theEndShowsPlayAndTheSameButtonStartsAgain()
 {
     add("a.mp4", m_shortClip);
     m_page->setList(&m_list);
@@ -168,7 +168,7 @@ void tst_Playback::theEndShowsPlayAndTheSameButtonStartsAgain()
     }
 }
 
-void tst_Playback::leavingStops()
+void TestPlayback::leavingStops()
 {
     add("a.mp4", m_clip);
     show();
@@ -178,7 +178,7 @@ void tst_Playback::leavingStops()
     QCOMPARE(button("btnPlay")->accessibleName(), QString("Play"));
 }
 
-void tst_Playback::deletingWhatPlaysGoesToTheNext()
+void TestPlayback::deletingWhatPlaysGoesToTheNext()
 {
     add("a.mp4", m_clip);
     add("b.mp4", m_clip);
@@ -194,7 +194,7 @@ void tst_Playback::deletingWhatPlaysGoesToTheNext()
 }
 
 // Cut off before its index, as by a recorder that writes it at the end.
-void tst_Playback::aRecordingThatIsCutOffDoesNotHoldThePage()
+void TestPlayback::aRecordingThatIsCutOffDoesNotHoldThePage()
 {
     const int index = m_clip.indexOf("moov");
     QVERIFY(index > 0);
@@ -206,7 +206,7 @@ void tst_Playback::aRecordingThatIsCutOffDoesNotHoldThePage()
     QTRY_COMPARE_WITH_TIMEOUT(status(), QString("b.mp4  320x180(100%)"), AlbumFixture::deadline);
 }
 
-void tst_Playback::recordingsThatPlayAsFarAsTheyCan_data()
+void TestPlayback::recordingsThatPlayAsFarAsTheyCan_data()
 {
     QTest::addColumn<QByteArray>("clip");
     QTest::newRow("without audio") << m_shortClip;
@@ -221,7 +221,7 @@ void tst_Playback::recordingsThatPlayAsFarAsTheyCan_data()
     QTest::newRow("damaged in the middle") << damaged;
 }
 
-void tst_Playback::recordingsThatPlayAsFarAsTheyCan()
+void TestPlayback::recordingsThatPlayAsFarAsTheyCan()
 {
     QFETCH(QByteArray, clip);
     if (clip.isEmpty())
@@ -246,7 +246,7 @@ void tst_Playback::recordingsThatPlayAsFarAsTheyCan()
     waitPlaying();
 }
 
-void tst_Playback::aRecordingOfSoundOnlyDoesNotHoldThePage()
+void TestPlayback::aRecordingOfSoundOnlyDoesNotHoldThePage()
 {
     const QByteArray sound =
         record("audiotestsrc num-buffers=60 ! audioconvert ! avenc_aac ! mp4mux");
@@ -264,7 +264,7 @@ void tst_Playback::aRecordingOfSoundOnlyDoesNotHoldThePage()
     waitPlaying();
 }
 
-void tst_Playback::aRecordingThatIsGoneDoesNotHoldThePage()
+void TestPlayback::aRecordingThatIsGoneDoesNotHoldThePage()
 {
     add("a.mp4", m_clip);
     add("b.mp4", m_clip);
@@ -276,5 +276,5 @@ void tst_Playback::aRecordingThatIsGoneDoesNotHoldThePage()
     waitPlaying();
 }
 
-QTEST_MAIN(tst_Playback)
+QTEST_MAIN(TestPlayback)
 #include "tst_playback.moc"

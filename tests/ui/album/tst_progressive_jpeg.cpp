@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-class tst_ProgressiveJpeg : public QObject
+class TestProgressiveJpeg : public QObject
 {
     Q_OBJECT
 
@@ -42,20 +42,20 @@ private:
     QTemporaryDir m_folder;
 };
 
-void tst_ProgressiveJpeg::jpegsOfBothKinds_data()
+void TestProgressiveJpeg::jpegsOfBothKinds_data()
 {
     QTest::addColumn<bool>("progressive");
     QTest::newRow("one scan") << false;
     QTest::newRow("several scans") << true;
 }
 
-void tst_ProgressiveJpeg::jpegsOfBothKinds()
+void TestProgressiveJpeg::jpegsOfBothKinds()
 {
     QFETCH(bool, progressive);
     QCOMPARE(zelvaro::isProgressiveJpeg(write(jpeg(progressive))), progressive);
 }
 
-void tst_ProgressiveJpeg::whatIsNoJpeg_data()
+void TestProgressiveJpeg::whatIsNoJpeg_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::newRow("empty") << QByteArray();
@@ -69,7 +69,7 @@ void tst_ProgressiveJpeg::whatIsNoJpeg_data()
     QTest::newRow("only tables") << QByteArray("\xff\xd8\xff\xc4\x00\x02\xff\xcc\x00\x02", 10);
 }
 
-void tst_ProgressiveJpeg::whatIsNoJpeg()
+void TestProgressiveJpeg::whatIsNoJpeg()
 {
     QFETCH(QByteArray, bytes);
     QVERIFY(!zelvaro::isProgressiveJpeg(write(bytes)));
@@ -77,7 +77,7 @@ void tst_ProgressiveJpeg::whatIsNoJpeg()
     QVERIFY(!zelvaro::isProgressiveJpeg(m_folder.path()));
 }
 
-void tst_ProgressiveJpeg::everyBeginningOfAJpegIsRead()
+void TestProgressiveJpeg::everyBeginningOfAJpegIsRead()
 {
     const QByteArray whole = jpeg(true);
     int told = 0;
@@ -87,5 +87,5 @@ void tst_ProgressiveJpeg::everyBeginningOfAJpegIsRead()
     QVERIFY(told > 0 && told < whole.size());
 }
 
-QTEST_MAIN(tst_ProgressiveJpeg)
+QTEST_MAIN(TestProgressiveJpeg)
 #include "tst_progressive_jpeg.moc"

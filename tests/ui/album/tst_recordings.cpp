@@ -178,7 +178,7 @@ std::optional<Playback> playWithPhonon(const QString &clip)
 
 /// What the stream engine records, in the album's player and in others: finished, cut off by the
 /// death of the process, and while it is being written.
-class tst_Recordings : public QObject
+class TestRecordings : public QObject
 {
     Q_OBJECT
 
@@ -201,7 +201,7 @@ private:
     RtspPlayer *m_session = nullptr;
 };
 
-void tst_Recordings::initTestCase()
+void TestRecordings::initTestCase()
 {
     if (!isInstalled("ffprobe"))
         QSKIP("ffprobe is not installed, by which the others are judged");
@@ -222,7 +222,7 @@ void tst_Recordings::initTestCase()
     m_vlc = std::make_unique<Vlc>();
 }
 
-void tst_Recordings::cleanupTestCase()
+void TestRecordings::cleanupTestCase()
 {
     m_vlc.reset();
     if (m_session)
@@ -230,7 +230,7 @@ void tst_Recordings::cleanupTestCase()
     m_camera.reset();
 }
 
-void tst_Recordings::recordFinished()
+void TestRecordings::recordFinished()
 {
     const QString clip = file("finished.mp4");
     QCOMPARE(RtspPlayer_BeginWriting(m_session, QFile::encodeName(file("finished")), 0), 0);
@@ -239,7 +239,7 @@ void tst_Recordings::recordFinished()
     QTRY_VERIFY_WITH_TIMEOUT(!isOpenHere(clip), patience);
 }
 
-void tst_Recordings::recordUntilKilled()
+void TestRecordings::recordUntilKilled()
 {
     const auto &camera = m_camera->camera();
     QProcess recorder;
@@ -252,7 +252,7 @@ void tst_Recordings::recordUntilKilled()
     QCOMPARE(recorder.exitStatus(), QProcess::CrashExit);
 }
 
-void tst_Recordings::everyPlayerSeesTheSameLengthAndSeeks_data()
+void TestRecordings::everyPlayerSeesTheSameLengthAndSeeks_data()
 {
     QTest::addColumn<QString>("player");
     QTest::addColumn<QString>("clip");
@@ -261,7 +261,7 @@ void tst_Recordings::everyPlayerSeesTheSameLengthAndSeeks_data()
             QTest::addRow("%s, %s", player, clip) << player << QString("%1.mp4").arg(clip);
 }
 
-void tst_Recordings::everyPlayerSeesTheSameLengthAndSeeks()
+void TestRecordings::everyPlayerSeesTheSameLengthAndSeeks()
 {
     QFETCH(QString, player);
     QFETCH(QString, clip);
@@ -291,7 +291,7 @@ void tst_Recordings::everyPlayerSeesTheSameLengthAndSeeks()
              qPrintable(QString("at %1 s of %2 s").arg(seen->middle).arg(length)));
 }
 
-void tst_Recordings::aRecordingThatIsBeingWrittenPlaysOnThePage()
+void TestRecordings::aRecordingThatIsBeingWrittenPlaysOnThePage()
 {
     if (!ClickVideoPlayer().hasBackEnd())
         QSKIP("no back end of Phonon is installed");
@@ -326,5 +326,5 @@ void tst_Recordings::aRecordingThatIsBeingWrittenPlaysOnThePage()
     QVERIFY(lengthOnDisk(clip) > 2);
 }
 
-QTEST_MAIN(tst_Recordings)
+QTEST_MAIN(TestRecordings)
 #include "tst_recordings.moc"

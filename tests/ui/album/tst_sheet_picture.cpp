@@ -6,7 +6,7 @@
 #include <QImageWriter>
 #include <QPixmap>
 
-class tst_SheetPicture : public QObject
+class TestSheetPicture : public QObject
 {
     Q_OBJECT
 
@@ -29,8 +29,8 @@ QString sheetOf(const QString &file)
 } // namespace
 
 // One pixel of white in a large black picture: drawn at its own size it stays a dot; drawn from a
-// small picture it is a blur, or missing.
-void tst_SheetPicture::theSheetTakesTheSmallPicture()
+// small picture it is a blur, or gone.
+void TestSheetPicture::theSheetTakesTheSmallPicture()
 {
     AlbumFixture album;
     QDir().mkpath(album.root() + "/A");
@@ -48,7 +48,7 @@ void tst_SheetPicture::theSheetTakesTheSmallPicture()
     QVERIFY2(middle.red() > 60 && middle.red() < 200, qPrintable(middle.name()));
 }
 
-void tst_SheetPicture::theFileItselfStaysAtItsSize()
+void TestSheetPicture::theFileItselfStaysAtItsSize()
 {
     AlbumFixture album;
     const QString file = album.writePicture("A", "a.jpg", Qt::red, {800, 600});
@@ -59,7 +59,7 @@ void tst_SheetPicture::theFileItselfStaysAtItsSize()
     QVERIFY(alike(centreOf(&frame), Qt::red));
 }
 
-void tst_SheetPicture::noPictureDrawsNothing()
+void TestSheetPicture::noPictureDrawsNothing()
 {
     AlbumFixture album;
     const QString file = album.write("A", "a.jpg", "text");
@@ -77,7 +77,7 @@ void tst_SheetPicture::noPictureDrawsNothing()
     }
 }
 
-void tst_SheetPicture::sizesComeFromTheHeader()
+void TestSheetPicture::sizesComeFromTheHeader()
 {
     AlbumFixture album;
     QCOMPARE(zelvaro::pictureSize(album.writePicture("A", "a.jpg", Qt::red, {321, 123})),
@@ -87,7 +87,7 @@ void tst_SheetPicture::sizesComeFromTheHeader()
     QCOMPARE(zelvaro::pictureSize({}), QSize(0, 0));
 }
 
-void tst_SheetPicture::aPictureTooLargeToHoldIsLeftOut_data()
+void TestSheetPicture::aPictureTooLargeToHoldIsLeftOut_data()
 {
     QTest::addColumn<QByteArray>("format");
     QTest::addColumn<bool>("progressive");
@@ -97,7 +97,7 @@ void tst_SheetPicture::aPictureTooLargeToHoldIsLeftOut_data()
     QTest::newRow("PNG") << QByteArray("PNG") << false << false;
 }
 
-void tst_SheetPicture::aPictureTooLargeToHoldIsLeftOut()
+void TestSheetPicture::aPictureTooLargeToHoldIsLeftOut()
 {
     QFETCH(QByteArray, format);
     QFETCH(bool, progressive);
@@ -121,5 +121,5 @@ void tst_SheetPicture::aPictureTooLargeToHoldIsLeftOut()
     QCOMPARE(zelvaro::pictureSize(file), image.size());
 }
 
-QTEST_MAIN(tst_SheetPicture)
+QTEST_MAIN(TestSheetPicture)
 #include "tst_sheet_picture.moc"
