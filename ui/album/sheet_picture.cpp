@@ -9,6 +9,8 @@
 #include <QPixmapCache>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace zelvaro {
 
 namespace {
@@ -43,6 +45,25 @@ QPixmap decoded(const QString &file, QSize shown)
     return nothing;
 }
 
+/// Room for one more picture in the pixmap cache of the process while it lives: by itself the cache
+/// holds 2.6 megapixels and refuses what is larger.
+class CacheRoom
+{
+public:
+    explicit CacheRoom(const QPixmap &picture) : m_limit(QPixmapCache::cacheLimit())
+    {
+        const qint64 bits =
+            static_cast<qint64>(picture.width()) * picture.height() * std::max(picture.depth(), 32);
+        QPixmapCache::setCacheLimit(m_limit + static_cast<int>(bits / 8 / 1024) + 1);
+    }
+    ~CacheRoom() { QPixmapCache::setCacheLimit(m_limit); }
+    CacheRoom(const CacheRoom &) = delete;
+    CacheRoom &operator=(const CacheRoom &) = delete;
+
+private:
+    const int m_limit; // kilobytes
+};
+
 QString hexadecimal(quint64 value, int digits)
 {
     QString text;
@@ -51,8 +72,8 @@ QString hexadecimal(quint64 value, int digits)
     return text;
 }
 
-/// What QPixmap looks a file up by in the cache of the process. Where another Qt names it otherwise
-/// the picture is decoded whole: tests/ui/album checks it.
+/// What QPixmap::load() of Qt 5.15 looks a file up by in the cache of the process. Where another Qt
+/// names it otherwise the picture is decoded whole: tests/ui/album tells.
 QString cacheKey(const QString &file)
 {
     const QFileInfo info(file);
@@ -72,7 +93,13 @@ QSize pictureSize(const QString &file)
 void setPictureSheet(QWidget *widget, const QString &sheet, const QString &file, QSize shown)
 {
     const QString key = cacheKey(file);
-    QPixmapCache::insert(key, decoded(file, shown));
+    const QPixmap picture = decoded(file, shown);
+    const CacheRoom room(picture);
+    // A sheet whose picture is not in the cache would decode the file whole.
+    if (!QPixmapCache::insert(key, picture)) {
+        widget->setStyleSheet({});
+        return;
+    }
     widget->setStyleSheet(sheet);
     widget->ensurePolished();
     // The file itself is loaded at its own size.
