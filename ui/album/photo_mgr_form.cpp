@@ -5,6 +5,8 @@
 #include "ui/common/camera_list_icons.h"
 #include "ui_photo_mgr_form.h"
 
+#include <QScrollBar>
+
 CPhotoMgrForm::CPhotoMgrForm(QWidget *parent)
     : QWidget(parent)
     , m_ui(std::make_unique<Ui::CPhotoMgrForm>())
@@ -29,6 +31,7 @@ void CPhotoMgrForm::open(bool videoMode)
         m_model.appendRow(zelvaro::makeCameraListItem(camera->name(), QVariant::fromValue(camera)));
     }
     m_videoMode = videoMode;
+    m_isOpen = true;
     m_ui->framePhotoMgr->setMode(videoMode);
     m_ui->labelMode->setText(m_videoMode ? tr("Videos") : tr("Photos"));
     m_ui->listCameraList->setCurrentIndex(m_model.index(0, 0));
@@ -37,13 +40,35 @@ void CPhotoMgrForm::open(bool videoMode)
 
 void CPhotoMgrForm::leave()
 {
+    m_isOpen = false;
+    emptyGrid();
+}
+
+void CPhotoMgrForm::emptyGrid()
+{
     m_ui->framePhotoMgr->setCamera(nullptr);
     m_ui->framePhotoMgr->refill();
 }
 
+void CPhotoMgrForm::refresh()
+{
+    m_isStale = m_isOpen && !isVisible();
+    if (m_isOpen && isVisible())
+        slotCameraItemChanged();
+}
+
+void CPhotoMgrForm::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    if (m_isStale && m_isOpen)
+        slotCameraItemChanged();
+}
+
 void CPhotoMgrForm::slotCameraItemChanged()
 {
-    leave();
+    m_isStale = false;
+    emptyGrid();
+    m_ui->scrollPhotoMgr->verticalScrollBar()->setValue(0);
     const QModelIndex current = m_ui->listCameraList->currentIndex();
     if (current.row() < 0)
         return;

@@ -26,12 +26,22 @@ public:
     void open(bool videoMode);
     /// Lets go of tiles and pictures. open() brings them back.
     void leave();
+    /// Reads the folder of the chosen camera again: the album stands elsewhere now. On a page that
+    /// is not shown the tiles stay until it is shown, because a viewer steps through them.
+    void refresh();
 
 public slots:
     void slotCameraItemChanged();
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
+    void emptyGrid();
+
     std::unique_ptr<Ui::CPhotoMgrForm> m_ui;
     QStandardItemModel m_model;
     bool m_videoMode = false;
+    bool m_isOpen = false;  // between open() and leave()
+    bool m_isStale = false; // to be read again when it is shown
 };

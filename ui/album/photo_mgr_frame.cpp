@@ -52,9 +52,9 @@ void CPhotoMgrFrame::refill()
     const QString path = folder.absolutePath() + QLatin1Char('/');
     for (const QString &name : names)
         addTile(name, path);
-    layoutTiles();
     m_thumbIndex = 0;
     m_timer.start();
+    layoutTiles(); // what is in sight comes first
 }
 
 // A tile may be the sender of the signal that brought us here, so it dies a little later.
@@ -164,6 +164,8 @@ void CPhotoMgrFrame::slotDeletePhoto(CPhotoMgrItemForm *item)
     if (question.exec() != QDialog::Accepted || !tile)
         return;
     const QString path = tile->fullPath();
+    const int index = static_cast<int>(m_tiles.indexOf(tile));
+    const bool hadFocus = tile->isAncestorOf(focusWidget()) || tile == focusWidget();
     m_tiles.removeAll(tile);
     tile->disconnect(this);
     tile->hide();
@@ -172,6 +174,21 @@ void CPhotoMgrFrame::slotDeletePhoto(CPhotoMgrItemForm *item)
     if (m_videoMode)
         QFile::remove(zelvaro::clipStill(path));
     refill();
+    if (hadFocus)
+        focusTile(index);
+}
+
+// Who deletes several files by the keyboard goes on from where the first one stood.
+void CPhotoMgrFrame::focusTile(int index)
+{
+    if (m_tiles.isEmpty())
+        return;
+    CPhotoMgrItemForm *tile = m_tiles.at(qBound(0, index, static_cast<int>(m_tiles.size()) - 1));
+    {
+        const zelvaro::Windowless content;
+        tile->setNear(true);
+    }
+    tile->setFocus();
 }
 
 void CPhotoMgrFrame::slotPlayPhoto(CPhotoMgrItemForm *item)

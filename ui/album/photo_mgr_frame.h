@@ -52,6 +52,7 @@ private:
     void showNearTiles();
     void continueThumbnails();
     void loadDueThumbnail();
+    void focusTile(int index);
     int columns() const;
 
     zelvaro::TileGrid m_grid;

@@ -24,8 +24,13 @@ void TileForm::mouseDoubleClickEvent(QMouseEvent *event)
     openItem();
 }
 
+// A key that is still held from elsewhere, as from a question that it answered, opens nothing.
 void TileForm::keyPressEvent(QKeyEvent *event)
 {
+    if (event->isAutoRepeat()) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
     switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:

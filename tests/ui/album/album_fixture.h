@@ -34,6 +34,13 @@ public:
             qFatal("cannot write %s", qPrintable(file));
         return file;
     }
+    /// What looks like a file of the album and cannot be deleted, whoever runs the test.
+    QString writeUndeletable(const QString &hostname, const QString &name) const
+    {
+        QDir().mkpath(path(hostname, name));
+        write(hostname, name + QStringLiteral("/inside"));
+        return path(hostname, name);
+    }
     QString writePicture(const QString &hostname, const QString &name, QColor colour,
                          QSize size = {64, 48}) const
     {
@@ -46,6 +53,13 @@ public:
         return file;
     }
 };
+
+/// What the keyboard sends while a key is held down.
+inline void repeatKey(QWidget *widget, Qt::Key key)
+{
+    QKeyEvent again(QEvent::KeyPress, key, Qt::NoModifier, QString(), true);
+    QApplication::sendEvent(widget, &again);
+}
 
 /// Colour in the middle of what a widget shows; JPEG and scaling change it a little.
 inline QColor centreOf(QWidget *widget)

@@ -18,6 +18,26 @@
 #include <QScrollBar>
 #include <QToolButton>
 
+#include <ctime>
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int usableTarget = 5000; // milliseconds
+#else
+constexpr int usableTarget = 1000; // milliseconds
+#endif
+
+/// Processor time of this thread, in milliseconds: what others do on the machine does not count.
+int threadTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<int>(time.tv_sec * 1000 + time.tv_nsec / 1'000'000);
+}
+
+} // namespace
+
 class TestPhotoMgr : public QObject
 {
     Q_OBJECT
@@ -45,12 +65,15 @@ private slots:
     void theFirstUnusedColumnAndRowTakeTheSlack();
 
     void oneThumbnailPerTick();
+    void aTickIs100Milliseconds();
     void theRuleOfThePictureIsExact();
     void aRecordingShowsTheStillBesideIt();
     void aMissingStillLeavesTheTileWithoutPicture();
     void picturesOfOddPathsAreDrawn();
     void onlyTilesInSightHoldPictures();
     void whatWasScrolledToComesFirst();
+    void anotherCameraStartsAtTheTop();
+    void aNewAlbumFolderIsFollowed();
     void twoThousandFilesDoNotHoldTheProgramUp();
     void theGridNeedsNoWindowsOfItsOwn();
     void refillStartsTheThumbnailsAgain();
@@ -59,12 +82,15 @@ private slots:
     void aLeftDoubleClickOpens();
     void otherDoubleClicksDoNotOpen();
     void buttonsAndKeysOfATile();
+    void aHeldKeyActsOnce();
 
     void deletingAsksFirst_data();
     void deletingAsksFirst();
     void cancelLeavesFileAndGrid();
     void deletingTheLastTileLeavesAnEmptyGrid();
     void deletingARecordingDeletesItsStill();
+    void afterADeletionTheTilesInSightComeFirst();
+    void afterADeletionTheFocusStays();
     void aFileThatIsGoneIsPassedOver();
     void tilesTakenOutByAViewerLeaveNoHole();
 
@@ -81,6 +107,31 @@ private:
         return result;
     }
     QFrame *picture(int i) { return tiles().at(i)->findChild<QFrame *>("framePhotoItem"); }
+    /// Nothing is drawn on it, also not the design's "no video".
+    static bool isOneColour(QFrame *picture)
+    {
+        const QImage image = picture->grab().toImage().convertToFormat(QImage::Format_RGB32);
+        QImage plain(image.size(), QImage::Format_RGB32);
+        plain.fill(image.pixelColor(0, 0));
+        return image == plain;
+    }
+    void deleteWithKey(CPhotoMgrItemForm *tile)
+    {
+        ModalScript script;
+        script.then([](QWidget *window) { press(window, "btnOk"); });
+        QTest::keyClick(tile, Qt::Key_Delete);
+        QVERIFY(script.done());
+    }
+    QScrollBar *scrollBar()
+    {
+        return m_page->findChild<QScrollArea *>("scrollPhotoMgr")->verticalScrollBar();
+    }
+    void scrollToTheEnd()
+    {
+        QTRY_VERIFY_WITH_TIMEOUT(scrollBar()->maximum() > 0, AlbumFixture::deadline);
+        scrollBar()->setValue(scrollBar()->maximum());
+        QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::deadline);
+    }
     int thumbnails()
     {
         return static_cast<int>(std::count_if(
@@ -357,6 +408,22 @@ void TestPhotoMgr::oneThumbnailPerTick()
     QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 4, AlbumFixture::deadline);
 }
 
+void TestPhotoMgr::aTickIs100Milliseconds()
+{
+    constexpr int count = 20;
+    m_album->addCameras({"A"});
+    for (int i = 0; i < count; ++i)
+        m_album->writePicture("A", QString("%1.jpg").arg(i), Qt::red);
+    open();
+    frame()->refill();
+    QElapsedTimer clock;
+    clock.start();
+    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), count, AlbumFixture::deadline);
+    // The toolkit's timers may be early by a twentieth, and a busy machine is late.
+    QVERIFY2(clock.elapsed() >= count * 95, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY2(clock.elapsed() < count * 300, qPrintable(QString::number(clock.elapsed())));
+}
+
 void TestPhotoMgr::theRuleOfThePictureIsExact()
 {
     m_album->addCameras({"A"});
@@ -383,8 +450,15 @@ void TestPhotoMgr::aMissingStillLeavesTheTileWithoutPicture()
     m_album->write("A", "1.mp4");
     m_album->write("A", "2.mp4");
     m_album->write("A", "2.mp4.jpeg", "this is no picture");
+    m_album->write("A", "3.mp4");
+    m_album->writePicture("A", "3.mp4.jpeg", Qt::green);
     open(true);
-    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 2, AlbumFixture::deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(thumbnails(), 3, AlbumFixture::deadline);
+    QVERIFY(isOneColour(picture(0)));
+    QVERIFY(isOneColour(picture(1)));
+    QVERIFY(centreOf(picture(0)) == centreOf(picture(1)));
+    QVERIFY(!alike(centreOf(picture(0)), Qt::green));
+    QVERIFY(alike(centreOf(picture(2)), Qt::green));
     QTest::mouseDClick(tiles().at(1), Qt::LeftButton);
     QCOMPARE(m_album->host.current, tiles().at(1));
 }
@@ -417,10 +491,7 @@ void TestPhotoMgr::onlyTilesInSightHoldPictures()
     };
     QVERIFY(holding() > 0 && holding() < 30);
     QVERIFY(!tiles().last()->isVisible());
-    QScrollBar *bar = m_page->findChild<QScrollArea *>("scrollPhotoMgr")->verticalScrollBar();
-    QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, AlbumFixture::deadline);
-    bar->setValue(bar->maximum());
-    QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::deadline);
+    scrollToTheEnd();
     QTRY_VERIFY_WITH_TIMEOUT(alike(centreOf(picture(39)), Qt::green), AlbumFixture::deadline);
     QTRY_VERIFY_WITH_TIMEOUT(picture(0)->styleSheet().isEmpty(), AlbumFixture::deadline);
     QVERIFY(holding() < 30);
@@ -432,10 +503,7 @@ void TestPhotoMgr::whatWasScrolledToComesFirst()
     for (int i = 0; i < 400; ++i)
         m_album->write("A", QString("%1.jpg").arg(i, 3, 10, QChar('0')));
     open();
-    QScrollBar *bar = m_page->findChild<QScrollArea *>("scrollPhotoMgr")->verticalScrollBar();
-    QTRY_VERIFY_WITH_TIMEOUT(bar->maximum() > 0, AlbumFixture::deadline);
-    bar->setValue(bar->maximum());
-    QTRY_VERIFY_WITH_TIMEOUT(tiles().last()->isVisible(), AlbumFixture::deadline);
+    scrollToTheEnd();
     for (int i = 0; i < 40; ++i)
         frame()->slotTimer();
     QVERIFY(tiles().last()->hasThumbnail());
@@ -444,22 +512,60 @@ void TestPhotoMgr::whatWasScrolledToComesFirst()
     QCOMPARE(thumbnails(), 400);
 }
 
+void TestPhotoMgr::anotherCameraStartsAtTheTop()
+{
+    m_album->addCameras({"A", "B"});
+    for (int i = 0; i < 60; ++i) {
+        m_album->write("A", QString("%1.jpg").arg(i, 2, 10, QChar('0')));
+        m_album->write("B", QString("%1.jpg").arg(i, 2, 10, QChar('0')));
+    }
+    open();
+    scrollToTheEnd();
+    clickRow(1);
+    QCOMPARE(scrollBar()->value(), 0);
+    QVERIFY(tiles().first()->isNear());
+    QVERIFY(!tiles().last()->isNear());
+}
+
+void TestPhotoMgr::aNewAlbumFolderIsFollowed()
+{
+    CameraSettings &settings = CameraSettings::instance();
+    const QString former = settings.albumPath();
+    m_album->addCameras({"A"});
+    m_album->write("A", "former.jpg");
+    open();
+    settings.setAlbumPath(former + "/new");
+    m_album->write("A", "new.jpg");
+    m_page->refresh();
+    QCOMPARE(names(), QStringList({"new.jpg"}));
+    // A viewer steps through the tiles while another page is shown.
+    m_page->hide();
+    settings.setAlbumPath(former);
+    m_page->refresh();
+    QCOMPARE(names(), QStringList({"new.jpg"}));
+    m_page->show();
+    QCOMPARE(names(), QStringList({"former.jpg"}));
+    m_page->leave();
+    m_page->refresh();
+    QVERIFY(tiles().isEmpty());
+}
+
 void TestPhotoMgr::twoThousandFilesDoNotHoldTheProgramUp()
 {
     m_album->addCameras({"A"});
     for (int i = 0; i < 2000; ++i)
         m_album->write("A", QString("%1.jpg").arg(i, 4, 10, QChar('0')));
-    QElapsedTimer clock;
-    clock.start();
+    const int before = threadTime();
     open();
     QTRY_VERIFY_WITH_TIMEOUT(tiles().first()->isVisible(), AlbumFixture::deadline);
-    qInfo("usable after %lld ms", clock.elapsed());
+    const int taken = threadTime() - before;
+    qInfo("usable after %d ms of work", taken);
+    QVERIFY2(taken < usableTarget, qPrintable(QString::number(taken)));
     QCOMPARE(tiles().size(), 2000);
     int built = 0;
     for (CPhotoMgrItemForm *tile : tiles())
         built += tile->findChild<QToolButton *>("btnPlay") != nullptr;
     QVERIFY2(built > 0 && built < 60, qPrintable(QString::number(built)));
-    QVERIFY(clock.elapsed() < AlbumFixture::deadline);
 }
 
 // As the whole program runs: a grid of thousands is higher than an X window can be.
@@ -565,6 +671,17 @@ void TestPhotoMgr::buttonsAndKeysOfATile()
     QCOMPARE(deleted.first().first().value<CPhotoMgrItemForm *>(), &tile);
 }
 
+// A Return that answered a question must not open the tile that has the keyboard next.
+void TestPhotoMgr::aHeldKeyActsOnce()
+{
+    CPhotoMgrItemForm tile;
+    QSignalSpy played(&tile, &CPhotoMgrItemForm::playPhoto);
+    QSignalSpy deleted(&tile, &CPhotoMgrItemForm::deletePhoto);
+    repeatKey(&tile, Qt::Key_Return);
+    repeatKey(&tile, Qt::Key_Delete);
+    QCOMPARE(played.size() + deleted.size(), 0);
+}
+
 void TestPhotoMgr::deletingAsksFirst_data()
 {
     QTest::addColumn<bool>("video");
@@ -641,6 +758,42 @@ void TestPhotoMgr::deletingARecordingDeletesItsStill()
     QVERIFY(script.done());
     QVERIFY(!QFile::exists(still));
     QVERIFY(QFile::exists(other));
+}
+
+void TestPhotoMgr::afterADeletionTheTilesInSightComeFirst()
+{
+    m_album->addCameras({"A"});
+    for (int i = 0; i < 400; ++i)
+        m_album->write("A", QString("%1.jpg").arg(i, 3, 10, QChar('0')));
+    open();
+    scrollToTheEnd();
+    deleteWithKey(tiles().last());
+    QCOMPARE(tiles().size(), 399);
+    for (int i = 0; i < 40; ++i)
+        frame()->slotTimer();
+    int near = 0;
+    for (const CPhotoMgrItemForm *tile : tiles()) {
+        near += tile->isNear();
+        QVERIFY2(!tile->isNear() || tile->hasThumbnail(), qPrintable(tile->fileName()));
+    }
+    QVERIFY(near > 0);
+    QVERIFY(!tiles().first()->isNear());
+}
+
+void TestPhotoMgr::afterADeletionTheFocusStays()
+{
+    m_album->addCameras({"A"});
+    for (const char *name : {"1.jpg", "2.jpg", "3.jpg"})
+        m_album->write("A", name);
+    open();
+    tiles().at(1)->setFocus();
+    deleteWithKey(tiles().at(1));
+    QCOMPARE(names(), QStringList({"1.jpg", "3.jpg"}));
+    QCOMPARE(m_page->focusWidget(), tiles().at(1));
+    deleteWithKey(tiles().at(1));
+    QCOMPARE(m_page->focusWidget(), tiles().at(0));
+    deleteWithKey(tiles().at(0));
+    QVERIFY(tiles().isEmpty());
 }
 
 void TestPhotoMgr::aFileThatIsGoneIsPassedOver()
