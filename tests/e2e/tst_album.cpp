@@ -1,4 +1,5 @@
 #include "app/main_form.h"
+#include "ui/common/message_box.h"
 #include "tests/e2e/program_run.h"
 #include "tests/e2e/screen.h"
 #include "tests/support/modal_script.h"
@@ -8,8 +9,7 @@
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/album/play_photo_form.h"
 #include "ui/album/play_video_form.h"
-#include "ui/album/player_frame.h"
-#include "ui/common/message_box.h"
+#include "ui/album/fitted_frame.h"
 #include "ui/live/play_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
@@ -124,9 +124,10 @@ private:
     static QList<CPhotoMgrItemForm *> tiles(const QWidget *album)
     {
         QList<CPhotoMgrItemForm *> seen;
-        for (auto *tile : album->findChildren<CPhotoMgrItemForm *>())
+        for (auto *tile : album->findChildren<CPhotoMgrItemForm *>()) {
             if (tile->isVisible())
                 seen << tile;
+        }
         std::sort(seen.begin(), seen.end(),
                   [](auto *a, auto *b) { return a->fileName() < b->fileName(); });
         return seen;
@@ -159,7 +160,7 @@ private:
 
     void answerQuestion(const QString &text, const char *button, const QWidget *deleteButton);
     Phonon::MediaObject *media() const { return player()->player()->mediaObject(); }
-    QWidget *videoSurface() const { return player()->findChild<zelvaro::PlayerFrame *>(); }
+    QWidget *videoSurface() const { return player()->findChild<zelvaro::FittedFrame *>(); }
     bool playButtonSays(const char *text) const
     {
         return player()->findChild<QToolButton *>("btnPlay")->accessibleName() ==

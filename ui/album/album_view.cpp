@@ -1,6 +1,7 @@
 #include "ui/album/album_view.h"
 
 #include "ui/album/photo_mgr_item_form.h"
+#include "ui/common/message_box.h"
 #include "ui/common/status_text.h"
 #include "ui/common/video_area_frame.h"
 
@@ -10,6 +11,21 @@
 #include <QToolButton>
 
 namespace zelvaro {
+
+namespace {
+
+bool removed(const QString &file)
+{
+    return QFile::remove(file) || !QFile::exists(file);
+}
+
+/// With a modifier a key means something else, such as another way to delete.
+bool isPlain(const QKeyEvent &event)
+{
+    return (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+}
+
+} // namespace
 
 AlbumView::AlbumView(QWidget *parent) : QWidget(parent) {}
 
@@ -60,28 +76,33 @@ void AlbumView::slotNext()
 
 void AlbumView::slotDelete()
 {
-    closeFile();
-    if (CPhotoMgrItemForm *tile = deleteCurrent())
-        showTile(tile);
-    else
-        slotBack();
-}
-
-/// Nothing is deleted for a tile that is not in the list.
-/// @return the tile to show now; null when the list is empty
-CPhotoMgrItemForm *AlbumView::deleteCurrent()
-{
     const int index = currentIndex();
     if (index >= 0) {
-        CPhotoMgrItemForm *tile = m_list->takeAt(index);
-        QFile::remove(tile->fullPath());
+        CPhotoMgrItemForm *tile = m_list->at(index);
+        closeFile();
+        if (!removed(tile->fullPath())) {
+            tellNotDeleted(tile->fileName());
+            return;
+        }
+        m_list->removeAt(index);
+        m_current.clear();
         tile->hide();
         tile->deleteLater();
-        m_current.clear();
     }
     if (!m_list || m_list->isEmpty())
-        return nullptr;
-    return m_list->at(qBound(0, index, static_cast<int>(m_list->size()) - 1));
+        slotBack();
+    else if (index >= 0)
+        showTile(m_list->at(qMin(index, static_cast<int>(m_list->size()) - 1)));
+}
+
+void AlbumView::tellNotDeleted(const QString &fileName)
+{
+    QWidget *parent = m_surface->window();
+    if (!isPictureFullScreen() && pageHost() && pageHost()->dialogParent())
+        parent = pageHost()->dialogParent();
+    CMessageBox(CMessageBox::Error, tr("Error"), tr("\"%1\" cannot be deleted.").arg(fileName),
+                QMessageBox::Ok, parent)
+        .exec();
 }
 
 void AlbumView::slotBack()
@@ -184,18 +205,32 @@ void AlbumView::showStatus()
 bool AlbumView::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == m_surface && event->type() == QEvent::KeyPress &&
-        handleKey(static_cast<QKeyEvent *>(event)->key()))
+        handleKey(*static_cast<QKeyEvent *>(event)))
         return true;
     return QWidget::eventFilter(watched, event);
 }
 
 void AlbumView::keyPressEvent(QKeyEvent *event)
 {
-    if (!handleKey(event->key()))
+    if (!handleKey(*event))
         QWidget::keyPressEvent(event);
 }
 
-bool AlbumView::handleKey(int key)
+bool AlbumView::handleKey(const QKeyEvent &event)
+{
+    switch (event.key()) {
+    case Qt::Key_Plus: // with Shift on many keyboards
+        slotZoomIn();
+        return true;
+    case Qt::Key_Minus:
+        slotZoomOut();
+        return true;
+    default:
+        return isPlain(event) && handlePlainKey(event.key(), event.isAutoRepeat());
+    }
+}
+
+bool AlbumView::handlePlainKey(int key, bool repeated)
 {
     switch (key) {
     case Qt::Key_Left:
@@ -206,14 +241,10 @@ bool AlbumView::handleKey(int key)
     case Qt::Key_PageDown:
         slotNext();
         return true;
-    case Qt::Key_Plus:
-        slotZoomIn();
-        return true;
-    case Qt::Key_Minus:
-        slotZoomOut();
-        return true;
     case Qt::Key_Delete:
-        slotDelete();
+        // The neighbour is shown at once: a key that is held would take file after file.
+        if (!repeated)
+            slotDelete();
         return true;
     default:
         return false;

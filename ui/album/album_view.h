@@ -10,6 +10,7 @@
 #include <memory>
 
 class CVideoAreaFrame;
+class QKeyEvent;
 class QLabel;
 class QToolButton;
 
@@ -42,7 +43,8 @@ public slots:
     void slotNext();
     void slotZoomIn();
     void slotZoomOut();
-    /// Does not ask the user. Shows the next file; after the last one returns to the album.
+    /// Does not ask. Shows the neighbour; behind the last one goes back to the album. A file that
+    /// cannot be deleted stays, and the user is told. Nothing for a tile that is not in the list.
     void slotDelete();
     /// Enters the full screen, never leaves it.
     void slotFullScreen();
@@ -88,14 +90,16 @@ protected:
     virtual void backToAlbum(PageHost &host) = 0;
     /// The picture has moved on the page or changed its size.
     virtual void pictureMoved() {}
+    /// A key without modifiers. repeated: it is being held down.
     /// @return whether the key means something here
-    virtual bool handleKey(int key);
+    virtual bool handlePlainKey(int key, bool repeated);
 
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    bool handleKey(const QKeyEvent &event);
     int currentIndex() const;
-    CPhotoMgrItemForm *deleteCurrent();
+    void tellNotDeleted(const QString &fileName);
     void place();
     void moved();
     void showStatus();

@@ -47,8 +47,18 @@ void ClickVideoPlayer::closeFile()
 
 void ClickVideoPlayer::clearVideo()
 {
-    if (mediaObject()->hasVideo())
+    if (hasVideo())
         mediaObject()->clear();
+}
+
+bool ClickVideoPlayer::hasVideo() const
+{
+    return mediaObject()->hasVideo();
+}
+
+void ClickVideoPlayer::leaveVideoFullScreen()
+{
+    videoWidget()->exitFullScreen();
 }
 
 void ClickVideoPlayer::mouseDoubleClickEvent(QMouseEvent *event)

@@ -19,6 +19,9 @@ public:
     /// Size of the video; empty while unknown. May be a default of the back end.
     QSize videoSizeHint() const;
     void playFile(const QString &file);
+    bool hasVideo() const;
+    /// The video widget's own full screen, which is not the page's.
+    void leaveVideoFullScreen();
     /// Stops, and lets go of the file.
     void closeFile();
     /// Clears the last frame, if there is one.

@@ -1,12 +1,10 @@
 #include "ui/album/photo_frame.h"
 
 #include "ui/album/sheet_picture.h"
-#include "ui/common/picture_layout.h"
 #include "ui/common/style_url.h"
 
 #include <QFrame>
 #include <QGuiApplication>
-#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScreen>
 
@@ -24,20 +22,16 @@ QSize largestScreen()
 
 } // namespace
 
-CPhotoFrame::CPhotoFrame(QWidget *parent) : QWidget(parent), m_picture(new QFrame(this))
+CPhotoFrame::CPhotoFrame(QWidget *parent) : FittedFrame(parent), m_picture(new QFrame)
 {
     m_picture->setObjectName(QStringLiteral("framePicture"));
-    setFocusPolicy(Qt::StrongFocus);
-    QPalette black = palette();
-    black.setColor(QPalette::Window, Qt::black);
-    setPalette(black);
-    setAutoFillBackground(true);
+    setContent(m_picture);
+    connect(this, &FittedFrame::escaped, this, &CPhotoFrame::doubleClicked);
 }
 
 void CPhotoFrame::setPhoto(const QString &file, QSize size)
 {
-    m_size = size;
-    placePicture();
+    setContentSize(size);
     zelvaro::setPictureSheet(
         m_picture,
         QStringLiteral("QFrame#framePicture{border-image:url(%1);}").arg(zelvaro::styleUrl(file)),
@@ -47,23 +41,14 @@ void CPhotoFrame::setPhoto(const QString &file, QSize size)
 void CPhotoFrame::clear()
 {
     m_picture->setStyleSheet({});
-    m_size = {};
 }
 
-void CPhotoFrame::placePicture()
+// Hidden meanwhile: a picture that is stretched before it has moved flickers.
+void CPhotoFrame::moveContent(QWidget *picture, const QRect &place)
 {
-    const QRect place = zelvaro::fittedRect(size(), m_size);
-    if (m_picture->geometry() == place)
-        return;
-    m_picture->hide();
-    m_picture->setGeometry(place);
-    m_picture->show();
-}
-
-void CPhotoFrame::resizeEvent(QResizeEvent *event)
-{
-    QWidget::resizeEvent(event);
-    placePicture();
+    picture->hide();
+    picture->setGeometry(place);
+    picture->show();
 }
 
 void CPhotoFrame::mouseDoubleClickEvent(QMouseEvent *event)
@@ -72,24 +57,4 @@ void CPhotoFrame::mouseDoubleClickEvent(QMouseEvent *event)
         emit doubleClicked();
     else
         QWidget::mouseDoubleClickEvent(event);
-}
-
-void CPhotoFrame::keyPressEvent(QKeyEvent *event)
-{
-    if (!m_escape.press(*event))
-        QWidget::keyPressEvent(event);
-}
-
-void CPhotoFrame::keyReleaseEvent(QKeyEvent *event)
-{
-    if (m_escape.release(*event))
-        emit doubleClicked();
-    else
-        QWidget::keyReleaseEvent(event);
-}
-
-void CPhotoFrame::focusOutEvent(QFocusEvent *event)
-{
-    m_escape.focusLost();
-    QWidget::focusOutEvent(event);
 }

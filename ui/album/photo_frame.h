@@ -1,15 +1,11 @@
 #pragma once
 
-#include "ui/common/escape_key.h"
-
-#include <QRect>
-#include <QSize>
-#include <QWidget>
+#include "ui/album/fitted_frame.h"
 
 class QFrame;
 
 /// Shows one photo as large as it fits, with its aspect ratio kept. GUI thread only.
-class CPhotoFrame : public QWidget
+class CPhotoFrame : public zelvaro::FittedFrame
 {
     Q_OBJECT
 
@@ -23,20 +19,13 @@ public:
     void clear();
 
 signals:
-    /// A double click with the left button, or Escape pressed and released.
+    /// A double click with the left button, or Escape released.
     void doubleClicked();
 
 protected:
-    void resizeEvent(QResizeEvent *event) override;
+    void moveContent(QWidget *picture, const QRect &place) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
-    void keyReleaseEvent(QKeyEvent *event) override;
-    void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    void placePicture();
-
     QFrame *m_picture;
-    QSize m_size;
-    zelvaro::EscapeKey m_escape;
 };

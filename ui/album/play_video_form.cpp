@@ -8,7 +8,6 @@
 #include <QSlider>
 
 #include <phonon/mediaobject.h>
-#include <phonon/videowidget.h>
 
 namespace {
 
@@ -36,7 +35,7 @@ CPlayVideoForm::CPlayVideoForm(QWidget *parent)
     connect(&m_watchTimer, &QTimer::timeout, this, &CPlayVideoForm::watchStart);
 
     connect(m_ui->btnPlay, &QToolButton::clicked, this, &CPlayVideoForm::slotPlay);
-    connect(m_ui->framePlayer, &zelvaro::PlayerFrame::escaped, this,
+    connect(m_ui->framePlayer, &zelvaro::FittedFrame::escaped, this,
             &CPlayVideoForm::slotPhotoDoubleClicked);
 }
 
@@ -49,7 +48,7 @@ CPlayVideoForm::~CPlayVideoForm()
 void CPlayVideoForm::makePlayer()
 {
     m_player = new ClickVideoPlayer;
-    m_ui->framePlayer->setPlayer(m_player);
+    m_ui->framePlayer->setContent(m_player);
     m_ui->sliderSeek->setMediaObject(m_player->mediaObject());
     connect(m_player, &ClickVideoPlayer::doubleClicked, this,
             &CPlayVideoForm::slotPhotoDoubleClicked);
@@ -68,7 +67,7 @@ void CPlayVideoForm::showVideo(CPhotoMgrItemForm *tile)
 {
     stopPlayer();
     showPlaying(false);
-    m_ui->framePlayer->setVideoSize(unknownSize);
+    m_ui->framePlayer->setContentSize(unknownSize);
     setCurrent(tile, unknownSize);
     m_startTimer.start();
     m_ui->framePlayer->setFocus();
@@ -101,6 +100,7 @@ void CPlayVideoForm::slotPlay()
     if (!m_player || !current())
         return;
     if (!m_player->hasBackEnd()) {
+    m_startTimer.stop(); // a click may come first
         setNote(tr("Recordings cannot be played: no back end of Phonon is installed."));
         return;
     }
@@ -126,12 +126,12 @@ void CPlayVideoForm::slotStateChanged(Phonon::State newstate, Phonon::State olds
         showPlaying(true);
         break;
     case Phonon::StoppedState:
-        m_player->videoWidget()->exitFullScreen();
+        m_player->leaveVideoFullScreen();
         [[fallthrough]];
     case Phonon::PausedState:
         showPlaying(false);
         if (m_player->isAtEnd())
-            m_player->mediaObject()->stop();
+            m_player->stop();
         break;
     case Phonon::ErrorState:
         m_watchTimer.stop();
@@ -154,13 +154,13 @@ void CPlayVideoForm::adoptVideoSize()
         size = m_player->videoSizeHint();
     if (size.isEmpty() || size == pictureSize())
         return;
-    m_ui->framePlayer->setVideoSize(size);
+    m_ui->framePlayer->setContentSize(size);
     setPictureSize(size);
 }
 
 void CPlayVideoForm::watchStart()
 {
-    if (m_player->isPlaying() || m_player->isPaused() || m_player->mediaObject()->hasVideo())
+    if (m_player->isPlaying() || m_player->isPaused() || m_player->hasVideo())
         return;
     setNote(tr("This recording cannot be played."));
 }
@@ -198,10 +198,11 @@ void CPlayVideoForm::leave()
     m_player->clearVideo();
 }
 
-bool CPlayVideoForm::handleKey(int key)
+bool CPlayVideoForm::handlePlainKey(int key, bool repeated)
 {
     if (key != Qt::Key_Space)
-        return AlbumView::handleKey(key);
-    slotPlay();
+        return AlbumView::handlePlainKey(key, repeated);
+    if (!repeated)
+        slotPlay();
     return true;
 }

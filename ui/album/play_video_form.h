@@ -42,7 +42,7 @@ protected:
     void leave() override;
     void backToAlbum(PageHost &host) override { host.backToVideoMgr(); }
     void pictureMoved() override;
-    bool handleKey(int key) override;
+    bool handlePlainKey(int key, bool repeated) override;
 
 private:
     void makePlayer();

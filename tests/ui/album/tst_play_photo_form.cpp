@@ -1,6 +1,8 @@
+#include "tests/support/modal_script.h"
 #include "tests/ui/album/album_fixture.h"
 #include "ui/album/photo_frame.h"
 #include "ui/album/play_photo_form.h"
+#include "ui/common/message_box.h"
 #include "ui/common/video_area_frame.h"
 
 #include <QFrame>
@@ -29,11 +31,15 @@ private slots:
     void deletingTheLastOfSeveralShowsTheNewLast();
     void deletingTheOnlyPictureReturnsToTheAlbum();
     void deletingDoesNotAsk();
+    void aHeldDeleteKeyDeletesOneFile();
+    void aDeleteKeyWithModifiersDeletesNothing();
+    void aFileThatCannotBeDeletedIsToldAndStays();
     void aTileThatIsGoneIsNotTouched();
     void backReturnsToTheAlbum();
 
     void aLeftDoubleClickTogglesFullScreen();
     void releasingEscapeLeavesFullScreen();
+    void escapePressedElsewhereLeavesThePictureAlone();
     void theFullScreenButtonOnlyEnters();
     void keysStepInFullScreen();
 
@@ -260,6 +266,60 @@ void TestPlayPhotoForm::deletingDoesNotAsk()
 }
 
 void TestPlayPhotoForm::aTileThatIsGoneIsNotTouched()
+void TestPlayPhotoForm::aHeldDeleteKeyDeletesOneFile()
+{
+    for (const char *name : {"a.jpg", "b.jpg", "c.jpg"})
+        add(name);
+    show();
+    QTest::keyPress(m_frame, Qt::Key_Delete);
+    for (int i = 0; i < 3; ++i) {
+        repeatKey(m_frame, Qt::Key_Delete);
+        repeatKey(m_page.get(), Qt::Key_Delete);
+    }
+    QTest::keyRelease(m_frame, Qt::Key_Delete);
+    QVERIFY(!QFile::exists(m_album->path("A", "a.jpg")));
+    QCOMPARE(m_list.size(), 2);
+    QVERIFY(QFile::exists(m_album->path("A", "b.jpg")));
+    QTest::keyClick(m_frame, Qt::Key_Delete);
+    QCOMPARE(m_list.size(), 1);
+}
+
+void TestPlayPhotoForm::aDeleteKeyWithModifiersDeletesNothing()
+{
+    add("a.jpg");
+    add("b.jpg");
+    show();
+    for (const auto modifier :
+         {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier, Qt::MetaModifier}) {
+        QTest::keyClick(m_frame, Qt::Key_Delete, modifier);
+        QTest::keyClick(m_frame, Qt::Key_Right, modifier);
+    }
+    QCOMPARE(m_list.size(), 2);
+    QVERIFY(status().startsWith("a.jpg"));
+    QTest::keyClick(m_frame, Qt::Key_Delete, Qt::KeypadModifier);
+    QCOMPARE(m_list.size(), 1);
+}
+
+void TestPlayPhotoForm::aFileThatCannotBeDeletedIsToldAndStays()
+{
+    m_list << tile(m_album->writeUndeletable("A", "a.jpg"));
+    add("b.jpg");
+    show();
+    QString message;
+    ModalScript script([&](CMessageBox *box) {
+        message = box->findChild<QLabel *>("labelMessage")->text();
+        box->accept();
+    });
+    click("btnDelete");
+    QVERIFY(script.done());
+    QVERIFY2(message.contains("a.jpg"), qPrintable(message));
+    QCOMPARE(m_list.size(), 2);
+    QVERIFY(status().startsWith("a.jpg"));
+    QVERIFY(QFile::exists(m_album->path("A", "a.jpg")));
+    click("btnNext");
+    QVERIFY(status().startsWith("b.jpg"));
+}
+
 {
     add("a.jpg");
     add("b.jpg");
@@ -271,6 +331,8 @@ void TestPlayPhotoForm::aTileThatIsGoneIsNotTouched()
     QCOMPARE(status(), QString());
     click("btnDelete");
     QVERIFY(QFile::exists(m_album->path("A", "a.jpg")));
+    click("btnDelete");
+    QCOMPARE(status(), QString());
     QVERIFY(QFile::exists(m_album->path("A", "b.jpg")));
 }
 
@@ -310,6 +372,23 @@ void TestPlayPhotoForm::releasingEscapeLeavesFullScreen()
 }
 
 void TestPlayPhotoForm::theFullScreenButtonOnlyEnters()
+// As when it closes a dialog that stands over the picture.
+void TestPlayPhotoForm::escapePressedElsewhereLeavesThePictureAlone()
+{
+    add("a.jpg");
+    show();
+    click("btnFullScreen");
+    QTest::keyRelease(m_frame, Qt::Key_Escape);
+    QVERIFY(m_page->isPictureFullScreen());
+    QTest::keyPress(m_frame, Qt::Key_Escape);
+    QFocusEvent left(QEvent::FocusOut);
+    QApplication::sendEvent(m_frame, &left);
+    QTest::keyRelease(m_frame, Qt::Key_Escape);
+    QVERIFY(m_page->isPictureFullScreen());
+    QTest::keyClick(m_frame, Qt::Key_Escape);
+    QVERIFY(!m_page->isPictureFullScreen());
+}
+
 {
     add("a.jpg");
     show();

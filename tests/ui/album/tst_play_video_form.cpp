@@ -1,8 +1,9 @@
 #include "resources/resources.h"
+#include "tests/support/modal_script.h"
 #include "tests/ui/album/album_fixture.h"
 #include "ui/album/click_video_player.h"
 #include "ui/album/play_video_form.h"
-#include "ui/album/player_frame.h"
+#include "ui/common/message_box.h"
 
 #include <QLabel>
 #include <QSlider>
@@ -11,7 +12,8 @@
 #include <phonon/mediaobject.h>
 #include <phonon/seekslider.h>
 
-/// The page without a picture: what it does with the states that a player passes through, and with
+/// The page without a picture: what it does with the states that a player goes through, and with
+#include <phonon/videowidget.h>
 /// files that are no recordings. Playback itself is in tst_playback.
 class TestPlayVideoForm : public QObject
 {
@@ -27,10 +29,16 @@ private slots:
     void statesChangeThePlayButton();
     void previousAndNextStopAtTheEnds();
     void deletingShowsTheNeighbour();
+    void aStopLeavesTheFullScreenOfTheVideo();
     void deletingTheOnlyRecordingReturnsToTheAlbum();
     void deletingLeavesTheStill();
     void leavingBeforeTheStartDoesNotStart();
     void leavingTwiceAndBeforeAnyRecordingIsSafe();
+    void aRecordingThatCannotBeDeletedIsToldAndStays();
+    void aHeldDeleteKeyDeletesOneRecording();
+    void playbackStartsAfter100Milliseconds();
+    void playBeforeTheStartStartsOnce();
+    void aHeldSpaceKeyActsOnce();
     void backReturnsToTheAlbum();
     void aLeftDoubleClickTogglesFullScreen();
     void escapeLeavesFullScreen();
@@ -52,10 +60,15 @@ private:
     void click(const char *name) { QTest::mouseClick(button(name), Qt::LeftButton); }
     bool showsPause()
     {
+    void waitForAnotherStart();
+    static bool hasStarted(const CPlayVideoForm &page)
+    {
+        return page.player()->mediaObject()->currentSource().type() != Phonon::MediaSource::Empty;
+    }
         const QImage pause = QIcon(":/images/panelbtn/pausebtn.png").pixmap(32, 32).toImage();
         return button("btnPlay")->icon().pixmap(32, 32).toImage() == pause;
     }
-    zelvaro::PlayerFrame *surface() { return m_page->findChild<zelvaro::PlayerFrame *>(); }
+    zelvaro::FittedFrame *surface() { return m_page->findChild<zelvaro::FittedFrame *>(); }
 
     std::unique_ptr<AlbumFixture> m_album;
     std::unique_ptr<QWidget> m_owner;
@@ -136,6 +149,19 @@ void TestPlayVideoForm::previousAndNextStopAtTheEnds()
     add("a.mp4");
     add("b.mp4");
     show();
+void TestPlayVideoForm::aStopLeavesTheFullScreenOfTheVideo()
+{
+    add("a.mp4");
+    show();
+    Phonon::VideoWidget *video = m_page->player()->videoWidget();
+    video->enterFullScreen();
+    QVERIFY(video->isFullScreen());
+    m_page->slotStateChanged(Phonon::PausedState, Phonon::PlayingState);
+    QVERIFY(video->isFullScreen());
+    m_page->slotStateChanged(Phonon::StoppedState, Phonon::PlayingState);
+    QVERIFY(!video->isFullScreen());
+}
+
     click("btnPrev");
     QVERIFY(status().startsWith("a.mp4"));
     click("btnNext");
@@ -186,10 +212,88 @@ void TestPlayVideoForm::leavingBeforeTheStartDoesNotStart()
     add("a.mp4");
     show();
     m_page->stop(true);
+void TestPlayVideoForm::aRecordingThatCannotBeDeletedIsToldAndStays()
+{
+    auto *tile = new CPhotoMgrItemForm(m_owner.get());
+    tile->setItem("a.mp4", m_album->writeUndeletable("A", "a.mp4"));
+    m_list << tile;
+    show();
+    ModalScript script([](CMessageBox *box) { box->accept(); });
+    QTest::keyClick(surface(), Qt::Key_Delete);
+    QVERIFY(script.done());
+    QCOMPARE(m_list.size(), 1);
+    QVERIFY(status().startsWith("a.mp4"));
+    QVERIFY(m_album->host.pages.isEmpty());
+}
+
+void TestPlayVideoForm::aHeldDeleteKeyDeletesOneRecording()
+{
+    for (const char *name : {"a.mp4", "b.mp4", "c.mp4"})
+        add(name);
+    show();
+    QTest::keyPress(surface(), Qt::Key_Delete);
+    for (int i = 0; i < 5; ++i)
+        repeatKey(surface(), Qt::Key_Delete);
+    QCOMPARE(m_list.size(), 2);
+}
+
+// The shortest of some: a busy machine makes one late.
+void TestPlayVideoForm::playbackStartsAfter100Milliseconds()
+{
+    add("a.mp4");
+    show();
+    if (!m_page->player()->hasBackEnd())
+        QSKIP("no back end of Phonon is installed");
+    qint64 shortest = AlbumFixture::deadline;
+    for (int i = 0; i < 5; ++i) {
+        m_page->stop(false);
+        m_page->player()->mediaObject()->clear();
+        m_page->setList(&m_list);
+        QElapsedTimer clock;
+        clock.start();
+        m_page->showVideo(m_list.first());
+        while (!hasStarted(*m_page) && clock.elapsed() < AlbumFixture::deadline)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        shortest = qMin(shortest, clock.elapsed());
+    }
+    QVERIFY2(shortest >= 95, qPrintable(QString::number(shortest)));
+    QVERIFY2(shortest < 250, qPrintable(QString::number(shortest)));
+}
+
+void TestPlayVideoForm::playBeforeTheStartStartsOnce()
+{
+    add("a.mp4");
+    show();
+    if (!m_page->player()->hasBackEnd())
+        QSKIP("no back end of Phonon is installed");
+    click("btnPlay");
+    QVERIFY(hasStarted(*m_page));
+    m_page->player()->mediaObject()->clear();
+    QVERIFY(!hasStarted(*m_page));
+    waitForAnotherStart();
+    QVERIFY(!hasStarted(*m_page));
+}
+
+void TestPlayVideoForm::aHeldSpaceKeyActsOnce()
+{
+    add("a.mp4");
+    show();
+    if (!m_page->player()->hasBackEnd())
+        QSKIP("no back end of Phonon is installed");
+    for (int i = 0; i < 5; ++i)
+        repeatKey(surface(), Qt::Key_Space);
+    QTest::keyClick(surface(), Qt::Key_Space, Qt::ControlModifier);
+    QVERIFY(!hasStarted(*m_page));
+    QTest::keyClick(surface(), Qt::Key_Space);
+    QVERIFY(hasStarted(*m_page));
+}
+
     // Longer than the delay of the start: a timer of ours that was begun after it.
     QTimer later;
     QSignalSpy fired(&later, &QTimer::timeout);
     later.setSingleShot(true);
+    if (!m_page->player()->hasBackEnd())
+        QSKIP("no back end of Phonon is installed");
     later.start(400);
     QVERIFY(fired.wait(AlbumFixture::deadline));
     QCOMPARE(m_page->player()->mediaObject()->currentSource().type(), Phonon::MediaSource::Empty);
@@ -287,13 +391,13 @@ void TestPlayVideoForm::theSeekSliderFollowsTheRecording()
 
 void TestPlayVideoForm::thePlayerKeepsTheRatio()
 {
-    zelvaro::PlayerFrame frame;
+    zelvaro::FittedFrame frame;
     auto *player = new QWidget;
     frame.resize(300, 300);
-    frame.setPlayer(player);
+    frame.setContent(player);
     frame.show();
     QCOMPARE(player->geometry(), QRect(0, 0, frame.width(), frame.height()));
-    frame.setVideoSize({400, 100});
+    frame.setContentSize({400, 100});
     QCOMPARE(player->height(), frame.width() / 4);
     QCOMPARE(player->width(), frame.width());
 }
