@@ -4,6 +4,8 @@
 #include "ui/album/sheet_picture.h"
 #include "ui_play_photo_form.h"
 
+#include <QHideEvent>
+
 CPlayPhotoForm::CPlayPhotoForm(QWidget *parent)
     : AlbumView(parent)
     , m_ui(std::make_unique<Ui::CPlayPhotoForm>())
@@ -20,11 +22,34 @@ void CPlayPhotoForm::showPhoto(CPhotoMgrItemForm *tile)
 {
     const QSize size = zelvaro::pictureSize(tile->fullPath());
     setCurrent(tile, size);
-    m_ui->framePhoto->setPhoto(tile->fullPath(), size);
+    showPicture();
     m_ui->framePhoto->setFocus();
+}
+
+void CPlayPhotoForm::showPicture()
+{
+    m_ui->framePhoto->setPhoto(current()->fullPath(), pictureSize());
+    m_holdsPicture = true;
 }
 
 void CPlayPhotoForm::leave()
 {
     m_ui->framePhoto->clear();
+    m_holdsPicture = false;
+}
+
+void CPlayPhotoForm::showEvent(QShowEvent *event)
+{
+    AlbumView::showEvent(event);
+    if (current() && !m_holdsPicture)
+        showPicture();
+}
+
+// The tool bar goes to another page without a word to this one. A window that is minimized keeps
+// its picture.
+void CPlayPhotoForm::hideEvent(QHideEvent *event)
+{
+    AlbumView::hideEvent(event);
+    if (!event->spontaneous())
+        leave();
 }

@@ -23,7 +23,12 @@ protected:
     void showTile(CPhotoMgrItemForm *tile) override { showPhoto(tile); }
     void leave() override;
     void backToAlbum(PageHost &host) override { host.backToPhotoMgr(); }
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
 
 private:
+    void showPicture();
+
     std::unique_ptr<Ui::CPlayPhotoForm> m_ui;
+    bool m_holdsPicture = false;
 };
