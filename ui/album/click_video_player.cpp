@@ -7,11 +7,23 @@
 #include <phonon/mediasource.h>
 #include <phonon/videowidget.h>
 
-// The parent keeps the ratio. The back end, if it is to do that, takes the ratio from a size of the
-// video that it does not know yet.
+namespace {
+
+constexpr int tickInterval = 250; // milliseconds
+
+} // namespace
+
+// Who places this widget keeps the ratio. The back end, asked to do it, takes the ratio from a size
+// of the video that it does not know yet.
 ClickVideoPlayer::ClickVideoPlayer(QWidget *parent) : Phonon::VideoPlayer(parent)
 {
     videoWidget()->setAspectRatio(Phonon::VideoWidget::AspectRatioWidget);
+    Phonon::MediaObject *media = mediaObject();
+    media->setTickInterval(tickInterval);
+    connect(media, &Phonon::MediaObject::tick, this,
+            [this, media](qint64 time) { emit timeChanged(time, media->totalTime()); });
+    connect(media, &Phonon::MediaObject::totalTimeChanged, this,
+            [this, media](qint64 total) { emit timeChanged(media->currentTime(), total); });
 }
 
 bool ClickVideoPlayer::hasBackEnd() const
@@ -39,6 +51,16 @@ void ClickVideoPlayer::playFile(const QString &file)
     play(Phonon::MediaSource(QUrl::fromLocalFile(file)));
 }
 
+bool ClickVideoPlayer::hasVideo() const
+{
+    return mediaObject()->hasVideo();
+}
+
+void ClickVideoPlayer::leaveVideoFullScreen()
+{
+    videoWidget()->exitFullScreen();
+}
+
 void ClickVideoPlayer::closeFile()
 {
     stop();
@@ -49,16 +71,6 @@ void ClickVideoPlayer::clearVideo()
 {
     if (hasVideo())
         mediaObject()->clear();
-}
-
-bool ClickVideoPlayer::hasVideo() const
-{
-    return mediaObject()->hasVideo();
-}
-
-void ClickVideoPlayer::leaveVideoFullScreen()
-{
-    videoWidget()->exitFullScreen();
 }
 
 void ClickVideoPlayer::mouseDoubleClickEvent(QMouseEvent *event)

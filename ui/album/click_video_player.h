@@ -30,6 +30,9 @@ public:
 signals:
     /// A double click with the left button.
     void doubleClicked();
+    /// Some times a second while it plays, and when the length becomes known. Milliseconds; total
+    /// is 0 or negative while it is unknown.
+    void timeChanged(qint64 elapsed, qint64 total);
 
 protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;

@@ -3,6 +3,7 @@
 #include "ui/album/click_video_player.h"
 #include "ui/album/clip_size.h"
 #include "ui/album/photo_mgr_item_form.h"
+#include "ui/album/play_time.h"
 #include "ui_play_video_form.h"
 
 #include <QSlider>
@@ -52,6 +53,7 @@ void CPlayVideoForm::makePlayer()
     m_ui->sliderSeek->setMediaObject(m_player->mediaObject());
     connect(m_player, &ClickVideoPlayer::doubleClicked, this,
             &CPlayVideoForm::slotPhotoDoubleClicked);
+    connect(m_player, &ClickVideoPlayer::timeChanged, this, &CPlayVideoForm::showTime);
 }
 
 void CPlayVideoForm::setList(PageHost::TileList *list)
@@ -69,6 +71,7 @@ void CPlayVideoForm::showVideo(CPhotoMgrItemForm *tile)
     showPlaying(false);
     m_ui->framePlayer->setContentSize(unknownSize);
     setCurrent(tile, unknownSize);
+    showTime(0, 0);
     m_startTimer.start();
     m_ui->framePlayer->setFocus();
 }
@@ -97,10 +100,10 @@ void CPlayVideoForm::stopPlayer()
 
 void CPlayVideoForm::slotPlay()
 {
+    m_startTimer.stop(); // a click may come first
     if (!m_player || !current())
         return;
     if (!m_player->hasBackEnd()) {
-    m_startTimer.stop(); // a click may come first
         setNote(tr("Recordings cannot be played: no back end of Phonon is installed."));
         return;
     }
@@ -172,6 +175,11 @@ void CPlayVideoForm::showPlaying(bool playing)
     const QString name = playing ? tr("Pause") : tr("Play");
     m_ui->btnPlay->setToolTip(name);
     m_ui->btnPlay->setAccessibleName(name);
+}
+
+void CPlayVideoForm::showTime(qint64 elapsed, qint64 total)
+{
+    m_ui->labelTime->setText(total > 0 ? zelvaro::playTimeText(elapsed, total) : QString());
 }
 
 // --- the page ------------------------------------------------------------------------------------

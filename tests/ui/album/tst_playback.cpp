@@ -21,6 +21,8 @@ private slots:
     void aRecordingPlaysAtItsTrueSize();
     void pauseAndResume();
     void theEndShowsPlayAndTheSameButtonStartsAgain();
+    void aPauseAtTheEndIsAStop();
+    void theTimeRunsToTheEnd();
     void leavingStops();
     void deletingWhatPlaysGoesToTheNext();
     void aRecordingThatIsCutOffDoesNotHoldThePage();
@@ -166,6 +168,35 @@ void TestPlayback::theEndShowsPlayAndTheSameButtonStartsAgain()
         if (round == 1)
             click("btnPlay");
     }
+}
+
+void TestPlayback::aPauseAtTheEndIsAStop()
+{
+    add("a.mp4", m_shortClip);
+    m_page->setList(&m_list);
+    show();
+    waitPlaying();
+    ClickVideoPlayer *player = m_page->player();
+    QVERIFY(!player->isAtEnd());
+    m_page->slotStateChanged(Phonon::PausedState, Phonon::PlayingState);
+    QVERIFY(player->isPlaying());
+    // The back end tells no pause of its own there.
+    QSignalSpy finished(player->mediaObject(), &Phonon::MediaObject::finished);
+    connect(player->mediaObject(), &Phonon::MediaObject::aboutToFinish, player,
+            [&] { m_page->slotStateChanged(Phonon::PausedState, Phonon::PlayingState); });
+    QTRY_COMPARE_WITH_TIMEOUT(finished.size(), 1, AlbumFixture::deadline);
+    QTRY_COMPARE_WITH_TIMEOUT(player->mediaObject()->state(), Phonon::StoppedState,
+                              AlbumFixture::deadline);
+}
+
+void TestPlayback::theTimeRunsToTheEnd()
+{
+    add("a.mp4", m_shortClip);
+    m_page->setList(&m_list);
+    QSignalSpy times(m_page->player(), &ClickVideoPlayer::timeChanged);
+    show();
+    const auto *time = m_page->findChild<QLabel *>("labelTime");
+    QTRY_COMPARE_WITH_TIMEOUT(time->text(), QString("0:01 / 0:02"), AlbumFixture::deadline);
 }
 
 void TestPlayback::leavingStops()
