@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QProgressDialog>
 
 #include <functional>
@@ -30,12 +31,15 @@ template <typename Sender, typename Signal>
 bool runBusy(QWidget *parent, const QString &text, Sender *sender, Signal finished,
              const std::function<bool()> &start)
 {
-    BusyDialog dialog(text, parent);
-    QObject::connect(sender, finished, &dialog, &QProgressDialog::cancel);
-    QObject::connect(sender, &QObject::destroyed, &dialog, &QProgressDialog::cancel);
+    // The parent may go while its dialog waits, and takes it along.
+    const QPointer<BusyDialog> dialog = new BusyDialog(text, parent);
+    QObject::connect(sender, finished, dialog, &QProgressDialog::cancel);
+    QObject::connect(sender, &QObject::destroyed, dialog, &QProgressDialog::cancel);
     const bool started = start();
     if (started)
-        dialog.exec();
+        dialog->exec();
+    if (dialog)
+        dialog->deleteLater();
     return started;
 }
 

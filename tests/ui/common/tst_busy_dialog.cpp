@@ -28,6 +28,7 @@ private slots:
     void signalThatIsQueuedAtOnceEndsTheWait();
     void jobThatDoesNotStartIsNotWaitedFor();
     void jobThatIsDestroyedEndsTheWait();
+    void parentThatIsDestroyedEndsTheWait();
     void staysAwayAfterTheWait();
 };
 
@@ -82,6 +83,16 @@ void TstBusyDialog::jobThatIsDestroyedEndsTheWait()
     auto *const job = new Job;
     QVERIFY(zelvaro::runBusy(nullptr, "wait", job, &Job::finished, [&] {
         QTimer::singleShot(0, job, [job] { delete job; });
+        return true;
+    }));
+}
+
+void TstBusyDialog::parentThatIsDestroyedEndsTheWait()
+{
+    Job job;
+    auto *const parent = new QWidget;
+    QVERIFY(zelvaro::runBusy(parent, "wait", &job, &Job::finished, [&] {
+        QTimer::singleShot(0, parent, [parent] { delete parent; });
         return true;
     }));
 }
