@@ -20,8 +20,9 @@ ClickVideoPlayer::ClickVideoPlayer(QWidget *parent) : Phonon::VideoPlayer(parent
     videoWidget()->setAspectRatio(Phonon::VideoWidget::AspectRatioWidget);
     Phonon::MediaObject *media = mediaObject();
     media->setTickInterval(tickInterval);
-    connect(media, &Phonon::MediaObject::tick, this,
-            [this, media](qint64 time) { emit timeChanged(time, media->totalTime()); });
+    connect(
+        media, &Phonon::MediaObject::tick, this,
+        [this, media](qint64 time) { emit timeChanged(time, media->totalTime()); });
     connect(media, &Phonon::MediaObject::totalTimeChanged, this,
             [this, media](qint64 total) { emit timeChanged(media->currentTime(), total); });
 }

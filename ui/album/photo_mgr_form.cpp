@@ -2,6 +2,7 @@
 
 #include "camera/camera.h"
 #include "camera/camera_list.h"
+#include "settings/camera_settings.h"
 #include "ui/common/camera_list_icons.h"
 #include "ui_photo_mgr_form.h"
 
@@ -17,6 +18,8 @@ CPhotoMgrForm::CPhotoMgrForm(QWidget *parent)
     m_ui->listCameraList->setModel(&m_model);
     connect(m_ui->listCameraList->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &CPhotoMgrForm::slotCameraItemChanged);
+    connect(&CameraSettings::instance(), &CameraSettings::albumPathChanged, this,
+            &CPhotoMgrForm::followAlbumPath);
 }
 
 CPhotoMgrForm::~CPhotoMgrForm() = default;
@@ -50,7 +53,8 @@ void CPhotoMgrForm::emptyGrid()
     m_ui->framePhotoMgr->refill();
 }
 
-void CPhotoMgrForm::refresh()
+// The tiles of a page that is not shown stay until it is: a viewer steps through them.
+void CPhotoMgrForm::followAlbumPath()
 {
     m_isStale = m_isOpen && !isVisible();
     if (m_isOpen && isVisible())

@@ -26,9 +26,6 @@ public:
     void open(bool videoMode);
     /// Lets go of tiles and pictures. open() brings them back.
     void leave();
-    /// Reads the folder of the chosen camera again: the album stands elsewhere now. On a page that
-    /// is not shown the tiles stay until it is shown, because a viewer steps through them.
-    void refresh();
 
 public slots:
     void slotCameraItemChanged();
@@ -38,6 +35,7 @@ protected:
 
 private:
     void emptyGrid();
+    void followAlbumPath();
 
     std::unique_ptr<Ui::CPhotoMgrForm> m_ui;
     QStandardItemModel m_model;

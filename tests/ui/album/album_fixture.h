@@ -8,6 +8,8 @@
 #include <QImage>
 #include <QtTest>
 
+#include <ctime>
+
 /// Cameras with their album folders, in which the test writes.
 class AlbumFixture : public SessionsFixture
 {
@@ -53,6 +55,14 @@ public:
         return file;
     }
 };
+
+/// Processor time of this thread, in milliseconds: what others do on the machine does not count.
+inline int threadTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<int>(time.tv_sec * 1000 + time.tv_nsec / 1'000'000);
+}
 
 /// What the keyboard sends while a key is held down.
 inline void repeatKey(QWidget *widget, Qt::Key key)

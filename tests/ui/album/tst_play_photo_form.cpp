@@ -9,6 +9,16 @@
 #include <QLabel>
 #include <QToolButton>
 
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int showTarget = 10'000; // milliseconds
+#else
+constexpr int showTarget = 2000; // milliseconds
+#endif
+
+} // namespace
+
 class TestPlayPhotoForm : public QObject
 {
     Q_OBJECT
@@ -448,11 +458,12 @@ void TestPlayPhotoForm::picturesThatCannotBeShown()
 void TestPlayPhotoForm::aHugePhotoIsShownWithoutALongWait()
 {
     add("huge.jpg", {11600, 8700}, Qt::green);
-    QElapsedTimer clock;
-    clock.start();
+    const int before = threadTime();
     show();
     QVERIFY(alike(centreOf(m_frame), Qt::green));
-    QVERIFY(clock.elapsed() < AlbumFixture::deadline);
+    const int taken = threadTime() - before;
+    qInfo("shown after %d ms of work", taken);
+    QVERIFY2(taken < showTarget, qPrintable(QString::number(taken)));
     QVERIFY(status().startsWith("huge.jpg  11600x8700("));
 }
 
