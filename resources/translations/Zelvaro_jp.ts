@@ -594,6 +594,10 @@
         <source>Cameras found: %1</source>
         <translation>見つかったカメラ: %1 台</translation>
     </message>
+    <message>
+        <source>The search cannot be started.</source>
+        <translation>検索を開始できません。</translation>
+    </message>
 </context>
 <context>
     <name>CSearchCameraListForm</name>
@@ -644,6 +648,10 @@
     <message>
         <source>Press &quot;Search&quot; to find the cameras of this network.</source>
         <translation>「検索」を押すと、このネットワークのカメラを検索します。</translation>
+    </message>
+    <message>
+        <source>The search cannot be started. Please wait a while and try again.</source>
+        <translation>検索を開始できません。しばらく待ってからもう一度お試しください。</translation>
     </message>
 </context>
 <context>
@@ -701,10 +709,6 @@
         <translation>カメラの設定項目</translation>
     </message>
     <message>
-        <source>Device Name</source>
-        <translation>デバイス名</translation>
-    </message>
-    <message>
         <source>Device Location</source>
         <translation>デバイスの場所</translation>
     </message>
@@ -759,6 +763,10 @@
     <message>
         <source>Exit</source>
         <translation>終了</translation>
+    </message>
+    <message>
+        <source>DeviceName</source>
+        <translation>デバイス名</translation>
     </message>
 </context>
 <context>
@@ -900,6 +908,10 @@
         <source>Cancel</source>
         <translation>キャンセル</translation>
     </message>
+    <message>
+        <source>Search again</source>
+        <translation>再検索</translation>
+    </message>
 </context>
 <context>
     <name>SearchCameraListForm</name>
@@ -948,6 +960,17 @@
     <message>
         <source>%1: has characters that cannot be saved on this system.</source>
         <translation>%1: このシステムでは保存できない文字が含まれています。</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::AlbumView</name>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be deleted.</source>
+        <translation>「%1」を削除できません。</translation>
     </message>
 </context>
 </TS>

@@ -594,6 +594,10 @@
         <source>Cameras found: %1</source>
         <translation>找到的摄像机：%1</translation>
     </message>
+    <message>
+        <source>The search cannot be started.</source>
+        <translation>无法开始搜索。</translation>
+    </message>
 </context>
 <context>
     <name>CSearchCameraListForm</name>
@@ -644,6 +648,10 @@
     <message>
         <source>Press &quot;Search&quot; to find the cameras of this network.</source>
         <translation>按“搜索”查找此网络中的摄像机。</translation>
+    </message>
+    <message>
+        <source>The search cannot be started. Please wait a while and try again.</source>
+        <translation>无法开始搜索。请稍候再试。</translation>
     </message>
 </context>
 <context>
@@ -701,10 +709,6 @@
         <translation>摄像机参数</translation>
     </message>
     <message>
-        <source>Device Name</source>
-        <translation>设备名称</translation>
-    </message>
-    <message>
         <source>Device Location</source>
         <translation>设备位置</translation>
     </message>
@@ -759,6 +763,10 @@
     <message>
         <source>Exit</source>
         <translation>退出</translation>
+    </message>
+    <message>
+        <source>DeviceName</source>
+        <translation>设备名称</translation>
     </message>
 </context>
 <context>
@@ -900,6 +908,10 @@
         <source>Cancel</source>
         <translation>取消</translation>
     </message>
+    <message>
+        <source>Search again</source>
+        <translation>重新搜索</translation>
+    </message>
 </context>
 <context>
     <name>SearchCameraListForm</name>
@@ -948,6 +960,17 @@
     <message>
         <source>%1: has characters that cannot be saved on this system.</source>
         <translation>%1：含有此系统无法保存的字符。</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::AlbumView</name>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be deleted.</source>
+        <translation>无法删除“%1”。</translation>
     </message>
 </context>
 </TS>

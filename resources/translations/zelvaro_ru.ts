@@ -594,6 +594,10 @@
         <source>Cameras found: %1</source>
         <translation>Найдено камер: %1</translation>
     </message>
+    <message>
+        <source>The search cannot be started.</source>
+        <translation>Не удаётся начать поиск.</translation>
+    </message>
 </context>
 <context>
     <name>CSearchCameraListForm</name>
@@ -644,6 +648,10 @@
     <message>
         <source>Press &quot;Search&quot; to find the cameras of this network.</source>
         <translation>Нажмите «Поиск», чтобы найти камеры этой сети.</translation>
+    </message>
+    <message>
+        <source>The search cannot be started. Please wait a while and try again.</source>
+        <translation>Не удаётся начать поиск. Подождите немного и повторите попытку.</translation>
     </message>
 </context>
 <context>
@@ -701,10 +709,6 @@
         <translation>Параметры камеры</translation>
     </message>
     <message>
-        <source>Device Name</source>
-        <translation>Имя устройства</translation>
-    </message>
-    <message>
         <source>Device Location</source>
         <translation>Расположение устройства</translation>
     </message>
@@ -759,6 +763,10 @@
     <message>
         <source>Exit</source>
         <translation>Выход</translation>
+    </message>
+    <message>
+        <source>DeviceName</source>
+        <translation>Имя устройства</translation>
     </message>
 </context>
 <context>
@@ -900,6 +908,10 @@
         <source>Cancel</source>
         <translation>Отмена</translation>
     </message>
+    <message>
+        <source>Search again</source>
+        <translation>Искать снова</translation>
+    </message>
 </context>
 <context>
     <name>SearchCameraListForm</name>
@@ -948,6 +960,17 @@
     <message>
         <source>%1: has characters that cannot be saved on this system.</source>
         <translation>%1: содержит символы, которые нельзя сохранить в этой системе.</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::AlbumView</name>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be deleted.</source>
+        <translation>Не удаётся удалить «%1».</translation>
     </message>
 </context>
 </TS>

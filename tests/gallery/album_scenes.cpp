@@ -145,6 +145,7 @@ QVector<Scene> albumScenes()
                 CPlayVideoForm *player = openVideo(stage);
                 showStill(stage, *player, 2);
                 player->slotStateChanged(Phonon::PlayingState, Phonon::BufferingState);
+                emit player->player()->timeChanged(7000, 83000);
                 return Subject{&stage.form(), {}};
             }),
         page(

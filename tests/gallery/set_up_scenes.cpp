@@ -94,7 +94,9 @@ Scene networkSetUp(const QString &name, const ndcp_device &record)
                 stage.click("frameButtons", "btnSetUp");
                 stage.record() = record;
                 auto *page = stage.find<CSearchCameraListForm>("pageSearchCameraList");
-                return Subject{stage.show<CCameraSetUp>(page, &stage.record()), {}};
+                return Subject{stage.show<CCameraSetUp>(page, &stage.record(),
+                                                        CCameraSetUp::Configuration::Read),
+                               {}};
             }};
 }
 

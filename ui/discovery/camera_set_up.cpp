@@ -4,28 +4,18 @@
 #include "ui/common/busy_dialog.h"
 #include "ui/common/message_box.h"
 #include "ui/discovery/address_edit.h"
-#include "ui/discovery/device_records.h"
-#include "ui/discovery/search_camera_list_form.h"
+#include "ui/discovery/device_text.h"
 #include "ui_camera_set_up.h"
 
 #include <QIntValidator>
+#include <QPointer>
 
-namespace {
-
-template <std::size_t N>
-QString asciiText(const char (&field)[N])
-{
-    return QString::fromLatin1(zelvaro::fieldBytes(field));
-}
-
-} // namespace
-
-CCameraSetUp::CCameraSetUp(CSearchCameraListForm *page, ndcp_device *record)
+CCameraSetUp::CCameraSetUp(QWidget *page, ndcp_device *record, Configuration configuration)
     : QDialog(page, Qt::FramelessWindowHint)
     , m_ui(std::make_unique<Ui::CameraSetUp>())
-    , m_page(page)
     , m_pageRecord(record)
     , m_record(*record)
+    , m_configuration(configuration)
     , m_client([this](int message, int error) { emit signalNDCPEvent(message, error); })
 {
     m_ui->setupUi(this);
@@ -52,22 +42,28 @@ CCameraSetUp::~CCameraSetUp() = default;
 
 void CCameraSetUp::fillControls()
 {
-    m_ui->editUserName->setText(asciiText(m_record.username));
-    m_ui->editPassword->setText(asciiText(m_record.password));
-    m_ui->editDeviceName->setText(asciiText(m_record.name));
-    m_ui->editLocation->setText(asciiText(m_record.location));
-    m_ui->editHttpPort->setText(QString::number(zelvaro::httpPort(m_record)));
+    m_shown = zelvaro::networkForm(m_record);
+    show(m_shown);
+}
 
-    m_ui->checkAssignIp->setChecked(m_record.manual_ip != 0);
+void CCameraSetUp::show(const zelvaro::NetworkForm &form)
+{
+    m_ui->editUserName->setText(form.userName);
+    m_ui->editPassword->setText(form.password);
+    m_ui->editDeviceName->setText(form.deviceName);
+    m_ui->editLocation->setText(form.location);
+    m_ui->editHttpPort->setText(form.httpPort);
+
+    m_ui->checkAssignIp->setChecked(form.manualIp);
     IPCheckBoxClicked();
-    m_ui->checkAssignDns->setChecked(m_record.manual_dns != 0);
+    m_ui->checkAssignDns->setChecked(form.manualDns);
     DNSCheckBoxClicked();
 
-    m_ui->addressIp->setAddress(m_record.ip);
-    m_ui->addressMask->setAddress(m_record.mask);
-    m_ui->addressGateway->setAddress(m_record.gateway);
-    m_ui->addressDns1->setAddress(m_record.dns1);
-    m_ui->addressDns2->setAddress(m_record.dns2);
+    m_ui->addressIp->setAddress(form.ip);
+    m_ui->addressMask->setAddress(form.mask);
+    m_ui->addressGateway->setAddress(form.gateway);
+    m_ui->addressDns1->setAddress(form.dns1);
+    m_ui->addressDns2->setAddress(form.dns2);
 }
 
 void CCameraSetUp::IPCheckBoxClicked()
@@ -86,11 +82,22 @@ void CCameraSetUp::DNSCheckBoxClicked()
 
 void CCameraSetUp::slotQuery()
 {
+    readConfiguration();
+}
+
+/// @return whether the record now holds the device's configuration; the user was told when not
+bool CCameraSetUp::readConfiguration()
+{
     zelvaro::storeField(m_record.username, m_ui->editUserName->text());
     zelvaro::storeField(m_record.password, m_ui->editPassword->text());
-    zelvaro::runBusy(this, tr("Please wait for get configuration..."), this,
-                     &CCameraSetUp::signalGetConfFinished,
-                     [this] { return m_client.getConf(&m_record); });
+    const QPointer<CCameraSetUp> self(this);
+    m_hasAnswer = false;
+    const bool asked = zelvaro::runBusy(this, tr("Please wait for get configuration..."), this,
+                                        &CCameraSetUp::signalGetConfFinished,
+                                        [this] { return m_client.getConf(&m_record); });
+    if (self && !asked)
+        showLibraryError(NDCP_ERROR_GET_CONF);
+    return self && m_hasAnswer;
 }
 
 zelvaro::NetworkForm CCameraSetUp::entered() const
@@ -105,14 +112,30 @@ zelvaro::NetworkForm CCameraSetUp::entered() const
 
 void CCameraSetUp::slotApply()
 {
-    if (const auto message = zelvaro::NetworkFormCheck::store(entered(), m_record)) {
+    if (m_configuration == Configuration::Unread && !readBeneathEdits())
+        return;
+    if (const auto message = zelvaro::NetworkFormCheck::store(entered(), m_shown, m_record)) {
         showError(*message);
         return;
     }
     fillControls(); // shows the mask and the texts as they were stored
-    zelvaro::runBusy(this, tr("Please wait for set configuration..."), this,
-                     &CCameraSetUp::signalSetConfFinished,
-                     [this] { return m_client.setConf(&m_record); });
+    const QPointer<CCameraSetUp> self(this);
+    const bool asked = zelvaro::runBusy(this, tr("Please wait for set configuration..."), this,
+                                        &CCameraSetUp::signalSetConfFinished,
+                                        [this] { return m_client.setConf(&m_record); });
+    if (self && !asked)
+        showLibraryError(NDCP_ERROR_SET_CONF);
+}
+
+// All that the user has not changed is then as the device has it.
+bool CCameraSetUp::readBeneathEdits()
+{
+    const zelvaro::NetworkForm shown = m_shown;
+    const zelvaro::NetworkForm edited = entered();
+    if (!readConfiguration())
+        return false;
+    show(zelvaro::withEdits(m_shown, shown, edited));
+    return true;
 }
 
 void CCameraSetUp::slotExit()
@@ -140,7 +163,9 @@ void CCameraSetUp::takeOverResult()
     if (m_record.manual_ip == 0)
         m_record.ip = m_pageRecord->ip;
     *m_pageRecord = m_record;
-    m_page->rebuildTable();
+    m_configuration = Configuration::Read;
+    m_hasAnswer = true;
+    emit recordChanged();
     fillControls();
 }
 

@@ -3,6 +3,7 @@
 #include <QHostAddress>
 
 #include <algorithm>
+#include <cstring>
 
 namespace zelvaro {
 

@@ -5,7 +5,6 @@
 #include <QMetaType>
 #include <QString>
 
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -32,29 +31,6 @@ public:
 private:
     std::vector<std::unique_ptr<ndcp_device>> m_records;
 };
-
-/// Bytes of a text field up to its NUL, or all of it where there is none.
-template <std::size_t N>
-QByteArray fieldBytes(const char (&field)[N])
-{
-    return QByteArray(field, static_cast<int>(strnlen(field, N)));
-}
-
-/// Text of a field in the local code page.
-template <std::size_t N>
-QString fieldText(const char (&field)[N])
-{
-    return QString::fromLocal8Bit(fieldBytes(field));
-}
-
-/// Stores a text as Latin-1, cut so that a NUL follows it inside the field; the rest is zeroed.
-template <std::size_t N>
-void storeField(char (&field)[N], const QString &text)
-{
-    const QByteArray bytes = text.toLatin1().left(static_cast<int>(N) - 1);
-    std::memset(field, 0, N);
-    std::memcpy(field, bytes.constData(), static_cast<std::size_t>(bytes.size()));
-}
 
 /// "192.168.1.20"
 QString addressText(quint32 address);

@@ -15,6 +15,9 @@ public:
     /// onEvent (event code, error code) runs on a thread of the library; it may only emit a
     /// signal that is connected queued. It does not run any more once the client is destroyed.
     explicit NdcpClient(std::function<void(int, int)> onEvent);
+    // The library keeps the address.
+    NdcpClient(const NdcpClient &) = delete;
+    NdcpClient &operator=(const NdcpClient &) = delete;
 
     /// Each is false when the library refused the request; then no event follows.
     bool discover();

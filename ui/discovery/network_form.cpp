@@ -1,6 +1,7 @@
 #include "ui/discovery/network_form.h"
 
 #include "ui/discovery/device_records.h"
+#include "ui/discovery/device_text.h"
 
 #include <algorithm>
 #include <cctype>
@@ -14,8 +15,9 @@ constexpr int longestText = 50; // characters of a device name or location
 bool isPrintable(const QString &text)
 {
     const QByteArray bytes = text.toLatin1();
-    return std::all_of(bytes.begin(), bytes.end(),
-                       [](char byte) { return std::isprint(static_cast<uchar>(byte)) != 0; });
+    return canBeStored(text) && std::all_of(bytes.begin(), bytes.end(), [](char byte) {
+               return std::isprint(static_cast<uchar>(byte)) != 0;
+           });
 }
 
 bool hasOnlyDigits(const QString &text)
@@ -39,15 +41,18 @@ quint32 contiguousMask(quint32 mask)
     return shift == 32 ? 0xFFFFFFFFU : 0xFFFFFFFFU << (32 - shift);
 }
 
-std::optional<QString> NetworkFormCheck::store(const NetworkForm &input, ndcp_device &record)
+std::optional<QString> NetworkFormCheck::store(const NetworkForm &input, const NetworkForm &shown,
+                                               ndcp_device &record)
 {
-    if (!isPrintable(input.deviceName))
+    const bool hasNewName = input.deviceName != shown.deviceName;
+    const bool hasNewLocation = input.location != shown.location;
+    if (hasNewName && !isPrintable(input.deviceName))
         return tr("Device Name input invalid!");
-    if (input.deviceName.length() > longestText)
+    if (hasNewName && input.deviceName.length() > longestText)
         return tr("Device Name is too long!");
-    if (!isPrintable(input.location))
+    if (hasNewLocation && !isPrintable(input.location))
         return tr("Location input invalid!");
-    if (input.location.length() > longestText)
+    if (hasNewLocation && input.location.length() > longestText)
         return tr("Location is too long!");
     if (!hasOnlyDigits(input.httpPort))
         return tr("Http Port input invalid!");
@@ -69,9 +74,41 @@ std::optional<QString> NetworkFormCheck::store(const NetworkForm &input, ndcp_de
     record.dns2 = input.dns2;
     storeField(record.username, input.userName);
     storeField(record.password, input.password);
-    storeField(record.name, input.deviceName);
-    storeField(record.location, input.location);
+    if (hasNewName)
+        storeField(record.name, input.deviceName);
+    if (hasNewLocation)
+        storeField(record.location, input.location);
     return std::nullopt;
+}
+
+NetworkForm networkForm(const ndcp_device &record)
+{
+    NetworkForm form;
+    form.deviceName = fieldEditText(record.name);
+    form.location = fieldEditText(record.location);
+    form.httpPort = QString::number(httpPort(record));
+    form.manualIp = record.manual_ip != 0;
+    form.ip = record.ip;
+    form.mask = record.mask;
+    form.gateway = record.gateway;
+    form.manualDns = record.manual_dns != 0;
+    form.dns1 = record.dns1;
+    form.dns2 = record.dns2;
+    form.userName = fieldEditText(record.username);
+    form.password = fieldEditText(record.password);
+    return form;
+}
+
+NetworkForm withEdits(NetworkForm fresh, const NetworkForm &shown, const NetworkForm &edited)
+{
+    const auto take = [&](auto... fields) {
+        ((fresh.*fields = edited.*fields == shown.*fields ? fresh.*fields : edited.*fields), ...);
+    };
+    take(&NetworkForm::deviceName, &NetworkForm::location, &NetworkForm::httpPort,
+         &NetworkForm::manualIp, &NetworkForm::ip, &NetworkForm::mask, &NetworkForm::gateway,
+         &NetworkForm::manualDns, &NetworkForm::dns1, &NetworkForm::dns2, &NetworkForm::userName,
+         &NetworkForm::password);
+    return fresh;
 }
 
 } // namespace zelvaro

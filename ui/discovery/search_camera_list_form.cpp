@@ -7,11 +7,13 @@
 #include "ui/common/message_box.h"
 #include "ui/common/tool_tip.h"
 #include "ui/discovery/camera_set_up.h"
+#include "ui/discovery/device_text.h"
 #include "ui_search_camera_list_form.h"
 
 #include <QDebug>
 #include <QHeaderView>
 #include <QLabel>
+#include <QPointer>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -62,19 +64,23 @@ void CSearchCameraListForm::noteWhenEmpty()
 
 void CSearchCameraListForm::slotSearch()
 {
-    zelvaro::runBusy(
-        this, tr("Please wait for search camera..."), this,
-        &CSearchCameraListForm::signalSearchFinished, [this] { return m_client.discover(); });
+    const QPointer<CSearchCameraListForm> self(this);
+    const bool started = zelvaro::runBusy(this, tr("Please wait for search camera..."), this,
+                                          &CSearchCameraListForm::signalSearchFinished,
+                                          [this] { return m_client.discover(); });
+    if (self && !started)
+        showError(tr("The search cannot be started. Please wait a while and try again."));
 }
 
 void CSearchCameraListForm::slotNDCPEvent(int nMsg, int nErrorCode)
 {
-    Q_UNUSED(nErrorCode)
     qDebug("CSearchCameraListForm::ndcpEvent()\r\n");
     if (nMsg != NDCP_EVENT_GET_CONF) {
         if (!ZELVARO_CHECK(nMsg == NDCP_EVENT_DISCOVERY, "SearchCameraFormList"))
             return;
         m_client.forEachDevice([this](const ndcp_device &device) { m_records.merge(device); });
+    } else {
+        m_configurationRead = nErrorCode == 0;
     }
     rebuildTable();
     emit signalSearchFinished();
@@ -122,10 +128,13 @@ ndcp_device *CSearchCameraListForm::selectedRecord()
         if (ndcp_device *record = recordOf(current))
             return record;
     }
-    CMessageBox(CMessageBox::Error, tr("Error"), tr("Please select a camera."), QMessageBox::Ok,
-                window())
-        .exec();
+    showError(tr("Please select a camera."));
     return nullptr;
+}
+
+void CSearchCameraListForm::showError(const QString &text)
+{
+    CMessageBox(CMessageBox::Error, tr("Error"), text, QMessageBox::Ok, window()).exec();
 }
 
 void CSearchCameraListForm::slotBrowser()
@@ -139,10 +148,19 @@ void CSearchCameraListForm::slotOK()
     ndcp_device *record = selectedRecord();
     if (record == nullptr)
         return;
+    const QPointer<CSearchCameraListForm> self(this);
+    m_configurationRead = false;
     zelvaro::runBusy(this, tr("Please wait for get onfiguration..."), this,
                      &CSearchCameraListForm::signalSearchFinished,
                      [this, record] { return m_client.getConf(record); });
-    CCameraSetUp(this, record).exec();
+    if (!self)
+        return;
+    using Configuration = CCameraSetUp::Configuration;
+    auto *dialog = new CCameraSetUp(
+        this, record, m_configurationRead ? Configuration::Read : Configuration::Unread);
+    connect(dialog, &CCameraSetUp::recordChanged, this, &CSearchCameraListForm::rebuildTable);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->exec();
 }
 
 void CSearchCameraListForm::slotClean()

@@ -22,9 +22,6 @@ public:
     explicit CSearchCameraListForm(QWidget *parent = nullptr);
     ~CSearchCameraListForm() override;
 
-    /// Fills the table again from the kept records; the current row stays current.
-    void rebuildTable();
-
 signals:
     void signalNDCPEvent(int nMsg, int nErrorCode);
     /// A request has ended: closes the wait dialog that is open.
@@ -38,10 +35,13 @@ private slots:
     void slotNDCPEvent(int nMsg, int nErrorCode);
 
 private:
+    /// Fills the table anew from the kept records; the current row stays current.
+    void rebuildTable();
     ndcp_device *recordOf(const QModelIndex &index) const;
     /// The record of the row that is current and selected; without one a message is shown, and it
     /// is null.
     ndcp_device *selectedRecord();
+    void showError(const QString &text);
     void appendRow(ndcp_device *record);
     /// Says in the empty table how it is filled.
     void noteWhenEmpty();
@@ -49,5 +49,6 @@ private:
     std::unique_ptr<Ui::SearchCameraListForm> m_ui;
     QStandardItemModel m_model;
     zelvaro::DeviceRecords m_records;
-    zelvaro::NdcpClient m_client; // destroyed first: no event reaches a page under destruction
+    bool m_configurationRead = false; // by the last request for it
+    zelvaro::NdcpClient m_client;     // goes first: no event reaches a page that is going
 };

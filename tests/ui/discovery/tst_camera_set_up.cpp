@@ -12,8 +12,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTableView>
 #include <QTest>
+#include <QThread>
 
 #include <cstring>
 
@@ -32,7 +32,16 @@ private slots:
     void checkBoxesGovernTheirEditsIndependently();
     void octetAndPortEditsHaveLimits();
     void queryAsksWithTypedCredentials();
-    void applyWritesAndUpdatesThePage();
+    void applyWritesAndTellsThePage();
+    void applyReadsFirstWhatNobodyRead();
+    void applyWritesNothingThatNobodyRead_data();
+    void applyWritesNothingThatNobodyRead();
+    void applyAfterAQueryDoesNotReadAgain();
+    void enterWritesNothing();
+    void aNameThatCannotBeTypedStays();
+    void refusedRequestsAreTold();
+    void eventsAreHandledOnTheGuiThread();
+    void aDialogThatGoesWhileItWaits();
     void maskIsWidenedAndShown();
     void longNameIsShownAsStored();
     void portOutOfRangeIsRefused();
@@ -53,11 +62,17 @@ private:
         return m_dialog->findChild<T *>(QLatin1String(name));
     }
     void click(const char *name) { QTest::mouseClick(child<QPushButton>(name), Qt::LeftButton); }
-    void open(const ndcp_device &record)
+    void open(const ndcp_device &record,
+              CCameraSetUp::Configuration configuration = CCameraSetUp::Configuration::Read)
     {
         m_record = record;
-        m_dialog = std::make_unique<CCameraSetUp>(m_page.get(), &m_record);
+        m_dialog = std::make_unique<CCameraSetUp>(m_page.get(), &m_record, configuration);
         m_dialog->open();
+    }
+    /// As a search finds it: no configuration, no login.
+    void openUnread()
+    {
+        open(fake_ndcp::device("uid-1", "Door", 0xC0A80114), CCameraSetUp::Configuration::Unread);
     }
     QString messageOf(const std::function<void()> &act)
     {
@@ -112,7 +127,7 @@ void TestCameraSetUp::textsStandAsWritten_data()
     QTest::addColumn<QString>("object");
     QTest::addColumn<QString>("text");
     const QStringList rows = {"labelEditDeviceName",
-                              "Device Name",
+                              "DeviceName",
                               "labelEditLocation",
                               "Device Location",
                               "labelEditHttpPort",
@@ -229,22 +244,17 @@ void TestCameraSetUp::queryAsksWithTypedCredentials()
     QCOMPARE(m_record.username, "root");
 }
 
-void TestCameraSetUp::applyWritesAndUpdatesThePage()
+void TestCameraSetUp::applyWritesAndTellsThePage()
 {
-    fake_ndcp::setDevices({manualDevice()});
-    fake_ndcp::answerDiscover(0);
-    QTest::mouseClick(m_page->findChild<QPushButton *>("btnSearch"), Qt::LeftButton);
-    auto *table = m_page->findChild<QTableView *>("tableView");
-    auto *record = table->model()->index(0, 0).data(Qt::UserRole + 1).value<ndcp_device *>();
-    QVERIFY(record);
-    m_dialog = std::make_unique<CCameraSetUp>(m_page.get(), record);
-    m_dialog->open();
+    open(manualDevice());
+    QSignalSpy changed(m_dialog.get(), &CCameraSetUp::recordChanged);
     child<QLineEdit>("editDeviceName")->setText(QStringLiteral("Gate"));
     child<CAddressEdit>("addressIp")->setAddress(0xC0A80163);
     QString waitText;
     ModalScript wait([&](BusyDialog *dialog) {
         waitText = dialog->labelText();
-        QCOMPARE(table->model()->index(0, 1).data().toString(), QStringLiteral("Door"));
+        QCOMPARE(changed.size(), 0);
+        QCOMPARE(m_record.name, "Door");
         fake_ndcp::finish(NDCP_EVENT_SET_CONF);
     });
     click("btnApply");
@@ -252,8 +262,146 @@ void TestCameraSetUp::applyWritesAndUpdatesThePage()
     QCOMPARE(waitText, QStringLiteral("Please wait for set configuration..."));
     QCOMPARE(fake_ndcp::written().back().name, "Gate");
     QCOMPARE(fake_ndcp::written().back().ip, 0xC0A80163U);
-    QCOMPARE(table->model()->index(0, 1).data().toString(), QStringLiteral("Gate"));
-    QCOMPARE(table->model()->index(0, 3).data().toString(), QStringLiteral("192.168.1.99"));
+    QCOMPARE(changed.size(), 1);
+    QCOMPARE(m_record.name, "Gate");
+    QCOMPARE(m_record.ip, 0xC0A80163U);
+}
+
+void TestCameraSetUp::applyReadsFirstWhatNobodyRead()
+{
+    openUnread();
+    ndcp_device conf = manualDevice();
+    std::strcpy(conf.name, "As the camera has it");
+    conf.manual_dns = 1;
+    fake_ndcp::setConf(conf);
+    fake_ndcp::answerGetConf(0);
+    fake_ndcp::answerSetConf(0);
+    child<QLineEdit>("editUserName")->setText(QStringLiteral("root"));
+    child<QLineEdit>("editLocation")->setText(QStringLiteral("Yard"));
+    click("btnApply");
+    QCOMPARE(fake_ndcp::asked().size(), std::size_t(1));
+    QCOMPARE(fake_ndcp::asked().back().username, "root");
+    QCOMPARE(fake_ndcp::written().size(), std::size_t(1));
+    const ndcp_device written = fake_ndcp::written().back();
+    QCOMPARE(written.name, "As the camera has it");
+    QCOMPARE(written.location, "Yard");
+    QCOMPARE(written.manual_ip, 1U);
+    QCOMPARE(written.manual_dns, 1U);
+    QCOMPARE(written.ip, conf.ip);
+    QCOMPARE(written.mask, conf.mask);
+    QCOMPARE(written.gateway, conf.gateway);
+    QCOMPARE(written.dns1, conf.dns1);
+    QCOMPARE(written.dns2, conf.dns2);
+    QCOMPARE(written.http_port, conf.http_port);
+    QCOMPARE(written.username, "root");
+}
+
+void TestCameraSetUp::applyWritesNothingThatNobodyRead_data()
+{
+    errorsByCode_data();
+}
+
+void TestCameraSetUp::applyWritesNothingThatNobodyRead()
+{
+    QFETCH(int, code);
+    QFETCH(QString, message);
+    openUnread();
+    fake_ndcp::answerGetConf(code);
+    fake_ndcp::answerSetConf(0);
+    child<QLineEdit>("editDeviceName")->setText(QStringLiteral("Gate"));
+    for (int i = 0; i < 2; ++i)
+        QCOMPARE(messageOf([this] { click("btnApply"); }), "Error: " + message);
+    QCOMPARE(fake_ndcp::count("set_conf"), 0);
+    QCOMPARE(child<QLineEdit>("editDeviceName")->text(), QStringLiteral("Gate"));
+}
+
+void TestCameraSetUp::applyAfterAQueryDoesNotReadAgain()
+{
+    openUnread();
+    fake_ndcp::setConf(manualDevice());
+    fake_ndcp::answerGetConf(0);
+    fake_ndcp::answerSetConf(0);
+    click("btnQuery");
+    click("btnApply");
+    QCOMPARE(fake_ndcp::count("get_conf"), 1);
+    QCOMPARE(fake_ndcp::count("set_conf"), 1);
+    QCOMPARE(fake_ndcp::written().back().manual_ip, 1U);
+}
+
+void TestCameraSetUp::enterWritesNothing()
+{
+    open(manualDevice());
+    QWidgetList places;
+    for (auto *edit : m_dialog->findChildren<QLineEdit *>())
+        places << edit;
+    for (auto *box : m_dialog->findChildren<QCheckBox *>())
+        places << box;
+    for (const char *button : {"btnQuery", "btnExit"})
+        places << child<QPushButton>(button);
+    places << m_dialog.get();
+    QVERIFY(places.size() > 25);
+    ModalScript nothing;
+    for (QWidget *place : places) {
+        place->setFocus();
+        QTest::keyClick(place, Qt::Key_Return);
+        QTest::keyClick(place, Qt::Key_Enter);
+    }
+    QCOMPARE(fake_ndcp::count("set_conf") + fake_ndcp::count("get_conf"), 0);
+    QVERIFY(m_dialog->isVisible());
+    QVERIFY(nothing.done());
+}
+
+void TestCameraSetUp::aNameThatCannotBeTypedStays()
+{
+    ndcp_device device = manualDevice();
+    std::strcpy(device.name, "T\xc3\xbcr");
+    std::strcpy(device.location, "B\xc3\xbcro");
+    open(device);
+    fake_ndcp::answerSetConf(0);
+    child<CAddressEdit>("addressGateway")->setAddress(0xC0A801FE);
+    click("btnApply");
+    QCOMPARE(fake_ndcp::written().size(), std::size_t(1));
+    QCOMPARE(fake_ndcp::written().back().name, device.name);
+    QCOMPARE(fake_ndcp::written().back().location, device.location);
+    QCOMPARE(fake_ndcp::written().back().gateway, 0xC0A801FEU);
+}
+
+void TestCameraSetUp::refusedRequestsAreTold()
+{
+    open(manualDevice());
+    fake_ndcp::setResult("get_conf", -1);
+    fake_ndcp::setResult("set_conf", -1);
+    QVERIFY(messageOf([this] { click("btnQuery"); }).contains("Get configuration failed."));
+    QVERIFY(messageOf([this] { click("btnApply"); }).contains("Set configuration failed."));
+    QVERIFY(m_dialog->isVisible());
+}
+
+void TestCameraSetUp::eventsAreHandledOnTheGuiThread()
+{
+    open(manualDevice());
+    fake_ndcp::setConf(manualDevice());
+    QThread *told = nullptr;
+    QThread *handled = nullptr;
+    connect(
+        m_dialog.get(), &CCameraSetUp::signalNDCPEvent, m_dialog.get(),
+        [&] { told = QThread::currentThread(); }, Qt::DirectConnection);
+    connect(
+        m_dialog.get(), &CCameraSetUp::signalGetConfFinished, m_dialog.get(),
+        [&] { handled = QThread::currentThread(); }, Qt::DirectConnection);
+    fake_ndcp::answerGetConf(0);
+    click("btnQuery");
+    QCOMPARE(handled, QThread::currentThread());
+    QVERIFY(told && told != handled);
+}
+
+void TestCameraSetUp::aDialogThatGoesWhileItWaits()
+{
+    openUnread();
+    ModalScript wait([&](BusyDialog *) { m_dialog.reset(); });
+    QMetaObject::invokeMethod(m_dialog.get(), "slotApply", Qt::DirectConnection);
+    QVERIFY(wait.done());
+    QVERIFY(!m_dialog);
+    QCOMPARE(fake_ndcp::count("set_conf"), 0);
 }
 
 void TestCameraSetUp::maskIsWidenedAndShown()

@@ -1,4 +1,5 @@
 #include "ui/discovery/device_records.h"
+#include "ui/discovery/device_text.h"
 #include "ui/discovery/network_form.h"
 
 #include <QTest>
@@ -8,11 +9,24 @@
 using zelvaro::NetworkForm;
 using zelvaro::NetworkFormCheck;
 
-class TestNetworkConfiguration : public QObject
+namespace {
+
+bool saysUtf8 = false;
+
+} // namespace
+
+/// Stands for the optional function of the discovery library.
+extern "C" Q_DECL_EXPORT int ndcp_takes_utf8()
+{
+    return saysUtf8;
+}
+
+class TestNetworkForm : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void init() { saysUtf8 = false; }
     void checksInOrder_data();
     void checksInOrder();
     void failedCheckLeavesRecord();
@@ -22,12 +36,18 @@ private slots:
     void maskIsMadeContiguous();
     void portOf16BitsIsStored();
     void overlongTextsAreCutToTheirFields();
+    void aTextThatStandsAsShownIsLeftAlone();
+    void editsAreKeptOverFreshValues();
+    void textsGoInTheEncodingOfTheLibrary_data();
+    void textsGoInTheEncodingOfTheLibrary();
+    void aCutLeavesNoHalfCharacter();
+    void whatTheLibraryCannotTakeIsRefused();
 
 private:
     static NetworkForm good();
 };
 
-NetworkForm TestNetworkConfiguration::good()
+NetworkForm TestNetworkForm::good()
 {
     NetworkForm input;
     input.deviceName = QStringLiteral("Door");
@@ -45,7 +65,7 @@ NetworkForm TestNetworkConfiguration::good()
     return input;
 }
 
-void TestNetworkConfiguration::checksInOrder_data()
+void TestNetworkForm::checksInOrder_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("location");
@@ -104,7 +124,7 @@ void TestNetworkConfiguration::checksInOrder_data()
                                          << "80" << 0U << 0U << false << QString();
 }
 
-void TestNetworkConfiguration::checksInOrder()
+void TestNetworkForm::checksInOrder()
 {
     QFETCH(QString, name);
     QFETCH(QString, location);
@@ -122,47 +142,48 @@ void TestNetworkConfiguration::checksInOrder()
     input.mask = mask;
     input.manualIp = manual;
     ndcp_device record{};
-    QCOMPARE(NetworkFormCheck::store(input, record).value_or(QString()), message);
+    QCOMPARE(NetworkFormCheck::store(input, {}, record).value_or(QString()), message);
 }
 
-void TestNetworkConfiguration::failedCheckLeavesRecord()
+void TestNetworkForm::failedCheckLeavesRecord()
 {
     ndcp_device record{};
-    QVERIFY(!NetworkFormCheck::store(good(), record));
+    QVERIFY(!NetworkFormCheck::store(good(), {}, record));
     const ndcp_device before = record;
     NetworkForm input = good();
     input.manualDns = false;
     input.gateway = 0;
     input.mask = 0;
-    QVERIFY(NetworkFormCheck::store(input, record).has_value());
+    QVERIFY(NetworkFormCheck::store(input, {}, record).has_value());
     QCOMPARE(std::memcmp(&before, &record, sizeof record), 0);
 }
 
-void TestNetworkConfiguration::nameOf50CharactersPassesAnd51Fails()
+void TestNetworkForm::nameOf50CharactersPassesAnd51Fails()
 {
     NetworkForm input = good();
     ndcp_device record{};
     input.deviceName = QString(50, QLatin1Char('n'));
     input.location = QString(50, QLatin1Char('l'));
-    QVERIFY(!NetworkFormCheck::store(input, record));
+    QVERIFY(!NetworkFormCheck::store(input, {}, record));
     input.deviceName += QLatin1Char('n');
-    QCOMPARE(*NetworkFormCheck::store(input, record), QStringLiteral("Device Name is too long!"));
+    QCOMPARE(*NetworkFormCheck::store(input, {}, record),
+             QStringLiteral("Device Name is too long!"));
 }
 
-void TestNetworkConfiguration::longNameDoesNotSpillIntoLocation()
+void TestNetworkForm::longNameDoesNotSpillIntoLocation()
 {
     NetworkForm input = good();
     input.deviceName = QString(50, QLatin1Char('n'));
     input.location = QStringLiteral("here");
     ndcp_device record;
     std::memset(&record, 0x55, sizeof record);
-    QVERIFY(!NetworkFormCheck::store(input, record));
+    QVERIFY(!NetworkFormCheck::store(input, {}, record));
     QCOMPARE(zelvaro::fieldBytes(record.name), QByteArray(31, 'n'));
     QCOMPARE(record.name[31], '\0');
     QCOMPARE(zelvaro::fieldBytes(record.location), QByteArray("here"));
 }
 
-void TestNetworkConfiguration::maskIsMadeContiguous_data()
+void TestNetworkForm::maskIsMadeContiguous_data()
 {
     QTest::addColumn<quint32>("mask");
     QTest::addColumn<quint32>("stored");
@@ -174,33 +195,120 @@ void TestNetworkConfiguration::maskIsMadeContiguous_data()
     QTest::newRow("0.0.0.2") << 2U << 0xFFFFFFFEU;
 }
 
-void TestNetworkConfiguration::maskIsMadeContiguous()
+void TestNetworkForm::maskIsMadeContiguous()
 {
     QFETCH(quint32, mask);
     QFETCH(quint32, stored);
     QCOMPARE(zelvaro::contiguousMask(mask), stored);
 }
 
-void TestNetworkConfiguration::portOf16BitsIsStored()
+void TestNetworkForm::portOf16BitsIsStored()
 {
     NetworkForm input = good();
     input.httpPort = QStringLiteral("65535");
     ndcp_device record{};
-    QVERIFY(!NetworkFormCheck::store(input, record));
+    QVERIFY(!NetworkFormCheck::store(input, {}, record));
     QCOMPARE(record.http_port, int16_t(-1));
     QCOMPARE(zelvaro::httpPort(record), 65535);
 }
 
-void TestNetworkConfiguration::overlongTextsAreCutToTheirFields()
+void TestNetworkForm::overlongTextsAreCutToTheirFields()
 {
     NetworkForm input = good();
     input.userName = QString(200, QLatin1Char('u'));
     input.password = QString(200, QLatin1Char('p'));
     ndcp_device record{};
-    QVERIFY(!NetworkFormCheck::store(input, record));
+    QVERIFY(!NetworkFormCheck::store(input, {}, record));
     QCOMPARE(zelvaro::fieldBytes(record.username), QByteArray(63, 'u'));
     QCOMPARE(zelvaro::fieldBytes(record.password), QByteArray(63, 'p'));
 }
 
-QTEST_MAIN(TestNetworkConfiguration)
+void TestNetworkForm::aTextThatStandsAsShownIsLeftAlone()
+{
+    ndcp_device record{};
+    std::strcpy(record.name, "T\xc3\xbcr");
+    std::strcpy(record.location, "a\tb");
+    NetworkForm input = good();
+    NetworkForm shown = good();
+    input.deviceName = shown.deviceName = zelvaro::fieldEditText(record.name);
+    input.location = shown.location = QString(60, QLatin1Char('l'));
+    QCOMPARE(NetworkFormCheck::store(input, shown, record).value_or(QString()), QString());
+    QCOMPARE(zelvaro::fieldBytes(record.name), QByteArray("T\xc3\xbcr"));
+    QCOMPARE(zelvaro::fieldBytes(record.location), QByteArray("a\tb"));
+    input.deviceName += QLatin1Char('2');
+    QCOMPARE(*NetworkFormCheck::store(input, shown, record),
+             QStringLiteral("Device Name input invalid!"));
+}
+
+void TestNetworkForm::editsAreKeptOverFreshValues()
+{
+    NetworkForm shown;
+    NetworkForm edited = shown;
+    edited.deviceName = QStringLiteral("Gate");
+    edited.manualDns = true;
+    edited.dns1 = 5;
+    const NetworkForm merged = zelvaro::withEdits(good(), shown, edited);
+    NetworkForm expected = good();
+    expected.deviceName = QStringLiteral("Gate");
+    expected.dns1 = 5;
+    ndcp_device a{}, b{};
+    QVERIFY(!NetworkFormCheck::store(merged, {}, a));
+    QVERIFY(!NetworkFormCheck::store(expected, {}, b));
+    QCOMPARE(std::memcmp(&a, &b, sizeof a), 0);
+    edited = good();
+    edited.manualIp = false;
+    QVERIFY(!zelvaro::withEdits(good(), good(), edited).manualIp);
+}
+
+void TestNetworkForm::textsGoInTheEncodingOfTheLibrary_data()
+{
+    QTest::addColumn<bool>("utf8");
+    QTest::addColumn<QByteArray>("stored");
+    QTest::newRow("another maker's") << false << QByteArray("Jos\xe9");
+    QTest::newRow("ours") << true << QByteArray("Jos\xc3\xa9");
+}
+
+void TestNetworkForm::textsGoInTheEncodingOfTheLibrary()
+{
+    QFETCH(bool, utf8);
+    saysUtf8 = utf8;
+    NetworkForm input = good();
+    input.userName = input.password = QStringLiteral("José");
+    ndcp_device record{};
+    QVERIFY(!NetworkFormCheck::store(input, {}, record));
+    QTEST(zelvaro::fieldBytes(record.username), "stored");
+    QTEST(zelvaro::fieldBytes(record.password), "stored");
+    QCOMPARE(zelvaro::networkForm(record).userName, QStringLiteral("José"));
+    if (utf8)
+        QCOMPARE(zelvaro::fieldText(record.username), QStringLiteral("José"));
+}
+
+void TestNetworkForm::aCutLeavesNoHalfCharacter()
+{
+    saysUtf8 = true;
+    char field[8];
+    zelvaro::storeField(field, QStringLiteral("abcdef\u043f"));
+    QCOMPARE(zelvaro::fieldBytes(field), QByteArray("abcdef"));
+    zelvaro::storeField(field, QStringLiteral("abcde\u043f"));
+    QCOMPARE(zelvaro::fieldBytes(field), QByteArray("abcde\xd0\xbf"));
+    zelvaro::storeField(field, QStringLiteral("abcd\u4e2d\u4e2d"));
+    QCOMPARE(zelvaro::fieldBytes(field), QByteArray("abcd\xe4\xb8\xad"));
+    zelvaro::storeField(field, QString());
+    QCOMPARE(zelvaro::fieldBytes(field), QByteArray());
+}
+
+// It would reach the camera as question marks.
+void TestNetworkForm::whatTheLibraryCannotTakeIsRefused()
+{
+    NetworkForm input = good();
+    input.deviceName = QStringLiteral("\u043f\u043f");
+    ndcp_device record{};
+    QCOMPARE(NetworkFormCheck::store(input, {}, record).value_or(QString()),
+             QStringLiteral("Device Name input invalid!"));
+    saysUtf8 = true;
+    QCOMPARE(NetworkFormCheck::store(input, {}, record).value_or(QString()), QString());
+    QCOMPARE(zelvaro::fieldBytes(record.name), QByteArray("\xd0\xbf\xd0\xbf"));
+}
+
+QTEST_MAIN(TestNetworkForm)
 #include "tst_network_form.moc"

@@ -59,9 +59,13 @@ private slots:
     void browserOpensTheWebPage();
     void setupReadsThenOpensTheDialog();
     void setupOpensAfterFailedRead();
+    void theTableFollowsTheSetUp();
+    void aPageThatGoesWhileItWaits_data();
+    void aPageThatGoesWhileItWaits();
     void clearForgetsEverything();
     void unknownEventIsADeveloperCheck();
-    void refusedSearchDoesNotWait();
+    void refusedSearchIsTold();
+    void missingLibraryIsTold();
     void emptyTableTellsHowItIsFilled();
 
 private:
@@ -80,6 +84,18 @@ private:
         fake_ndcp::answerDiscover(0);
         QTest::mouseClick(button("btnSearch"), Qt::LeftButton);
         fake_ndcp::answerDiscover(std::nullopt);
+    }
+    /// Presses a button and reads the message that comes.
+    QString messageOf(const char *name)
+    {
+        QString text;
+        ModalScript box([&](CMessageBox *shown) {
+            text = shown->findChild<QLabel *>("labelTitle")->text() + ": " +
+                   shown->findChild<QLabel *>("labelMessage")->text();
+            shown->accept();
+        });
+        QTest::mouseClick(button(name), Qt::LeftButton);
+        return box.done() ? text : QString();
     }
     void clickRow(int row)
     {
@@ -260,15 +276,7 @@ void TestSearchCameraListForm::noSelectionTellsTheUser()
         table()->selectionModel()->clearSelection();
         QVERIFY(table()->currentIndex().isValid());
     }
-    QString text;
-    ModalScript box([&](CMessageBox *shown) {
-        text = shown->findChild<QLabel *>("labelTitle")->text() + ": " +
-               shown->findChild<QLabel *>("labelMessage")->text();
-        shown->accept();
-    });
-    QTest::mouseClick(button(name.toLatin1()), Qt::LeftButton);
-    QVERIFY(box.done());
-    QCOMPARE(text, QStringLiteral("Error: Please select a camera."));
+    QCOMPARE(messageOf(name.toLatin1()), QStringLiteral("Error: Please select a camera."));
     QVERIFY(m_desktop.opened.isEmpty());
     QCOMPARE(fake_ndcp::count("get_conf"), 0);
 }
@@ -335,6 +343,46 @@ void TestSearchCameraListForm::setupOpensAfterFailedRead()
     QCOMPARE(name, QStringLiteral("Door"));
 }
 
+void TestSearchCameraListForm::theTableFollowsTheSetUp()
+{
+    const ndcp_device found = fake_ndcp::device("uid-1", "Door", 0xC0A80114);
+    search({found});
+    clickRow(0);
+    fake_ndcp::setConf(found);
+    fake_ndcp::answerGetConf(0);
+    fake_ndcp::answerSetConf(0);
+    ModalScript script([&](CCameraSetUp *shown) {
+        shown->findChild<QLineEdit *>("editDeviceName")->setText(QStringLiteral("Gate"));
+        press(shown, "btnApply");
+        QCOMPARE(cell(0, 1), QStringLiteral("Gate"));
+        press(shown, "btnExit");
+    });
+    QTest::mouseClick(button("btnOk"), Qt::LeftButton);
+    QVERIFY(script.done());
+    // The page has read the configuration, the dialog need not.
+    QCOMPARE(fake_ndcp::count("get_conf"), 1);
+    QCOMPARE(fake_ndcp::count("set_conf"), 1);
+    QCOMPARE(table()->currentIndex().row(), 0);
+}
+
+void TestSearchCameraListForm::aPageThatGoesWhileItWaits_data()
+{
+    QTest::addColumn<QString>("slot");
+    QTest::newRow("search") << "slotSearch";
+    QTest::newRow("set-up") << "slotOK";
+}
+
+void TestSearchCameraListForm::aPageThatGoesWhileItWaits()
+{
+    QFETCH(QString, slot);
+    search({fake_ndcp::device("uid-1", "Door", 0xC0A80114)});
+    clickRow(0);
+    ModalScript wait([&](BusyDialog *) { m_form.reset(); });
+    QMetaObject::invokeMethod(m_form.get(), slot.toLatin1(), Qt::DirectConnection);
+    QVERIFY(wait.done());
+    QVERIFY(!m_form);
+}
+
 void TestSearchCameraListForm::clearForgetsEverything()
 {
     ndcp_device device = fake_ndcp::device("uid-1", "Door", 1);
@@ -362,11 +410,20 @@ void TestSearchCameraListForm::unknownEventIsADeveloperCheck()
     QCOMPARE(table()->model()->rowCount(), 0);
 }
 
-void TestSearchCameraListForm::refusedSearchDoesNotWait()
+void TestSearchCameraListForm::refusedSearchIsTold()
 {
     fake_ndcp::setResult("discover", -1);
-    QTest::mouseClick(button("btnSearch"), Qt::LeftButton);
+    QVERIFY(messageOf("btnSearch").startsWith("Error: The search cannot be started."));
     QVERIFY(!QApplication::activeModalWidget());
+}
+
+void TestSearchCameraListForm::missingLibraryIsTold()
+{
+    m_form.reset();
+    fake_ndcp::failCreate();
+    m_form = std::make_unique<CSearchCameraListForm>();
+    m_form->show();
+    QVERIFY(messageOf("btnSearch").startsWith("Error: The search cannot be started."));
 }
 
 void TestSearchCameraListForm::emptyTableTellsHowItIsFilled()
