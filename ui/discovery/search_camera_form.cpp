@@ -2,6 +2,7 @@
 
 #include "ui/common/camera_list_icons.h"
 #include "ui/common/message_box.h"
+#include "ui/discovery/device_text.h"
 #include "ui_search_camera_form.h"
 
 #include <QDebug>
@@ -24,13 +25,31 @@ CSearchCameraForm::CSearchCameraForm(QWidget *parent)
     connect(this, &CSearchCameraForm::signalNDCPEvent, this, &CSearchCameraForm::slotNDCPEvent,
             Qt::QueuedConnection);
 
-    setSearching(m_client.discover());
+    connect(m_ui->btnSearchAgain, &QPushButton::clicked, this, &CSearchCameraForm::slotSearchAgain);
+    m_ui->btnSearchAgain->setShortcut(Qt::Key_F5);
+    search();
 }
 
 CSearchCameraForm::~CSearchCameraForm() = default;
 
+void CSearchCameraForm::search()
+{
+    const bool started = m_client.discover();
+    setSearching(started);
+    if (!started)
+        m_ui->labelStatus->setText(tr("The search cannot be started."));
+}
+
+void CSearchCameraForm::slotSearchAgain()
+{
+    m_model.removeRows(0, m_model.rowCount());
+    m_records.clear();
+    search();
+}
+
 void CSearchCameraForm::setSearching(bool searching)
 {
+    m_ui->btnSearchAgain->setEnabled(!searching);
     m_ui->btnOk->setEnabled(!searching);
     m_ui->btnCancel->setEnabled(!searching);
     m_ui->labelStatus->setText(searching ? tr("Searching...")

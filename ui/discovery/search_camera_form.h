@@ -12,8 +12,8 @@ namespace Ui {
 class SearchCameraForm;
 }
 
-/// Modal picker: searches the local network once as it opens, and hands back the UID of the
-/// camera that the user chose. GUI thread only.
+/// Modal picker: searches the local network as it opens, and again when the user asks, and hands
+/// back the UID of the camera that the user chose. GUI thread only.
 class CSearchCameraForm : public QDialog
 {
     Q_OBJECT
@@ -31,11 +31,13 @@ signals:
 private slots:
     void slotOK();
     void slotClose();
+    void slotSearchAgain();
     void slotNDCPEvent(int nMsg, int nErrorCode);
     void slotCameraItemChanged();
 
 private:
     void addRecord(const ndcp_device &device);
+    void search();
     void setSearching(bool searching);
 
     std::unique_ptr<Ui::SearchCameraForm> m_ui;

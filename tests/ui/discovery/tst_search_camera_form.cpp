@@ -30,6 +30,8 @@ private slots:
     void currentRowHasOtherIcon();
     void refusedSearchLeavesButtonsUsable();
     void missingClientLeavesButtonsUsable();
+    void searchesAgainWhenAsked_data();
+    void searchesAgainWhenAsked();
     void closedWhileSearching();
 
 private:
@@ -230,6 +232,8 @@ void TestSearchCameraForm::refusedSearchLeavesButtonsUsable()
     fake_ndcp::setResult("discover", -1);
     CSearchCameraForm form;
     QVERIFY(button(form, "btnCancel")->isEnabled());
+    QVERIFY(button(form, "btnSearchAgain")->isEnabled());
+    QVERIFY(form.findChild<QLabel *>("labelStatus")->text().contains("cannot be started"));
 }
 
 void TestSearchCameraForm::missingClientLeavesButtonsUsable()
@@ -238,6 +242,36 @@ void TestSearchCameraForm::missingClientLeavesButtonsUsable()
     CSearchCameraForm form;
     QVERIFY(button(form, "btnCancel")->isEnabled());
     QCOMPARE(list(form)->model()->rowCount(), 0);
+}
+
+void TestSearchCameraForm::searchesAgainWhenAsked_data()
+{
+    QTest::addColumn<bool>("byKey");
+    QTest::newRow("button") << false;
+    QTest::newRow("F5") << true;
+}
+
+void TestSearchCameraForm::searchesAgainWhenAsked()
+{
+    QFETCH(bool, byKey);
+    CSearchCameraForm form;
+    form.open();
+    QVERIFY(QTest::qWaitForWindowActive(&form));
+    QVERIFY(!button(form, "btnSearchAgain")->isEnabled());
+    findTwo(form);
+    clickRow(form, 1);
+    if (byKey)
+        QTest::keyClick(&form, Qt::Key_F5);
+    else
+        QTest::mouseClick(button(form, "btnSearchAgain"), Qt::LeftButton);
+    QCOMPARE(fake_ndcp::count("discover"), 2);
+    QCOMPARE(list(form)->model()->rowCount(), 0);
+    QVERIFY(!button(form, "btnOk")->isEnabled());
+    QVERIFY(!button(form, "btnSearchAgain")->isEnabled());
+    findTwo(form);
+    clickRow(form, 0);
+    QTest::mouseClick(button(form, "btnOk"), Qt::LeftButton);
+    QCOMPARE(form.uid(), QStringLiteral("uid-1"));
 }
 
 void TestSearchCameraForm::closedWhileSearching()
