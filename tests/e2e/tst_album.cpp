@@ -1,15 +1,15 @@
 #include "app/main_form.h"
-#include "ui/common/message_box.h"
 #include "tests/e2e/program_run.h"
 #include "tests/e2e/screen.h"
 #include "tests/support/modal_script.h"
 #include "ui/album/click_video_player.h"
+#include "ui/album/fitted_frame.h"
 #include "ui/album/photo_frame.h"
 #include "ui/album/photo_mgr_form.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/album/play_photo_form.h"
 #include "ui/album/play_video_form.h"
-#include "ui/album/fitted_frame.h"
+#include "ui/common/message_box.h"
 #include "ui/live/play_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
@@ -124,10 +124,9 @@ private:
     static QList<CPhotoMgrItemForm *> tiles(const QWidget *album)
     {
         QList<CPhotoMgrItemForm *> seen;
-        for (auto *tile : album->findChildren<CPhotoMgrItemForm *>()) {
+        for (auto *tile : album->findChildren<CPhotoMgrItemForm *>())
             if (tile->isVisible())
                 seen << tile;
-        }
         std::sort(seen.begin(), seen.end(),
                   [](auto *a, auto *b) { return a->fileName() < b->fileName(); });
         return seen;

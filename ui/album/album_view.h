@@ -43,8 +43,9 @@ public slots:
     void slotNext();
     void slotZoomIn();
     void slotZoomOut();
-    /// Does not ask. Shows the neighbour; behind the last one goes back to the album. A file that
-    /// cannot be deleted stays, and the user is told. Nothing for a tile that is not in the list.
+    /// Does not ask the user. Shows the next file; after the last one returns to the album. A file
+    /// that cannot be deleted stays, and a message says so. Nothing for a tile that is not in the
+    /// list.
     void slotDelete();
     /// Enters the full screen, never leaves it.
     void slotFullScreen();

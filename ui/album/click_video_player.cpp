@@ -13,8 +13,8 @@ constexpr int tickInterval = 250; // milliseconds
 
 } // namespace
 
-// Who places this widget keeps the ratio. The back end, asked to do it, takes the ratio from a size
-// of the video that it does not know yet.
+// The parent keeps the ratio. The back end, if it is to do that, takes the ratio from a size of the
+// video that it does not know yet.
 ClickVideoPlayer::ClickVideoPlayer(QWidget *parent) : Phonon::VideoPlayer(parent)
 {
     videoWidget()->setAspectRatio(Phonon::VideoWidget::AspectRatioWidget);

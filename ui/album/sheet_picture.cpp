@@ -73,7 +73,7 @@ QString hexadecimal(quint64 value, int digits)
 }
 
 /// What QPixmap::load() of Qt 5.15 looks a file up by in the cache of the process. Where another Qt
-/// names it otherwise the picture is decoded whole: tests/ui/album tells.
+/// names it otherwise the picture is decoded whole: tests/ui/album checks it.
 QString cacheKey(const QString &file)
 {
     const QFileInfo info(file);

@@ -62,5 +62,5 @@ private:
     Configuration m_configuration;
     bool m_hasAnswer = false;     // the last request has succeeded
     zelvaro::NetworkForm m_shown; // as the controls were filled
-    zelvaro::NdcpClient m_client; // goes first: no event reaches a dialog that is going
+    zelvaro::NdcpClient m_client; // destroyed first: no event reaches a dialog under destruction
 };

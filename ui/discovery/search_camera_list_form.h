@@ -35,7 +35,7 @@ private slots:
     void slotNDCPEvent(int nMsg, int nErrorCode);
 
 private:
-    /// Fills the table anew from the kept records; the current row stays current.
+    /// Fills the table again from the kept records; the current row stays current.
     void rebuildTable();
     ndcp_device *recordOf(const QModelIndex &index) const;
     /// The record of the row that is current and selected; without one a message is shown, and it
@@ -50,5 +50,5 @@ private:
     QStandardItemModel m_model;
     zelvaro::DeviceRecords m_records;
     bool m_configurationRead = false; // by the last request for it
-    zelvaro::NdcpClient m_client;     // goes first: no event reaches a page that is going
+    zelvaro::NdcpClient m_client;     // destroyed first: no event reaches a page under destruction
 };

@@ -15,7 +15,7 @@
 #include <phonon/seekslider.h>
 #include <phonon/videowidget.h>
 
-/// The page without a picture: what it does with the states that a player goes through, and with
+/// The page without a picture: what it does with the states that a player passes through, and with
 /// files that are no recordings. Playback itself is in tst_playback.
 class TestPlayVideoForm : public QObject
 {
