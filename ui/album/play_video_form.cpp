@@ -196,6 +196,7 @@ void CPlayVideoForm::closeFile()
         return;
     stopPlayer();
     m_player->closeFile();
+    showTime(0, 0);
 }
 
 void CPlayVideoForm::leave()

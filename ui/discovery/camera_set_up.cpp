@@ -147,10 +147,13 @@ void CCameraSetUp::slotNDCPEvent(int nMsg, int nErrorCode)
 {
     if (!ZELVARO_CHECK(nMsg == NDCP_EVENT_GET_CONF || nMsg == NDCP_EVENT_SET_CONF, "CameraSetUp"))
         return;
+    const QPointer<CCameraSetUp> self(this);
     if (nErrorCode != 0)
         showLibraryError(nErrorCode);
     else
         takeOverResult();
+    if (!self)
+        return;
     if (nMsg == NDCP_EVENT_GET_CONF)
         emit signalGetConfFinished();
     else

@@ -357,6 +357,7 @@ void TestCameraSetUp::aNameThatCannotBeTypedStays()
     std::strcpy(device.name, "T\xc3\xbcr");
     std::strcpy(device.location, "B\xc3\xbcro");
     open(device);
+    QCOMPARE(child<QLineEdit>("editDeviceName")->text(), QStringLiteral("Tür"));
     fake_ndcp::answerSetConf(0);
     child<CAddressEdit>("addressGateway")->setAddress(0xC0A801FE);
     click("btnApply");

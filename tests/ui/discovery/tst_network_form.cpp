@@ -1,3 +1,4 @@
+#include "tests/fakes/fake_ndcp.h"
 #include "ui/discovery/device_records.h"
 #include "ui/discovery/device_text.h"
 #include "ui/discovery/network_form.h"
@@ -9,24 +10,12 @@
 using zelvaro::NetworkForm;
 using zelvaro::NetworkFormCheck;
 
-namespace {
-
-bool saysUtf8 = false;
-
-} // namespace
-
-/// Stands for the optional function of the discovery library.
-extern "C" Q_DECL_EXPORT int ndcp_takes_utf8()
-{
-    return saysUtf8;
-}
-
 class TestNetworkForm : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void init() { saysUtf8 = false; }
+    void init() { fake_ndcp::reset(); }
     void checksInOrder_data();
     void checksInOrder();
     void failedCheckLeavesRecord();
@@ -271,7 +260,7 @@ void TestNetworkForm::textsGoInTheEncodingOfTheLibrary_data()
 void TestNetworkForm::textsGoInTheEncodingOfTheLibrary()
 {
     QFETCH(bool, utf8);
-    saysUtf8 = utf8;
+    fake_ndcp::setTakesUtf8(utf8);
     NetworkForm input = good();
     input.userName = input.password = QStringLiteral("José");
     ndcp_device record{};
@@ -285,7 +274,6 @@ void TestNetworkForm::textsGoInTheEncodingOfTheLibrary()
 
 void TestNetworkForm::aCutLeavesNoHalfCharacter()
 {
-    saysUtf8 = true;
     char field[8];
     zelvaro::storeField(field, QStringLiteral("abcdef\u043f"));
     QCOMPARE(zelvaro::fieldBytes(field), QByteArray("abcdef"));
@@ -303,9 +291,10 @@ void TestNetworkForm::whatTheLibraryCannotTakeIsRefused()
     NetworkForm input = good();
     input.deviceName = QStringLiteral("\u043f\u043f");
     ndcp_device record{};
+    fake_ndcp::setTakesUtf8(0);
     QCOMPARE(NetworkFormCheck::store(input, {}, record).value_or(QString()),
              QStringLiteral("Device Name input invalid!"));
-    saysUtf8 = true;
+    fake_ndcp::setTakesUtf8(1);
     QCOMPARE(NetworkFormCheck::store(input, {}, record).value_or(QString()), QString());
     QCOMPARE(zelvaro::fieldBytes(record.name), QByteArray("\xd0\xbf\xd0\xbf"));
 }
