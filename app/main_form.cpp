@@ -1,8 +1,12 @@
 #include "app/main_form.h"
 
+#include "app/album_folder.h"
 #include "app/dialog_shadow.h"
+#include "app/settings_notice.h"
 #include "settings/camera_settings.h"
 #include "ui/common/desktop.h"
+#include "ui/common/message_box.h"
+#include "ui/common/stored_text_message.h"
 #include "ui/discovery/search_camera_form.h"
 #include "ui_main_form.h"
 
@@ -15,28 +19,9 @@
 
 namespace {
 
-struct ToolButtonIcons
-{
-    const char *button;
-    const char *normal;
-    const char *pressed;
-};
-
-constexpr ToolButtonIcons toolButtons[] = {
-    {"btnCameraMgr", ":/images/toolbarbtn/cameramgrbtn.png",
-     ":/images/toolbarbtn/cameramgrbtn_pressed.png"},
-    {"btnMultiLive", ":/images/toolbarbtn/multilivebtn.png",
-     ":/images/toolbarbtn/multilivebtn_pressed.png"},
-    {"btnVideoMgr", ":/images/toolbarbtn/videobtn.png", ":/images/toolbarbtn/videobtn_pressed.png"},
-    {"btnPhotoMgr", ":/images/toolbarbtn/albumbtn.png", ":/images/toolbarbtn/albumbtn_pressed.png"},
-    {"btnSetUp", ":/images/toolbarbtn/SetUp.png", ":/images/toolbarbtn/Setupbtn_pressed.png"},
-};
-
 // A window lower than this leaves its height to the page: tool buttons without their texts, and no
 // status row.
 constexpr int compactHeight = 420;
-constexpr int toolButtonHeight = 68;
-constexpr int compactToolButtonHeight = 44;
 
 // The texts of the buttons are for assistive programs; only the image is drawn.
 void setSystemButtonImages(QToolButton *button, const QString &family)
@@ -50,7 +35,8 @@ void setSystemButtonImages(QToolButton *button, const QString &family)
             .arg(family));
 }
 
-// Emptied and filled each time, so that cameras added or removed since the last visit appear.
+// The page's own list of cameras is emptied and filled each time, so that cameras added or removed
+// since the last visit appear.
 void openAlbum(CPhotoMgrForm &album, bool videoMode)
 {
     album.cameraModel().removeRows(0, album.cameraModel().rowCount());
@@ -74,6 +60,10 @@ CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<U
     new zelvaro::DialogShadow(this);
     resize(size().boundedTo(largest));
     centreOnDesktop();
+
+    connect(&CameraSettings::instance(), &CameraSettings::fileTroublesChanged, this,
+            &CMainForm::fillStatusRow);
+    fillStatusRow();
 
     leavePages();
     showPage(PageCameraMgr);
@@ -113,7 +103,14 @@ void CMainForm::buildToolBar()
     connect(m_ui->btnVideoMgr, &QToolButton::clicked, this, &CMainForm::slotVideoMgr);
     connect(m_ui->btnPhotoMgr, &QToolButton::clicked, this, &CMainForm::slotPhotoMgr);
     connect(m_ui->btnSetUp, &QToolButton::clicked, this, &CMainForm::slotSetUp);
-    markToolButton(m_ui->btnCameraMgr);
+    m_toolBar.emplace(zelvaro::ToolBar::Buttons{{
+        {m_ui->btnCameraMgr, "cameramgrbtn.png", "cameramgrbtn_pressed.png"},
+        {m_ui->btnMultiLive, "multilivebtn.png", "multilivebtn_pressed.png"},
+        {m_ui->btnVideoMgr, "videobtn.png", "videobtn_pressed.png"},
+        {m_ui->btnPhotoMgr, "albumbtn.png", "albumbtn_pressed.png"},
+        {m_ui->btnSetUp, "SetUp.png", "Setupbtn_pressed.png"},
+    }});
+    m_toolBar->mark(m_ui->btnCameraMgr);
 }
 
 // Without a button held, moves reach the window only through widgets that track the mouse. What
@@ -234,24 +231,23 @@ std::optional<QString> CMainForm::findCamera(QWidget *parent)
 
 void CMainForm::showStatus(const QString &text)
 {
-    m_ui->labelStatus->setText(text);
+    m_status = text;
+    fillStatusRow();
+}
+
+void CMainForm::fillStatusRow()
+{
+    m_ui->labelStatus->setText(
+        m_status.isEmpty() ? zelvaro::settingsNotice(CameraSettings::instance()) : m_status);
 }
 
 // --- tool bar ------------------------------------------------------------------------------------
-
-void CMainForm::markToolButton(const QToolButton *clicked)
-{
-    for (const ToolButtonIcons &icons : toolButtons) {
-        auto *button = m_ui->frameButtons->findChild<QToolButton *>(QLatin1String(icons.button));
-        button->setIcon(QIcon(QLatin1String(button == clicked ? icons.pressed : icons.normal)));
-    }
-}
 
 void CMainForm::slotCameraMgr()
 {
     if (!mayLeaveMultiLive())
         return;
-    markToolButton(m_ui->btnCameraMgr);
+    m_toolBar->mark(m_ui->btnCameraMgr);
     showCameraMgr();
 }
 
@@ -259,7 +255,7 @@ void CMainForm::slotMultiLive()
 {
     if (!mayLeaveMultiLive())
         return;
-    markToolButton(m_ui->btnMultiLive);
+    m_toolBar->mark(m_ui->btnMultiLive);
     showMultiLive();
 }
 
@@ -267,7 +263,7 @@ void CMainForm::slotVideoMgr()
 {
     if (!mayLeaveMultiLive())
         return;
-    markToolButton(m_ui->btnVideoMgr);
+    m_toolBar->mark(m_ui->btnVideoMgr);
     showVideoMgr();
 }
 
@@ -275,7 +271,7 @@ void CMainForm::slotPhotoMgr()
 {
     if (!mayLeaveMultiLive())
         return;
-    markToolButton(m_ui->btnPhotoMgr);
+    m_toolBar->mark(m_ui->btnPhotoMgr);
     showPhotoMgr();
 }
 
@@ -283,7 +279,7 @@ void CMainForm::slotSetUp()
 {
     if (!mayLeaveMultiLive())
         return;
-    markToolButton(m_ui->btnSetUp);
+    m_toolBar->mark(m_ui->btnSetUp);
     showSearchCameraList();
 }
 
@@ -293,8 +289,24 @@ void CMainForm::slotSavePath()
     QString folder = desktop().chooseFolder(this, tr("Selecte Path"), settings.albumPath());
     if (folder.isEmpty())
         return;
-    settings.setAlbumPath(folder.replace(QLatin1Char('\\'), QLatin1Char('/')));
+    folder.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    if (const QString reason = whyNotTheAlbum(folder); !reason.isEmpty()) {
+        CMessageBox(CMessageBox::Error, tr("Error"), reason, QMessageBox::Ok, this).exec();
+        return;
+    }
+    settings.setAlbumPath(folder);
     settings.save();
+}
+
+QString CMainForm::whyNotTheAlbum(const QString &folder) const
+{
+    const QString unsavable =
+        zelvaro::storedTextMessage(zelvaro::SettingsText::AlbumPath, folder, tr("Path"));
+    if (!unsavable.isEmpty())
+        return unsavable;
+    return zelvaro::canBeWritten(folder)
+               ? QString()
+               : tr("Nothing can be written to this folder. Please choose another one.");
 }
 
 // --- the window itself ---------------------------------------------------------------------------
@@ -309,6 +321,10 @@ void CMainForm::slotMaximized()
     m_maximized = !m_maximized;
     setSystemButtonImages(m_ui->btnMax,
                           m_maximized ? QStringLiteral("restorebtn") : QStringLiteral("maxbtn"));
+    const QString does = m_maximized ? tr("Restore") : tr("Maximize");
+    m_ui->btnMax->setText(does);
+    m_ui->btnMax->setToolTip(does);
+    m_ui->btnMax->setAccessibleName(does);
     if (m_maximized) {
         m_normalGeometry = geometry();
         setGeometry(screen()->availableGeometry());
@@ -348,10 +364,7 @@ void CMainForm::resizeEvent(QResizeEvent *event)
 void CMainForm::showCompact(bool compact)
 {
     m_ui->frameStatus->setVisible(!compact);
-    for (QToolButton *button : m_ui->frameButtons->findChildren<QToolButton *>()) {
-        button->setToolButtonStyle(compact ? Qt::ToolButtonIconOnly : Qt::ToolButtonTextUnderIcon);
-        button->setFixedHeight(compact ? compactToolButtonHeight : toolButtonHeight);
-    }
+    m_toolBar->setCompact(compact);
 }
 
 void CMainForm::mousePressEvent(QMouseEvent *event)

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "app/edge_resize.h"
+#include "app/tool_bar.h"
 #include "ui/common/page_host.h"
 
 #include <QWidget>
 
 #include <memory>
 #include <optional>
-
-class QToolButton;
 
 namespace Ui {
 class CMainForm;
@@ -80,11 +79,16 @@ private:
 
     void showPage(Page page);
     bool mayLeaveMultiLive();
-    void markToolButton(const QToolButton *clicked);
+    /// What a page has to say, else what is wrong with the settings file.
+    void fillStatusRow();
+    /// Why this folder cannot be the album; empty when it can.
+    QString whyNotTheAlbum(const QString &folder) const;
 
     void showCompact(bool compact);
 
     std::unique_ptr<Ui::CMainForm> m_ui;
+    std::optional<zelvaro::ToolBar> m_toolBar; // made when there are buttons
+    QString m_status;                          // what a page has to say
     bool m_maximized = false;
     QRect m_normalGeometry;
     std::optional<zelvaro::EdgeResize> m_edges; // made when there are frames for the edges

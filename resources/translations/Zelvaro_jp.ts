@@ -269,6 +269,22 @@
         <source>Alt+S</source>
         <translation>Alt+S</translation>
     </message>
+    <message>
+        <source>Restore</source>
+        <translation>元に戻す</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>エラー</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>パス</translation>
+    </message>
+    <message>
+        <source>Nothing can be written to this folder. Please choose another one.</source>
+        <translation>このフォルダーには書き込めません。別のフォルダーを選んでください。</translation>
+    </message>
 </context>
 <context>
     <name>CMessageBox</name>
@@ -949,6 +965,25 @@
     <message>
         <source>OK</source>
         <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsNotice</name>
+    <message>
+        <source>%1 cannot be read: its cameras are missing here.</source>
+        <translation>%1 を読み込めません。登録されたカメラは表示されていません。</translation>
+    </message>
+    <message>
+        <source>%1 has a gap in its numbers: the cameras after it are missing here.</source>
+        <translation>%1 の番号が途切れています。それより後のカメラは表示されていません。</translation>
+    </message>
+    <message>
+        <source>Changes cannot be saved in %1.</source>
+        <translation>変更を %1 に保存できません。</translation>
+    </message>
+    <message>
+        <source>Some texts cannot be saved whole in %1.</source>
+        <translation>一部の文字列を %1 にそのまま保存できません。</translation>
     </message>
 </context>
 <context>

@@ -269,6 +269,22 @@
         <source>Alt+S</source>
         <translation>Alt+S</translation>
     </message>
+    <message>
+        <source>Restore</source>
+        <translation>还原</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>错误</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>路径</translation>
+    </message>
+    <message>
+        <source>Nothing can be written to this folder. Please choose another one.</source>
+        <translation>无法写入此文件夹。请选择其他文件夹。</translation>
+    </message>
 </context>
 <context>
     <name>CMessageBox</name>
@@ -949,6 +965,25 @@
     <message>
         <source>OK</source>
         <translation>确定</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsNotice</name>
+    <message>
+        <source>%1 cannot be read: its cameras are missing here.</source>
+        <translation>无法读取 %1：其中的摄像机未显示。</translation>
+    </message>
+    <message>
+        <source>%1 has a gap in its numbers: the cameras after it are missing here.</source>
+        <translation>%1 中的编号不连续：其后的摄像机未显示。</translation>
+    </message>
+    <message>
+        <source>Changes cannot be saved in %1.</source>
+        <translation>无法将更改保存到 %1。</translation>
+    </message>
+    <message>
+        <source>Some texts cannot be saved whole in %1.</source>
+        <translation>部分文本无法完整保存到 %1。</translation>
     </message>
 </context>
 <context>

@@ -269,6 +269,22 @@
         <source>Alt+S</source>
         <translation>Alt+S</translation>
     </message>
+    <message>
+        <source>Restore</source>
+        <translation>Восстановить</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Ошибка</translation>
+    </message>
+    <message>
+        <source>Path</source>
+        <translation>Путь</translation>
+    </message>
+    <message>
+        <source>Nothing can be written to this folder. Please choose another one.</source>
+        <translation>В эту папку нельзя ничего записать. Выберите другую.</translation>
+    </message>
 </context>
 <context>
     <name>CMessageBox</name>
@@ -949,6 +965,25 @@
     <message>
         <source>OK</source>
         <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>SettingsNotice</name>
+    <message>
+        <source>%1 cannot be read: its cameras are missing here.</source>
+        <translation>Не удаётся прочитать %1: камеры из него здесь не показаны.</translation>
+    </message>
+    <message>
+        <source>%1 has a gap in its numbers: the cameras after it are missing here.</source>
+        <translation>В %1 пропущен номер: камеры после него здесь не показаны.</translation>
+    </message>
+    <message>
+        <source>Changes cannot be saved in %1.</source>
+        <translation>Не удаётся сохранить изменения в %1.</translation>
+    </message>
+    <message>
+        <source>Some texts cannot be saved whole in %1.</source>
+        <translation>Некоторые тексты нельзя полностью сохранить в %1.</translation>
     </message>
 </context>
 <context>

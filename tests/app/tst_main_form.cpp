@@ -3,11 +3,14 @@
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/manager/manager_fixture.h"
+#include "ui/album/photo_mgr_form.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/common/desktop.h"
 #include "ui/common/message_box.h"
 #include "ui/common/title_widget.h"
 #include "ui/discovery/search_camera_form.h"
+#include "ui/live/multi_live_form.h"
+#include "ui/live/play_camera_form.h"
 #include "ui/manager/add_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
@@ -22,6 +25,9 @@
 #include <QStackedWidget>
 #include <QTest>
 #include <QToolButton>
+
+#include <cctype>
+#include <map>
 
 namespace {
 
@@ -71,9 +77,65 @@ const ToolButton toolButtons[] = {
     {"btnSetUp", "Setup", "SetUp.png", "Setupbtn_pressed.png", 7},
 };
 
+/// What leaving the pages does, in the order in which it is done.
+class LeaveLog : public QObject
+{
+public:
+    /// views: names of the live views by the UID of the camera that they show.
+    LeaveLog(CMainForm *form, std::map<std::string, QString> views)
+        : m_form(form)
+        , m_views(std::move(views))
+    {
+        qApp->installEventFilter(this);
+    }
+
+    QStringList take()
+    {
+        noteStops();
+        return m_log;
+    }
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        const auto inside = [&](const char *page) {
+            const auto *const widget = qobject_cast<QWidget *>(watched);
+            return widget && m_form->findChild<QWidget *>(page)->isAncestorOf(widget);
+        };
+        if (event->type() == QEvent::ToolTipChange && inside("pagePlayVideo"))
+            note("video player");
+        if (event->type() == QEvent::HideToParent && qobject_cast<CPhotoMgrItemForm *>(watched))
+            note(inside("pageVideoMgr") ? "video album" : "photo album");
+        return false;
+    }
+
+private:
+    void note(const QString &what)
+    {
+        noteStops();
+        append(what);
+    }
+    void noteStops()
+    {
+        for (const fake_cammgr::Call &call : fake_cammgr::calls()) {
+            for (const auto &[uid, view] : m_views)
+                if (call.name == "RtspPlayer_Stop" &&
+                    fake_cammgr::player(uid)->handle() == call.player)
+                    append(view);
+        }
+    }
+    void append(const QString &what)
+    {
+        if (!m_log.contains(what))
+            m_log << what;
+    }
+
+    CMainForm *m_form;
+    std::map<std::string, QString> m_views;
+    QStringList m_log;
+};
+
 } // namespace
 
-class MainFormTest : public QObject
+class TestMainForm : public QObject
 {
     Q_OBJECT
 
@@ -91,6 +153,9 @@ private slots:
     void toolButtonsSwitchPagesAndIcons();
     void toolButtonsHaveShortcuts();
     void otherSwitchesLeaveTheIcons();
+    void leavingStopsThePagesInOrder();
+    void aCameraPlaysBeforeItsPageIsShown();
+    void theGridStartsOnItsPage();
     void playingACameraStartsItsStream();
     void leavingStopsTheSingleView();
     void multiLiveStartsAndStopsItsTiles();
@@ -105,8 +170,12 @@ private slots:
     void savePathIsTheOnlyMenuEntry();
     void savePathTakesTheChosenFolder();
     void aCancelledChooserChangesNothing();
-    void aFolderThatCannotBeUsedIsKeptAsItIs_data();
-    void aFolderThatCannotBeUsedIsKeptAsItIs();
+    void aFolderThatIsNotThereYetIsTaken_data();
+    void aFolderThatIsNotThereYetIsTaken();
+    void aFolderThatCannotBeUsedIsRefused_data();
+    void aFolderThatCannotBeUsedIsRefused();
+    void pagesFollowTheAlbumPath();
+    void troublesWithTheSettingsFileAreInTheStatusRow();
 
     void aLowWindowLeavesItsHeightToThePage();
     void maximizeTogglesGeometryAndButton();
@@ -121,6 +190,7 @@ private slots:
     void aDragThatStartsInsideResizesOnceItReachesAnEdge();
 
     void closeEndsTheEventLoop();
+    void closingTheWindowEndsTheEventLoop();
     void minimizeMinimizes();
     void discoverOpensThePicker();
 
@@ -177,31 +247,31 @@ private:
     std::unique_ptr<CMainForm> m_form;
 };
 
-void MainFormTest::initTestCase()
+void TestMainForm::initTestCase()
 {
     zelvaro::initResources();
     zelvaro::applyLook();
 }
 
-void MainFormTest::init()
+void TestMainForm::init()
 {
     m_registry = std::make_unique<Registry>();
 }
 
-void MainFormTest::cleanup()
+void TestMainForm::cleanup()
 {
     m_form.reset();
     m_registry.reset();
 }
 
-void MainFormTest::build()
+void TestMainForm::build()
 {
     m_registry->start();
     m_form = std::make_unique<CMainForm>();
     setPageHost(m_form.get());
 }
 
-void MainFormTest::showForm()
+void TestMainForm::showForm()
 {
     build();
     m_form->show();
@@ -210,7 +280,7 @@ void MainFormTest::showForm()
     QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), QRect(100, 60, 500, 400), deadline);
 }
 
-void MainFormTest::expectIcons(const char *pressedButton)
+void TestMainForm::expectIcons(const char *pressedButton)
 {
     for (const ToolButton &button : toolButtons) {
         const bool pressed = qstrcmp(button.name, pressedButton) == 0;
@@ -222,7 +292,7 @@ void MainFormTest::expectIcons(const char *pressedButton)
     }
 }
 
-void MainFormTest::startingWithNoSettingsFileShowsTheCameraPageWithNoCameras()
+void TestMainForm::startingWithNoSettingsFileShowsTheCameraPageWithNoCameras()
 {
     build();
     QCOMPARE(page(), 0);
@@ -231,7 +301,7 @@ void MainFormTest::startingWithNoSettingsFileShowsTheCameraPageWithNoCameras()
     expectIcons("btnCameraMgr");
 }
 
-void MainFormTest::theFormHasItsNamesAndTexts()
+void TestMainForm::theFormHasItsNamesAndTexts()
 {
     build();
     QCOMPARE(m_form->objectName(), QString("MainForm"));
@@ -249,13 +319,21 @@ void MainFormTest::theFormHasItsNamesAndTexts()
         QVERIFY2(!find<QToolButton>(name)->toolTip().isEmpty(), name);
         QVERIFY2(!find<QToolButton>(name)->accessibleName().isEmpty(), name);
     }
+    for (const char *family : {"menu", "min", "max", "close"}) {
+        const QByteArray button = QByteArray("btn") + char(std::toupper(*family)) + (family + 1);
+        for (const char *state : {"default", "hover", "down"}) {
+            const QString image = QString(":/images/sysbtn/%1btn_%2.png").arg(family, state);
+            QVERIFY2(find<QToolButton>(button)->styleSheet().contains(image), qPrintable(image));
+            QVERIFY2(QFile::exists(image), qPrintable(image));
+        }
+    }
     auto *stack = find<QStackedWidget>("stackedWidget");
     QCOMPARE(stack->count(), pages.size());
     for (int i = 0; i < pages.size(); ++i)
         QCOMPARE(stack->widget(i)->objectName(), pages.at(i));
 }
 
-void MainFormTest::theWindowIsFramelessAndCentred()
+void TestMainForm::theWindowIsFramelessAndCentred()
 {
     build();
     QVERIFY(m_form->windowFlags() & Qt::FramelessWindowHint);
@@ -267,7 +345,7 @@ void MainFormTest::theWindowIsFramelessAndCentred()
     QCOMPARE(m_form->minimumSize(), QSize(400, 300));
 }
 
-void MainFormTest::theHostPointerEndsWithTheWindow()
+void TestMainForm::theHostPointerEndsWithTheWindow()
 {
     build();
     QCOMPARE(pageHost(), m_form.get());
@@ -276,7 +354,7 @@ void MainFormTest::theHostPointerEndsWithTheWindow()
     QVERIFY(!pageHost());
 }
 
-void MainFormTest::theStatusRowShowsWhatAPageTells()
+void TestMainForm::theStatusRowShowsWhatAPageTells()
 {
     showForm();
     auto *status = find<QFrame>("frameStatus")->findChild<QLabel *>("labelStatus");
@@ -291,7 +369,7 @@ void MainFormTest::theStatusRowShowsWhatAPageTells()
     QCOMPARE(status->text(), QString());
 }
 
-void MainFormTest::toolButtonsSwitchPagesAndIcons()
+void TestMainForm::toolButtonsSwitchPagesAndIcons()
 {
     showForm();
     for (const ToolButton &button : toolButtons) {
@@ -304,7 +382,7 @@ void MainFormTest::toolButtonsSwitchPagesAndIcons()
     expectIcons("btnCameraMgr");
 }
 
-void MainFormTest::toolButtonsHaveShortcuts()
+void TestMainForm::toolButtonsHaveShortcuts()
 {
     showForm();
     m_form->activateWindow();
@@ -315,7 +393,7 @@ void MainFormTest::toolButtonsHaveShortcuts()
     QTRY_COMPARE_WITH_TIMEOUT(page(), 0, deadline);
 }
 
-void MainFormTest::otherSwitchesLeaveTheIcons()
+void TestMainForm::otherSwitchesLeaveTheIcons()
 {
     m_registry->add("UID-1", "Door");
     showForm();
@@ -330,7 +408,78 @@ void MainFormTest::otherSwitchesLeaveTheIcons()
     expectIcons("btnPhotoMgr");
 }
 
-void MainFormTest::playingACameraStartsItsStream()
+void TestMainForm::leavingStopsThePagesInOrder()
+{
+    m_registry->add("UID-1", "Door");
+    m_registry->add("UID-2", "Yard", true);
+    showForm();
+    writeFile("UID-1/20240305_070809.mp4");
+    writeFile("UID-1/20240305_070809.jpg");
+    click("btnPhotoMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, deadline);
+    m_form->backToVideoMgr(); // which leaves no page
+    find<CPhotoMgrForm>("pageVideoMgr")->open(true);
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, deadline);
+    QTest::mouseDClick(albumTiles("pageVideoMgr").at(0), Qt::LeftButton);
+    QCOMPARE(page(), 6);
+    find<CPlayCameraForm>("pagePlayCamera")->SetCamera(Registry::cameras().at(0));
+    find<CPlayCameraForm>("pagePlayCamera")->StartPlay();
+    find<CMultiLiveForm>("pageMultiLive")->StartPlay();
+    QCOMPARE(player("UID-1")->count("RtspPlayer_Stop"), 0);
+    QCOMPARE(player("UID-2")->count("RtspPlayer_Stop"), 0);
+
+    LeaveLog log(m_form.get(), {{"UID-1", "single view"}, {"UID-2", "grid"}});
+    m_form->leavePages();
+    QCOMPARE(log.take(),
+             QStringList({"single view", "grid", "video player", "video album", "photo album"}));
+}
+
+void TestMainForm::aCameraPlaysBeforeItsPageIsShown()
+{
+    m_registry->add("UID-1", "Door");
+    m_registry->add("UID-2", "Yard", true);
+    showForm();
+    click("btnMultiLive");
+    int stopped = -1;
+    int started = -1;
+    connect(find<QStackedWidget>("stackedWidget"), &QStackedWidget::currentChanged, this, [&] {
+        stopped = player("UID-2")->count("RtspPlayer_Stop");
+        started = player("UID-1")->count("RtspPlayer_SetupP2PliveStream");
+    });
+    m_form->playCamera(Registry::cameras().at(0));
+    QCOMPARE(page(), 1);
+    QCOMPARE(stopped, 1);
+    QCOMPARE(started, 1);
+    const std::vector<fake_cammgr::Call> calls = fake_cammgr::calls();
+    const auto first = [&](const char *name, const char *uid) {
+        const auto same = [&](const fake_cammgr::Call &call) {
+            return call.name == name && call.player == player(uid)->handle();
+        };
+        return std::find_if(calls.begin(), calls.end(), same) - calls.begin();
+    };
+    QVERIFY(first("RtspPlayer_Stop", "UID-2") < first("RtspPlayer_SetupP2PliveStream", "UID-1"));
+}
+
+void TestMainForm::theGridStartsOnItsPage()
+{
+    m_registry->add("UID-1", "Door");
+    m_registry->add("UID-2", "Yard", true);
+    showForm();
+    m_form->playCamera(Registry::cameras().at(0));
+    int stopped = -1;
+    int started = -1;
+    connect(find<QStackedWidget>("stackedWidget"), &QStackedWidget::currentChanged, this, [&] {
+        stopped = player("UID-1")->count("RtspPlayer_Stop");
+        started = player("UID-2")->count("RtspPlayer_SetupP2PliveStream");
+    });
+    m_form->showMultiLive();
+    QCOMPARE(page(), 2);
+    QCOMPARE(stopped, 1);
+    QCOMPARE(started, 0);
+    QCOMPARE(player("UID-2")->count("RtspPlayer_SetupP2PliveStream"), 1);
+}
+
+void TestMainForm::playingACameraStartsItsStream()
 {
     m_registry->add("UID-1", "Door");
     showForm();
@@ -342,7 +491,7 @@ void MainFormTest::playingACameraStartsItsStream()
     QVERIFY(player("UID-1")->window() != 0);
 }
 
-void MainFormTest::leavingStopsTheSingleView()
+void TestMainForm::leavingStopsTheSingleView()
 {
     m_registry->add("UID-1", "Door");
     showForm();
@@ -354,7 +503,7 @@ void MainFormTest::leavingStopsTheSingleView()
     QCOMPARE(page(), 3);
 }
 
-void MainFormTest::multiLiveStartsAndStopsItsTiles()
+void TestMainForm::multiLiveStartsAndStopsItsTiles()
 {
     m_registry->add("UID-1", "Door", true);
     m_registry->add("UID-2", "Yard", false);
@@ -369,7 +518,7 @@ void MainFormTest::multiLiveStartsAndStopsItsTiles()
     QVERIFY(!Registry::cameras().at(0)->is_playing());
 }
 
-void MainFormTest::backAndShowOperationsOnlySwitchThePage()
+void TestMainForm::backAndShowOperationsOnlySwitchThePage()
 {
     m_registry->add("UID-1", "Door");
     showForm();
@@ -382,7 +531,7 @@ void MainFormTest::backAndShowOperationsOnlySwitchThePage()
     QCOMPARE(player("UID-1")->count("RtspPlayer_Stop"), stops);
 }
 
-void MainFormTest::videoWhileTheGridRecordsAsksForConfirmation()
+void TestMainForm::videoWhileTheGridRecordsAsksForConfirmation()
 {
     m_registry->add("UID-1", "Door", true);
     showForm();
@@ -413,7 +562,7 @@ void MainFormTest::videoWhileTheGridRecordsAsksForConfirmation()
     QVERIFY(script.done());
 }
 
-void MainFormTest::albumShowsThePhotosOfTheFirstCamera()
+void TestMainForm::albumShowsThePhotosOfTheFirstCamera()
 {
     m_registry->add("UID-1", "Door");
     showForm();
@@ -428,7 +577,7 @@ void MainFormTest::albumShowsThePhotosOfTheFirstCamera()
     QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, deadline);
 }
 
-void MainFormTest::photoViewerOpensFromTheAlbumAndGoesBack()
+void TestMainForm::photoViewerOpensFromTheAlbumAndGoesBack()
 {
     m_registry->add("UID-1", "Door");
     showForm();
@@ -443,7 +592,7 @@ void MainFormTest::photoViewerOpensFromTheAlbumAndGoesBack()
     QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, deadline);
 }
 
-void MainFormTest::recordingOpensFromTheAlbumAndGoesBack()
+void TestMainForm::recordingOpensFromTheAlbumAndGoesBack()
 {
     m_registry->add("UID-1", "Door");
     showForm();
@@ -457,7 +606,7 @@ void MainFormTest::recordingOpensFromTheAlbumAndGoesBack()
     QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pageVideoMgr").size(), 1, deadline);
 }
 
-void MainFormTest::anAlbumThatIsOpenedAgainShowsNewCameras()
+void TestMainForm::anAlbumThatIsOpenedAgainShowsNewCameras()
 {
     m_registry->add("UID-1", "Door");
     showForm();
@@ -473,7 +622,7 @@ void MainFormTest::anAlbumThatIsOpenedAgainShowsNewCameras()
     Registry::cameras().remove(Registry::cameras().at(1));
 }
 
-void MainFormTest::anotherPageLeavesTheAlbum()
+void TestMainForm::anotherPageLeavesTheAlbum()
 {
     m_registry->add("UID-1", "Door");
     showForm();
@@ -484,7 +633,7 @@ void MainFormTest::anotherPageLeavesTheAlbum()
     QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 0, deadline);
 }
 
-void MainFormTest::savePathIsTheOnlyMenuEntry()
+void TestMainForm::savePathIsTheOnlyMenuEntry()
 {
     build();
     auto *button = find<QToolButton>("btnMenu");
@@ -493,7 +642,7 @@ void MainFormTest::savePathIsTheOnlyMenuEntry()
     QVERIFY(button->styleSheet().endsWith("QToolButton:menu-indicator{image:url(none.jpg);}"));
 }
 
-void MainFormTest::savePathTakesTheChosenFolder()
+void TestMainForm::savePathTakesTheChosenFolder()
 {
     build();
     FolderDesktop chooser;
@@ -507,7 +656,7 @@ void MainFormTest::savePathTakesTheChosenFolder()
     QCOMPARE(m_registry->file(), QByteArray("ALBUMPATH=\"C:/Users/owner/My Album\"\n"));
 }
 
-void MainFormTest::aCancelledChooserChangesNothing()
+void TestMainForm::aCancelledChooserChangesNothing()
 {
     build();
     FolderDesktop chooser;
@@ -518,29 +667,26 @@ void MainFormTest::aCancelledChooserChangesNothing()
     QCOMPARE(m_registry->file(), file);
 }
 
-void MainFormTest::aFolderThatCannotBeUsedIsKeptAsItIs_data()
+void TestMainForm::aFolderThatIsNotThereYetIsTaken_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::newRow("missing") << "no/such/folder";
-    QTest::newRow("a file") << "file";
-    QTest::newRow("not writable") << "/proc/zelvaro";
     QTest::newRow("odd characters") << QString::fromUtf8("a;b#c=[d] 'e' Ä");
 }
 
-void MainFormTest::aFolderThatCannotBeUsedIsKeptAsItIs()
+void TestMainForm::aFolderThatIsNotThereYetIsTaken()
 {
     QFETCH(QString, folder);
     m_registry->add("UID-1", "Door");
     build();
-    QFile file(m_registry->path("file"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
     FolderDesktop chooser;
-    chooser.answer = folder.startsWith("/") ? folder : m_registry->path(folder);
+    chooser.answer = m_registry->path(folder);
     m_form->slotSavePath();
     QCOMPARE(Registry::settings().albumPath(), chooser.answer);
-    QVERIFY(!QFileInfo(chooser.answer).isDir());
-    Registry::cameras().at(0)->take_thumb(); // the writers cope with it
+    // Made by the first writer, and at the next start.
+    QVERIFY(!QFileInfo::exists(chooser.answer));
+    Registry::cameras().at(0)->take_thumb();
+    QVERIFY(QFileInfo::exists(chooser.answer + "/UID-1/thumb.jpeg"));
     const QString wanted = chooser.answer;
     m_form.reset();
     Registry::cameras().closing();
@@ -549,7 +695,92 @@ void MainFormTest::aFolderThatCannotBeUsedIsKeptAsItIs()
     QCOMPARE(Registry::settings().albumPath(), wanted);
 }
 
-void MainFormTest::aLowWindowLeavesItsHeightToThePage()
+void TestMainForm::aFolderThatCannotBeUsedIsRefused_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("message");
+    const QString readOnly = "Nothing can be written to this folder. Please choose another one.";
+    QTest::newRow("a file") << "file" << readOnly;
+    QTest::newRow("below a file") << "file/below" << readOnly;
+    QTest::newRow("not writable") << "/proc" << readOnly;
+    QTest::newRow("missing in one that is not writable") << "/proc/zelvaro" << readOnly;
+    QTest::newRow("too long for the settings file")
+        << QString(300, 'x') << "Path: too long to be saved. Please enter a shorter text.";
+}
+
+void TestMainForm::aFolderThatCannotBeUsedIsRefused()
+{
+    QFETCH(QString, folder);
+    QFETCH(QString, message);
+    build();
+    QFile file(m_registry->path("file"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    const QString before = Registry::settings().albumPath();
+    const QByteArray saved = m_registry->file();
+    FolderDesktop chooser;
+    chooser.answer = folder.startsWith("/") ? folder : m_registry->path(folder);
+    QStringList texts;
+    ModalScript script;
+    script.then([&](CMessageBox *box) {
+        texts << box->findChild<QLabel *>("labelTitle")->text()
+              << box->findChild<QLabel *>("labelMessage")->text();
+        press(box, "btnOk");
+    });
+    m_form->slotSavePath();
+    QVERIFY(script.done());
+    QCOMPARE(texts, QStringList({"Error", message}));
+    QCOMPARE(Registry::settings().albumPath(), before);
+    QCOMPARE(m_registry->file(), saved);
+}
+
+void TestMainForm::pagesFollowTheAlbumPath()
+{
+    m_registry->add("UID-1", "Door");
+    showForm();
+    FolderDesktop chooser;
+    chooser.answer = m_registry->path("second");
+    writeFile("UID-1/20240305_070809.jpg");
+    QVERIFY(QDir().mkpath(chooser.answer + "/UID-1"));
+    for (const char *name : {"thumb.jpeg", "20240305_070810.jpg", "20240305_070811.jpg"})
+        QVERIFY(
+            QImage(16, 12, QImage::Format_RGB32).save(chooser.answer + "/UID-1/" + name, "JPG"));
+    const auto *const tile = find<QWidget>("frameCameraItem");
+    QVERIFY(!tile->styleSheet().contains(chooser.answer));
+    m_form->slotSavePath();
+    QTRY_VERIFY_WITH_TIMEOUT(tile->styleSheet().contains(chooser.answer), deadline);
+
+    Registry::settings().setAlbumPath(m_registry->path("album"));
+    click("btnPhotoMgr");
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 1, deadline);
+    m_form->slotSavePath();
+    QTRY_COMPARE_WITH_TIMEOUT(albumTiles("pagePhotoMgr").size(), 2, deadline);
+    QCOMPARE(page(), 3);
+}
+
+void TestMainForm::troublesWithTheSettingsFileAreInTheStatusRow()
+{
+    QVERIFY(QDir().mkpath(Registry::settings().configFile())); // a folder in its place
+    Registry::settings().load();
+    m_form = std::make_unique<CMainForm>();
+    const auto *const status = find<QFrame>("frameStatus")->findChild<QLabel *>("labelStatus");
+    const QString file = Registry::settings().configFile();
+    const QString missing = file + " cannot be read: its cameras are missing here.";
+    QCOMPARE(status->text(), missing);
+    m_form->showStatus("Door: nothing is being written");
+    QCOMPARE(status->text(), QString("Door: nothing is being written"));
+    Registry::settings().save();
+    QCOMPARE(status->text(), QString("Door: nothing is being written"));
+    m_form->showStatus({});
+    QCOMPARE(status->text(), missing + " Changes cannot be saved in " + file + ".");
+    QVERIFY(QDir().rmdir(file));
+    Registry::settings().save();
+    QCOMPARE(status->text(), missing);
+    Registry::settings().load();
+    QCOMPARE(status->text(), QString());
+}
+
+void TestMainForm::aLowWindowLeavesItsHeightToThePage()
 {
     showForm();
     const auto pageHeight = [this] { return find<QStackedWidget>("stackedWidget")->height(); };
@@ -565,7 +796,7 @@ void MainFormTest::aLowWindowLeavesItsHeightToThePage()
     QCOMPARE(page(), 3);
 }
 
-void MainFormTest::maximizeTogglesGeometryAndButton()
+void TestMainForm::maximizeTogglesGeometryAndButton()
 {
     showForm();
     const QRect normal = m_form->geometry();
@@ -574,12 +805,17 @@ void MainFormTest::maximizeTogglesGeometryAndButton()
     click("btnMax");
     QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), m_form->screen()->availableGeometry(), deadline);
     QVERIFY(button->styleSheet().contains(":/images/sysbtn/restorebtn_default.png"));
+    const auto says = [button] {
+        return QStringList({button->text(), button->toolTip(), button->accessibleName()});
+    };
+    QCOMPARE(says(), QStringList({"Restore", "Restore", "Restore"}));
     click("btnMax");
     QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), normal, deadline);
     QVERIFY(button->styleSheet().contains(":/images/sysbtn/maxbtn_default.png"));
+    QCOMPARE(says(), QStringList({"Maximize", "Maximize", "Maximize"}));
 }
 
-void MainFormTest::whileMaximizedEdgesAndTitleBarDoNothing()
+void TestMainForm::whileMaximizedEdgesAndTitleBarDoNothing()
 {
     showForm();
     for (const char *frame : {"frameLeft", "frameRight"})
@@ -614,7 +850,7 @@ void MainFormTest::whileMaximizedEdgesAndTitleBarDoNothing()
     QCOMPARE(find<QWidget>("frameTop")->cursor().shape(), Qt::SizeVerCursor);
 }
 
-void MainFormTest::titleBarMovesTheWindow()
+void TestMainForm::titleBarMovesTheWindow()
 {
     showForm();
     auto *strip = find<CTitleWidget>("frameTitle");
@@ -626,7 +862,7 @@ void MainFormTest::titleBarMovesTheWindow()
     QTRY_COMPARE_WITH_TIMEOUT(m_form->pos(), QPoint(120, 90), deadline);
 }
 
-void MainFormTest::draggingEdgesResizes_data()
+void TestMainForm::draggingEdgesResizes_data()
 {
     QTest::addColumn<QPoint>("from");
     QTest::addColumn<QPoint>("by");
@@ -639,7 +875,7 @@ void MainFormTest::draggingEdgesResizes_data()
     QTest::newRow("corner") << QPoint(599, 459) << QPoint(60, 50) << QRect(100, 60, 560, 450);
 }
 
-void MainFormTest::draggingEdgesResizes()
+void TestMainForm::draggingEdgesResizes()
 {
     QFETCH(QPoint, from);
     QFETCH(QPoint, by);
@@ -654,7 +890,7 @@ void MainFormTest::draggingEdgesResizes()
     QCOMPARE(m_form->geometry(), result);
 }
 
-void MainFormTest::draggingTheLeftEdgeStopsAtWidth400()
+void TestMainForm::draggingTheLeftEdgeStopsAtWidth400()
 {
     showForm();
     pressAt(QPoint(100, 250));
@@ -666,7 +902,7 @@ void MainFormTest::draggingTheLeftEdgeStopsAtWidth400()
     QCOMPARE(m_form->geometry(), QRect(200, 60, 400, 400));
 }
 
-void MainFormTest::hoveringChangesOnlyTheCursor()
+void TestMainForm::hoveringChangesOnlyTheCursor()
 {
     showForm();
     const QRect before = m_form->geometry();
@@ -690,7 +926,7 @@ void MainFormTest::hoveringChangesOnlyTheCursor()
     }
 }
 
-void MainFormTest::releaseOfAnotherButtonIsIgnored()
+void TestMainForm::releaseOfAnotherButtonIsIgnored()
 {
     showForm();
     pressAt(QPoint(100, 250));
@@ -701,7 +937,7 @@ void MainFormTest::releaseOfAnotherButtonIsIgnored()
     QVERIFY(send(QEvent::MouseButtonRelease, QPoint(80, 250), Qt::LeftButton, Qt::NoButton));
 }
 
-void MainFormTest::releaseRestoresTheArrow()
+void TestMainForm::releaseRestoresTheArrow()
 {
     showForm();
     pressAt(QPoint(599, 459));
@@ -712,7 +948,7 @@ void MainFormTest::releaseRestoresTheArrow()
     QCOMPARE(find<QWidget>("frameBottom")->cursor().shape(), Qt::SizeVerCursor);
 }
 
-void MainFormTest::aDragThatStartsInsideResizesOnceItReachesAnEdge()
+void TestMainForm::aDragThatStartsInsideResizesOnceItReachesAnEdge()
 {
     showForm();
     pressAt(QPoint(300, 250));
@@ -723,7 +959,7 @@ void MainFormTest::aDragThatStartsInsideResizesOnceItReachesAnEdge()
     QCOMPARE(m_form->geometry(), QRect(100, 60, 500, 421));
 }
 
-void MainFormTest::closeEndsTheEventLoop()
+void TestMainForm::closeEndsTheEventLoop()
 {
     showForm();
     QSignalSpy quitting(qApp, &QCoreApplication::aboutToQuit);
@@ -732,14 +968,24 @@ void MainFormTest::closeEndsTheEventLoop()
     QCOMPARE(quitting.count(), 1);
 }
 
-void MainFormTest::minimizeMinimizes()
+void TestMainForm::closingTheWindowEndsTheEventLoop()
+{
+    showForm();
+    QSignalSpy quitting(qApp, &QCoreApplication::aboutToQuit);
+    // As the window manager's menu does.
+    QTimer::singleShot(0, m_form.get(), [this] { m_form->close(); });
+    QCOMPARE(QApplication::exec(), 0);
+    QCOMPARE(quitting.count(), 1);
+}
+
+void TestMainForm::minimizeMinimizes()
 {
     showForm();
     click("btnMin");
     QTRY_VERIFY_WITH_TIMEOUT(m_form->isMinimized(), deadline);
 }
 
-void MainFormTest::discoverOpensThePicker()
+void TestMainForm::discoverOpensThePicker()
 {
     showForm();
     bool opened = false;
@@ -761,5 +1007,5 @@ void MainFormTest::discoverOpensThePicker()
     QVERIFY(opened);
 }
 
-QTEST_MAIN(MainFormTest)
+QTEST_MAIN(TestMainForm)
 #include "tst_main_form.moc"
