@@ -46,7 +46,7 @@ Camera::Camera(const Shared &shared, const Options &options, int index)
     , m_index(index)
     , m_password(options.password)
     , m_faults(std::make_shared<RtspFaults>())
-    , m_discovery(*this)
+    , m_discovery(*this, options.neighbour)
 {
     const auto position = static_cast<std::size_t>(index);
     deriveIdentity(options.seed, index, m_identity);
@@ -72,7 +72,7 @@ Camera::Camera(const Shared &shared, const Options &options, int index)
         options.altPaths ? "/cam/main" : "/live/0/h264.sdp",
         options.altPaths ? "/cam/sub" : "/live/1/h264.sdp");
     m_rtsp->setUnknownPathStatus(options.unknownPathStatus);
-    m_http = std::make_unique<HttpServer>(*this, options.onvifLogin);
+    m_http = std::make_unique<HttpServer>(*this, options.onvif);
 
     const std::chrono::seconds timeout{options.sessionTimeout};
     m_rtspFront = std::make_unique<TcpFront>(
@@ -80,8 +80,16 @@ Camera::Camera(const Shared &shared, const Options &options, int index)
         [&reactor = shared.reactor, faults = m_faults, timeout] {
             return std::make_unique<RtspPolicy>(reactor, faults, timeout);
         });
-    m_httpFront = std::make_unique<TcpFront>(shared.reactor, m_http->port(),
-                                             [] { return std::make_unique<HttpPolicy>(); });
+    const auto httpFront = [&](HttpPolicy::Front front) {
+        return std::make_unique<TcpFront>(shared.reactor, m_http->port(),
+                                          [front, closes = options.onvif.closesAfter401] {
+                                              return std::make_unique<HttpPolicy>(front, closes);
+                                          });
+    };
+    const bool hasOnvifPort = options.onvif.port >= 0;
+    m_httpFront = httpFront(hasOnvifPort ? HttpPolicy::Front::Web : HttpPolicy::Front::All);
+    if (hasOnvifPort)
+        m_onvifFront = httpFront(HttpPolicy::Front::Onvif);
 }
 
 Camera::~Camera() = default;
@@ -103,6 +111,9 @@ std::string Camera::start()
         return "cannot open the RTSP port on " + m_options.bind;
     if (!m_httpFront->open(m_options.bind, portInRow(m_options.httpPort, m_index)))
         return "cannot open the HTTP port on " + m_options.bind;
+    if (m_onvifFront &&
+        !m_onvifFront->open(m_options.bind, portInRow(m_options.onvif.port, m_index)))
+        return "cannot open the ONVIF port on " + m_options.bind;
     if (!m_discovery.open(m_options.bind, portInRow(m_options.discoveryPort, m_index)))
         return "cannot open the discovery port on " + m_options.bind;
     if (m_options.multicast && !m_discovery.joinGroup(m_options.interface))
@@ -127,6 +138,7 @@ std::string Camera::describe(int controlPort) const
         .add("address", m_active.address)
         .add("rtsp_port", m_active.rtspPort)
         .add("http_port", m_active.httpPort)
+        .add("onvif_port", m_onvifFront ? m_onvifFront->port() : m_active.httpPort)
         .add("discovery", m_options.bind + ":" + std::to_string(m_discovery.port()))
         .add("main", streamUri(StreamKind::Main))
         .add("sub", streamUri(StreamKind::Sub))
@@ -189,8 +201,8 @@ std::string Camera::streamUri(StreamKind stream) const
 
 std::string Camera::serviceUri(const std::string &service) const
 {
-    return "http://" + m_active.address + ":" + std::to_string(m_active.httpPort) + "/onvif/" +
-           service;
+    const int port = m_onvifFront ? m_onvifFront->port() : m_active.httpPort;
+    return "http://" + m_active.address + ":" + std::to_string(port) + "/onvif/" + service;
 }
 
 bool Camera::canTake(const NetworkState &wanted) const
@@ -204,6 +216,7 @@ bool Camera::canTake(const NetworkState &wanted) const
     const bool moves = wanted.address != m_active.address;
     return (!moves && wanted.httpPort == m_active.httpPort ? true : isFree(wanted.httpPort)) &&
            (!moves && wanted.rtspPort == m_active.rtspPort ? true : isFree(wanted.rtspPort)) &&
+           (!moves || !m_onvifFront || isFree(m_onvifFront->port())) &&
            wanted.httpPort != wanted.rtspPort;
 }
 
@@ -220,19 +233,35 @@ CameraModel::Change Camera::setNetwork(const NetworkState &wanted)
     }
     if (m_options.rebootNeeded)
         return Change::AfterReboot;
-    m_timers.after(answerTime, [this] { applyNetwork(); });
+    if (m_options.moveSeconds > 0)
+        goDownFor(m_options.moveSeconds);
+    else
+        m_timers.after(answerTime, [this] { applyNetwork(); });
     return Change::Applied;
+}
+
+std::vector<TcpFront *> Camera::fronts() const
+{
+    std::vector<TcpFront *> all = {m_rtspFront.get(), m_httpFront.get()};
+    if (m_onvifFront)
+        all.push_back(m_onvifFront.get());
+    return all;
+}
+
+bool Camera::openPorts(const NetworkState &network)
+{
+    return m_rtspFront->open(network.address, network.rtspPort) &&
+           m_httpFront->open(network.address, network.httpPort) &&
+           (!m_onvifFront || m_onvifFront->open(network.address, m_onvifFront->port()));
 }
 
 bool Camera::applyNetwork()
 {
-    const bool opened = m_rtspFront->open(m_network.address, m_network.rtspPort) &&
-                        m_httpFront->open(m_network.address, m_network.httpPort);
+    const bool opened = openPorts(m_network);
     if (!opened) {
         // Back to where it was, as a camera does that cannot bring its interface up.
         m_network = m_active;
-        m_rtspFront->open(m_active.address, m_active.rtspPort);
-        m_httpFront->open(m_active.address, m_active.httpPort);
+        openPorts(m_active);
     }
     const bool moved = m_active.address != m_network.address ||
                        m_active.httpPort != m_network.httpPort ||
@@ -256,11 +285,16 @@ bool Camera::moveTo(const std::string &address)
 
 void Camera::reboot()
 {
+    goDownFor(m_options.rebootSeconds);
+}
+
+void Camera::goDownFor(double seconds)
+{
     if (m_isRebooting)
         return;
     m_isRebooting = true;
     m_timers.after(answerTime, [this] { setPower(false); });
-    const auto down = std::chrono::milliseconds(static_cast<int>(m_options.rebootSeconds * 1000));
+    const auto down = std::chrono::milliseconds(static_cast<int>(seconds * 1000));
     m_timers.after(answerTime + down, [this] {
         m_isRebooting = false;
         applyNetwork();
@@ -282,7 +316,7 @@ void Camera::setVideo(bool enabled)
 
 void Camera::setListening(bool listening)
 {
-    for (TcpFront *front : {m_rtspFront.get(), m_httpFront.get()})
+    for (TcpFront *front : fronts())
         if (listening)
             front->listen();
         else
@@ -295,12 +329,11 @@ void Camera::setPower(bool on)
         m_discovery.sayBye();
     m_discovery.setEnabled(on);
     setListening(on);
-    if (on) {
+    if (on)
         m_discovery.sayHello();
-    } else {
-        m_rtspFront->drop();
-        m_httpFront->drop();
-    }
+    else
+        for (TcpFront *front : fronts())
+            front->drop();
 }
 
 void Camera::setKeyInterval(double seconds)

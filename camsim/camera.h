@@ -13,6 +13,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace camsim {
 
@@ -73,8 +74,11 @@ public:
 private:
     VideoSource &source(StreamKind stream) const;
     std::unique_ptr<VideoSource> makeVideo(const Shared &shared, const StreamOptions &stream);
+    std::vector<TcpFront *> fronts() const;
     bool canTake(const NetworkState &wanted) const;
+    bool openPorts(const NetworkState &network);
     bool applyNetwork();
+    void goDownFor(double seconds);
 
     const Options m_options;
     const int m_index;
@@ -94,6 +98,7 @@ private:
     std::unique_ptr<HttpServer> m_http;
     std::unique_ptr<TcpFront> m_rtspFront;
     std::unique_ptr<TcpFront> m_httpFront;
+    std::unique_ptr<TcpFront> m_onvifFront; ///< null when ONVIF shares the HTTP port
     DiscoveryResponder m_discovery;
     MainTimers m_timers;
 };

@@ -86,6 +86,17 @@ void describe(pugi::xml_node node, const CameraModel &camera, bool withDetails)
     add(node, "d:MetadataVersion", "1");
 }
 
+// A device that is reported and not there: port 9 is closed on this machine.
+void describeNeighbour(pugi::xml_node node)
+{
+    add(add(node, "a:EndpointReference"), "a:Address",
+        "urn:uuid:7d1c0b1e-0000-5000-8000-00000000beef");
+    add(node, "d:Types", "dn:NetworkVideoTransmitter tds:Device");
+    add(node, "d:Scopes", "onvif://www.onvif.org/name/Neighbour");
+    add(node, "d:XAddrs", "http://127.0.0.1:9/onvif/device_service");
+    add(node, "d:MetadataVersion", "1");
+}
+
 bool matchesScopes(const std::string &list, const Identity &identity)
 {
     const std::vector<Scope> own = scopesOf(identity);
@@ -101,7 +112,11 @@ bool matchesScopes(const std::string &list, const Identity &identity)
 
 } // namespace
 
-DiscoveryResponder::DiscoveryResponder(CameraModel &camera) : m_camera(camera) {}
+DiscoveryResponder::DiscoveryResponder(CameraModel &camera, Neighbour neighbour)
+    : m_camera(camera)
+    , m_neighbour(neighbour)
+{
+}
 
 DiscoveryResponder::~DiscoveryResponder()
 {
@@ -199,16 +214,25 @@ std::string DiscoveryResponder::answerTo(const std::string &text) const
             !matchesScopes(soap::textAt(request.operation(), "Scopes"), m_camera.identity()))
             return {};
         fillHeader(reply, "ProbeMatches", anonymous, id);
-        describe(add(add(reply.body(), "d:ProbeMatches"), "d:ProbeMatch"), m_camera, true);
+        describeMatches(add(reply.body(), "d:ProbeMatches"), "d:ProbeMatch");
         return reply.text();
     }
     if (asked == "Resolve" && soap::textAt(request.operation(), "EndpointReference/Address") ==
                                   endpointOf(m_camera.identity())) {
         fillHeader(reply, "ResolveMatches", anonymous, id);
-        describe(add(add(reply.body(), "d:ResolveMatches"), "d:ResolveMatch"), m_camera, true);
+        describeMatches(add(reply.body(), "d:ResolveMatches"), "d:ResolveMatch");
         return reply.text();
     }
     return {};
+}
+
+void DiscoveryResponder::describeMatches(pugi::xml_node matches, const char *name) const
+{
+    if (m_neighbour == Neighbour::Before)
+        describeNeighbour(add(matches, name));
+    describe(add(matches, name), m_camera, true);
+    if (m_neighbour == Neighbour::After)
+        describeNeighbour(add(matches, name));
 }
 
 void DiscoveryResponder::announce(const char *action)

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "camsim/camera_model.h"
+#include "camsim/options.h"
 
 #include <glib.h>
 #include <netinet/in.h>
+#include <pugixml.hpp>
 
 #include <cstdint>
 #include <deque>
@@ -16,7 +18,8 @@ namespace camsim {
 class DiscoveryResponder
 {
 public:
-    explicit DiscoveryResponder(CameraModel &camera);
+    /// neighbour: where answers list a second device, one that does not exist.
+    DiscoveryResponder(CameraModel &camera, Neighbour neighbour);
     ~DiscoveryResponder();
     DiscoveryResponder(const DiscoveryResponder &) = delete;
     DiscoveryResponder &operator=(const DiscoveryResponder &) = delete;
@@ -49,7 +52,10 @@ private:
     void announce(const char *action);
     void remember(const sockaddr_in &asker);
 
+    void describeMatches(pugi::xml_node matches, const char *name) const;
+
     CameraModel &m_camera;
+    const Neighbour m_neighbour;
     Socket m_unicast;
     Socket m_group;
     std::deque<sockaddr_in> m_askers;

@@ -9,6 +9,9 @@ namespace camsim {
 namespace {
 
 constexpr const char *realm = "camsim";
+constexpr const char *soapType = "application/soap+xml; charset=utf-8";
+// Names the port that a request came to.
+constexpr const char *frontHeader = "X-Front";
 constexpr int maxSkew = 10; ///< seconds that a UsernameToken may be away from the camera's clock
 
 void respond(SoupServerMessage *message, guint status, const char *type, const std::string &text)
@@ -23,6 +26,13 @@ std::string htmlEscaped(const std::string &text)
     std::string result(escaped);
     g_free(escaped);
     return result;
+}
+
+void closeConnection(SoupServerMessage *message)
+{
+    GIOStream *stream = soup_server_message_steal_connection(message);
+    g_io_stream_close(stream, nullptr, nullptr);
+    g_object_unref(stream);
 }
 
 void sendGarbage(SoupServerMessage *message)
@@ -40,10 +50,10 @@ void sendGarbage(SoupServerMessage *message)
 
 } // namespace
 
-HttpServer::HttpServer(CameraModel &camera, OnvifLogin onvifLogin)
+HttpServer::HttpServer(CameraModel &camera, const OnvifOptions &options)
     : m_camera(camera)
-    , m_onvifLogin(onvifLogin)
-    , m_onvif(camera)
+    , m_options(options)
+    , m_onvif(camera, options)
     , m_forms(camera)
     , m_server(soup_server_new("server-header", "camsim ", nullptr))
 {
@@ -68,7 +78,10 @@ HttpServer::HttpServer(CameraModel &camera, OnvifLogin onvifLogin)
     const auto handler = [](SoupServer *, SoupServerMessage *message, const char *path,
                             GHashTable *, gpointer data) {
         auto *self = static_cast<HttpServer *>(data);
-        if (g_str_has_prefix(path, "/onvif/"))
+        const bool isOnvif = g_str_has_prefix(path, "/onvif/");
+        if (!self->isServedAt(message, isOnvif))
+            respond(message, 404, "text/plain", "404 Not Found\n");
+        else if (isOnvif)
             self->onOnvif(message);
         else if (g_str_has_prefix(path, "/form/"))
             self->onForm(message, path);
@@ -106,43 +119,59 @@ bool HttpServer::isProven(SoupServerMessage *message, SoupAuthDomain *domain) co
     return proven;
 }
 
-bool HttpServer::isProven(SoupServerMessage *message) const
+bool HttpServer::isServedAt(SoupServerMessage *message, bool isOnvif) const
 {
-    return m_onvifLogin != OnvifLogin::TokenOnly &&
-           (isProven(message, m_digest) || isProven(message, m_basic));
+    const char *front =
+        soup_message_headers_get_one(soup_server_message_get_request_headers(message), frontHeader);
+    return !front || (g_str_equal(front, "onvif") != 0) == isOnvif;
 }
 
-void HttpServer::challenge(SoupServerMessage *message)
+bool HttpServer::isProven(SoupServerMessage *message) const
 {
-    if (m_onvifLogin == OnvifLogin::TokenOnly)
-        return;
-    soup_auth_domain_challenge(m_digest, message);
-    soup_auth_domain_challenge(m_basic, message);
+    const OnvifLogin login = m_options.login;
+    const bool takesDigest = login == OnvifLogin::Both || login == OnvifLogin::HttpOnly;
+    const bool takesBasic = takesDigest || login == OnvifLogin::BasicOnly;
+    return (takesDigest && isProven(message, m_digest)) ||
+           (takesBasic && isProven(message, m_basic));
+}
+
+void HttpServer::refuse(SoupServerMessage *message)
+{
+    const OnvifLogin login = m_options.login;
+    const bool isBare = login == OnvifLogin::BareToken;
+    const bool isChallenge = login != OnvifLogin::TokenOnly && !isBare;
+    respond(message, isChallenge ? 401 : 400, soapType,
+            isBare ? std::string()
+                   : soap::fault("Sender", "ter:NotAuthorized", nullptr, "Sender not authorized"));
+    if (isChallenge && login != OnvifLogin::BasicOnly)
+        soup_auth_domain_challenge(m_digest, message);
+    if (login == OnvifLogin::Both || login == OnvifLogin::HttpOnly ||
+        login == OnvifLogin::BasicOnly)
+        soup_auth_domain_challenge(m_basic, message);
 }
 
 bool HttpServer::mayAsk(SoupServerMessage *message, const soap::Request &request) const
 {
-    if (OnvifServer::isPublic(request.name()))
+    if (m_onvif.isPublic(request.name()))
         return true;
     if (isProven(message))
         return true;
     const std::optional<soap::UsernameToken> token = request.token();
-    return m_onvifLogin != OnvifLogin::HttpOnly && token && token->user == m_camera.user() &&
+    const OnvifLogin login = m_options.login;
+    const bool takesTokens = login != OnvifLogin::HttpOnly && login != OnvifLogin::BasicOnly;
+    return takesTokens && token && token->user == m_camera.user() &&
            token->proves(m_camera.password(), m_camera.clock(), maxSkew);
 }
 
 void HttpServer::onOnvif(SoupServerMessage *message)
 {
-    constexpr const char *soapType = "application/soap+xml; charset=utf-8";
     const SoupMessageBody *body = soup_server_message_get_request_body(message);
     soap::Request request;
     const bool parsed =
         request.parse(std::string_view(body->data, static_cast<std::size_t>(body->length)));
     // A client may send an empty request first to learn how to log in.
     if (!(parsed ? mayAsk(message, request) : isProven(message))) {
-        respond(message, m_onvifLogin == OnvifLogin::TokenOnly ? 400 : 401, soapType,
-                soap::fault("Sender", "ter:NotAuthorized", nullptr, "Sender not authorized"));
-        challenge(message);
+        refuse(message);
         return;
     }
     if (!parsed) {
@@ -151,6 +180,12 @@ void HttpServer::onOnvif(SoupServerMessage *message)
         return;
     }
     const OnvifServer::Answer answer = m_onvif.answer(request);
+    const bool isMove =
+        request.name() == "SetNetworkInterfaces" || request.name() == "SetNetworkProtocols";
+    if (m_options.lostAnswers && isMove && answer.status == 200) {
+        closeConnection(message);
+        return;
+    }
     respond(message, static_cast<guint>(answer.status), soapType, answer.text);
 }
 
@@ -182,12 +217,19 @@ void HttpServer::onPage(SoupServerMessage *message)
                 m_camera.identity().uid + "</p>\n");
 }
 
-HttpPolicy::HttpPolicy()
-    : m_requests([this](MessageSplitter::Kind kind, std::string request) {
+HttpPolicy::HttpPolicy(Front front, bool closesAfter401)
+    : m_front(front)
+    , m_closesAfter401(closesAfter401)
+    , m_requests([this](MessageSplitter::Kind kind, std::string request) {
         const std::size_t line = request.find("\r\n");
-        if (kind == MessageSplitter::Kind::Message && line != std::string::npos &&
-            headerValue(request, "Host").empty())
-            request.insert(line, "\r\nHost: camera");
+        const bool hasHead = kind == MessageSplitter::Kind::Message && line != std::string::npos;
+        std::string added;
+        if (hasHead && headerValue(request, "Host").empty())
+            added = "\r\nHost: camera";
+        if (hasHead && m_front != Front::All)
+            added += std::string("\r\n") + frontHeader + ": " +
+                     (m_front == Front::Web ? "web" : "onvif");
+        request.insert(hasHead ? line : 0, added);
         m_link->toServer(request);
     })
 {
@@ -195,8 +237,18 @@ HttpPolicy::HttpPolicy()
 
 void HttpPolicy::fromClient(std::string_view bytes, Link &link)
 {
+    if (m_wasRefused && m_closesAfter401) {
+        link.close();
+        return;
+    }
     m_link = &link;
     m_requests.feed(bytes);
+}
+
+void HttpPolicy::fromServer(std::string_view bytes, Link &link)
+{
+    m_wasRefused = m_wasRefused || bytes.starts_with("HTTP/1.1 401");
+    link.toClient(bytes);
 }
 
 } // namespace camsim

@@ -19,7 +19,7 @@ namespace camsim {
 class HttpServer
 {
 public:
-    HttpServer(CameraModel &camera, OnvifLogin onvifLogin);
+    HttpServer(CameraModel &camera, const OnvifOptions &options);
     ~HttpServer();
     HttpServer(const HttpServer &) = delete;
     HttpServer &operator=(const HttpServer &) = delete;
@@ -29,16 +29,17 @@ public:
     const OnvifServer &onvif() const { return m_onvif; }
 
 private:
+    bool isServedAt(SoupServerMessage *message, bool isOnvif) const;
     bool isProven(SoupServerMessage *message, SoupAuthDomain *domain) const;
     bool isProven(SoupServerMessage *message) const;
-    void challenge(SoupServerMessage *message);
+    void refuse(SoupServerMessage *message);
     void onOnvif(SoupServerMessage *message);
     bool mayAsk(SoupServerMessage *message, const soap::Request &request) const;
     void onForm(SoupServerMessage *message, const char *path);
     void onPage(SoupServerMessage *message);
 
     CameraModel &m_camera;
-    const OnvifLogin m_onvifLogin;
+    const OnvifOptions m_options;
     OnvifServer m_onvif;
     CommandForms m_forms;
     SoupServer *m_server;
@@ -48,15 +49,26 @@ private:
 };
 
 /// Relays HTTP. Command requests carry no Host header, which HTTP/1.1 demands and libsoup insists
-/// on: it is put in.
+/// on: it is put in, and so is the port that the client has chosen.
 class HttpPolicy : public LinkPolicy
 {
 public:
-    HttpPolicy();
+    /// What is served at a port.
+    enum class Front
+    {
+        All,
+        Web,
+        Onvif
+    };
+
+    HttpPolicy(Front front, bool closesAfter401);
     void fromClient(std::string_view bytes, Link &link) override;
-    void fromServer(std::string_view bytes, Link &link) override { link.toClient(bytes); }
+    void fromServer(std::string_view bytes, Link &link) override;
 
 private:
+    const Front m_front;
+    const bool m_closesAfter401;
+    bool m_wasRefused = false;
     Link *m_link = nullptr;
     MessageSplitter m_requests;
 };

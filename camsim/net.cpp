@@ -43,6 +43,16 @@ bool isAddress(const std::string &text)
     return parseAddress(text, 0, ignored);
 }
 
+bool isInSubnet(const std::string &address, const std::string &member, int prefix)
+{
+    sockaddr_in one{};
+    sockaddr_in other{};
+    if (!parseAddress(address, 0, one) || !parseAddress(member, 0, other))
+        return false;
+    const std::uint32_t mask = prefix <= 0 ? 0 : ~std::uint32_t{0} << (32 - prefix);
+    return ((ntohl(one.sin_addr.s_addr) ^ ntohl(other.sin_addr.s_addr)) & mask) == 0;
+}
+
 int bindTcp(const std::string &address, int port)
 {
     return bindSocket(SOCK_STREAM, address, port, true);

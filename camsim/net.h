@@ -20,6 +20,8 @@ int portOf(int handle);
 bool parseAddress(const std::string &address, int port, sockaddr_in &result);
 /// Whether text is an IPv4 address in dotted form.
 bool isAddress(const std::string &text);
+/// Whether two IPv4 addresses share a subnet with a mask of this length.
+bool isInSubnet(const std::string &address, const std::string &member, int prefix);
 /// Whether this machine can be reached at the address.
 bool canBind(const std::string &address);
 

@@ -7,14 +7,6 @@ using soap::add;
 
 namespace {
 
-constexpr const char *mainToken = "profile_main";
-constexpr const char *subToken = "profile_sub";
-
-const char *tokenOf(StreamKind stream)
-{
-    return stream == StreamKind::Main ? mainToken : subToken;
-}
-
 pugi::xml_node addNamed(pugi::xml_node parent, const char *element, const std::string &token)
 {
     pugi::xml_node node = add(parent, element);
@@ -37,26 +29,48 @@ void addMulticast(pugi::xml_node parent)
 
 } // namespace
 
-StreamKind OnvifServer::streamOf(pugi::xml_node in) const
+std::string OnvifServer::Profile::token() const
+{
+    const std::string name = stream == StreamKind::Main ? "profile_main" : "profile_sub";
+    return lens == 1 ? name : name + '_' + std::to_string(lens);
+}
+
+std::vector<OnvifServer::Profile> OnvifServer::profiles() const
+{
+    std::vector<Profile> all;
+    for (int lens = 1; lens <= m_options.lenses; ++lens)
+        for (const StreamKind stream : {StreamKind::Main, StreamKind::Sub})
+            all.push_back({stream, lens});
+    return all;
+}
+
+OnvifServer::Profile OnvifServer::profileOf(pugi::xml_node in) const
 {
     const std::string token = soap::textAt(in, "ProfileToken");
-    if (token == mainToken)
-        return StreamKind::Main;
-    if (token == subToken)
-        return StreamKind::Sub;
+    for (const Profile &profile : profiles())
+        if (profile.token() == token)
+            return profile;
     throw OnvifFault{"ter:NoProfile", "There is no such profile"};
 }
 
-void OnvifServer::fillProfile(pugi::xml_node profile, StreamKind stream) const
+void OnvifServer::fillProfile(pugi::xml_node node, const Profile &profile) const
 {
-    const VideoSettings video = m_camera.video(stream);
-    const std::string token = tokenOf(stream);
-    profile.append_attribute("token") = token.c_str();
-    profile.append_attribute("fixed") = "true";
-    add(profile, "tt:Name", stream == StreamKind::Main ? "Main stream" : "Sub stream");
+    VideoSettings video = m_camera.video(profile.stream);
+    // The picture of the second lens is larger, its sub stream smaller than those of the first.
+    if (profile.lens > 1) {
+        const bool isMain = profile.stream == StreamKind::Main;
+        video.width = isMain ? 2 * video.width : 320;
+        video.height = isMain ? 2 * video.height : 180;
+    }
+    const std::string token = profile.token();
+    node.append_attribute("token") = token.c_str();
+    node.append_attribute("fixed") = "true";
+    add(node, "tt:Name", profile.stream == StreamKind::Main ? "Main stream" : "Sub stream");
 
-    pugi::xml_node source = addNamed(profile, "tt:VideoSourceConfiguration", "video_source_config");
-    add(source, "tt:SourceToken", "video_source");
+    const std::string lens = profile.lens == 1 ? "" : '_' + std::to_string(profile.lens);
+    pugi::xml_node source =
+        addNamed(node, "tt:VideoSourceConfiguration", "video_source_config" + lens);
+    add(source, "tt:SourceToken", "video_source" + lens);
     pugi::xml_node bounds = add(source, "tt:Bounds");
     const VideoSettings full = m_camera.video(StreamKind::Main);
     bounds.append_attribute("x") = 0;
@@ -66,12 +80,12 @@ void OnvifServer::fillProfile(pugi::xml_node profile, StreamKind stream) const
 
     if (m_camera.hasAudio()) {
         const pugi::xml_node sound =
-            addNamed(profile, "tt:AudioSourceConfiguration", "audio_source_config");
+            addNamed(node, "tt:AudioSourceConfiguration", "audio_source_config");
         add(sound, "tt:SourceToken", "audio_source");
     }
 
     const pugi::xml_node encoder =
-        addNamed(profile, "tt:VideoEncoderConfiguration", token + "_encoder");
+        addNamed(node, "tt:VideoEncoderConfiguration", token + "_encoder");
     add(encoder, "tt:Encoding", "H264");
     const pugi::xml_node size = add(encoder, "tt:Resolution");
     add(size, "tt:Width", std::to_string(video.width));
@@ -89,7 +103,7 @@ void OnvifServer::fillProfile(pugi::xml_node profile, StreamKind stream) const
 
     if (m_camera.hasAudio()) {
         const pugi::xml_node sound =
-            addNamed(profile, "tt:AudioEncoderConfiguration", "audio_encoder");
+            addNamed(node, "tt:AudioEncoderConfiguration", "audio_encoder");
         add(sound, "tt:Encoding", "G711");
         add(sound, "tt:Bitrate", "64");
         add(sound, "tt:SampleRate", "8");
@@ -100,19 +114,22 @@ void OnvifServer::fillProfile(pugi::xml_node profile, StreamKind stream) const
 
 void OnvifServer::getProfiles(pugi::xml_node, pugi::xml_node out)
 {
-    for (const StreamKind stream : {StreamKind::Main, StreamKind::Sub})
-        fillProfile(add(out, "trt:Profiles"), stream);
+    for (const Profile &profile : profiles())
+        fillProfile(add(out, "trt:Profiles"), profile);
 }
 
 void OnvifServer::getProfile(pugi::xml_node in, pugi::xml_node out)
 {
-    fillProfile(add(out, "trt:Profile"), streamOf(in));
+    fillProfile(add(out, "trt:Profile"), profileOf(in));
 }
 
 void OnvifServer::getStreamUri(pugi::xml_node in, pugi::xml_node out)
 {
+    const Profile profile = profileOf(in);
     const pugi::xml_node media = add(out, "trt:MediaUri");
-    add(media, "tt:Uri", m_camera.streamUri(streamOf(in)));
+    // Only the first lens is served.
+    const std::string lens = profile.lens == 1 ? "" : "?lens=" + std::to_string(profile.lens);
+    add(media, "tt:Uri", m_camera.streamUri(profile.stream) + lens);
     add(media, "tt:InvalidAfterConnect", "false");
     add(media, "tt:InvalidAfterReboot", "false");
     add(media, "tt:Timeout", "PT0S");
@@ -120,7 +137,7 @@ void OnvifServer::getStreamUri(pugi::xml_node in, pugi::xml_node out)
 
 void OnvifServer::setSynchronizationPoint(pugi::xml_node in, pugi::xml_node)
 {
-    m_camera.requestKeyFrame(streamOf(in));
+    m_camera.requestKeyFrame(profileOf(in).stream);
     ++m_keyFrameRequests;
 }
 

@@ -117,6 +117,10 @@ void OnvifServer::setDefaultGateway(pugi::xml_node in, pugi::xml_node)
     wanted.gateway = textAt(in, "IPv4Address");
     if (!wanted.gateway.empty() && !net::isAddress(wanted.gateway))
         throw OnvifFault{"ter:InvalidGatewayAddress", "The gateway address cannot be used"};
+    const bool isReachable =
+        !wanted.dhcp && net::isInSubnet(wanted.gateway, wanted.address, wanted.prefix);
+    if (m_options.strictGateway && !wanted.gateway.empty() && !isReachable)
+        throw OnvifFault{"ter:InvalidGatewayAddress", "The gateway is not in the subnet"};
     change(wanted);
 }
 

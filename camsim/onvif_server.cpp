@@ -44,12 +44,17 @@ std::vector<Scope> scopesOf(const Identity &identity)
             {root + "location/" + escape(identity.location), false}};
 }
 
-OnvifServer::OnvifServer(CameraModel &camera) : m_camera(camera) {}
-
-bool OnvifServer::isPublic(const std::string &operation)
+OnvifServer::OnvifServer(CameraModel &camera, const OnvifOptions &options)
+    : m_camera(camera)
+    , m_options(options)
 {
-    return operation == "GetSystemDateAndTime" || operation == "GetCapabilities" ||
-           operation == "GetServices" || operation == "GetHostname";
+}
+
+bool OnvifServer::isPublic(const std::string &operation) const
+{
+    return (operation == "GetSystemDateAndTime" && m_options.clock != OnvifClock::None) ||
+           operation == "GetCapabilities" || operation == "GetServices" ||
+           operation == "GetHostname";
 }
 
 const std::map<std::string, OnvifServer::Entry> &OnvifServer::operations()
@@ -102,22 +107,24 @@ OnvifServer::Answer OnvifServer::answer(const soap::Request &request)
 
 void OnvifServer::getSystemDateAndTime(pugi::xml_node, pugi::xml_node out)
 {
-    const std::time_t now = m_camera.clock();
-    std::tm utc{};
-    gmtime_r(&now, &utc);
+    constexpr std::time_t zone = 8 * 3600;
+    const bool isLocal = m_options.clock == OnvifClock::Local;
+    const std::time_t now = m_camera.clock() + (isLocal ? zone : 0);
+    std::tm fields{};
+    gmtime_r(&now, &fields);
     const pugi::xml_node info = add(out, "tds:SystemDateAndTime");
     add(info, "tt:DateTimeType", "Manual");
     add(info, "tt:DaylightSavings", "false");
-    add(add(info, "tt:TimeZone"), "tt:TZ", "UTC0");
-    const pugi::xml_node utcNode = add(info, "tt:UTCDateTime");
-    const pugi::xml_node time = add(utcNode, "tt:Time");
-    add(time, "tt:Hour", std::to_string(utc.tm_hour));
-    add(time, "tt:Minute", std::to_string(utc.tm_min));
-    add(time, "tt:Second", std::to_string(utc.tm_sec));
-    const pugi::xml_node date = add(utcNode, "tt:Date");
-    add(date, "tt:Year", std::to_string(utc.tm_year + 1900));
-    add(date, "tt:Month", std::to_string(utc.tm_mon + 1));
-    add(date, "tt:Day", std::to_string(utc.tm_mday));
+    add(add(info, "tt:TimeZone"), "tt:TZ", isLocal ? "CST-8" : "UTC0");
+    const pugi::xml_node moment = add(info, isLocal ? "tt:LocalDateTime" : "tt:UTCDateTime");
+    const pugi::xml_node time = add(moment, "tt:Time");
+    add(time, "tt:Hour", std::to_string(fields.tm_hour));
+    add(time, "tt:Minute", std::to_string(fields.tm_min));
+    add(time, "tt:Second", std::to_string(fields.tm_sec));
+    const pugi::xml_node date = add(moment, "tt:Date");
+    add(date, "tt:Year", std::to_string(fields.tm_year + 1900));
+    add(date, "tt:Month", std::to_string(fields.tm_mon + 1));
+    add(date, "tt:Day", std::to_string(fields.tm_mday));
 }
 
 void OnvifServer::getDeviceInformation(pugi::xml_node, pugi::xml_node out)

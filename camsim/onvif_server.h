@@ -1,11 +1,13 @@
 #pragma once
 
 #include "camsim/camera_model.h"
+#include "camsim/options.h"
 #include "camsim/soap.h"
 
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace camsim {
 
@@ -20,10 +22,10 @@ public:
         std::string text;
     };
 
-    explicit OnvifServer(CameraModel &camera);
+    OnvifServer(CameraModel &camera, const OnvifOptions &options);
 
     /// Whether the operation needs no login (ONVIF Core, access class PRE_AUTH).
-    static bool isPublic(const std::string &operation);
+    bool isPublic(const std::string &operation) const;
     Answer answer(const soap::Request &request);
     int keyFrameRequests() const { return m_keyFrameRequests; }
 
@@ -60,12 +62,21 @@ private:
     void getProfile(pugi::xml_node in, pugi::xml_node out);
     void getStreamUri(pugi::xml_node in, pugi::xml_node out);
     void setSynchronizationPoint(pugi::xml_node in, pugi::xml_node out);
-    void fillProfile(pugi::xml_node profile, StreamKind stream) const;
-    StreamKind streamOf(pugi::xml_node in) const; ///< throws when there is no such profile
+    /// One stream of one lens, as a profile.
+    struct Profile
+    {
+        StreamKind stream = StreamKind::Main;
+        int lens = 1;
+        std::string token() const;
+    };
+    std::vector<Profile> profiles() const;
+    void fillProfile(pugi::xml_node node, const Profile &profile) const;
+    Profile profileOf(pugi::xml_node in) const; ///< throws when there is no such profile
 
     CameraModel::Change change(const NetworkState &wanted);
 
     CameraModel &m_camera;
+    const OnvifOptions m_options;
     int m_keyFrameRequests = 0;
 };
 

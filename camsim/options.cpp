@@ -30,11 +30,21 @@ Starts simulated network cameras and prints one line of JSON for each when it is
   --alt-paths             serve /cam/main and /cam/sub instead of /live/0 and /live/1
   --unknown-path N        RTSP status of a DESCRIBE for any other path (404)
   --transport tcp|udp|both (both)
-  --onvif-login http|token|both  (both)
+  --onvif-login http|basic|token|bare-token|digest-token|both  (both)
+                          bare-token: refused with 400 and no fault; digest-token: challenges for
+                          a digest, accepts tokens only
+  --onvif-port BASE       ONVIF services on ports other than the web pages
+  --onvif-clock utc|local|none  (utc): local: local time only; none: not without a login
+  --lenses N              video sources, 1 or 2 (1)
+  --strict-gateway        refuse a gateway outside the subnet, and any while DHCP is on
+  --lost-answers          change address and ports without answering the request
+  --close-after-401       close a connection silently after a refusal, at the next request
+  --neighbour before|after  discovery answers list a second device
   --session-timeout S     end a session after S seconds without a request (0: never)
   --no-audio, --no-back-channel, --no-timecode
   --reboot-needed         a new network configuration takes effect after a reboot only
   --reboot-time SECONDS   how long a reboot takes (2)
+  --move-time SECONDS     how long the camera is unreachable when its address or port changes (0)
   --multicast             also answer discovery on 239.255.255.250:3702
   --interface IF          the interface for --multicast
   --exit-with-stdin       end when standard input closes
@@ -58,12 +68,15 @@ public:
         number("--rtsp-port", options.rtspPort, 0, 65535);
         number("--http-port", options.httpPort, 0, 65535);
         number("--discovery-port", options.discoveryPort, 0, 65535);
+        number("--onvif-port", options.onvif.port, 0, 65535);
+        number("--lenses", options.onvif.lenses, 1, 2);
         number("--control-port", options.controlPort, 0, 65535);
         number("--session-timeout", options.sessionTimeout, 0, 86400);
         stream("--main", options.main);
         stream("--sub", options.sub);
         seconds("--key-interval", options.keyInterval);
         seconds("--reboot-time", options.rebootSeconds);
+        seconds("--move-time", options.moveSeconds);
         list("--name", options.names);
         list("--uid", options.uids);
         flag("--canned", options.canned, true);
@@ -74,15 +87,26 @@ public:
         flag("--no-back-channel", options.backChannel, false);
         flag("--no-timecode", options.timeCode, false);
         flag("--reboot-needed", options.rebootNeeded, true);
+        flag("--strict-gateway", options.onvif.strictGateway, true);
+        flag("--lost-answers", options.onvif.lostAnswers, true);
+        flag("--close-after-401", options.onvif.closesAfter401, true);
         flag("--multicast", options.multicast, true);
         flag("--exit-with-stdin", options.exitWithStdin, true);
         flag("--exit-with-parent", options.exitWithParent, true);
         choice("--transport", options.transport,
                {{"tcp", Transport::Tcp}, {"udp", Transport::Udp}, {"both", Transport::Both}});
-        choice("--onvif-login", options.onvifLogin,
+        choice("--onvif-login", options.onvif.login,
                {{"http", OnvifLogin::HttpOnly},
+                {"basic", OnvifLogin::BasicOnly},
                 {"token", OnvifLogin::TokenOnly},
+                {"bare-token", OnvifLogin::BareToken},
+                {"digest-token", OnvifLogin::DigestToken},
                 {"both", OnvifLogin::Both}});
+        choice(
+            "--onvif-clock", options.onvif.clock,
+            {{"utc", OnvifClock::Utc}, {"local", OnvifClock::Local}, {"none", OnvifClock::None}});
+        choice("--neighbour", options.neighbour,
+               {{"before", Neighbour::Before}, {"after", Neighbour::After}});
     }
 
     /// Empty when all arguments were understood, else what is wrong.

@@ -30,7 +30,38 @@ enum class OnvifLogin
 {
     Both,
     HttpOnly,
-    TokenOnly
+    BasicOnly,
+    TokenOnly,   ///< refusals are faults
+    BareToken,   ///< the same; refusals are HTTP 400 without a body
+    DigestToken, ///< refusals are digest challenges, but no digest is accepted
+};
+
+/// How the camera reports its clock.
+enum class OnvifClock
+{
+    Utc,
+    Local, ///< local time and zone only
+    None   ///< GetSystemDateAndTime needs a login
+};
+
+/// Where a second device stands in a discovery answer.
+enum class Neighbour
+{
+    None,
+    Before,
+    After
+};
+
+/// The ways in which ONVIF services of cameras differ.
+struct OnvifOptions
+{
+    OnvifLogin login = OnvifLogin::Both;
+    OnvifClock clock = OnvifClock::Utc;
+    int port = -1;              ///< as the other ports; negative: the HTTP port
+    int lenses = 1;             ///< video sources
+    bool strictGateway = false; ///< refuses one that is not in the subnet
+    bool lostAnswers = false;   ///< closes the connection instead of answering a move
+    bool closesAfter401 = false;
 };
 
 /// The options of the command line. Ports of 0 are chosen by the system; other ports are the first
@@ -52,8 +83,10 @@ struct Options
     StreamOptions sub{640, 360, 15, 512'000};
     double keyInterval = 1.0; ///< seconds between key frames
     Transport transport = Transport::Both;
-    OnvifLogin onvifLogin = OnvifLogin::Both;
+    OnvifOptions onvif;
+    Neighbour neighbour = Neighbour::None;
     double rebootSeconds = 2.0;
+    double moveSeconds = 0; ///< without network when address or port change
     int sessionTimeout = 0; ///< seconds without a request until the session ends; 0: never
     bool rebootNeeded = false;
     bool altPaths = false;
