@@ -97,6 +97,7 @@ struct SoapClient::Session
     SoapOptions options;
     Signing signing = Signing::Http;
     std::optional<HttpDigest> digest;        ///< answers the challenge that was accepted last
+    bool wasHelpful = false;                 ///< it has answered a request with what was asked for
     bool takesBasic = false;                 ///< it was accepted after a token was refused
     std::optional<std::int64_t> clockOffset; ///< seconds the device's clock is ahead
 };
@@ -234,7 +235,10 @@ private:
 
     void tokenAnswered(const HttpAnswer &answer)
     {
-        const ReadReply read = readReply(answer, m_action);
+        ReadReply read = readReply(answer, m_action);
+        // From a device that has never done anything else this is how it refuses a login.
+        if (read.isBareRefusal && !m_session->wasHelpful)
+            read.reply.status = SoapStatus::Refused;
         if (read.reply.status == SoapStatus::Ok) {
             m_session->signing = Signing::Token;
             LoginMemory::instance().sawSecretLogin(m_address.host);
@@ -287,6 +291,7 @@ private:
 
     void finish(const SoapReply &reply)
     {
+        m_session->wasHelpful = m_session->wasHelpful || reply.status == SoapStatus::Ok;
         // The receiver may destroy this call.
         const Done done = std::move(m_done);
         const SoapReply copy = reply;

@@ -256,6 +256,7 @@ TEST_F(SoapClientTest, TriesATokenAfterAnErrorThatSaysNothing)
     device.answer(request, response);
     device.guard(SoapDevice::Guard::BareToken, "admin", "secret");
     EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Ok);
+    EXPECT_EQ(statusFor(device, {"admin", "wrong"}), SoapStatus::Refused);
     EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
 }
 
