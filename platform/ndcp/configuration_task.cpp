@@ -148,12 +148,14 @@ void ConfigurationTask::take(const Answer &answer)
         return;
     }
     fillRecord(m_record, answer.configuration);
+    KnownDevices::instance().setRecord(m_uid, m_record);
     finish(0);
 }
 
 void ConfigurationTask::write(const Answer &answer)
 {
-    if (!changeTo(m_record, answer.configuration)) {
+    const std::optional<ndcp_device> base = KnownDevices::instance().device(m_uid).record;
+    if (!changeTo(m_record, answer.configuration, base)) {
         g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: the record was never read: nothing is written",
               m_uid.c_str());
         finish(NDCP_ERROR_GET_CONF);
@@ -161,9 +163,13 @@ void ConfigurationTask::write(const Answer &answer)
     }
     m_request = std::make_unique<ConfigurationWriter>(
         m_context, ConfigurationWriter::Target{answer.service, m_uid, credentialsOf(m_record)},
-        m_record, answer.configuration, m_times,
+        m_record, base, answer.configuration, m_times,
         [this](SoapStatus status, const std::string &service) {
             KnownDevices::instance().setService(m_uid, service);
+            // What a failed writing has left is not known before it is read again.
+            const bool isKnown = status == SoapStatus::Ok && wasRead(m_record, ReadInterface);
+            KnownDevices::instance().setRecord(m_uid,
+                                               isKnown ? std::optional(m_record) : std::nullopt);
             if (status == SoapStatus::Ok && isPortChanged(m_record))
                 KnownDevices::instance().setWebPort(m_uid, httpPort(m_record));
             finish(errorOf(status, NDCP_ERROR_SET_CONF));

@@ -39,17 +39,20 @@ bool isNeighbour(onvif::Ipv4 address)
 
 ConfigurationWriter::ConfigurationWriter(GMainContext *context, Target target,
                                          const ndcp_device &record,
+                                         const std::optional<ndcp_device> &base,
                                          const NetworkConfiguration &current,
                                          const ConfigurationTimes &times, Done done)
     : m_context(context)
     , m_target(std::move(target))
     , m_record(record)
+    , m_base(base)
     , m_before(current)
-    , m_change(changeTo(record, current).value_or(ConfigurationChange()))
+    , m_change(changeTo(record, current, base).value_or(ConfigurationChange()))
     , m_times(times)
     , m_done(std::move(done))
     , m_start(context, 0, [this] { runNext(); })
 {
+    m_firstService = m_target.service;
     plan();
     connectTo(m_target.service);
 }
@@ -184,8 +187,9 @@ void ConfigurationWriter::partDone(Part part)
 
 void ConfigurationWriter::lookUntilDone(Part part, bool wasAnswered)
 {
-    const auto isDone = [this, part](const NetworkConfiguration &configuration) {
-        return !isStillToDo(part, configuration);
+    const auto isDone = [this, part](const std::string &service,
+                                     const NetworkConfiguration &configuration) {
+        return !isStillToDo(part, configuration) && hasArrived(part, service);
     };
     look(isDone, wasAnswered ? m_times.settle : m_times.look,
          [this, part, wasAnswered](const std::string &service, bool isThere) {
@@ -196,7 +200,6 @@ void ConfigurationWriter::lookUntilDone(Part part, bool wasAnswered)
                  return;
              }
              connectTo(service);
-             m_isFound = m_isFound || (part == Part::Interface && isThere);
              runNext();
          });
 }
@@ -208,7 +211,7 @@ void ConfigurationWriter::lookToSendAgain(Part part)
         finish(SoapStatus::NoAnswer);
         return;
     }
-    look([](const NetworkConfiguration &) { return true; }, m_times.look,
+    look([](const std::string &, const NetworkConfiguration &) { return true; }, m_times.look,
          [this, part](const std::string &service, bool isThere) {
              if (!isThere) {
                  finish(SoapStatus::NoAnswer);
@@ -219,9 +222,9 @@ void ConfigurationWriter::lookToSendAgain(Part part)
          });
 }
 
-void ConfigurationWriter::look(std::function<bool(const NetworkConfiguration &)> isThere,
-                               unsigned patience,
-                               std::function<void(const std::string &, bool)> done)
+void ConfigurationWriter::look(
+    std::function<bool(const std::string &, const NetworkConfiguration &)> isThere,
+    unsigned patience, std::function<void(const std::string &, bool)> done)
 {
     DeviceFinder::Wanted wanted;
     wanted.uid = m_target.uid;
@@ -239,7 +242,7 @@ void ConfigurationWriter::look(std::function<bool(const NetworkConfiguration &)>
 bool ConfigurationWriter::isStillToDo(Part part, const NetworkConfiguration &configuration) const
 {
     const ConfigurationChange change =
-        changeTo(m_record, configuration).value_or(ConfigurationChange());
+        changeTo(m_record, configuration, m_base).value_or(ConfigurationChange());
     switch (part) {
     case Part::Scopes:
         return change.scopes.has_value();
@@ -255,6 +258,21 @@ bool ConfigurationWriter::isStillToDo(Part part, const NetworkConfiguration &con
         break;
     }
     return false;
+}
+
+// A device may report its new configuration while it is still at its old place.
+bool ConfigurationWriter::hasArrived(Part part, const std::string &service) const
+{
+    const std::optional<onvif::HttpAddress> place = onvif::parseHttpAddress(service);
+    const std::optional<onvif::HttpAddress> old = onvif::parseHttpAddress(m_firstService);
+    if (!place || !old)
+        return false;
+    if (part == Part::Protocols)
+        return old->port != webPort(m_before) || place->port != old->port;
+    // Behind address translation the address of the service is another than the device's own.
+    const bool isDirect = old->host == onvif::ipv4Text(m_before.interface.address);
+    return part != Part::Interface || m_change.interface->dhcp || !isDirect ||
+           place->host == onvif::ipv4Text(m_change.interface->address);
 }
 
 // Where the device may be now, the likeliest first: at the new address or the old one, at the new
@@ -289,9 +307,9 @@ void ConfigurationWriter::finish(SoapStatus status)
     if (status == SoapStatus::Ok) {
         const std::vector<std::string> places = possiblePlaces();
         const bool isSomewhere = m_change.interface && m_change.interface->dhcp;
-        if (isSomewhere && !m_isFound)
+        if (isSomewhere)
             service.clear();
-        else if (!isSomewhere && !places.empty())
+        else if (!places.empty())
             service = places.front();
     }
     // The receiver may destroy this object.

@@ -11,7 +11,9 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace ndcp {
 
@@ -40,10 +42,10 @@ public:
     /// service: where the device service can be expected from now on; empty when it is not known.
     using Done = std::function<void(onvif::SoapStatus, std::string service)>;
 
-    /// current: what the device has now. record: see changeTo, which must give a change.
+    /// current: what the device has now. record, base: see changeTo, which must give a change.
     ConfigurationWriter(GMainContext *context, Target target, const ndcp_device &record,
-                        const NetworkConfiguration &current, const ConfigurationTimes &times,
-                        Done done);
+                        const std::optional<ndcp_device> &base, const NetworkConfiguration &current,
+                        const ConfigurationTimes &times, Done done);
     ~ConfigurationWriter() override;
 
 private:
@@ -69,24 +71,27 @@ private:
     void partDone(Part part);
     void lookUntilDone(Part part, bool wasAnswered);
     void lookToSendAgain(Part part);
-    void look(std::function<bool(const NetworkConfiguration &)> isThere, unsigned patience,
+    void look(std::function<bool(const std::string &, const NetworkConfiguration &)> isThere,
+              unsigned patience,
               std::function<void(const std::string &service, bool isThere)> done);
     [[nodiscard]] bool isStillToDo(Part part, const NetworkConfiguration &configuration) const;
+    [[nodiscard]] bool hasArrived(Part part, const std::string &service) const;
     [[nodiscard]] std::vector<std::string> possiblePlaces() const;
     void finish(onvif::SoapStatus status);
 
     GMainContext *m_context;
     Target m_target;
     ndcp_device m_record;
+    std::optional<ndcp_device> m_base;
     NetworkConfiguration m_before;
     ConfigurationChange m_change;
+    std::string m_firstService; ///< where it was before
     ConfigurationTimes m_times;
     Done m_done;
     std::deque<Part> m_parts; ///< still to be told
     std::deque<Part> m_again; ///< refused before the address was set
     bool m_needsRestart = false;
     bool m_wasSentAgain = false;
-    bool m_isFound = false; ///< it was seen with its new address
     std::unique_ptr<onvif::SoapClient> m_soap;
     std::unique_ptr<onvif::DeviceClient> m_device;
     onvif::RequestPtr m_request;

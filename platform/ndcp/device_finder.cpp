@@ -64,7 +64,7 @@ void DeviceFinder::answered(SoapStatus status, const NetworkConfiguration &confi
     if (status == SoapStatus::Ok && isSameDevice(configuration)) {
         m_seenAt = m_wanted.places[m_next];
         m_wasSeen = true;
-        const bool isThere = m_wanted.isThere(configuration);
+        const bool isThere = m_wanted.isThere(m_seenAt, configuration);
         g_log(logDomain, G_LOG_LEVEL_DEBUG, "the device is at %s, %s", m_seenAt.c_str(),
               isThere ? "as wanted" : "as before");
         if (isThere) {

@@ -24,9 +24,8 @@ public:
         std::string uid;                     ///< may be empty: then only the places are asked
         std::vector<onvif::MacAddress> macs; ///< of its interfaces; empty: not known
         std::vector<std::string> places;     ///< device services, the likeliest first
-        /// Whether a device with this configuration has arrived. One that answers from its old
-        /// place as before has not.
-        std::function<bool(const NetworkConfiguration &)> isThere;
+        /// Whether the device has arrived, when it answers at this service with this configuration.
+        std::function<bool(const std::string &service, const NetworkConfiguration &)> isThere;
         /// For how long one that answers as before is waited for, in milliseconds.
         unsigned patience = 0;
     };

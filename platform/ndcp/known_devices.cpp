@@ -2,6 +2,9 @@
 
 #include "platform/onvif/text.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace ndcp {
 
 namespace {
@@ -36,6 +39,19 @@ void KnownDevices::setWebPort(const std::string &uid, int port)
     const std::lock_guard lock(m_mutex);
     if (!uid.empty())
         place(uid).webPort = port;
+}
+
+void KnownDevices::setRecord(const std::string &uid, const std::optional<ndcp_device> &record)
+{
+    const std::lock_guard lock(m_mutex);
+    if (uid.empty())
+        return;
+    std::optional<ndcp_device> &kept = place(uid).record;
+    kept = record;
+    if (kept) {
+        std::fill(std::begin(kept->username), std::end(kept->username), '\0');
+        std::fill(std::begin(kept->password), std::end(kept->password), '\0');
+    }
 }
 
 KnownDevices::Device &KnownDevices::place(const std::string &uid)

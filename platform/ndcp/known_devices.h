@@ -1,7 +1,10 @@
 #pragma once
 
+#include "platform/ndcp/ndcp.h"
+
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace ndcp {
@@ -15,6 +18,8 @@ public:
     {
         std::string service; ///< address of the device service; empty when it is not known
         int webPort = 0;     ///< of its web pages, from its configuration; 0 when it was never read
+        /// As the last reading or writing left it, without user name and password.
+        std::optional<ndcp_device> record;
     };
 
     static KnownDevices &instance();
@@ -23,6 +28,7 @@ public:
     /// An empty service is forgotten: the device is looked for the next time.
     void setService(const std::string &uid, const std::string &service);
     void setWebPort(const std::string &uid, int port);
+    void setRecord(const std::string &uid, const std::optional<ndcp_device> &record);
 
 private:
     Device &place(const std::string &uid);

@@ -38,6 +38,33 @@ bool isChanged(const char (&field)[size], const std::string &current)
     return fieldText(field) != onvif::cutUtf8(current, size - 1);
 }
 
+// Which parts of the record the user may have changed since it was read.
+struct Touched
+{
+    bool name = true;
+    bool location = true;
+    bool interface = true;
+    bool gateway = true;
+    bool dns = true;
+};
+
+Touched touchedParts(const ndcp_device &record, const std::optional<ndcp_device> &base)
+{
+    if (!base)
+        return {};
+    Touched touched;
+    touched.name = fieldText(record.name) != fieldText(base->name);
+    touched.location = fieldText(record.location) != fieldText(base->location);
+    // Without a manual address the field may hold any.
+    touched.interface =
+        (record.manual_ip != 0) != (base->manual_ip != 0) ||
+        (record.manual_ip != 0 && (record.ip != base->ip || record.mask != base->mask));
+    touched.gateway = record.gateway != base->gateway;
+    touched.dns = (record.manual_dns != 0) != (base->manual_dns != 0) ||
+                  record.dns1 != base->dns1 || record.dns2 != base->dns2;
+    return touched;
+}
+
 DnsInformation wantedDns(const ndcp_device &record)
 {
     DnsInformation dns;
@@ -95,12 +122,13 @@ std::vector<std::string> locationsIn(std::string_view text, bool areSeveral)
 }
 
 std::optional<std::vector<std::string>>
-changedScopes(const ndcp_device &record, const std::optional<std::vector<DeviceScope>> &current)
+changedScopes(const ndcp_device &record, const std::optional<std::vector<DeviceScope>> &current,
+              const Touched &touched)
 {
     const std::vector<DeviceScope> known = current.value_or(std::vector<DeviceScope>());
     const onvif::ScopeTexts texts = textsOf(known);
-    const bool isRenamed = isChanged(record.name, texts.name);
-    const bool isMoved = isChanged(record.location, texts.location);
+    const bool isRenamed = touched.name && isChanged(record.name, texts.name);
+    const bool isMoved = touched.location && isChanged(record.location, texts.location);
     if (!current || (!isRenamed && !isMoved))
         return std::nullopt;
     // Setting replaces all scopes that are not fixed: the others are handed back as they were.
@@ -208,21 +236,25 @@ int webPort(const NetworkConfiguration &configuration)
 }
 
 std::optional<ConfigurationChange> changeTo(const ndcp_device &record,
-                                            const NetworkConfiguration &current)
+                                            const NetworkConfiguration &current,
+                                            const std::optional<ndcp_device> &base)
 {
+    const Touched touched = touchedParts(record, base);
     ConfigurationChange change;
-    change.scopes = changedScopes(record, current.scopes);
+    change.scopes = changedScopes(record, current.scopes, touched);
     if (!wasRead(record, ReadInterface))
         return hasNetworkValues(record) ? std::nullopt : std::optional(change);
-    change.dns = changedDns(record, current.dns);
+    if (touched.dns)
+        change.dns = changedDns(record, current.dns);
     // With DHCP the gateway comes from there; leaving it, the device may have none of its own.
-    const bool wasAutomatic = current.interface.dhcp && record.gateway != 0;
+    const bool leavesDhcp = current.interface.dhcp && touched.interface && record.gateway != 0;
     const bool mayDiffer = wasRead(record, ReadGateway) || record.gateway != 0;
-    if (record.manual_ip != 0 && mayDiffer &&
-        (wasAutomatic || record.gateway != current.gateway.value_or(0)))
+    const bool differs = touched.gateway && record.gateway != current.gateway.value_or(0);
+    if (record.manual_ip != 0 && mayDiffer && (leavesDhcp || differs))
         change.gateway = record.gateway;
     change.protocols = changedProtocols(record, current.protocols);
-    change.interface = changedInterface(record, current.interface);
+    if (touched.interface)
+        change.interface = changedInterface(record, current.interface);
     return change;
 }
 

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "platform/ndcp/ndcp.h"
 #include "platform/onvif/device_message.h"
 
 #include <optional>
 #include <string>
 #include <vector>
-
-struct ndcp_device;
 
 namespace ndcp {
 
@@ -43,8 +42,11 @@ struct ConfigurationChange
 
 /// nullopt when the record has values for a network configuration that was never read into it: what
 /// it says of the rest means nothing then. Name and location count without a reading too.
+/// base: the record as it was read, when that is known. What equals it was not touched by the user
+/// and is not written, even where the device has another value by now.
 std::optional<ConfigurationChange> changeTo(const ndcp_device &record,
-                                            const NetworkConfiguration &current);
+                                            const NetworkConfiguration &current,
+                                            const std::optional<ndcp_device> &base = {});
 
 /// Port of the device's web pages; 0 when it does not tell.
 int webPort(const NetworkConfiguration &configuration);

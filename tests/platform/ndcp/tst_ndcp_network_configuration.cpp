@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace ndcp {
 
 namespace {
@@ -248,6 +250,30 @@ TEST(NetworkConfiguration, KeepsAPortThatTheUserDidNotTouch)
     NetworkConfiguration current = configuration();
     (*current.protocols)[1].ports.front() = 8000;
     EXPECT_FALSE(changeOf(record, current).protocols);
+}
+
+TEST(NetworkConfiguration, WritesOnlyWhatTheUserTouchedOfWhatWasRead)
+{
+    const ndcp_device base = filled();
+    NetworkConfiguration now = configuration();
+    now.interface.dhcp = true;
+    now.gateway = 0xC0A801FE;
+    now.dns = onvif::DnsInformation{true, {}};
+    (*now.scopes)[1].uri = "onvif://www.onvif.org/name/Other";
+    ndcp_device record = base;
+    setField(record.location, "Attic");
+    const auto change = changeTo(record, now, base);
+    ASSERT_TRUE(change);
+    EXPECT_FALSE(change->dns || change->gateway || change->protocols || change->interface);
+    ASSERT_TRUE(change->scopes);
+    EXPECT_NE(std::find(change->scopes->begin(), change->scopes->end(),
+                        "onvif://www.onvif.org/name/Other"),
+              change->scopes->end());
+    record.ip = 0xC0A80115;
+    record.dns1 = 0x01020304;
+    record.gateway = 0xC0A80102;
+    const auto more = changeTo(record, now, base);
+    EXPECT_TRUE(more->interface && more->dns && more->gateway);
 }
 
 TEST(NetworkConfiguration, WritesSeveralLocationsAsSeveral)
