@@ -72,6 +72,7 @@ SimulatedCamera parseCamera(std::map<std::string, std::string> fields)
     camera.address = fields["address"];
     camera.rtspPort = toInt(fields["rtsp_port"]);
     camera.httpPort = toInt(fields["http_port"]);
+    camera.onvifPort = toInt(fields["onvif_port"]);
     camera.discovery = fields["discovery"];
     camera.mainUrl = fields["main"];
     camera.subUrl = fields["sub"];

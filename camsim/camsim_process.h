@@ -15,7 +15,8 @@ struct SimulatedCamera
     std::string uid;
     std::string address;
     int rtspPort = 0;
-    int httpPort = 0;
+    int httpPort = 0;      ///< web pages and command requests
+    int onvifPort = 0;     ///< the same, unless "--onvif-port" is given
     std::string discovery; ///< "host:port", as ZELVARO_DISCOVERY_TARGETS wants it
     std::string mainUrl;
     std::string subUrl;

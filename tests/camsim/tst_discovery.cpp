@@ -134,6 +134,18 @@ TEST(Discovery, ResolveFindsACameraThatMoved)
     EXPECT_TRUE(has(answer, "<d:ResolveMatch>") && has(answer, "http://127.0.0.66:")) << answer;
 }
 
+TEST(Discovery, AnAnswerMayListASecondDevice)
+{
+    for (const bool isBefore : {true, false}) {
+        const CamsimProcess camsim({"--neighbour", isBefore ? "before" : "after"});
+        const std::string answer = Asker(camsim.camera()).ask(probe());
+        const std::size_t other = answer.find("name/Neighbour");
+        const std::size_t own = answer.find(camsim.camera().uid);
+        ASSERT_TRUE(other != std::string::npos && own != std::string::npos) << answer;
+        EXPECT_EQ(other < own, isBefore);
+    }
+}
+
 TEST(Discovery, ACameraThatIsOffSaysByeAndIsSilent)
 {
     CamsimProcess camsim;

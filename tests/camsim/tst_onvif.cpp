@@ -274,3 +274,115 @@ TEST(Onvif, ANewAddressMayWaitForAReboot)
     camera.address = "127.0.0.45";
     EXPECT_TRUE(eventually([&] { return has(ask(camera, "GetHostname"), "status 200"); }));
 }
+
+namespace {
+
+std::string login(const SimulatedCamera &camera)
+{
+    return " -u " + camera.user + ":" + camera.password;
+}
+
+const std::string interfaces = envelope(operation("GetNetworkInterfaces"));
+
+} // namespace
+
+TEST(OnvifOptions, WebPagesAndServicesMayHaveTwoPorts)
+{
+    const CamsimProcess camsim({"--onvif-port", "0"});
+    SimulatedCamera camera = camsim.camera();
+    EXPECT_NE(camera.onvifPort, camera.httpPort);
+    EXPECT_TRUE(has(ask(camera, "GetNetworkInterfaces"), "status 404"));
+    const std::string web = "http://127.0.0.1:" + std::to_string(camera.httpPort) + "/";
+    EXPECT_TRUE(run("curl -s -m 30 " + web).has("Simulated camera"));
+    const std::string port = "<tt:Port>" + std::to_string(camera.httpPort) + "</tt:Port>";
+    camera.httpPort = camera.onvifPort;
+    EXPECT_TRUE(has(ask(camera, "GetNetworkProtocols"), port));
+    EXPECT_TRUE(has(ask(camera, "GetCapabilities"),
+                    ":" + std::to_string(camera.onvifPort) + "/onvif/media_service"));
+    EXPECT_FALSE(run("curl -s -m 30 http://127.0.0.1:" + std::to_string(camera.onvifPort) + "/")
+                     .has("Simulated camera"));
+}
+
+TEST(OnvifOptions, LoginsAreRefusedInManyWays)
+{
+    const auto answers = [](const std::string &kind, bool withToken, const std::string &how) {
+        const CamsimProcess camsim({"--onvif-login", kind});
+        const SimulatedCamera &camera = camsim.camera();
+        const std::string header =
+            withToken ? token(camera.user, camera.password, timeText(0)) : std::string();
+        return post(camera, envelope(operation("GetNetworkInterfaces"), header),
+                    how.empty() ? "-i" : "-i " + how + login(camera));
+    };
+    const std::string bare = answers("bare-token", false, "");
+    EXPECT_TRUE(has(bare, "status 400") && !has(bare, "Fault")) << bare;
+    EXPECT_TRUE(has(answers("bare-token", true, ""), "status 200"));
+    const std::string digest = answers("digest-token", false, "--digest");
+    EXPECT_TRUE(has(digest, "status 401") && has(digest, "Digest realm")) << digest;
+    EXPECT_TRUE(has(answers("digest-token", true, ""), "status 200"));
+    EXPECT_TRUE(has(answers("basic", false, "--basic"), "status 200"));
+    EXPECT_FALSE(has(answers("basic", false, ""), "Digest"));
+}
+
+TEST(OnvifOptions, TheClockMayHaveNoUtcOrNeedALogin)
+{
+    const std::string question = envelope(operation("GetSystemDateAndTime"));
+    const CamsimProcess local({"--onvif-clock", "local"});
+    const std::string answer = post(local.camera(), question, "");
+    EXPECT_TRUE(has(answer, "LocalDateTime") && has(answer, "CST-8")) << answer;
+    EXPECT_FALSE(has(answer, "UTCDateTime")) << answer;
+    const CamsimProcess none({"--onvif-clock", "none"});
+    EXPECT_TRUE(has(post(none.camera(), question, ""), "status 401"));
+}
+
+TEST(OnvifOptions, ThereMayBeTwoLenses)
+{
+    const CamsimProcess camsim({"--lenses", "2"});
+    const std::string answer = ask(camsim.camera(), "GetProfiles", {}, media);
+    for (const char *part :
+         {"\"profile_main\"", "\"profile_sub_2\"", ">video_source<", ">video_source_2<", ">2560<"})
+        EXPECT_TRUE(has(answer, part)) << part << answer;
+}
+
+TEST(OnvifOptions, AConnectionMayBeClosedAfterARefusal)
+{
+    const CamsimProcess camsim({"--close-after-401"});
+    RawConnection connection("127.0.0.1", camsim.camera().httpPort);
+    const std::string request =
+        "POST /onvif/device_service HTTP/1.1\r\nHost: a\r\nContent-Length: " +
+        std::to_string(interfaces.size()) + "\r\n\r\n" + interfaces;
+    EXPECT_TRUE(connection.send(request));
+    connection.readUntil([](const std::string &text) { return has(text, "</s:Envelope>"); });
+    EXPECT_FALSE(connection.isClosed());
+    connection.forget();
+    EXPECT_TRUE(connection.send(request));
+    EXPECT_EQ(connection.readUntil([](const std::string &text) { return has(text, "HTTP"); }), "");
+    EXPECT_TRUE(connection.isClosed());
+}
+
+TEST(OnvifOptions, AGatewayMayHaveToBeInTheSubnet)
+{
+    const CamsimProcess camsim({"--strict-gateway"});
+    SimulatedCamera camera = camsim.camera();
+    const std::string gateway = "<IPv4Address>127.7.0.1</IPv4Address>";
+    EXPECT_TRUE(has(ask(camera, "SetNetworkDefaultGateway", gateway), "status 400")) << "DHCP";
+    ask(camera, "SetNetworkInterfaces", manualAddress("127.7.0.9"));
+    camera.address = "127.7.0.9";
+    EXPECT_TRUE(eventually(
+        [&] { return has(ask(camera, "SetNetworkDefaultGateway", gateway), "status 200"); }));
+    EXPECT_TRUE(has(ask(camera, "SetNetworkDefaultGateway", "<IPv4Address>10.0.0.1</IPv4Address>"),
+                    "status 400"));
+}
+
+TEST(OnvifOptions, AMoveMayTakeTimeAndItsAnswerBeLost)
+{
+    CamsimProcess camsim({"--lost-answers", "--move-time", "1"});
+    SimulatedCamera camera = camsim.camera();
+    const std::string lost = ask(camera, "SetNetworkInterfaces", manualAddress("127.0.0.46"));
+    EXPECT_FALSE(has(lost, "status 200")) << lost;
+    EXPECT_FALSE(has(lost, "RebootNeeded")) << lost;
+    EXPECT_TRUE(eventually([&] { return camsim.status()["rebooting"] == "1"; }));
+    EXPECT_FALSE(RawConnection("127.0.0.46", camera.httpPort).isConnected());
+    EXPECT_TRUE(eventually([&] { return camsim.status()["address"] == "127.0.0.46"; }));
+    camera.address = "127.0.0.46";
+    EXPECT_TRUE(eventually([&] { return has(ask(camera, "GetHostname"), "status 200"); }));
+}

@@ -70,14 +70,16 @@ bool waitForByte(int handle, int milliseconds)
 int openDeviceSocket(const std::string &address)
 {
     const int handle = socket(AF_INET, SOCK_DGRAM, 0);
-    sockaddr_in any = {};
-    any.sin_family = AF_INET;
-    any.sin_port = htons(discoveryPort);
+    // Bound to the group, as many cameras are: what is sent to the device's own address is lost.
+    sockaddr_in group = {};
+    group.sin_family = AF_INET;
+    group.sin_port = htons(discoveryPort);
+    inet_pton(AF_INET, discoveryGroup, &group.sin_addr);
     ip_mreq membership = {};
     inet_pton(AF_INET, discoveryGroup, &membership.imr_multiaddr);
     inet_pton(AF_INET, address.c_str(), &membership.imr_interface);
     const bool isOpen =
-        bind(handle, reinterpret_cast<const sockaddr *>(&any), sizeof any) == 0 &&
+        bind(handle, reinterpret_cast<const sockaddr *>(&group), sizeof group) == 0 &&
         setsockopt(handle, IPPROTO_IP, IP_ADD_MEMBERSHIP, &membership, sizeof membership) == 0;
     if (!isOpen) {
         close(handle);
@@ -90,7 +92,7 @@ void answerProbes(int handle, int lifeline, const std::string &address, const st
 {
     AnnouncedDevice device;
     device.endpoint = "urn:uuid:" + uid;
-    device.xaddrs = "http://192.0.2.1/elsewhere http://" + address + "/onvif/device_service";
+    device.xaddrs = "http://192.0.2.1/elsewhere http://" + address + ":8899/onvif/device_service";
     std::array<char, 65'536> buffer = {};
     while (true) {
         std::array<pollfd, 2> ready = {{{handle, POLLIN, 0}, {lifeline, POLLIN, 0}}};

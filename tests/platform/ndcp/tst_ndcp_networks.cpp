@@ -1,3 +1,4 @@
+#include "platform/onvif/camera_lookup.h"
 #include "tests/platform/ndcp/client_harness.h"
 #include "tests/platform/ndcp/private_networks.h"
 
@@ -45,6 +46,14 @@ TEST(NdcpNetworks, AreSearchedOnEveryInterfaceThatIsUp)
     // Neither device reports its hardware address: it is that of the neighbour.
     EXPECT_THAT(first.mac, testing::ElementsAre(0x02, 0x5a, 0, 0, 0, 1));
     EXPECT_THAT(both.at(secondUid).mac, testing::ElementsAre(0x02, 0x5a, 0, 0, 0, 2));
+
+    onvif::CameraLookup lookup(context.get());
+    std::string service;
+    const onvif::RequestPtr located = lookup.locate(
+        "10.77.2.2", [&service](const onvif::CameraLocation &found) { service = found.xaddr; });
+    EXPECT_TRUE(context.runUntil([&service] { return !service.empty(); }));
+    EXPECT_EQ(service, "http://10.77.2.2:8899/onvif/device_service")
+        << "found by multicast, and not the other one";
 
     ASSERT_TRUE(PrivateNetworks::takeDown(1));
     const auto rest = searchByUid(context);
