@@ -107,7 +107,7 @@ void TestAddAndSetUp::cameraIsFoundAddedChangedMovedAndDeleted()
     if (!input.isValid())
         QSKIP("The display has no XTEST extension.");
     CamsimProcess cameras({"--count", "1", "--user", "admin", "--password", "secret", "--name",
-                           "Porch camera", "--main-size", "640x360", "--main-bitrate", "800000"});
+                           "Tür vorn", "--main-size", "640x360", "--main-bitrate", "800000"});
     ProgramRun run;
     ProgramRun::makeFindable(cameras);
     m_run = &run;
@@ -276,7 +276,7 @@ void TestAddAndSetUp::moveToOtherAddress()
         clickOn(dialog, "btnQuery");
         QTRY_COMPARE_WITH_TIMEOUT(read.count(), 1, patience);
         QTRY_COMPARE_WITH_TIMEOUT(dialog->findChild<QLineEdit *>("editDeviceName")->text(),
-                                  QStringLiteral("Porch camera"), patience);
+                                  QStringLiteral("Tür vorn"), patience);
         QTRY_VERIFY_WITH_TIMEOUT(QApplication::activeModalWidget() == dialog, patience);
         auto *manual = dialog->findChild<QCheckBox *>("checkAssignIp");
         if (!manual->isChecked())
@@ -299,6 +299,8 @@ void TestAddAndSetUp::moveToOtherAddress()
     clickOn(search, "btnOk");
     QTRY_VERIFY_WITH_TIMEOUT(modals.done(), 2 * patience);
     QCOMPARE(table->model()->index(0, 3).data().toString(), QStringLiteral("127.0.0.2"));
+    // A name that could not be typed there passes through, and nobody writes it.
+    QCOMPARE(table->model()->index(0, 1).data().toString(), QStringLiteral("Tür vorn"));
 
     // The session was not notified: it finds the camera by its UID.
     clickOn(m_window, "btnCameraMgr");

@@ -43,10 +43,10 @@ CCameraSetUp::~CCameraSetUp() = default;
 void CCameraSetUp::fillControls()
 {
     m_shown = zelvaro::networkForm(m_record);
-    show(m_shown);
+    showForm(m_shown);
 }
 
-void CCameraSetUp::show(const zelvaro::NetworkForm &form)
+void CCameraSetUp::showForm(const zelvaro::NetworkForm &form)
 {
     m_ui->editUserName->setText(form.userName);
     m_ui->editPassword->setText(form.password);
@@ -134,7 +134,7 @@ bool CCameraSetUp::readBeneathEdits()
     const zelvaro::NetworkForm edited = entered();
     if (!readConfiguration())
         return false;
-    show(zelvaro::withEdits(m_shown, shown, edited));
+    showForm(zelvaro::withEdits(m_shown, shown, edited));
     return true;
 }
 

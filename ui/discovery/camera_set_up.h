@@ -48,7 +48,7 @@ private slots:
 
 private:
     void fillControls();
-    void show(const zelvaro::NetworkForm &form);
+    void showForm(const zelvaro::NetworkForm &form);
     bool readConfiguration();
     bool readBeneathEdits();
     zelvaro::NetworkForm entered() const;
