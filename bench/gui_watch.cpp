@@ -20,7 +20,7 @@ GuiWatch::GuiWatch() : m_guiThread(pthread_self()), m_thread([this] { watch(); }
 GuiWatch::~GuiWatch()
 {
     {
-        const std::lock_guard lock(m_lock);
+        const std::lock_guard lock(m_mutex);
         m_ending = true;
     }
     m_changed.notify_all();
@@ -29,7 +29,7 @@ GuiWatch::~GuiWatch()
 
 Block GuiWatch::takeLongest()
 {
-    const std::lock_guard lock(m_lock);
+    const std::lock_guard lock(m_mutex);
     if (m_sent)
         remember(*m_sent, now());
     return std::exchange(m_longest, {});
@@ -55,14 +55,14 @@ void GuiWatch::remember(const Moment &sent, const Moment &answered)
 
 void GuiWatch::watch()
 {
-    std::unique_lock lock(m_lock);
+    std::unique_lock lock(m_mutex);
     while (!m_ending) {
         m_sent = now();
         lock.unlock();
         QMetaObject::invokeMethod(
             this,
             [this] {
-                const std::lock_guard answerLock(m_lock);
+                const std::lock_guard answerLock(m_mutex);
                 remember(*m_sent, now());
                 m_sent.reset();
                 m_changed.notify_all();

@@ -45,7 +45,7 @@ private:
     void remember(const Moment &sent, const Moment &answered);
 
     pthread_t m_guiThread;
-    std::mutex m_lock; ///< protects the four below
+    std::mutex m_mutex; ///< protects the four below
     std::condition_variable m_changed;
     std::optional<Moment> m_sent; ///< an event that waits
     Block m_longest;

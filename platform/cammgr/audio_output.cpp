@@ -73,7 +73,7 @@ AudioOutput::~AudioOutput()
 
 void AudioOutput::takeAudio(const AudioUnit &unit)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     if (m_closed || m_volume == 0)
         return;
     if (m_pipeline && m_pipeline->failed) {
@@ -96,7 +96,7 @@ void AudioOutput::takeAudio(const AudioUnit &unit)
 
 void AudioOutput::setVolume(int percent)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_volume = percent;
     if (percent == 0)
         release();
@@ -106,7 +106,7 @@ void AudioOutput::setVolume(int percent)
 
 void AudioOutput::close()
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_closed = true;
     release();
 }
@@ -116,7 +116,7 @@ void AudioOutput::open(const CapsRef &caps)
     auto fresh = std::make_shared<Pipeline>();
     const bool good = fresh->start(caps, m_makeSink);
 
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_opening = false;
     if (!good)
         m_nextTry = SteadyClock::now() + retryPause;

@@ -38,7 +38,7 @@ private:
 
     const SinkMaker m_makeSink;
 
-    std::mutex m_lock; ///< protects everything below
+    std::mutex m_mutex; ///< protects everything below
     std::shared_ptr<Pipeline> m_pipeline;
     int m_volume = 0;
     bool m_opening = false;

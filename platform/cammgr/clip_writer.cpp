@@ -46,20 +46,20 @@ GstBuffer *copyAt(GstBuffer *original, GstClockTime time)
 
 void ClosingClips::begin()
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     ++m_count;
 }
 
 void ClosingClips::end()
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     --m_count;
     m_none.notify_all();
 }
 
 bool ClosingClips::wait(std::chrono::milliseconds longest)
 {
-    std::unique_lock lock(m_lock);
+    std::unique_lock lock(m_mutex);
     return m_none.wait_for(lock, longest, [this] { return m_count == 0; });
 }
 
@@ -104,7 +104,7 @@ void ClipWriter::open()
     if (std::exchange(m_opening, true))
         return;
     mediaWorkers().run([self = shared_from_this()] {
-        std::lock_guard state(self->m_stateLock);
+        std::lock_guard state(self->m_stateMutex);
         // A clip can be over before a worker comes to it.
         if (!self->m_pipeline && !self->m_finished && !self->build())
             self->fail();
@@ -114,13 +114,13 @@ void ClipWriter::open()
 void ClipWriter::close()
 {
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         if (m_closeAsked)
             return;
         m_closeAsked = true;
     }
     mediaWorkers().run([self = shared_from_this()] {
-        std::lock_guard state(self->m_stateLock);
+        std::lock_guard state(self->m_stateMutex);
         // A clip that ends before its file was made still becomes a file.
         if (!self->m_pipeline && !self->m_hasFailed)
             self->build();
@@ -132,7 +132,7 @@ void ClipWriter::close()
 void ClipWriter::push(const AccessUnit &unit)
 {
     m_bytes += unit.size();
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     if (m_closeAsked || m_hasFailed)
         return;
     if (m_pipeline) {
@@ -149,7 +149,7 @@ void ClipWriter::push(const AudioUnit &unit)
     if (!m_format.audio || unit.time < m_start)
         return;
     m_bytes += gst_buffer_get_size(unit.buffer.get());
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     if (m_closeAsked || m_hasFailed)
         return;
     if (m_pipeline) {
@@ -169,7 +169,7 @@ bool ClipWriter::build()
     chain += "mp4mux name=mux ! filesink name=file async=false";
     bool withAudio = false;
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         withAudio = !m_waitingAudio.empty();
     }
     const std::string audio = withAudio ? audioForMp4(m_format.audio.get()) : std::string();
@@ -207,7 +207,7 @@ bool ClipWriter::build()
     if (!opened)
         return false;
 
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_pipeline = std::move(fresh);
     m_audioEnded = !m_pipeline->audio;
     for (const AudioUnit &unit : m_waitingAudio)
@@ -272,7 +272,7 @@ void ClipWriter::endAudioThatStopped(GstClockTime now)
 /// On a media worker, with the state lock.
 void ClipWriter::finish()
 {
-    std::unique_lock lock(m_lock);
+    std::unique_lock lock(m_mutex);
     if (!m_pipeline)
         return;
     gst_app_src_end_of_stream(GST_APP_SRC(m_pipeline->video.get()));
@@ -329,7 +329,7 @@ GstBusSyncReply ClipWriter::readMessage(GstBus *, GstMessage *message, gpointer 
         writer->fail();
     }
     if (type == GST_MESSAGE_ERROR || type == GST_MESSAGE_EOS) {
-        std::lock_guard lock(writer->m_lock);
+        std::lock_guard lock(writer->m_mutex);
         writer->m_ended = true;
         writer->m_written.notify_all();
     }

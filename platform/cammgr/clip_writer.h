@@ -24,7 +24,7 @@ public:
     bool wait(std::chrono::milliseconds longest);
 
 private:
-    std::mutex m_lock; ///< protects m_count
+    std::mutex m_mutex; ///< protects m_count
     std::condition_variable m_none;
     int m_count = 0;
 };
@@ -92,11 +92,11 @@ private:
     std::atomic<uint64_t> m_bytes = 0;
     std::atomic<bool> m_hasFailed = false;
 
-    std::mutex m_stateLock;             ///< held while a media worker opens or finishes the file
+    std::mutex m_stateMutex;            ///< held while a media worker opens or finishes the file
     bool m_finished = false;            ///< protected by it
     std::optional<FileIdentity> m_file; ///< protected by it; of the file that was made
 
-    std::mutex m_lock; ///< protects everything below
+    std::mutex m_mutex; ///< protects everything below
     std::condition_variable m_written;
     std::unique_ptr<Pipeline> m_pipeline;
     std::vector<AccessUnit> m_waitingVideo; ///< came before the file was open

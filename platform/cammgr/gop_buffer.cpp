@@ -11,7 +11,7 @@ constexpr size_t maxAudioUnits = 4096;
 
 void GopBuffer::takeFrame(const AccessUnit &unit)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     if (unit.key)
         startOver();
     else if (m_frames.empty())
@@ -29,7 +29,7 @@ void GopBuffer::takeFrame(const AccessUnit &unit)
 
 void GopBuffer::takeAudio(const AudioUnit &unit)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_audio.push_back(unit);
     if (m_audio.size() > maxAudioUnits)
         m_audio.pop_front();
@@ -37,19 +37,19 @@ void GopBuffer::takeAudio(const AudioUnit &unit)
 
 std::vector<AccessUnit> GopBuffer::frames() const
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     return m_frames;
 }
 
 std::vector<AudioUnit> GopBuffer::audio() const
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     return {m_audio.begin(), m_audio.end()};
 }
 
 void GopBuffer::clear()
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     startOver();
     m_audio.clear();
 }

@@ -28,7 +28,7 @@ private:
     void startOver();
 
     const size_t m_byteLimit;
-    mutable std::mutex m_lock; ///< protects everything below
+    mutable std::mutex m_mutex; ///< protects everything below
     std::vector<AccessUnit> m_frames;
     std::deque<AudioUnit> m_audio;
     size_t m_bytes = 0;

@@ -20,7 +20,7 @@ Housekeeper &Housekeeper::instance()
 
 void Housekeeper::add(std::weak_ptr<Charge> charge)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_charges.push_back(std::move(charge));
     if (!m_running) {
         GThread *thread = g_thread_try_new("cammgr-timer", &Housekeeper::threadMain, this, nullptr);
@@ -39,7 +39,7 @@ void *Housekeeper::threadMain(void *self)
 
 void Housekeeper::work()
 {
-    std::unique_lock lock(m_lock);
+    std::unique_lock lock(m_mutex);
     for (;;) {
         m_wake.wait(
             lock, [this] { return !m_charges.empty(); });

@@ -29,7 +29,7 @@ private:
     static void *threadMain(void *self);
     void work();
 
-    std::mutex m_lock; ///< protects everything below
+    std::mutex m_mutex; ///< protects everything below
     std::condition_variable m_wake;
     std::vector<std::weak_ptr<Charge>> m_charges;
     bool m_running = false;

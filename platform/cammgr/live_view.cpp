@@ -40,14 +40,14 @@ LiveView::~LiveView()
 void LiveView::open()
 {
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         if (m_stage != Stage::Waiting || m_watch != 0)
             return;
         m_busy = true;
     }
     const bool opened = m_chain.open();
     const std::weak_ptr<LiveView> self = weak_from_this();
-    std::unique_lock lock(m_lock);
+    std::unique_lock lock(m_mutex);
     m_busy = false;
     m_idle.notify_all();
     if (m_stage == Stage::Closed)
@@ -70,7 +70,7 @@ void LiveView::close()
 {
     int watch = 0;
     {
-        std::unique_lock lock(m_lock);
+        std::unique_lock lock(m_mutex);
         if (m_stage == Stage::Closed)
             return;
         m_stage = Stage::Closed;
@@ -86,7 +86,7 @@ void LiveView::close()
 
 void LiveView::takeFrame(const AccessUnit &unit)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     if (m_stage == Stage::Closed || !m_window.visible || unit.number <= m_lastQueued)
         return;
     if (m_waitForKey && !unit.key)
@@ -107,7 +107,7 @@ void LiveView::setWindow(const WindowState &state, bool damaged)
 {
     bool needKey = false;
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         if (m_stage == Stage::Closed)
             return;
         const WindowState before = std::exchange(m_window, state);
@@ -132,13 +132,13 @@ void LiveView::setUnseen(bool unseen)
 
 bool LiveView::isDecoding() const
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     return m_stage == Stage::Ready && m_window.visible;
 }
 
 uint64_t LiveView::decoded() const
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     return m_decoded;
 }
 
@@ -196,7 +196,7 @@ void LiveView::shedLoad(SteadyClock::time_point now)
 
 LiveView::Step LiveView::nextStep()
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     Step next;
     next.window = m_window;
     const auto now = SteadyClock::now();
@@ -256,7 +256,7 @@ bool LiveView::step()
         break;
     }
 
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_busy = false;
     m_idle.notify_all();
     m_broken = !good;

@@ -86,7 +86,7 @@ private:
     std::atomic<bool> m_hasShown = false;
     std::atomic<bool> m_isUnseen = false;
 
-    mutable std::mutex m_lock; ///< protects everything below
+    mutable std::mutex m_mutex; ///< protects everything below
     std::condition_variable m_idle;
     std::deque<AccessUnit> m_queue;
     WindowState m_window;

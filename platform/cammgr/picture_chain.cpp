@@ -105,7 +105,7 @@ void PictureChain::redraw()
     gst_video_overlay_expose(GST_VIDEO_OVERLAY(m_sink));
     BufferRef picture;
     {
-        std::lock_guard lock(m_pictureLock);
+        std::lock_guard lock(m_pictureMutex);
         picture = m_picture;
     }
     if (!picture || !m_decoder)
@@ -122,7 +122,7 @@ void PictureChain::fit()
     int width = 0;
     int height = 0;
     {
-        std::lock_guard lock(m_pictureLock);
+        std::lock_guard lock(m_pictureMutex);
         if (m_pictureCaps) {
             const GstStructure *format = gst_caps_get_structure(m_pictureCaps.get(), 0);
             gst_structure_get_int(format, "width", &width);
@@ -138,7 +138,7 @@ void PictureChain::fit()
 
 SampleRef PictureChain::latest() const
 {
-    std::lock_guard lock(m_pictureLock);
+    std::lock_guard lock(m_pictureMutex);
     if (!m_picture)
         return {};
     return SampleRef::adopt(gst_sample_new(m_picture.get(), m_pictureCaps.get(), nullptr, nullptr));
@@ -159,7 +159,7 @@ GstPadProbeReturn PictureChain::takePicture(GstPad *pad, GstPadProbeInfo *info, 
     auto caps = CapsRef::adopt(gst_pad_get_current_caps(pad));
     bool newShape = false;
     {
-        std::lock_guard lock(chain->m_pictureLock);
+        std::lock_guard lock(chain->m_pictureMutex);
         newShape = chain->m_pictureCaps.get() != caps.get();
         chain->m_picture = BufferRef::share(buffer);
         chain->m_pictureCaps = std::move(caps);

@@ -57,7 +57,7 @@ private:
     int m_windowHeight = 0;
     std::atomic<bool> m_failed = false;
 
-    mutable std::mutex m_pictureLock; ///< protects the two below
+    mutable std::mutex m_pictureMutex; ///< protects the two below
     BufferRef m_picture;
     CapsRef m_pictureCaps;
 };

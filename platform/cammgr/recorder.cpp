@@ -64,7 +64,7 @@ int Recorder::begin(const std::string &basePath, int limitBytes, bool withAudio)
     tidyFolderOf(basePath);
     bool needKey = false;
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         if (m_writing && !m_stalled)
             return -1;
         if (m_clip)
@@ -99,7 +99,7 @@ int Recorder::begin(const std::string &basePath, int limitBytes, bool withAudio)
 
 int Recorder::end()
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     if (!m_writing)
         return -1;
     m_writing = m_stalled = false;
@@ -111,13 +111,13 @@ int Recorder::end()
 
 bool Recorder::isWriting() const
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     return m_writing && m_clip && !m_stalled;
 }
 
 bool Recorder::isWaiting() const
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     return m_writing && (!m_clip || m_stalled);
 }
 
@@ -125,7 +125,7 @@ void Recorder::takeFrame(const AccessUnit &unit)
 {
     bool needKey = false;
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         ++m_framesSeen;
         // Times that go back prove nothing: they are reset while video and audio are brought
         // together, and on a busy machine by much.
@@ -154,7 +154,7 @@ void Recorder::takeFrame(const AccessUnit &unit)
 
 void Recorder::takeAudio(const AudioUnit &unit)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_audioCaps = unit.caps;
     m_lastAudioTime = unit.time;
     if (m_writing && m_clip)
@@ -193,7 +193,7 @@ void Recorder::checkRoom()
         const auto folder = std::filesystem::path(base).parent_path();
         const bool room = std::filesystem::space(folder, error).available >= minRoomBytes && !error;
         if (const auto self = weak.lock()) {
-            std::lock_guard lock(self->m_lock);
+            std::lock_guard lock(self->m_mutex);
             self->m_roomChecking = false;
             self->m_roomIsBack = room;
         }
@@ -278,7 +278,7 @@ void Recorder::startClip(const AccessUnit &first)
 
 void Recorder::clipFailed(const ClipWriter *clip)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     if (m_clip.get() != clip)
         return;
     // The disk is full or was removed: what was written stays, the stream continues.

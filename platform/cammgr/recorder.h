@@ -48,9 +48,9 @@ private:
     const std::shared_ptr<ClosingClips> m_closing;
     const std::function<void()> m_wantKeyFrame;
 
-    mutable std::mutex m_lock; ///< protects everything below
-    bool m_writing = false;    ///< from begin() to end()
-    bool m_stalled = false;    ///< the last clip failed; the next one waits for room, and proves it
+    mutable std::mutex m_mutex; ///< protects everything below
+    bool m_writing = false;     ///< from begin() to end()
+    bool m_stalled = false; ///< the last clip failed; the next one waits for room, and proves it
     bool m_roomChecking = false;
     bool m_roomIsBack = false;
     SteadyClock::time_point m_nextRoomCheck;

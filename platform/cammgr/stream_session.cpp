@@ -54,7 +54,7 @@ void LiveStream::Session::start(int volume)
 void LiveStream::Session::stop()
 {
     {
-        std::lock_guard lock(m_tellLock);
+        std::lock_guard lock(m_callbackMutex);
         m_muted = true;
     }
     m_state = State::Ended;
@@ -87,7 +87,7 @@ int LiveStream::Session::beginWriting(const std::string &basePath, int limitByte
 
 void LiveStream::Session::openSource(Transport transport)
 {
-    std::lock_guard lock(m_sourceLock);
+    std::lock_guard lock(m_sourceMutex);
     if (m_stopped)
         return;
     m_transport = transport;
@@ -98,14 +98,14 @@ void LiveStream::Session::openSource(Transport transport)
 
 void LiveStream::Session::closeSource()
 {
-    std::lock_guard lock(m_sourceLock);
+    std::lock_guard lock(m_sourceMutex);
     m_stopped = true;
     m_source.reset();
 }
 
 void LiveStream::Session::keepAlive()
 {
-    std::lock_guard lock(m_sourceLock);
+    std::lock_guard lock(m_sourceMutex);
     if (m_source)
         m_source->keepAlive();
 }
@@ -188,7 +188,7 @@ void LiveStream::Session::sourceTransportRefused()
     mediaWorkers().run([self = shared_from_this()] {
         bool again = false;
         {
-            std::lock_guard lock(self->m_sourceLock);
+            std::lock_guard lock(self->m_sourceMutex);
             again = self->m_source && self->m_transport == Transport::Interleaved;
             if (again)
                 self->m_source.reset();
@@ -248,7 +248,7 @@ void LiveStream::Session::wantKeyFrame()
 
 void LiveStream::Session::tell(const std::function<void()> &callback)
 {
-    std::lock_guard lock(m_tellLock);
+    std::lock_guard lock(m_callbackMutex);
     if (!m_muted && callback)
         callback();
 }

@@ -76,10 +76,10 @@ private:
     const StreamRequest m_request;
     const Listener m_listener;
 
-    std::mutex m_tellLock; ///< held while a callback runs; protects m_muted
+    std::mutex m_callbackMutex; ///< held while a callback runs; protects m_muted
     bool m_muted = false;
 
-    std::mutex m_sourceLock; ///< taken by media workers only; protects the three below
+    std::mutex m_sourceMutex; ///< taken by media workers only; protects the three below
     std::unique_ptr<RtspSource> m_source;
     Transport m_transport = Transport::Interleaved;
     bool m_stopped = false;

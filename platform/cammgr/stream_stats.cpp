@@ -13,7 +13,7 @@ constexpr auto window = std::chrono::seconds(1);
 
 void StreamStats::add(SteadyClock::time_point when, size_t bytes)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     forgetBefore(when - window);
     m_arrivals.push_back({when, bytes});
     m_bytes += bytes;
@@ -21,14 +21,14 @@ void StreamStats::add(SteadyClock::time_point when, size_t bytes)
 
 int StreamStats::frames(SteadyClock::time_point now) const
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     forgetBefore(now - window);
     return static_cast<int>(m_arrivals.size());
 }
 
 int StreamStats::bits(SteadyClock::time_point now) const
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     forgetBefore(now - window);
     const size_t most = std::numeric_limits<int>::max();
     return static_cast<int>(std::min(m_bytes * 8, most));
@@ -36,7 +36,7 @@ int StreamStats::bits(SteadyClock::time_point now) const
 
 void StreamStats::clear()
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_arrivals.clear();
     m_bytes = 0;
 }

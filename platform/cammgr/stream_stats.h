@@ -26,7 +26,7 @@ private:
     };
     void forgetBefore(SteadyClock::time_point when) const;
 
-    mutable std::mutex m_lock; ///< protects everything below
+    mutable std::mutex m_mutex; ///< protects everything below
     mutable std::deque<Arrival> m_arrivals;
     mutable size_t m_bytes = 0;
 };

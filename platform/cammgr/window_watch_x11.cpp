@@ -60,7 +60,7 @@ private:
     void report(Watched &watched, bool damaged);
     static bool concerns(const Watched &watched, Window window);
 
-    std::mutex m_lock; ///< protects the five below
+    std::mutex m_mutex; ///< protects the five below
     std::map<int, std::shared_ptr<Watched>> m_wanted;
     int m_lastNumber = 0;
     GThread *m_thread = nullptr;
@@ -103,7 +103,7 @@ int WindowWatch::Private::add(uintptr_t window, Handler handler)
     auto watched = std::make_shared<Watched>();
     watched->window = window;
     watched->handler = std::move(handler);
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_wanted[++m_lastNumber] = std::move(watched);
     m_changed = true;
     if (!m_thread && !m_ending)
@@ -130,7 +130,7 @@ void WindowWatch::Private::end()
 {
     GThread *thread = nullptr;
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         m_ending = true;
         thread = std::exchange(m_thread, nullptr);
         wake();
@@ -144,7 +144,7 @@ void WindowWatch::Private::remove(int number)
 {
     std::shared_ptr<Watched> watched;
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         const auto found = m_wanted.find(number);
         if (found == m_wanted.end())
             return;
@@ -194,7 +194,7 @@ bool WindowWatch::Private::adopt()
 {
     std::vector<std::shared_ptr<Watched>> fresh;
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         if (m_ending)
             return false;
         if (!m_changed)

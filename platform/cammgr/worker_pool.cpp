@@ -23,7 +23,7 @@ constexpr auto idleTime = std::chrono::seconds(5);
 
 void WorkerPool::run(std::function<void()> job)
 {
-    std::lock_guard lock(m_lock);
+    std::lock_guard lock(m_mutex);
     m_jobs.push_back(std::move(job));
     if (m_idle < static_cast<int>(m_jobs.size()) && m_threads < m_limit) {
         GThread *thread = g_thread_try_new(m_name, &WorkerPool::threadMain, this, nullptr);
@@ -44,7 +44,7 @@ void *WorkerPool::threadMain(void *self)
 
 void WorkerPool::work()
 {
-    std::unique_lock lock(m_lock);
+    std::unique_lock lock(m_mutex);
     for (;;) {
         ++m_idle;
         const bool found = m_wake.wait_for(lock, idleTime, [this] { return !m_jobs.empty(); });

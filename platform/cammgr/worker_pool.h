@@ -30,7 +30,7 @@ private:
     const char *const m_name;
     const int m_limit;
     void (*const m_rested)();
-    std::mutex m_lock; ///< protects everything below
+    std::mutex m_mutex; ///< protects everything below
     std::condition_variable m_wake;
     std::deque<std::function<void()>> m_jobs;
     int m_threads = 0;

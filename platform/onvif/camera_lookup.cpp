@@ -237,7 +237,7 @@ private:
     std::deque<KnownCameraPtr> m_known; ///< oldest first; running requests hold theirs
 };
 
-CameraLookup::CameraLookup(GMainContext *context) : m_private(std::make_shared<Private>(context)) {}
+CameraLookup::CameraLookup(GMainContext *context) : d(std::make_shared<Private>(context)) {}
 
 CameraLookup::~CameraLookup() = default;
 
@@ -256,8 +256,8 @@ RequestPtr CameraLookup::resolve(const std::string &uid,
         return sameUid(device.uid, uid);
     };
     return std::make_unique<DiscoverySearch>(
-        m_private->context.get(), std::move(scope),
-        [known = m_private, done = std::move(done)](const SearchResult &result) {
+        d->context.get(), std::move(scope),
+        [known = d, done = std::move(done)](const SearchResult &result) {
             std::optional<CameraLocation> location;
             if (result.wanted) {
                 location = locationOf(*result.wanted);
@@ -276,7 +276,7 @@ RequestPtr CameraLookup::locate(const std::string &host, std::function<void(Came
     scope.milliseconds = locateMilliseconds;
     scope.isWanted = [](const DiscoveredDevice &) { return true; };
     return std::make_unique<DiscoverySearch>(
-        m_private->context.get(), std::move(scope),
+        d->context.get(), std::move(scope),
         [host, done = std::move(done)](const SearchResult &result) {
             if (result.wanted)
                 done(locationOf(*result.wanted));
@@ -288,8 +288,7 @@ RequestPtr CameraLookup::locate(const std::string &host, std::function<void(Came
 RequestPtr CameraLookup::streamUris(const std::string &xaddr, const Credentials &credentials,
                                     std::function<void(SoapStatus, CameraStreams)> done)
 {
-    auto request =
-        std::make_unique<StreamsRequest>(m_private->camera(xaddr, credentials), std::move(done));
+    auto request = std::make_unique<StreamsRequest>(d->camera(xaddr, credentials), std::move(done));
     request->start();
     return request;
 }
@@ -298,8 +297,8 @@ RequestPtr CameraLookup::requestKeyFrame(const std::string &xaddr, const std::st
                                          const Credentials &credentials,
                                          std::function<void(SoapStatus)> done)
 {
-    auto request = std::make_unique<KeyFrameRequest>(m_private->camera(xaddr, credentials),
-                                                     profileToken, std::move(done));
+    auto request = std::make_unique<KeyFrameRequest>(d->camera(xaddr, credentials), profileToken,
+                                                     std::move(done));
     request->start();
     return request;
 }

@@ -78,7 +78,7 @@ public:
 
 private:
     class Private;
-    std::shared_ptr<Private> m_private;
+    std::shared_ptr<Private> d;
 };
 
 } // namespace onvif

@@ -296,7 +296,7 @@ void DiscoverySearch::Private::finish()
 }
 
 DiscoverySearch::DiscoverySearch(GMainContext *context, SearchScope scope, Done done)
-    : m_private(std::make_unique<Private>(context, std::move(scope), std::move(done)))
+    : d(std::make_unique<Private>(context, std::move(scope), std::move(done)))
 {
 }
 

@@ -53,7 +53,7 @@ public:
 
 private:
     class Private;
-    std::unique_ptr<Private> m_private;
+    std::unique_ptr<Private> d;
 };
 
 } // namespace onvif

@@ -37,34 +37,34 @@ public:
 
     int firstFrames() const
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         return m_firstFrames;
     }
     int keyFrameWishes() const
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         return m_keyFrameWishes;
     }
     std::vector<cammgr::StreamEnd> ends() const
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         return m_ends;
     }
 
 private:
     void note(const std::function<void()> &change)
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         change();
         m_changed.notify_all();
     }
     bool wait(const std::function<bool()> &condition, std::chrono::milliseconds deadline = 30s)
     {
-        std::unique_lock lock(m_lock);
+        std::unique_lock lock(m_mutex);
         return m_changed.wait_for(lock, deadline, condition);
     }
 
-    mutable std::mutex m_lock;
+    mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     int m_firstFrames = 0;
     int m_keyFrameWishes = 0;

@@ -17,7 +17,7 @@ protected:
             GTEST_SKIP() << "no X display";
         m_number = WindowWatch::instance().add(m_window.id(),
                                                [this](const WindowState &state, bool damaged) {
-                                                   std::lock_guard lock(m_lock);
+                                                   std::lock_guard lock(m_mutex);
                                                    m_state = state;
                                                    ++m_calls;
                                                    m_damages += damaged;
@@ -30,17 +30,17 @@ protected:
     }
     WindowState state()
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         return m_state;
     }
     int damages()
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         return m_damages;
     }
     int calls()
     {
-        std::lock_guard lock(m_lock);
+        std::lock_guard lock(m_mutex);
         return m_calls;
     }
     bool waitVisible(bool visible)
@@ -49,7 +49,7 @@ protected:
     }
 
     TestWindow m_window{200, 100};
-    std::mutex m_lock;
+    std::mutex m_mutex;
     WindowState m_state;
     int m_calls = 0;
     int m_damages = 0;
