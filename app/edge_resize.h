@@ -11,7 +11,9 @@ class QWidget;
 namespace zelvaro {
 
 /// Lets a frameless window be resized by its edges: four thin frames lie over them for the cursors,
-/// and the window hands its mouse events on. GUI thread only; window and frames are not owned.
+/// and the window hands its mouse events on. One edge at a time: the left one, dragged over the
+/// right one, stops at the smallest width and does not take that one along. GUI thread only; window
+/// and frames are not owned.
 class EdgeResize
 {
 public:

@@ -54,7 +54,8 @@ public:
     bool has_player() const { return m_pRtspPlayer != nullptr; }
     bool is_stopped() const { return cam_to_stop != 0; }
 
-    /// Creates the player and sends the first probe. -1 when the library returns none.
+    /// Creates the player and sends the first probe. -1 when the library returns none, or when
+    /// there is one already, which nobody could stop any more.
     int create();
     /// Sends a probe unless one is outstanding, the session is stopped or there is no player. One
     /// that the library refuses is reported as failed.
