@@ -3,7 +3,7 @@
 
 #include <QTest>
 
-class DialogShadowTest : public QObject
+class TestDialogShadow : public QObject
 {
     Q_OBJECT
 
@@ -13,7 +13,7 @@ private slots:
     void dialogsAreLeftWholeWhereTheDesktopBlends();
 };
 
-void DialogShadowTest::theShapeIsTheDialogWithoutItsShadow()
+void TestDialogShadow::theShapeIsTheDialogWithoutItsShadow()
 {
     const QRegion shape = zelvaro::DialogShadow::withoutShadow(QSize(200, 100));
     QCOMPARE(shape.boundingRect(), QRect(10, 10, 180, 76));
@@ -25,14 +25,14 @@ void DialogShadowTest::theShapeIsTheDialogWithoutItsShadow()
         QVERIFY(!shape.contains(corner));
 }
 
-void DialogShadowTest::aDialogSmallerThanItsShadowHasNoShape()
+void TestDialogShadow::aDialogSmallerThanItsShadowHasNoShape()
 {
     QVERIFY(zelvaro::DialogShadow::withoutShadow(QSize(20, 20)).isEmpty());
     QVERIFY(zelvaro::DialogShadow::withoutShadow(QSize(0, 0)).isEmpty());
 }
 
 // The offscreen platform blends.
-void DialogShadowTest::dialogsAreLeftWholeWhereTheDesktopBlends()
+void TestDialogShadow::dialogsAreLeftWholeWhereTheDesktopBlends()
 {
     zelvaro::DialogShadow shadow;
     CMessageBox box(2, "Warning", "Text", QMessageBox::Ok);
@@ -41,5 +41,5 @@ void DialogShadowTest::dialogsAreLeftWholeWhereTheDesktopBlends()
     QVERIFY(box.mask().isEmpty());
 }
 
-QTEST_MAIN(DialogShadowTest)
+QTEST_MAIN(TestDialogShadow)
 #include "tst_dialog_shadow.moc"

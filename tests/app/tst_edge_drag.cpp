@@ -19,7 +19,7 @@ QRect dragged(Edge edge, QPoint pointer, zelvaro::DragLimits limits = sizeLimits
 
 } // namespace
 
-class EdgeDragTest : public QObject
+class TestEdgeDrag : public QObject
 {
     Q_OBJECT
 
@@ -35,7 +35,7 @@ private slots:
     void theEdgesThatAreNotDraggedComeFromNow();
 };
 
-void EdgeDragTest::zones_data()
+void TestEdgeDrag::zones_data()
 {
     QTest::addColumn<QPoint>("pointer");
     QTest::addColumn<Edge>("edge");
@@ -67,13 +67,13 @@ void EdgeDragTest::zones_data()
     QTest::newRow("bottom before left") << QPoint(101, 799) << Edge::Bottom;
 }
 
-void EdgeDragTest::zones()
+void TestEdgeDrag::zones()
 {
     QFETCH(QPoint, pointer);
     QTEST(zelvaro::edgeAt(windowRect, pointer), "edge");
 }
 
-void EdgeDragTest::cursors()
+void TestEdgeDrag::cursors()
 {
     QCOMPARE(zelvaro::cursorOf(Edge::Corner), Qt::SizeFDiagCursor);
     QCOMPARE(zelvaro::cursorOf(Edge::Top), Qt::SizeVerCursor);
@@ -83,7 +83,7 @@ void EdgeDragTest::cursors()
     QCOMPARE(zelvaro::cursorOf(Edge::None), Qt::ArrowCursor);
 }
 
-void EdgeDragTest::draggingMovesTheEdgeToThePointer_data()
+void TestEdgeDrag::draggingMovesTheEdgeToThePointer_data()
 {
     QTest::addColumn<Edge>("edge");
     QTest::addColumn<QPoint>("pointer");
@@ -99,14 +99,14 @@ void EdgeDragTest::draggingMovesTheEdgeToThePointer_data()
     QTest::newRow("none") << Edge::None << QPoint(1, 1) << windowRect;
 }
 
-void EdgeDragTest::draggingMovesTheEdgeToThePointer()
+void TestEdgeDrag::draggingMovesTheEdgeToThePointer()
 {
     QFETCH(Edge, edge);
     QFETCH(QPoint, pointer);
     QTEST(dragged(edge, pointer), "result");
 }
 
-void EdgeDragTest::sizesStayBetweenSmallestAndLargest_data()
+void TestEdgeDrag::sizesStayBetweenSmallestAndLargest_data()
 {
     QTest::addColumn<Edge>("edge");
     QTest::addColumn<QPoint>("pointer");
@@ -130,14 +130,14 @@ void EdgeDragTest::sizesStayBetweenSmallestAndLargest_data()
         << Edge::Corner << QPoint(9000, 9000) << QRect(100, 200, 1280, 760);
 }
 
-void EdgeDragTest::sizesStayBetweenSmallestAndLargest()
+void TestEdgeDrag::sizesStayBetweenSmallestAndLargest()
 {
     QFETCH(Edge, edge);
     QFETCH(QPoint, pointer);
     QTEST(dragged(edge, pointer), "result");
 }
 
-void EdgeDragTest::leftAndTopStayBelowTheWidgetsMinimum()
+void TestEdgeDrag::leftAndTopStayBelowTheWidgetsMinimum()
 {
     const zelvaro::DragLimits large{QSize(1280, 760), QSize(600, 500)};
     QCOMPARE(dragged(Edge::Left, QPoint(301, 1), large), windowRect);
@@ -146,12 +146,12 @@ void EdgeDragTest::leftAndTopStayBelowTheWidgetsMinimum()
     QCOMPARE(dragged(Edge::Top, QPoint(1, 300), large), QRect(100, 300, 800, 500));
 }
 
-void EdgeDragTest::theEdgesThatAreNotDraggedComeFromNow()
+void TestEdgeDrag::theEdgesThatAreNotDraggedComeFromNow()
 {
     const QRect now(100, 200, 700, 600);
     QCOMPARE(zelvaro::draggedTo(Edge::Bottom, windowRect, now, QPoint(1, 699), sizeLimits),
              QRect(100, 200, 700, 500));
 }
 
-QTEST_APPLESS_MAIN(EdgeDragTest)
+QTEST_APPLESS_MAIN(TestEdgeDrag)
 #include "tst_edge_drag.moc"

@@ -39,7 +39,7 @@ public:
 } // namespace
 
 /// Escape closes what stands over a picture when it is pressed, and is released over the picture.
-class EscapeTest : public QObject
+class TestEscape : public QObject
 {
     Q_OBJECT
 
@@ -80,7 +80,7 @@ private:
     std::unique_ptr<CMainForm> m_form;
 };
 
-void EscapeTest::init()
+void TestEscape::init()
 {
     fake_cammgr::reset();
     m_registry = std::make_unique<Registry>();
@@ -97,14 +97,14 @@ void EscapeTest::init()
     QVERIFY(QTest::qWaitForWindowActive(m_form.get()));
 }
 
-void EscapeTest::cleanup()
+void TestEscape::cleanup()
 {
     m_form.reset();
     m_desktop.reset();
     m_registry.reset();
 }
 
-void EscapeTest::open(const QString &page)
+void TestEscape::open(const QString &page)
 {
     if (page == QLatin1String("pageMultiLive"))
         m_form->showMultiLive();
@@ -119,7 +119,7 @@ void EscapeTest::open(const QString &page)
     QTRY_COMPARE_WITH_TIMEOUT(QApplication::focusWidget(), picture(page), deadline);
 }
 
-void EscapeTest::releaseOver(const QString &page)
+void TestEscape::releaseOver(const QString &page)
 {
     m_form->activateWindow(); // as a window manager does when a dialog is gone
     QTRY_COMPARE_WITH_TIMEOUT(QApplication::focusWidget(), picture(page), deadline);
@@ -130,7 +130,7 @@ void EscapeTest::releaseOver(const QString &page)
     QVERIFY(picture(page)->isWindow());
 }
 
-void EscapeTest::inTheQuestionBeforeTheViewChanges()
+void TestEscape::inTheQuestionBeforeTheViewChanges()
 {
     open("pageMultiLive");
     {
@@ -146,7 +146,7 @@ void EscapeTest::inTheQuestionBeforeTheViewChanges()
     releaseOver("pageMultiLive");
 }
 
-void EscapeTest::inTheMainMenu()
+void TestEscape::inTheMainMenu()
 {
     QFETCH(QString, page);
     open(page);
@@ -164,7 +164,7 @@ void EscapeTest::inTheMainMenu()
     releaseOver(page);
 }
 
-void EscapeTest::inTheFolderChooser()
+void TestEscape::inTheFolderChooser()
 {
     QFETCH(QString, page);
     open(page);
@@ -175,5 +175,5 @@ void EscapeTest::inTheFolderChooser()
     releaseOver(page);
 }
 
-QTEST_MAIN(EscapeTest)
+QTEST_MAIN(TestEscape)
 #include "tst_escape.moc"

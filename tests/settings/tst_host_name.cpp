@@ -6,7 +6,7 @@
 using zelvaro::folderOfHost;
 using zelvaro::loginInHostName;
 
-class TstHostName : public QObject
+class TestHostName : public QObject
 {
     Q_OBJECT
 
@@ -20,7 +20,7 @@ private slots:
     void differentHostsHaveDifferentFolders();
 };
 
-void TstHostName::loginIsTakenOut_data()
+void TestHostName::loginIsTakenOut_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("hostname");
@@ -46,7 +46,7 @@ void TstHostName::loginIsTakenOut_data()
     row("root:pass@cam.lan:8554", "cam.lan:8554", "root", "pass");
 }
 
-void TstHostName::loginIsTakenOut()
+void TestHostName::loginIsTakenOut()
 {
     QFETCH(QString, typed);
     QFETCH(QString, hostname);
@@ -58,7 +58,7 @@ void TstHostName::loginIsTakenOut()
     QCOMPARE(zelvaro::withoutLogin(typed), hostname);
 }
 
-void TstHostName::hasNoLogin_data()
+void TestHostName::hasNoLogin_data()
 {
     QTest::addColumn<QString>("hostname");
     for (const char *text :
@@ -68,14 +68,14 @@ void TstHostName::hasNoLogin_data()
         QTest::newRow(text) << text;
 }
 
-void TstHostName::hasNoLogin()
+void TestHostName::hasNoLogin()
 {
     QFETCH(QString, hostname);
     QVERIFY(!loginInHostName(hostname));
     QCOMPARE(zelvaro::withoutLogin(hostname), hostname);
 }
 
-void TstHostName::folderNames_data()
+void TestHostName::folderNames_data()
 {
     QTest::addColumn<QString>("hostname");
     QTest::addColumn<QString>("folder");
@@ -105,13 +105,13 @@ void TstHostName::folderNames_data()
     row("", "");
 }
 
-void TstHostName::folderNames()
+void TestHostName::folderNames()
 {
     QFETCH(QString, hostname);
     QTEST(folderOfHost(hostname), "folder");
 }
 
-void TstHostName::differentHostsHaveDifferentFolders()
+void TestHostName::differentHostsHaveDifferentFolders()
 {
     const QStringList hosts{"a:b", "a%3Ab", "a%253Ab", "a_b", "a?b", "a b", "ab", "ab ", "ab%20"};
     QSet<QString> folders;
@@ -120,5 +120,5 @@ void TstHostName::differentHostsHaveDifferentFolders()
     QCOMPARE(folders.size(), hosts.size());
 }
 
-QTEST_GUILESS_MAIN(TstHostName)
+QTEST_GUILESS_MAIN(TestHostName)
 #include "tst_host_name.moc"

@@ -2,7 +2,7 @@
 
 #include <QtTest>
 
-class tst_AlbumFiles : public QObject
+class TestAlbumFiles : public QObject
 {
     Q_OBJECT
 
@@ -19,7 +19,7 @@ namespace {
 const QDateTime moment(QDate(2024, 3, 5), QTime(7, 8, 9));
 }
 
-void tst_AlbumFiles::namesOfARecording()
+void TestAlbumFiles::namesOfARecording()
 {
     const QString base = zelvaro::recordingBase(QStringLiteral("/album/H"), moment);
     QCOMPARE(base, QStringLiteral("/album/H/20240305_070809"));
@@ -28,13 +28,13 @@ void tst_AlbumFiles::namesOfARecording()
              QStringLiteral("/album/H/20240305_070809.mp4.jpeg"));
 }
 
-void tst_AlbumFiles::nameOfAPhoto()
+void TestAlbumFiles::nameOfAPhoto()
 {
     QCOMPARE(zelvaro::photoFile(QStringLiteral("/album/H"), moment),
              QStringLiteral("/album/H/20240305_070809.jpg"));
 }
 
-void tst_AlbumFiles::stampsHaveLeadingZerosInAnyLocale()
+void TestAlbumFiles::stampsHaveLeadingZerosInAnyLocale()
 {
     QLocale::setDefault(QLocale(QLocale::Arabic, QLocale::Egypt));
     QCOMPARE(zelvaro::timeStamp(QDateTime(QDate(987, 1, 2), QTime(0, 0, 0))),
@@ -44,13 +44,13 @@ void tst_AlbumFiles::stampsHaveLeadingZerosInAnyLocale()
     QLocale::setDefault(QLocale::c());
 }
 
-void tst_AlbumFiles::twoOfTheSameSecondHaveTheSameName()
+void TestAlbumFiles::twoOfTheSameSecondHaveTheSameName()
 {
     QCOMPARE(zelvaro::timeStamp(moment.addMSecs(999)), zelvaro::timeStamp(moment));
     QVERIFY(zelvaro::timeStamp(moment.addMSecs(1000)) != zelvaro::timeStamp(moment));
 }
 
-void tst_AlbumFiles::aMissingFolderIsMadeWithItsParents()
+void TestAlbumFiles::aMissingFolderIsMadeWithItsParents()
 {
     QTemporaryDir root;
     const QString folder = root.path() + QStringLiteral("/a/b/c d");
@@ -60,7 +60,7 @@ void tst_AlbumFiles::aMissingFolderIsMadeWithItsParents()
     QVERIFY(QFileInfo(folder).isDir());
 }
 
-void tst_AlbumFiles::theFiltersFindPhotosAndClipsOnly()
+void TestAlbumFiles::theFiltersFindPhotosAndClipsOnly()
 {
     QTemporaryDir root;
     const QString base = zelvaro::recordingBase(root.path(), moment);
@@ -79,5 +79,5 @@ void tst_AlbumFiles::theFiltersFindPhotosAndClipsOnly()
              QStringList{QStringLiteral("20240305_070809.mp4")});
 }
 
-QTEST_GUILESS_MAIN(tst_AlbumFiles)
+QTEST_GUILESS_MAIN(TestAlbumFiles)
 #include "tst_album_files.moc"

@@ -18,7 +18,7 @@ signals:
 } // namespace
 
 /// Waiting for a signal behind a modal dialog that nothing else closes.
-class TstBusyDialog : public QObject
+class TestBusyDialog : public QObject
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ private slots:
     void staysAwayAfterTheWait();
 };
 
-void TstBusyDialog::showsABusyIndicatorWithoutAButton()
+void TestBusyDialog::showsABusyIndicatorWithoutAButton()
 {
     const zelvaro::BusyDialog dialog("Please wait...", nullptr);
     QCOMPARE(dialog.labelText(), QString("Please wait..."));
@@ -43,7 +43,7 @@ void TstBusyDialog::showsABusyIndicatorWithoutAButton()
     QVERIFY(!dialog.findChild<QPushButton *>());
 }
 
-void TstBusyDialog::onlyTheSignalEndsTheWait()
+void TestBusyDialog::onlyTheSignalEndsTheWait()
 {
     Job job;
     bool survived = false;
@@ -64,7 +64,7 @@ void TstBusyDialog::onlyTheSignalEndsTheWait()
     QVERIFY(!QApplication::activeModalWidget());
 }
 
-void TstBusyDialog::signalThatIsQueuedAtOnceEndsTheWait()
+void TestBusyDialog::signalThatIsQueuedAtOnceEndsTheWait()
 {
     Job job;
     QVERIFY(zelvaro::runBusy(nullptr, "wait", &job, &Job::finished, [&] {
@@ -72,13 +72,13 @@ void TstBusyDialog::signalThatIsQueuedAtOnceEndsTheWait()
     }));
 }
 
-void TstBusyDialog::jobThatDoesNotStartIsNotWaitedFor()
+void TestBusyDialog::jobThatDoesNotStartIsNotWaitedFor()
 {
     Job job;
     QVERIFY(!zelvaro::runBusy(nullptr, "wait", &job, &Job::finished, [] { return false; }));
 }
 
-void TstBusyDialog::jobThatIsDestroyedEndsTheWait()
+void TestBusyDialog::jobThatIsDestroyedEndsTheWait()
 {
     auto *const job = new Job;
     QVERIFY(zelvaro::runBusy(nullptr, "wait", job, &Job::finished, [&] {
@@ -87,7 +87,7 @@ void TstBusyDialog::jobThatIsDestroyedEndsTheWait()
     }));
 }
 
-void TstBusyDialog::parentThatIsDestroyedEndsTheWait()
+void TestBusyDialog::parentThatIsDestroyedEndsTheWait()
 {
     Job job;
     auto *const parent = new QWidget;
@@ -97,7 +97,7 @@ void TstBusyDialog::parentThatIsDestroyedEndsTheWait()
     }));
 }
 
-void TstBusyDialog::staysAwayAfterTheWait()
+void TestBusyDialog::staysAwayAfterTheWait()
 {
     Job job;
     for (int i = 0; i < 3; ++i) {
@@ -109,5 +109,5 @@ void TstBusyDialog::staysAwayAfterTheWait()
         QVERIFY(!window->isVisible());
 }
 
-QTEST_MAIN(TstBusyDialog)
+QTEST_MAIN(TestBusyDialog)
 #include "tst_busy_dialog.moc"

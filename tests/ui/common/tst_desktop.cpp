@@ -22,7 +22,7 @@ public:
 
 } // namespace
 
-class DesktopTest : public QObject
+class TestDesktop : public QObject
 {
     Q_OBJECT
 
@@ -37,7 +37,7 @@ private:
     QTemporaryDir m_home;
 };
 
-void DesktopTest::aTestMayPutItsOwnInThePlace()
+void TestDesktop::aTestMayPutItsOwnInThePlace()
 {
     Desktop *system = &desktop();
     SilentDesktop silent;
@@ -48,14 +48,14 @@ void DesktopTest::aTestMayPutItsOwnInThePlace()
     QCOMPARE(&desktop(), system);
 }
 
-void DesktopTest::aMissingSoundIsPassedOver()
+void TestDesktop::aMissingSoundIsPassedOver()
 {
     desktop().playSound(m_home.filePath("none.wav"));
     desktop().playSound(m_home.path());
     desktop().playSound(QString());
 }
 
-void DesktopTest::theChooserStartsAtTheFolderAndReturnsIt()
+void TestDesktop::theChooserStartsAtTheFolderAndReturnsIt()
 {
     const QString folder = m_home.filePath("My Album");
     QVERIFY(QDir().mkpath(folder));
@@ -73,7 +73,7 @@ void DesktopTest::theChooserStartsAtTheFolderAndReturnsIt()
     QVERIFY(script.done());
 }
 
-void DesktopTest::aCancelledChooserReturnsNothing()
+void TestDesktop::aCancelledChooserReturnsNothing()
 {
     ModalScript script;
     script.then([](QWidget *chooser) { QTest::keyClick(chooser, Qt::Key_Escape); });
@@ -81,10 +81,10 @@ void DesktopTest::aCancelledChooserReturnsNothing()
     QVERIFY(script.done());
 }
 
-void DesktopTest::thereIsNoPageHostBeforeTheMainWindow()
+void TestDesktop::thereIsNoPageHostBeforeTheMainWindow()
 {
     QVERIFY(!pageHost());
 }
 
-QTEST_MAIN(DesktopTest)
+QTEST_MAIN(TestDesktop)
 #include "tst_desktop.moc"

@@ -8,7 +8,7 @@
 
 using zelvaro::ElidedLabel;
 
-class tst_ElidedLabel : public QObject
+class TestElidedLabel : public QObject
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ QImage drawn(QLabel &label, const QString &text, int width)
 
 } // namespace
 
-void tst_ElidedLabel::theTextStaysWhole()
+void TestElidedLabel::theTextStaysWhole()
 {
     ElidedLabel label;
     label.resize(10, 20);
@@ -41,7 +41,7 @@ void tst_ElidedLabel::theTextStaysWhole()
     QCOMPARE(label.text(), QStringLiteral("1280x720(74%)  25FPS 1.06Mbps"));
 }
 
-void tst_ElidedLabel::asksForNoRoom()
+void TestElidedLabel::asksForNoRoom()
 {
     ElidedLabel label;
     label.setText(QString(500, QLatin1Char('W')));
@@ -50,7 +50,7 @@ void tst_ElidedLabel::asksForNoRoom()
     QCOMPARE(label.sizePolicy().horizontalPolicy(), QSizePolicy::Ignored);
 }
 
-void tst_ElidedLabel::drawsTheWholeTextWhereItFits()
+void TestElidedLabel::drawsTheWholeTextWhereItFits()
 {
     ElidedLabel elided;
     QLabel plain;
@@ -58,7 +58,7 @@ void tst_ElidedLabel::drawsTheWholeTextWhereItFits()
              drawn(plain, QStringLiteral("Camera 1"), 300));
 }
 
-void tst_ElidedLabel::drawsAnEllipsisWhereItDoesNot()
+void TestElidedLabel::drawsAnEllipsisWhereItDoesNot()
 {
     ElidedLabel elided;
     QLabel plain;
@@ -68,7 +68,7 @@ void tst_ElidedLabel::drawsAnEllipsisWhereItDoesNot()
     QCOMPARE(drawn(elided, text, 80), drawn(plain, cut, 80));
 }
 
-void tst_ElidedLabel::markupIsText()
+void TestElidedLabel::markupIsText()
 {
     ElidedLabel elided;
     QLabel plain;
@@ -77,7 +77,7 @@ void tst_ElidedLabel::markupIsText()
              drawn(plain, QStringLiteral("<b>x</b>"), 200));
 }
 
-void tst_ElidedLabel::tellsTheWholeTextWhereItDoesNotFit()
+void TestElidedLabel::tellsTheWholeTextWhereItDoesNotFit()
 {
     const auto tipAt = [](ElidedLabel &label) {
         QToolTip::hideText(); // which takes a moment
@@ -100,5 +100,5 @@ void tst_ElidedLabel::tellsTheWholeTextWhereItDoesNotFit()
     QCOMPARE(tipAt(label), QStringLiteral("another"));
 }
 
-QTEST_MAIN(tst_ElidedLabel)
+QTEST_MAIN(TestElidedLabel)
 #include "tst_elided_label.moc"

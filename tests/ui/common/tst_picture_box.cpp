@@ -10,7 +10,7 @@ namespace {
 constexpr int deadline = 20000;
 }
 
-class tst_PictureBox : public QObject
+class TestPictureBox : public QObject
 {
     Q_OBJECT
 
@@ -30,7 +30,7 @@ private:
     std::unique_ptr<PictureBox> m_box;
 };
 
-void tst_PictureBox::init()
+void TestPictureBox::init()
 {
     m_box.reset();
     m_area = std::make_unique<QWidget>();
@@ -46,7 +46,7 @@ void tst_PictureBox::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_area.get()));
 }
 
-void tst_PictureBox::theBoxStandsWhereThePictureWasLaidOut()
+void TestPictureBox::theBoxStandsWhereThePictureWasLaidOut()
 {
     m_box->calculate({640, 360});
     m_box->position();
@@ -55,7 +55,7 @@ void tst_PictureBox::theBoxStandsWhereThePictureWasLaidOut()
     QCOMPARE(m_surface->size(), QSize(640, 360));
 }
 
-void tst_PictureBox::fullScreenTakesTheSurfaceOutOfThePageAndBack()
+void TestPictureBox::fullScreenTakesTheSurfaceOutOfThePageAndBack()
 {
     m_box->calculate({640, 360});
     m_box->position();
@@ -75,7 +75,7 @@ void tst_PictureBox::fullScreenTakesTheSurfaceOutOfThePageAndBack()
     QTRY_COMPARE_WITH_TIMEOUT(m_surface->geometry(), QRect(6, 5, 640, 360), deadline);
 }
 
-void tst_PictureBox::enteringTwiceIsEnteringOnce()
+void TestPictureBox::enteringTwiceIsEnteringOnce()
 {
     m_box->calculate({640, 360});
     m_box->enterFullScreen();
@@ -90,7 +90,7 @@ void tst_PictureBox::enteringTwiceIsEnteringOnce()
     QVERIFY(!m_surface->isWindow());
 }
 
-void tst_PictureBox::movingTheBoxKeepsTheKeyboardFocusOfTheSurface()
+void TestPictureBox::movingTheBoxKeepsTheKeyboardFocusOfTheSurface()
 {
     auto *other = new QWidget(m_area.get());
     other->setFocusPolicy(Qt::StrongFocus);
@@ -109,7 +109,7 @@ void tst_PictureBox::movingTheBoxKeepsTheKeyboardFocusOfTheSurface()
     QVERIFY(other->hasFocus());
 }
 
-void tst_PictureBox::closingTheFullScreenWindowBringsThePictureBack()
+void TestPictureBox::closingTheFullScreenWindowBringsThePictureBack()
 {
     m_box->calculate({640, 360});
     m_box->position();
@@ -121,7 +121,7 @@ void tst_PictureBox::closingTheFullScreenWindowBringsThePictureBack()
     QVERIFY(m_surface->isVisible());
 }
 
-void tst_PictureBox::zoomStepsUseTheFittedZoom()
+void TestPictureBox::zoomStepsUseTheFittedZoom()
 {
     m_box->calculate({1920, 1080});
     QCOMPARE(m_box->zoom(), 50);
@@ -138,5 +138,5 @@ void tst_PictureBox::zoomStepsUseTheFittedZoom()
     QCOMPARE(m_box->zoom(), 100);
 }
 
-QTEST_MAIN(tst_PictureBox)
+QTEST_MAIN(TestPictureBox)
 #include "tst_picture_box.moc"

@@ -11,7 +11,7 @@ constexpr int deadline = 30000;
 }
 
 /// With a native window for each widget on a real display, as the program runs.
-class tst_PictureBoxNative : public QObject
+class TestPictureBoxNative : public QObject
 {
     Q_OBJECT
 
@@ -52,7 +52,7 @@ struct Page
 
 } // namespace
 
-void tst_PictureBoxNative::thePictureComesBackToThePageInItsOwnWindow()
+void TestPictureBoxNative::thePictureComesBackToThePageInItsOwnWindow()
 {
     Page page;
     page.area.show();
@@ -78,7 +78,7 @@ void tst_PictureBoxNative::thePictureComesBackToThePageInItsOwnWindow()
     }
 }
 
-void tst_PictureBoxNative::aHiddenChildStaysHidden()
+void TestPictureBoxNative::aHiddenChildStaysHidden()
 {
     Page page;
     page.picture->hide();
@@ -97,7 +97,7 @@ int main(int argc, char **argv)
 {
     QCoreApplication::setAttribute(Qt::AA_NativeWindows);
     QApplication app(argc, argv);
-    tst_PictureBoxNative test;
+    TestPictureBoxNative test;
     return QTest::qExec(&test, argc, argv);
 }
 

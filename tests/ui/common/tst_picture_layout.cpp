@@ -81,7 +81,7 @@ QRect corners(int left, int top, int right, int bottom)
 
 } // namespace
 
-class tst_PictureLayout : public QObject
+class TestPictureLayout : public QObject
 {
     Q_OBJECT
 
@@ -101,7 +101,7 @@ private slots:
     void absurdSizesNeitherOverflowNorCrash();
 };
 
-void tst_PictureLayout::zoomListWalk()
+void TestPictureLayout::zoomListWalk()
 {
     QList<int> up;
     for (int zoom = 100; up.size() < 6;)
@@ -119,7 +119,7 @@ void tst_PictureLayout::zoomListWalk()
     QCOMPARE(zoomedIn(10), 20);
 }
 
-void tst_PictureLayout::zoomsBetweenStepsSnapInTheDirectionOfTheStep()
+void TestPictureLayout::zoomsBetweenStepsSnapInTheDirectionOfTheStep()
 {
     QCOMPARE(zoomedIn(130), 150);
     QCOMPARE(zoomedOut(130), 125);
@@ -132,7 +132,7 @@ void tst_PictureLayout::zoomsBetweenStepsSnapInTheDirectionOfTheStep()
     QCOMPARE(zoomedOut(-7), -7);
 }
 
-void tst_PictureLayout::everyZoomAgreesWithCounting()
+void TestPictureLayout::everyZoomAgreesWithCounting()
 {
     for (int zoom = -5; zoom <= 1000; ++zoom) {
         QCOMPARE(zoomedIn(zoom), nextUp(zoom));
@@ -140,7 +140,7 @@ void tst_PictureLayout::everyZoomAgreesWithCounting()
     }
 }
 
-void tst_PictureLayout::fullHdInAnAreaOf1000x700()
+void TestPictureLayout::fullHdInAnAreaOf1000x700()
 {
     const PictureLayout layout = layoutPicture({1000, 700}, {1920, 1080}, 100);
     QCOMPARE(layout.clientRect, corners(15, 15, 984, 666));
@@ -153,7 +153,7 @@ void tst_PictureLayout::fullHdInAnAreaOf1000x700()
     QCOMPARE(layout.areaRatio, 970.0 / 652.0);
 }
 
-void tst_PictureLayout::aTinyStreamIsShownOneStepLarger()
+void TestPictureLayout::aTinyStreamIsShownOneStepLarger()
 {
     const PictureLayout layout = layoutPicture({1000, 700}, {64, 48}, 100);
     QCOMPARE(layout.zoom, 125);
@@ -172,7 +172,7 @@ void tst_PictureLayout::aTinyStreamIsShownOneStepLarger()
     QCOMPARE(layoutPicture({1000, 700}, {1, 1}, 800).zoom, 800);
 }
 
-void tst_PictureLayout::aPictureOfExactlyTheBoxFits()
+void TestPictureLayout::aPictureOfExactlyTheBoxFits()
 {
     const PictureLayout exact = layoutPicture({670, 408}, {640, 360}, 100);
     QCOMPARE(exact.zoom, 100);
@@ -185,13 +185,13 @@ void tst_PictureLayout::aPictureOfExactlyTheBoxFits()
     QCOMPARE(narrower.videoRect.size(), QSize(639, 359));
 }
 
-void tst_PictureLayout::anOddRemainderGoesRightAndBelow()
+void TestPictureLayout::anOddRemainderGoesRightAndBelow()
 {
     const PictureLayout layout = layoutPicture({30 + 305, 48 + 207}, {300, 200}, 100);
     QCOMPARE(layout.videoRect, corners(17, 18, 316, 217));
 }
 
-void tst_PictureLayout::aTallPictureIsFittedByHeight()
+void TestPictureLayout::aTallPictureIsFittedByHeight()
 {
     const PictureLayout layout = layoutPicture({1000, 700}, {1080, 1920}, 100);
     QCOMPARE(layout.videoRect.size(), QSize(366, 652));
@@ -199,7 +199,7 @@ void tst_PictureLayout::aTallPictureIsFittedByHeight()
     QCOMPARE(layout.zoom, 33);
 }
 
-void tst_PictureLayout::withoutAPictureTheWholeBoxIsItsPlace_data()
+void TestPictureLayout::withoutAPictureTheWholeBoxIsItsPlace_data()
 {
     QTest::addColumn<QSize>("picture");
     QTest::newRow("none") << QSize();
@@ -208,7 +208,7 @@ void tst_PictureLayout::withoutAPictureTheWholeBoxIsItsPlace_data()
     QTest::newRow("negative") << QSize(-640, -480);
 }
 
-void tst_PictureLayout::withoutAPictureTheWholeBoxIsItsPlace()
+void TestPictureLayout::withoutAPictureTheWholeBoxIsItsPlace()
 {
     QFETCH(QSize, picture);
     const PictureLayout layout = layoutPicture({800, 600}, picture, 75);
@@ -219,14 +219,14 @@ void tst_PictureLayout::withoutAPictureTheWholeBoxIsItsPlace()
     QCOMPARE(layout.frameRect, corners(9, 10, 791, 592));
 }
 
-void tst_PictureLayout::theFrameSurroundsThePicture()
+void TestPictureLayout::theFrameSurroundsThePicture()
 {
     const PictureLayout layout = layoutPicture({1000, 700}, {640, 360}, 100);
     QCOMPARE(layout.videoRect, corners(180, 161, 819, 520));
     QCOMPARE(layout.frameRect, corners(174, 156, 826, 546));
 }
 
-void tst_PictureLayout::randomAreasAndStreamsAgreeWithASlowFormulation()
+void TestPictureLayout::randomAreasAndStreamsAgreeWithASlowFormulation()
 {
     std::mt19937 random(20240305);
     const auto between = [&random](int low, int high) {
@@ -260,7 +260,7 @@ void tst_PictureLayout::randomAreasAndStreamsAgreeWithASlowFormulation()
     }
 }
 
-void tst_PictureLayout::absurdSizesNeitherOverflowNorCrash()
+void TestPictureLayout::absurdSizesNeitherOverflowNorCrash()
 {
     constexpr int huge = std::numeric_limits<int>::max();
     const QList<int> sides{0, 1, 7, 29, 30, 31, 47, 48, 49, 16777215};
@@ -282,5 +282,5 @@ void tst_PictureLayout::absurdSizesNeitherOverflowNorCrash()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_PictureLayout)
+QTEST_GUILESS_MAIN(TestPictureLayout)
 #include "tst_picture_layout.moc"

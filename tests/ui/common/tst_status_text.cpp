@@ -4,7 +4,7 @@
 
 #include <limits>
 
-class tst_StatusText : public QObject
+class TestStatusText : public QObject
 {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ private slots:
     void aPictureWithoutWidthHasNoScale();
 };
 
-void tst_StatusText::rates_data()
+void TestStatusText::rates_data()
 {
     QTest::addColumn<int>("bitRate");
     QTest::addColumn<QString>("text");
@@ -32,31 +32,31 @@ void tst_StatusText::rates_data()
     QTest::newRow("nonsense") << -5 << "25FPS -5bps";
 }
 
-void tst_StatusText::rates()
+void TestStatusText::rates()
 {
     QFETCH(int, bitRate);
     QFETCH(QString, text);
     QCOMPARE(zelvaro::rateText(25, bitRate), text);
 }
 
-void tst_StatusText::sizes()
+void TestStatusText::sizes()
 {
     QCOMPARE(zelvaro::sizeText({640, 360}), QStringLiteral("640x360"));
     QCOMPARE(zelvaro::scaledSizeText({1280, 720}, 1280), QStringLiteral("1280x720(100%)"));
 }
 
-void tst_StatusText::theScaleIsWhatIsShownAndNotRounded()
+void TestStatusText::theScaleIsWhatIsShownAndNotRounded()
 {
     QCOMPARE(zelvaro::scaledSizeText({1920, 1080}, 970), QStringLiteral("1920x1080(50%)"));
     QCOMPARE(zelvaro::scaledSizeText({3, 3}, 2), QStringLiteral("3x3(66%)"));
     QCOMPARE(zelvaro::scaledSizeText({100, 100}, 50000000), QStringLiteral("100x100(50000000%)"));
 }
 
-void tst_StatusText::aPictureWithoutWidthHasNoScale()
+void TestStatusText::aPictureWithoutWidthHasNoScale()
 {
     QCOMPARE(zelvaro::scaledSizeText({0, 0}, 970), QStringLiteral("0x0(0%)"));
     QCOMPARE(zelvaro::scaledSizeText({-1, -1}, 970), QStringLiteral("-1x-1(0%)"));
 }
 
-QTEST_GUILESS_MAIN(tst_StatusText)
+QTEST_GUILESS_MAIN(TestStatusText)
 #include "tst_status_text.moc"

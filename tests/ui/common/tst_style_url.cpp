@@ -3,7 +3,7 @@
 #include <QFrame>
 #include <QtTest>
 
-class tst_StyleUrl : public QObject
+class TestStyleUrl : public QObject
 {
     Q_OBJECT
 
@@ -18,12 +18,12 @@ private:
     QTemporaryDir m_root;
 };
 
-void tst_StyleUrl::initTestCase()
+void TestStyleUrl::initTestCase()
 {
     QVERIFY(m_root.isValid());
 }
 
-void tst_StyleUrl::plainPathsStayBare_data()
+void TestStyleUrl::plainPathsStayBare_data()
 {
     QTest::addColumn<QString>("path");
     QTest::newRow("resource") << ":/images/cameraitem/novideo.png";
@@ -33,13 +33,13 @@ void tst_StyleUrl::plainPathsStayBare_data()
     QTest::newRow("empty") << "";
 }
 
-void tst_StyleUrl::plainPathsStayBare()
+void TestStyleUrl::plainPathsStayBare()
 {
     QFETCH(QString, path);
     QCOMPARE(zelvaro::styleUrl(path), path);
 }
 
-void tst_StyleUrl::aPictureInAFolderOfAnyNameIsShown_data()
+void TestStyleUrl::aPictureInAFolderOfAnyNameIsShown_data()
 {
     QTest::addColumn<QString>("name");
     for (int code = 1; code < 256; ++code)
@@ -62,7 +62,7 @@ void tst_StyleUrl::aPictureInAFolderOfAnyNameIsShown_data()
     QTest::newRow("IPv6") << "[fe80::1]";
 }
 
-void tst_StyleUrl::aPictureInAFolderOfAnyNameIsShown()
+void TestStyleUrl::aPictureInAFolderOfAnyNameIsShown()
 {
     QFETCH(QString, name);
     const QString folder = m_root.path() + QLatin1String("/x") + name + QLatin1Char('y');
@@ -83,5 +83,5 @@ void tst_StyleUrl::aPictureInAFolderOfAnyNameIsShown()
     QCOMPARE(shown.pixelColor(20, 20), QColor(Qt::red));
 }
 
-QTEST_MAIN(tst_StyleUrl)
+QTEST_MAIN(TestStyleUrl)
 #include "tst_style_url.moc"

@@ -3,7 +3,7 @@
 #include <QGridLayout>
 #include <QtTest>
 
-class tst_TileGrid : public QObject
+class TestTileGrid : public QObject
 {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ private:
     std::unique_ptr<zelvaro::TileGrid> m_grid;
 };
 
-void tst_TileGrid::init()
+void TestTileGrid::init()
 {
     m_page = std::make_unique<QWidget>();
     m_layout = new QGridLayout(m_page.get());
@@ -37,7 +37,7 @@ void tst_TileGrid::init()
     m_grid = std::make_unique<zelvaro::TileGrid>(m_layout);
 }
 
-QWidgetList tst_TileGrid::makeTiles(int count)
+QWidgetList TestTileGrid::makeTiles(int count)
 {
     QWidgetList tiles;
     for (int i = 0; i < count; ++i) {
@@ -47,7 +47,7 @@ QWidgetList tst_TileGrid::makeTiles(int count)
     return tiles;
 }
 
-QPoint tst_TileGrid::cellOf(QWidget *tile) const
+QPoint TestTileGrid::cellOf(QWidget *tile) const
 {
     const int index = m_layout->indexOf(tile);
     if (index < 0)
@@ -57,7 +57,7 @@ QPoint tst_TileGrid::cellOf(QWidget *tile) const
     return {column, row};
 }
 
-void tst_TileGrid::tilesGoRowByRow()
+void TestTileGrid::tilesGoRowByRow()
 {
     const QWidgetList tiles = makeTiles(9);
     m_grid->place(tiles, 4);
@@ -69,7 +69,7 @@ void tst_TileGrid::tilesGoRowByRow()
     QCOMPARE(m_grid->placed().size(), 9);
 }
 
-void tst_TileGrid::theColumnAndTheRowBehindTheTilesTakeTheSlack()
+void TestTileGrid::theColumnAndTheRowBehindTheTilesTakeTheSlack()
 {
     m_grid->place(makeTiles(9), 4);
     QCOMPARE(m_layout->columnStretch(4), 10);
@@ -80,7 +80,7 @@ void tst_TileGrid::theColumnAndTheRowBehindTheTilesTakeTheSlack()
         QCOMPARE(m_layout->rowStretch(i), 0);
 }
 
-void tst_TileGrid::trailingWidgetsDoNotCountForTheSlackRow()
+void TestTileGrid::trailingWidgetsDoNotCountForTheSlackRow()
 {
     // Seven cameras and an add button in four columns: the button ends row 1, row 2 has the slack.
     m_grid->place(makeTiles(8), 4, 1);
@@ -91,7 +91,7 @@ void tst_TileGrid::trailingWidgetsDoNotCountForTheSlackRow()
     QCOMPARE(m_layout->rowStretch(3), 10);
 }
 
-void tst_TileGrid::fewerColumnsThanOneAreOne()
+void TestTileGrid::fewerColumnsThanOneAreOne()
 {
     const QWidgetList tiles = makeTiles(2);
     m_grid->place(tiles, 0);
@@ -101,7 +101,7 @@ void tst_TileGrid::fewerColumnsThanOneAreOne()
     QCOMPARE(m_layout->columnStretch(1), 10);
 }
 
-void tst_TileGrid::placingAgainGivesBackTheOldSlack()
+void TestTileGrid::placingAgainGivesBackTheOldSlack()
 {
     const QWidgetList tiles = makeTiles(6);
     m_grid->place(tiles, 2);
@@ -114,7 +114,7 @@ void tst_TileGrid::placingAgainGivesBackTheOldSlack()
     QCOMPARE(m_layout->rowStretch(2), 10);
 }
 
-void tst_TileGrid::takingOutDeletesNothing()
+void TestTileGrid::takingOutDeletesNothing()
 {
     const QWidgetList tiles = makeTiles(3);
     m_grid->place(tiles, 2);
@@ -126,7 +126,7 @@ void tst_TileGrid::takingOutDeletesNothing()
     QCOMPARE(m_layout->columnStretch(2), 0);
 }
 
-void tst_TileGrid::aTileDeletedInTheGridIsPassedOver()
+void TestTileGrid::aTileDeletedInTheGridIsPassedOver()
 {
     QWidgetList tiles = makeTiles(3);
     m_grid->place(tiles, 2);
@@ -136,7 +136,7 @@ void tst_TileGrid::aTileDeletedInTheGridIsPassedOver()
     QCOMPARE(cellOf(tiles.at(1)), QPoint(1, 0));
 }
 
-void tst_TileGrid::anEmptyGridHasItsSlackToo()
+void TestTileGrid::anEmptyGridHasItsSlackToo()
 {
     m_grid->place({}, 4);
     QCOMPARE(m_layout->count(), 0);
@@ -144,7 +144,7 @@ void tst_TileGrid::anEmptyGridHasItsSlackToo()
     QCOMPARE(m_layout->rowStretch(1), 10);
 }
 
-void tst_TileGrid::tilesArePackedAtTheTopLeft()
+void TestTileGrid::tilesArePackedAtTheTopLeft()
 {
     const QWidgetList tiles = makeTiles(5);
     m_grid->place(tiles, 3);
@@ -156,5 +156,5 @@ void tst_TileGrid::tilesArePackedAtTheTopLeft()
     QCOMPARE(tiles.at(3)->pos(), QPoint(0, 50));
 }
 
-QTEST_MAIN(tst_TileGrid)
+QTEST_MAIN(TestTileGrid)
 #include "tst_tile_grid.moc"

@@ -7,7 +7,7 @@
 #include <QTextDocument>
 #include <QtTest>
 
-class TstToolTip : public QObject
+class TestToolTip : public QObject
 {
     Q_OBJECT
 
@@ -48,7 +48,7 @@ QSize tipSize(const QString &tip)
 
 } // namespace
 
-void TstToolTip::showsTheTextItself_data()
+void TestToolTip::showsTheTextItself_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("plain") << QStringLiteral("Front door");
@@ -65,7 +65,7 @@ void TstToolTip::showsTheTextItself_data()
     QTest::newRow("other scripts") << QString::fromUtf8("Tür – 玄関");
 }
 
-void TstToolTip::showsTheTextItself()
+void TestToolTip::showsTheTextItself()
 {
     QFETCH(QString, text);
     const QString tip = zelvaro::plainToolTip(text);
@@ -73,7 +73,7 @@ void TstToolTip::showsTheTextItself()
     QCOMPARE(shownByToolTip(tip), text);
 }
 
-void TstToolTip::loadsNoPictures()
+void TestToolTip::loadsNoPictures()
 {
     const auto loadedBy = [](const QString &tip) {
         WatchedDocument document;
@@ -88,22 +88,22 @@ void TstToolTip::loadsNoPictures()
     QCOMPARE(loadedBy(zelvaro::plainToolTip(text)), QStringList());
 }
 
-void TstToolTip::aShortTextStaysInOneLine()
+void TestToolTip::aShortTextStaysInOneLine()
 {
     const QString text = QStringLiteral("1280x720(74%)  25FPS 1.06Mbps");
     QVERIFY(tipSize(zelvaro::plainToolTip(text)).height() < 2 * tipSize(text).height());
 }
 
-void TstToolTip::aLongTextIsWrapped()
+void TestToolTip::aLongTextIsWrapped()
 {
     const QString text = QStringLiteral("a name with blanks ").repeated(20);
     QVERIFY(tipSize(zelvaro::plainToolTip(text)).width() < tipSize(text).width() / 2);
 }
 
-void TstToolTip::anEmptyTextIsNoTip()
+void TestToolTip::anEmptyTextIsNoTip()
 {
     QCOMPARE(zelvaro::plainToolTip(QString()), QString());
 }
 
-QTEST_MAIN(TstToolTip)
+QTEST_MAIN(TestToolTip)
 #include "tst_tool_tip.moc"

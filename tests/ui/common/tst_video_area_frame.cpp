@@ -2,7 +2,7 @@
 
 #include <QtTest>
 
-class tst_VideoAreaFrame : public QObject
+class TestVideoAreaFrame : public QObject
 {
     Q_OBJECT
 
@@ -10,7 +10,7 @@ private slots:
     void everyResizeIsReported();
 };
 
-void tst_VideoAreaFrame::everyResizeIsReported()
+void TestVideoAreaFrame::everyResizeIsReported()
 {
     CVideoAreaFrame area;
     area.resize(300, 200);
@@ -27,5 +27,5 @@ void tst_VideoAreaFrame::everyResizeIsReported()
     QCOMPARE(resized.count(), 2);
 }
 
-QTEST_MAIN(tst_VideoAreaFrame)
+QTEST_MAIN(TestVideoAreaFrame)
 #include "tst_video_area_frame.moc"

@@ -14,7 +14,7 @@ constexpr int deadline = LiveFixture::deadline;
 
 /// What the single view and a tile of the grid make of the session's reports: when they ask for
 /// one, and what they tell about a recording that is not written.
-class LiveReportsTest : public QObject
+class TestLiveReports : public QObject
 {
     Q_OBJECT
 
@@ -74,25 +74,25 @@ private:
     std::unique_ptr<CMultiLiveItemForm> m_tile;
 };
 
-void LiveReportsTest::init()
+void TestLiveReports::init()
 {
     m_live = std::make_unique<LiveFixture>();
     m_live->addCameras({QStringLiteral("H")});
 }
 
-void LiveReportsTest::cleanup()
+void TestLiveReports::cleanup()
 {
     m_form.reset();
     m_tile.reset();
     m_live.reset();
 }
 
-QWidget *LiveReportsTest::view() const
+QWidget *TestLiveReports::view() const
 {
     return m_single ? static_cast<QWidget *>(m_form.get()) : m_tile.get();
 }
 
-void LiveReportsTest::start()
+void TestLiveReports::start()
 {
     if (!m_form && !m_tile) {
         m_single = qstrcmp(QTest::currentDataTag(), "tile") != 0;
@@ -113,7 +113,7 @@ void LiveReportsTest::start()
     }
 }
 
-void LiveReportsTest::stop()
+void TestLiveReports::stop()
 {
     if (m_single)
         m_form->StopPlay();
@@ -121,7 +121,7 @@ void LiveReportsTest::stop()
         m_tile->stop();
 }
 
-void LiveReportsTest::setRecording(bool recording)
+void TestLiveReports::setRecording(bool recording)
 {
     if (m_single)
         QTest::mouseClick(child<QWidget>("btnRecord"), Qt::LeftButton);
@@ -129,7 +129,7 @@ void LiveReportsTest::setRecording(bool recording)
         m_tile->setRecording(recording);
 }
 
-void LiveReportsTest::play()
+void TestLiveReports::play()
 {
     start();
     answerProbe();
@@ -137,7 +137,7 @@ void LiveReportsTest::play()
     QVERIFY(m_live->camera()->is_playing());
 }
 
-void LiveReportsTest::theFirstPictureIsToldAtOnce()
+void TestLiveReports::theFirstPictureIsToldAtOnce()
 {
     start();
     answerProbe();
@@ -155,7 +155,7 @@ void LiveReportsTest::theFirstPictureIsToldAtOnce()
     QVERIFY(!m_live->player()->probeOutstanding());
 }
 
-void LiveReportsTest::oneReportIsAskedForEachStart()
+void TestLiveReports::oneReportIsAskedForEachStart()
 {
     m_live->change([](auto &script) { script.playPlays = false; });
     start();
@@ -176,7 +176,7 @@ void LiveReportsTest::oneReportIsAskedForEachStart()
     QCOMPARE(probes(), asked + 1);
 }
 
-void LiveReportsTest::anotherStreamOnANewWindowIsToldAtOnce()
+void TestLiveReports::anotherStreamOnANewWindowIsToldAtOnce()
 {
     play();
     const int asked = probes();
@@ -191,7 +191,7 @@ void LiveReportsTest::anotherStreamOnANewWindowIsToldAtOnce()
     QCOMPARE(probes(), asked + 1);
 }
 
-void LiveReportsTest::nothingIsAskedWhileDisconnected()
+void TestLiveReports::nothingIsAskedWhileDisconnected()
 {
     start();
     m_live->failCamera();
@@ -205,7 +205,7 @@ void LiveReportsTest::nothingIsAskedWhileDisconnected()
     QCOMPARE(probes(), asked + 2);
 }
 
-void LiveReportsTest::startingTwiceHasOneReceiver()
+void TestLiveReports::startingTwiceHasOneReceiver()
 {
     start();
     start();
@@ -216,7 +216,7 @@ void LiveReportsTest::startingTwiceHasOneReceiver()
     QCOMPARE(m_live->count("RtspPlayer_Play"), 1);
 }
 
-void LiveReportsTest::destructionStopsTheStream()
+void TestLiveReports::destructionStopsTheStream()
 {
     play();
     m_form.reset();
@@ -225,7 +225,7 @@ void LiveReportsTest::destructionStopsTheStream()
     m_live->reports(2);
 }
 
-void LiveReportsTest::aRefusedRecordingIsToldOnce()
+void TestLiveReports::aRefusedRecordingIsToldOnce()
 {
     m_live->change([](auto &script) { script.results["RtspPlayer_BeginWriting"] = -1; });
     play();
@@ -246,7 +246,7 @@ void LiveReportsTest::aRefusedRecordingIsToldOnce()
     QCOMPARE(m_live->host.statuses, (QStringList{trouble, QString()}));
 }
 
-void LiveReportsTest::aRecordingThatStopsIsTold()
+void TestLiveReports::aRecordingThatStopsIsTold()
 {
     play();
     setRecording(true);
@@ -265,7 +265,7 @@ void LiveReportsTest::aRecordingThatStopsIsTold()
     QCOMPARE(m_live->host.statuses.last(), QString());
 }
 
-void LiveReportsTest::leavingEndsWhatWasTold()
+void TestLiveReports::leavingEndsWhatWasTold()
 {
     m_live->change([](auto &script) { script.results["RtspPlayer_BeginWriting"] = -1; });
     play();
@@ -276,7 +276,7 @@ void LiveReportsTest::leavingEndsWhatWasTold()
     QCOMPARE(lampTip(), QString());
 }
 
-void LiveReportsTest::aRefusedRecordingLeavesNoStill()
+void TestLiveReports::aRefusedRecordingLeavesNoStill()
 {
     m_live->change([](auto &script) { script.results["RtspPlayer_BeginWriting"] = -1; });
     play();
@@ -285,7 +285,7 @@ void LiveReportsTest::aRefusedRecordingLeavesNoStill()
     QCOMPARE(QDir(m_live->folder()).entryList(QDir::Files), QStringList());
 }
 
-void LiveReportsTest::theStillOfAnotherClipIsKept()
+void TestLiveReports::theStillOfAnotherClipIsKept()
 {
     play();
     setRecording(true);
@@ -297,5 +297,5 @@ void LiveReportsTest::theStillOfAnotherClipIsKept()
     QVERIFY(QFile::exists(clip.fileName() + QStringLiteral(".jpeg")));
 }
 
-QTEST_MAIN(LiveReportsTest)
+QTEST_MAIN(TestLiveReports)
 #include "tst_live_reports.moc"

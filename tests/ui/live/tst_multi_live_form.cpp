@@ -19,7 +19,7 @@ namespace {
 constexpr int deadline = LiveFixture::deadline;
 }
 
-class tst_MultiLiveForm : public QObject
+class TestMultiLiveForm : public QObject
 {
     Q_OBJECT
 
@@ -74,7 +74,7 @@ private:
     std::unique_ptr<CMultiLiveForm> m_form;
 };
 
-void tst_MultiLiveForm::init()
+void TestMultiLiveForm::init()
 {
     m_live = std::make_unique<LiveFixture>();
     m_form = std::make_unique<CMultiLiveForm>(nullptr, m_live->clock());
@@ -83,34 +83,34 @@ void tst_MultiLiveForm::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_form.get()));
 }
 
-void tst_MultiLiveForm::cleanup()
+void TestMultiLiveForm::cleanup()
 {
     m_form.reset();
     m_live.reset();
 }
 
-bool tst_MultiLiveForm::recordButtonIsDown() const
+bool TestMultiLiveForm::recordButtonIsDown() const
 {
     const auto image = [](const QIcon &icon) { return icon.pixmap(32, 32).toImage(); };
     return image(child<QToolButton>("btnRecord")->icon()) ==
            image(QIcon(QStringLiteral(":/images/panelbtn/recordbtn_down.png")));
 }
 
-void tst_MultiLiveForm::show(const QStringList &hostnames)
+void TestMultiLiveForm::show(const QStringList &hostnames)
 {
     m_live->addCameras(hostnames);
     m_form->StartPlay();
     QCoreApplication::processEvents();
 }
 
-void tst_MultiLiveForm::play(int index)
+void TestMultiLiveForm::play(int index)
 {
     m_live->connectCamera(index);
     m_live->report(index);
     QVERIFY(m_live->camera(index)->is_playing());
 }
 
-void tst_MultiLiveForm::record(const QList<int> &chosen)
+void TestMultiLiveForm::record(const QList<int> &chosen)
 {
     ModalScript choose([&](CSelectCameraRecordingForm *dialog) {
         for (int index : chosen)
@@ -122,7 +122,7 @@ void tst_MultiLiveForm::record(const QList<int> &chosen)
     QVERIFY(choose.done());
 }
 
-void tst_MultiLiveForm::slotsStandInOrder()
+void TestMultiLiveForm::slotsStandInOrder()
 {
     QCOMPARE(declared(CMultiLiveForm::staticMetaObject, QMetaMethod::Slot),
              (QStringList{QStringLiteral("slotSelect()"), QStringLiteral("slotSnapshot()"),
@@ -130,7 +130,7 @@ void tst_MultiLiveForm::slotsStandInOrder()
                           QStringLiteral("slotVolumeChanged(int)")}));
 }
 
-void tst_MultiLiveForm::startLoadsAndAppliesThePanelsSound()
+void TestMultiLiveForm::startLoadsAndAppliesThePanelsSound()
 {
     QCOMPARE(child<CVolumeSliderForm>("sliderVolume")->value(), 100);
     show({QStringLiteral("A"), QStringLiteral("B")});
@@ -142,7 +142,7 @@ void tst_MultiLiveForm::startLoadsAndAppliesThePanelsSound()
     QVERIFY(frame()->tiles().isEmpty());
 }
 
-void tst_MultiLiveForm::volumeAndMuteGoToTheSelectedTile()
+void TestMultiLiveForm::volumeAndMuteGoToTheSelectedTile()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     QTest::mouseClick(frame()->tiles().at(1), Qt::LeftButton, {}, QPoint(3, 3));
@@ -155,7 +155,7 @@ void tst_MultiLiveForm::volumeAndMuteGoToTheSelectedTile()
     QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume", 0), 0);
 }
 
-void tst_MultiLiveForm::snapshotOfAllPlayingTilesWithOneSound()
+void TestMultiLiveForm::snapshotOfAllPlayingTilesWithOneSound()
 {
     show({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
     play(0);
@@ -173,7 +173,7 @@ void tst_MultiLiveForm::snapshotOfAllPlayingTilesWithOneSound()
     QCOMPARE(m_live->count("RtspPlayer_Snapshot", 1), 0);
 }
 
-void tst_MultiLiveForm::recordAsksWhichCamerasAndRecordsThose()
+void TestMultiLiveForm::recordAsksWhichCamerasAndRecordsThose()
 {
     show({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
     for (int i = 0; i < 3; ++i)
@@ -192,7 +192,7 @@ void tst_MultiLiveForm::recordAsksWhichCamerasAndRecordsThose()
     QVERIFY(!isMarked(1));
 }
 
-void tst_MultiLiveForm::recordCancelledTogglesNothing()
+void TestMultiLiveForm::recordCancelledTogglesNothing()
 {
     show({QStringLiteral("A")});
     play(0);
@@ -208,7 +208,7 @@ void tst_MultiLiveForm::recordCancelledTogglesNothing()
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 0);
 }
 
-void tst_MultiLiveForm::recordWithoutShownCamerasTurnsOnWithoutAnyTile()
+void TestMultiLiveForm::recordWithoutShownCamerasTurnsOnWithoutAnyTile()
 {
     show({});
     record({});
@@ -217,7 +217,7 @@ void tst_MultiLiveForm::recordWithoutShownCamerasTurnsOnWithoutAnyTile()
     QVERIFY(!recordButtonIsDown());
 }
 
-void tst_MultiLiveForm::recordAgainStopsAll()
+void TestMultiLiveForm::recordAgainStopsAll()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     play(0);
@@ -231,7 +231,7 @@ void tst_MultiLiveForm::recordAgainStopsAll()
     }
 }
 
-void tst_MultiLiveForm::aRecordingTileThatIsNotPlayingYetBeginsWhenItDoes()
+void TestMultiLiveForm::aRecordingTileThatIsNotPlayingYetBeginsWhenItDoes()
 {
     show({QStringLiteral("A")});
     record({0});
@@ -240,7 +240,7 @@ void tst_MultiLiveForm::aRecordingTileThatIsNotPlayingYetBeginsWhenItDoes()
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
 }
 
-void tst_MultiLiveForm::selectReloadsTheGrid()
+void TestMultiLiveForm::selectReloadsTheGrid()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     QTest::mouseClick(frame()->tiles().at(0), Qt::LeftButton, {}, QPoint(3, 3));
@@ -259,7 +259,7 @@ void tst_MultiLiveForm::selectReloadsTheGrid()
     QCOMPARE(m_live->count("RtspPlayer_Stop", 0), 1);
 }
 
-void tst_MultiLiveForm::selectCancelledLeavesThePage()
+void TestMultiLiveForm::selectCancelledLeavesThePage()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     QTest::mouseClick(frame()->tiles().at(0), Qt::LeftButton, {}, QPoint(3, 3));
@@ -277,7 +277,7 @@ void tst_MultiLiveForm::selectCancelledLeavesThePage()
     QCOMPARE(m_live->count("RtspPlayer_Stop", 0), 0);
 }
 
-void tst_MultiLiveForm::changingTheViewWhileRecordingAsks()
+void TestMultiLiveForm::changingTheViewWhileRecordingAsks()
 {
     show({QStringLiteral("A")});
     play(0);
@@ -294,7 +294,7 @@ void tst_MultiLiveForm::changingTheViewWhileRecordingAsks()
     QVERIFY(look.done());
 }
 
-void tst_MultiLiveForm::cancelInTheWarningLeavesRecordingsAndGridUnchanged()
+void TestMultiLiveForm::cancelInTheWarningLeavesRecordingsAndGridUnchanged()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     play(0);
@@ -312,7 +312,7 @@ void tst_MultiLiveForm::cancelInTheWarningLeavesRecordingsAndGridUnchanged()
     }
 }
 
-void tst_MultiLiveForm::okInTheWarningStopsTheRecordings()
+void TestMultiLiveForm::okInTheWarningStopsTheRecordings()
 {
     show({QStringLiteral("A")});
     play(0);
@@ -330,7 +330,7 @@ void tst_MultiLiveForm::okInTheWarningStopsTheRecordings()
     QVERIFY(m_live->camera()->is_playing());
 }
 
-void tst_MultiLiveForm::mayLeaveAsksOnlyWhileRecording()
+void TestMultiLiveForm::mayLeaveAsksOnlyWhileRecording()
 {
     show({QStringLiteral("A")});
     play(0);
@@ -348,7 +348,7 @@ void tst_MultiLiveForm::mayLeaveAsksOnlyWhileRecording()
     QVERIFY(!m_live->camera()->is_writing());
 }
 
-void tst_MultiLiveForm::leavingResetsTheRecordButton()
+void TestMultiLiveForm::leavingResetsTheRecordButton()
 {
     show({QStringLiteral("A")});
     play(0);
@@ -362,7 +362,7 @@ void tst_MultiLiveForm::leavingResetsTheRecordButton()
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
 }
 
-void tst_MultiLiveForm::theDialogStandsOverTheMainWindow()
+void TestMultiLiveForm::theDialogStandsOverTheMainWindow()
 {
     QWidget mainWindow;
     m_live->host.parent = &mainWindow;
@@ -384,7 +384,7 @@ void tst_MultiLiveForm::theDialogStandsOverTheMainWindow()
     QVERIFY(script.done());
 }
 
-void tst_MultiLiveForm::theKeyboardReachesEveryControl()
+void TestMultiLiveForm::theKeyboardReachesEveryControl()
 {
     show({QStringLiteral("A")});
     QSet<QString> reached;
@@ -403,7 +403,7 @@ void tst_MultiLiveForm::theKeyboardReachesEveryControl()
     QCOMPARE(frame()->selectedTile(), frame()->tiles().at(0));
 }
 
-void tst_MultiLiveForm::theEmptyGridSaysSoInTheDarkWell()
+void TestMultiLiveForm::theEmptyGridSaysSoInTheDarkWell()
 {
     show({});
     const QImage well = child("frameMultiLiveArea")->grab().toImage();
@@ -415,7 +415,7 @@ void tst_MultiLiveForm::theEmptyGridSaysSoInTheDarkWell()
     QVERIFY(lightest > 180);
 }
 
-void tst_MultiLiveForm::noTileLeavesTheWell_data()
+void TestMultiLiveForm::noTileLeavesTheWell_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("cameras");
@@ -426,7 +426,7 @@ void tst_MultiLiveForm::noTileLeavesTheWell_data()
     QTest::newRow("many") << QSize(800, 600) << 16;
 }
 
-void tst_MultiLiveForm::noTileLeavesTheWell()
+void TestMultiLiveForm::noTileLeavesTheWell()
 {
     QFETCH(QSize, size);
     QFETCH(int, cameras);
@@ -441,5 +441,5 @@ void tst_MultiLiveForm::noTileLeavesTheWell()
         QVERIFY(frame()->rect().contains(tile->geometry()));
 }
 
-QTEST_MAIN(tst_MultiLiveForm)
+QTEST_MAIN(TestMultiLiveForm)
 #include "tst_multi_live_form.moc"

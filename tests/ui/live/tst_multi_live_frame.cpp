@@ -14,7 +14,7 @@ namespace {
 constexpr int deadline = LiveFixture::deadline;
 }
 
-class tst_MultiLiveFrame : public QObject
+class TestMultiLiveFrame : public QObject
 {
     Q_OBJECT
 
@@ -57,7 +57,7 @@ private:
     CMultiLiveFrame *m_frame = nullptr;
 };
 
-void tst_MultiLiveFrame::init()
+void TestMultiLiveFrame::init()
 {
     m_live = std::make_unique<LiveFixture>();
     m_area = std::make_unique<QWidget>();
@@ -71,13 +71,13 @@ void tst_MultiLiveFrame::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_area.get()));
 }
 
-void tst_MultiLiveFrame::cleanup()
+void TestMultiLiveFrame::cleanup()
 {
     m_area.reset();
     m_live.reset();
 }
 
-void tst_MultiLiveFrame::show(const QStringList &hostnames)
+void TestMultiLiveFrame::show(const QStringList &hostnames)
 {
     m_live->addCameras(hostnames);
     m_frame->load();
@@ -85,7 +85,7 @@ void tst_MultiLiveFrame::show(const QStringList &hostnames)
     QCoreApplication::processEvents();
 }
 
-QPoint tst_MultiLiveFrame::cellOf(int index) const
+QPoint TestMultiLiveFrame::cellOf(int index) const
 {
     auto *layout = qobject_cast<QGridLayout *>(m_frame->layout());
     int row = -1, column = -1, rowSpan = 0, columnSpan = 0;
@@ -93,7 +93,7 @@ QPoint tst_MultiLiveFrame::cellOf(int index) const
     return {column, row};
 }
 
-bool tst_MultiLiveFrame::looksSelected(int index) const
+bool TestMultiLiveFrame::looksSelected(int index) const
 {
     return tile(index)
         ->findChild<QWidget *>(QStringLiteral("frameCameraItemBk"))
@@ -101,7 +101,7 @@ bool tst_MultiLiveFrame::looksSelected(int index) const
         .contains(QStringLiteral("multiliveitemframe_hover.png"));
 }
 
-void tst_MultiLiveFrame::loadShowsTheChosenCamerasInListOrder()
+void TestMultiLiveFrame::loadShowsTheChosenCamerasInListOrder()
 {
     m_live->addCameras({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
     CameraSettings::instance().at(1)->multiLive = false;
@@ -117,7 +117,7 @@ void tst_MultiLiveFrame::loadShowsTheChosenCamerasInListOrder()
     QCOMPARE(m_live->count("RtspPlayer_SetupP2PliveStream", 2), 1);
 }
 
-void tst_MultiLiveFrame::everyTileStartsSilent()
+void TestMultiLiveFrame::everyTileStartsSilent()
 {
     m_frame->setSound(false, 150);
     show({QStringLiteral("A"), QStringLiteral("B")});
@@ -129,7 +129,7 @@ void tst_MultiLiveFrame::everyTileStartsSilent()
     }
 }
 
-void tst_MultiLiveFrame::clearStopsAndForgetsAll()
+void TestMultiLiveFrame::clearStopsAndForgetsAll()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     QPointer<CMultiLiveItemForm> first = tile(0);
@@ -148,7 +148,7 @@ void tst_MultiLiveFrame::clearStopsAndForgetsAll()
     QCOMPARE(m_live->count("RtspPlayer_Stop", 0), 1);
 }
 
-void tst_MultiLiveFrame::loadAfterClearStartsAnew()
+void TestMultiLiveFrame::loadAfterClearStartsAnew()
 {
     show({QStringLiteral("A")});
     m_frame->clear();
@@ -157,7 +157,7 @@ void tst_MultiLiveFrame::loadAfterClearStartsAnew()
     QCOMPARE(m_live->count("RtspPlayer_SetupP2PliveStream"), 2);
 }
 
-void tst_MultiLiveFrame::gridShapesInAnAreaOf1000x700_data()
+void TestMultiLiveFrame::gridShapesInAnAreaOf1000x700_data()
 {
     QTest::addColumn<int>("tiles");
     QTest::addColumn<QPoint>("rowsColumns");
@@ -168,7 +168,7 @@ void tst_MultiLiveFrame::gridShapesInAnAreaOf1000x700_data()
     QTest::newRow("9") << 9 << QPoint(3, 3) << QSize(290, 203);
 }
 
-void tst_MultiLiveFrame::gridShapesInAnAreaOf1000x700()
+void TestMultiLiveFrame::gridShapesInAnAreaOf1000x700()
 {
     QFETCH(int, tiles);
     QFETCH(QPoint, rowsColumns);
@@ -190,7 +190,7 @@ void tst_MultiLiveFrame::gridShapesInAnAreaOf1000x700()
     }
 }
 
-void tst_MultiLiveFrame::withoutCamerasTheGridIsEmpty()
+void TestMultiLiveFrame::withoutCamerasTheGridIsEmpty()
 {
     m_live->addCameras({QStringLiteral("A")}, false);
     m_frame->load();
@@ -203,7 +203,7 @@ void tst_MultiLiveFrame::withoutCamerasTheGridIsEmpty()
     m_frame->setSound(true, 10);
 }
 
-void tst_MultiLiveFrame::theGridFollowsTheAreaBothWays()
+void TestMultiLiveFrame::theGridFollowsTheAreaBothWays()
 {
     show({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D")});
     m_area->resize(1600, 1000);
@@ -218,7 +218,7 @@ void tst_MultiLiveFrame::theGridFollowsTheAreaBothWays()
     QCOMPARE(m_frame->layout()->count(), 4);
 }
 
-void tst_MultiLiveFrame::stretchesKeepTheTilesTogether()
+void TestMultiLiveFrame::stretchesKeepTheTilesTogether()
 {
     show({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
     const auto *layout = qobject_cast<QGridLayout *>(m_frame->layout());
@@ -234,7 +234,7 @@ void tst_MultiLiveFrame::stretchesKeepTheTilesTogether()
     QCOMPARE(tile(0)->x() - 0, m_frame->width() - 1 - tile(1)->geometry().right());
 }
 
-void tst_MultiLiveFrame::onlyTheSelectedTileIsHeard()
+void TestMultiLiveFrame::onlyTheSelectedTileIsHeard()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     m_frame->setSound(false, 80);
@@ -251,7 +251,7 @@ void tst_MultiLiveFrame::onlyTheSelectedTileIsHeard()
     QCOMPARE(volumeOf(1), 80);
 }
 
-void tst_MultiLiveFrame::muteAndVolumeGoToTheSelectedTile()
+void TestMultiLiveFrame::muteAndVolumeGoToTheSelectedTile()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     m_frame->setSound(false, 80);
@@ -265,7 +265,7 @@ void tst_MultiLiveFrame::muteAndVolumeGoToTheSelectedTile()
     QCOMPARE(volumeOf(0), 0);
 }
 
-void tst_MultiLiveFrame::aPressOnATileAndAReleaseOnTheFrameKeepItSelected()
+void TestMultiLiveFrame::aPressOnATileAndAReleaseOnTheFrameKeepItSelected()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     QTest::mousePress(tile(0), Qt::LeftButton, {}, QPoint(3, 3));
@@ -274,7 +274,7 @@ void tst_MultiLiveFrame::aPressOnATileAndAReleaseOnTheFrameKeepItSelected()
     QVERIFY(looksSelected(0));
 }
 
-void tst_MultiLiveFrame::aClickOnEmptySpaceDeselects()
+void TestMultiLiveFrame::aClickOnEmptySpaceDeselects()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     m_frame->setSound(false, 80);
@@ -288,7 +288,7 @@ void tst_MultiLiveFrame::aClickOnEmptySpaceDeselects()
     QCOMPARE(volumeOf(1), 0);
 }
 
-void tst_MultiLiveFrame::aPressOnATileThatIsReleasedElsewhereDoesNotHoldTheNextClick()
+void TestMultiLiveFrame::aPressOnATileThatIsReleasedElsewhereDoesNotHoldTheNextClick()
 {
     show({QStringLiteral("A")});
     QTest::mousePress(tile(0), Qt::LeftButton, {}, QPoint(3, 3));
@@ -296,7 +296,7 @@ void tst_MultiLiveFrame::aPressOnATileThatIsReleasedElsewhereDoesNotHoldTheNextC
     QVERIFY(!m_frame->selectedTile());
 }
 
-void tst_MultiLiveFrame::aDoubleClickOnTheFrameDeselects()
+void TestMultiLiveFrame::aDoubleClickOnTheFrameDeselects()
 {
     show({QStringLiteral("A")});
     m_frame->setSound(false, 80);
@@ -308,7 +308,7 @@ void tst_MultiLiveFrame::aDoubleClickOnTheFrameDeselects()
     QCOMPARE(volumeOf(0), 0);
 }
 
-void tst_MultiLiveFrame::aDoubleClickOnTheSelectedPictureKeepsIt()
+void TestMultiLiveFrame::aDoubleClickOnTheSelectedPictureKeepsIt()
 {
     show({QStringLiteral("A")});
     QWidget *picture = tile(0)->findChild<CVideoFrame *>()->renderSurface();
@@ -321,7 +321,7 @@ void tst_MultiLiveFrame::aDoubleClickOnTheSelectedPictureKeepsIt()
     QCOMPARE(m_frame->selectedTile(), tile(0));
 }
 
-void tst_MultiLiveFrame::selectionDoesNotSurviveAReload()
+void TestMultiLiveFrame::selectionDoesNotSurviveAReload()
 {
     show({QStringLiteral("A")});
     m_frame->setSound(false, 80);
@@ -334,7 +334,7 @@ void tst_MultiLiveFrame::selectionDoesNotSurviveAReload()
     QCOMPARE(volumeOf(0), 0);
 }
 
-void tst_MultiLiveFrame::aCameraThatDoesNotConnectLeavesTheOthersAlone()
+void TestMultiLiveFrame::aCameraThatDoesNotConnectLeavesTheOthersAlone()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
     m_live->player(0)->probeFailed();
@@ -348,7 +348,7 @@ void tst_MultiLiveFrame::aCameraThatDoesNotConnectLeavesTheOthersAlone()
     QCOMPARE(status(1), QStringLiteral("640x360  15FPS 512.00Kbps"));
 }
 
-void tst_MultiLiveFrame::destructionStopsTheStreams()
+void TestMultiLiveFrame::destructionStopsTheStreams()
 {
     show({QStringLiteral("A")});
     m_live->connectCamera();
@@ -359,7 +359,7 @@ void tst_MultiLiveFrame::destructionStopsTheStreams()
     QVERIFY(zelvaro::shownCameras().isEmpty());
 }
 
-void tst_MultiLiveFrame::destructionInFullScreen()
+void TestMultiLiveFrame::destructionInFullScreen()
 {
     show({QStringLiteral("A")});
     m_live->connectCamera();
@@ -372,7 +372,7 @@ void tst_MultiLiveFrame::destructionInFullScreen()
     QVERIFY(!m_live->camera()->is_playing());
 }
 
-void tst_MultiLiveFrame::manyTiles()
+void TestMultiLiveFrame::manyTiles()
 {
     QStringList hostnames;
     for (int i = 0; i < 36; ++i)
@@ -389,5 +389,5 @@ void tst_MultiLiveFrame::manyTiles()
         QVERIFY(!m_live->camera(i)->is_playing());
 }
 
-QTEST_MAIN(tst_MultiLiveFrame)
+QTEST_MAIN(TestMultiLiveFrame)
 #include "tst_multi_live_frame.moc"

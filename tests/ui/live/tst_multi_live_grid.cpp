@@ -24,7 +24,7 @@ int widestTile(int cellWidth, int cellHeight)
 
 } // namespace
 
-class tst_MultiLiveGrid : public QObject
+class TestMultiLiveGrid : public QObject
 {
     Q_OBJECT
 
@@ -38,7 +38,7 @@ private slots:
     void tinyAreasDoNotCrash();
 };
 
-void tst_MultiLiveGrid::knownShapes_data()
+void TestMultiLiveGrid::knownShapes_data()
 {
     QTest::addColumn<QSize>("area");
     QTest::addColumn<int>("tiles");
@@ -57,7 +57,7 @@ void tst_MultiLiveGrid::knownShapes_data()
         << QSize(300, 900) << 3 << QPoint(3, 1) << QSize(300, 225);
 }
 
-void tst_MultiLiveGrid::knownShapes()
+void TestMultiLiveGrid::knownShapes()
 {
     QFETCH(QSize, area);
     QFETCH(int, tiles);
@@ -68,7 +68,7 @@ void tst_MultiLiveGrid::knownShapes()
     QCOMPARE(QSize(shape.width, shape.height), cell);
 }
 
-void tst_MultiLiveGrid::withoutTilesTheShapeIsTheWholeArea()
+void TestMultiLiveGrid::withoutTilesTheShapeIsTheWholeArea()
 {
     const GridShape shape = gridShape({1000, 700}, 0);
     QCOMPARE(shape.rows, 1);
@@ -76,7 +76,7 @@ void tst_MultiLiveGrid::withoutTilesTheShapeIsTheWholeArea()
     QCOMPARE(QSize(shape.width, shape.height), QSize(1000, 700));
 }
 
-void tst_MultiLiveGrid::onATieTheShapeWithMoreRowsWins()
+void TestMultiLiveGrid::onATieTheShapeWithMoreRowsWins()
 {
     // 1 row of 2: cells of 400x600 give 400. 2 rows of 1: cells of 800x300 give 400 as well.
     const GridShape shape = gridShape({800, 600}, 2);
@@ -86,7 +86,7 @@ void tst_MultiLiveGrid::onATieTheShapeWithMoreRowsWins()
     QCOMPARE(shape.height, 300);
 }
 
-void tst_MultiLiveGrid::randomShapesAgreeWithTryingAll()
+void TestMultiLiveGrid::randomShapesAgreeWithTryingAll()
 {
     std::mt19937 random(11);
     const auto between = [&random](int low, int high) {
@@ -119,7 +119,7 @@ void tst_MultiLiveGrid::randomShapesAgreeWithTryingAll()
     }
 }
 
-void tst_MultiLiveGrid::everyTileHasAPlace()
+void TestMultiLiveGrid::everyTileHasAPlace()
 {
     for (int tiles = 1; tiles <= 100; ++tiles) {
         const GridShape shape = gridShape({1280, 720}, tiles);
@@ -128,7 +128,7 @@ void tst_MultiLiveGrid::everyTileHasAPlace()
     }
 }
 
-void tst_MultiLiveGrid::tinyAreasDoNotCrash()
+void TestMultiLiveGrid::tinyAreasDoNotCrash()
 {
     for (int width : {0, 1, 5}) {
         for (int height : {0, 1, 5}) {
@@ -143,5 +143,5 @@ void tst_MultiLiveGrid::tinyAreasDoNotCrash()
     }
 }
 
-QTEST_GUILESS_MAIN(tst_MultiLiveGrid)
+QTEST_GUILESS_MAIN(TestMultiLiveGrid)
 #include "tst_multi_live_grid.moc"

@@ -12,7 +12,7 @@ namespace {
 constexpr int deadline = LiveFixture::deadline;
 }
 
-class tst_MultiLiveItemForm : public QObject
+class TestMultiLiveItemForm : public QObject
 {
     Q_OBJECT
 
@@ -54,7 +54,7 @@ private:
     CMultiLiveItemForm *m_tile = nullptr;
 };
 
-void tst_MultiLiveItemForm::init()
+void TestMultiLiveItemForm::init()
 {
     m_live = std::make_unique<LiveFixture>();
     m_live->addCameras({QStringLiteral("H")});
@@ -66,14 +66,14 @@ void tst_MultiLiveItemForm::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_page.get()));
 }
 
-void tst_MultiLiveItemForm::cleanup()
+void TestMultiLiveItemForm::cleanup()
 {
     m_tile->stop();
     m_page.reset();
     m_live.reset();
 }
 
-void tst_MultiLiveItemForm::play(int width, int height)
+void TestMultiLiveItemForm::play(int width, int height)
 {
     m_live->change([=](auto &script) {
         script.width = width;
@@ -85,7 +85,7 @@ void tst_MultiLiveItemForm::play(int width, int height)
     m_live->report();
 }
 
-void tst_MultiLiveItemForm::slotsStandInOrder()
+void TestMultiLiveItemForm::slotsStandInOrder()
 {
     const QMetaObject &meta = CMultiLiveItemForm::staticMetaObject;
     QCOMPARE(declared(meta, QMetaMethod::Signal),
@@ -96,14 +96,14 @@ void tst_MultiLiveItemForm::slotsStandInOrder()
                      QStringLiteral("slotVideoDoubleClicked()")}));
 }
 
-void tst_MultiLiveItemForm::setCameraShowsItsNameConnecting()
+void TestMultiLiveItemForm::setCameraShowsItsNameConnecting()
 {
     m_tile->setCamera(m_live->camera());
     QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
     QCOMPARE(m_tile->camera(), m_live->camera());
 }
 
-void tst_MultiLiveItemForm::theStreamIsAlwaysTheSubStream()
+void TestMultiLiveItemForm::theStreamIsAlwaysTheSubStream()
 {
     m_live->change([](auto &script) { script.mode = 0; });
     m_tile->setCamera(m_live->camera());
@@ -113,7 +113,7 @@ void tst_MultiLiveItemForm::theStreamIsAlwaysTheSubStream()
     QCOMPARE(m_live->count("RtspPlayer_GetMode"), 0);
 }
 
-void tst_MultiLiveItemForm::statusLineHasNoScale_data()
+void TestMultiLiveItemForm::statusLineHasNoScale_data()
 {
     QTest::addColumn<int>("bitRate");
     QTest::addColumn<QString>("text");
@@ -123,7 +123,7 @@ void tst_MultiLiveItemForm::statusLineHasNoScale_data()
     QTest::newRow("1000000") << 1000000 << "160x120  15FPS 1.00Mbps";
 }
 
-void tst_MultiLiveItemForm::statusLineHasNoScale()
+void TestMultiLiveItemForm::statusLineHasNoScale()
 {
     QFETCH(int, bitRate);
     QFETCH(QString, text);
@@ -133,7 +133,7 @@ void tst_MultiLiveItemForm::statusLineHasNoScale()
     QCOMPARE(status(), text);
 }
 
-void tst_MultiLiveItemForm::thePictureIsSizedAsInTheSingleView()
+void TestMultiLiveItemForm::thePictureIsSizedAsInTheSingleView()
 {
     play();
     const QSize area = child("frameVideoArea")->size();
@@ -143,7 +143,7 @@ void tst_MultiLiveItemForm::thePictureIsSizedAsInTheSingleView()
     QCOMPARE(child("frameVideoFrame")->size(), QSize(160, 120));
 }
 
-void tst_MultiLiveItemForm::aResizedTileLaysOutAgain()
+void TestMultiLiveItemForm::aResizedTileLaysOutAgain()
 {
     play(640, 360);
     const auto fittedWidth = [this] { return child("frameVideoArea")->width() - 30; };
@@ -154,7 +154,7 @@ void tst_MultiLiveItemForm::aResizedTileLaysOutAgain()
     QTRY_COMPARE_WITH_TIMEOUT(child("frameVideoFrame")->width(), fittedWidth(), deadline);
 }
 
-void tst_MultiLiveItemForm::reportsFollowTheSameSteps()
+void TestMultiLiveItemForm::reportsFollowTheSameSteps()
 {
     play();
     const QString thumb = m_live->folder() + QStringLiteral("/thumb.jpeg");
@@ -174,7 +174,7 @@ void tst_MultiLiveItemForm::reportsFollowTheSameSteps()
     QCOMPARE(m_live->count("AudioUpload_Play"), 0);
 }
 
-void tst_MultiLiveItemForm::volumeIsGivenAtOnceAndWithEachReport()
+void TestMultiLiveItemForm::volumeIsGivenAtOnceAndWithEachReport()
 {
     m_tile->setCamera(m_live->camera());
     m_tile->setVolume(40);
@@ -187,7 +187,7 @@ void tst_MultiLiveItemForm::volumeIsGivenAtOnceAndWithEachReport()
     QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 40);
 }
 
-void tst_MultiLiveItemForm::recordingMarksAndWrites()
+void TestMultiLiveItemForm::recordingMarksAndWrites()
 {
     play();
     QVERIFY(child("labelRecording")->styleSheet().isEmpty());
@@ -204,7 +204,7 @@ void tst_MultiLiveItemForm::recordingMarksAndWrites()
     QCOMPARE(m_live->count("RtspPlayer_EndWriting"), 1);
 }
 
-void tst_MultiLiveItemForm::recordingResumesAfterAReconnectInANewFile()
+void TestMultiLiveItemForm::recordingResumesAfterAReconnectInANewFile()
 {
     play();
     m_tile->setRecording(true);
@@ -219,7 +219,7 @@ void tst_MultiLiveItemForm::recordingResumesAfterAReconnectInANewFile()
              m_live->folder() + QStringLiteral("/20240305_070839"));
 }
 
-void tst_MultiLiveItemForm::stopLeavesTheRecordingToTheStream()
+void TestMultiLiveItemForm::stopLeavesTheRecordingToTheStream()
 {
     play();
     m_tile->setRecording(true);
@@ -234,7 +234,7 @@ void tst_MultiLiveItemForm::stopLeavesTheRecordingToTheStream()
     QCOMPARE(m_live->count("RtspPlayer_Stop"), 1);
 }
 
-void tst_MultiLiveItemForm::photoOnlyWhilePlaying()
+void TestMultiLiveItemForm::photoOnlyWhilePlaying()
 {
     m_tile->setCamera(m_live->camera());
     m_tile->takePhoto();
@@ -245,7 +245,7 @@ void tst_MultiLiveItemForm::photoOnlyWhilePlaying()
              m_live->folder() + QStringLiteral("/20240305_070809.jpg"));
 }
 
-void tst_MultiLiveItemForm::aPressAnywhereSelects()
+void TestMultiLiveItemForm::aPressAnywhereSelects()
 {
     play();
     QSignalSpy selected(m_tile, &CMultiLiveItemForm::selectCamera);
@@ -260,7 +260,7 @@ void tst_MultiLiveItemForm::aPressAnywhereSelects()
     QCOMPARE(selected.count(), 4);
 }
 
-void tst_MultiLiveItemForm::spaceAndEnterSelect()
+void TestMultiLiveItemForm::spaceAndEnterSelect()
 {
     QSignalSpy selected(m_tile, &CMultiLiveItemForm::selectCamera);
     QTest::keyClick(child("frameVideoFrame"), Qt::Key_Space);
@@ -270,7 +270,7 @@ void tst_MultiLiveItemForm::spaceAndEnterSelect()
     QCOMPARE(selected.count(), 2);
 }
 
-void tst_MultiLiveItemForm::fullScreenIsTheTilesOwn()
+void TestMultiLiveItemForm::fullScreenIsTheTilesOwn()
 {
     play();
     QWidget *frame = child("frameVideoFrame");
@@ -284,7 +284,7 @@ void tst_MultiLiveItemForm::fullScreenIsTheTilesOwn()
     QTRY_COMPARE_WITH_TIMEOUT(frame->geometry(), QRect(6, 5, 160, 120), deadline);
 }
 
-void tst_MultiLiveItemForm::theSelectedFrame()
+void TestMultiLiveItemForm::theSelectedFrame()
 {
     const auto shows = [this](const char *image) {
         return child("frameCameraItemBk")->styleSheet().contains(QLatin1String(image));
@@ -298,5 +298,5 @@ void tst_MultiLiveItemForm::theSelectedFrame()
     QVERIFY(QFile::exists(QStringLiteral(":/images/multilive/multiliveitemframe_hover.png")));
 }
 
-QTEST_MAIN(tst_MultiLiveItemForm)
+QTEST_MAIN(TestMultiLiveItemForm)
 #include "tst_multi_live_item_form.moc"

@@ -17,7 +17,7 @@ namespace {
 constexpr int deadline = LiveFixture::deadline;
 }
 
-class tst_PlayCameraForm : public QObject
+class TestPlayCameraForm : public QObject
 {
     Q_OBJECT
 
@@ -105,7 +105,7 @@ private:
     std::unique_ptr<CPlayCameraForm> m_form;
 };
 
-void tst_PlayCameraForm::init()
+void TestPlayCameraForm::init()
 {
     m_live = std::make_unique<LiveFixture>();
     m_live->addCameras({QStringLiteral("H")});
@@ -115,19 +115,19 @@ void tst_PlayCameraForm::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_form.get()));
 }
 
-void tst_PlayCameraForm::cleanup()
+void TestPlayCameraForm::cleanup()
 {
     m_form.reset();
     m_live.reset();
 }
 
-bool tst_PlayCameraForm::hasIcon(const char *button, const QString &image) const
+bool TestPlayCameraForm::hasIcon(const char *button, const QString &image) const
 {
     const QIcon icon = child<QToolButton>(button)->icon();
     return icon.pixmap(32, 32).toImage() == QIcon(image).pixmap(32, 32).toImage();
 }
 
-void tst_PlayCameraForm::play(int width, int height)
+void TestPlayCameraForm::play(int width, int height)
 {
     m_live->change([=](auto &script) {
         script.width = width;
@@ -140,7 +140,7 @@ void tst_PlayCameraForm::play(int width, int height)
     m_live->report(); // lays out
 }
 
-void tst_PlayCameraForm::slotsStandInOrder()
+void TestPlayCameraForm::slotsStandInOrder()
 {
     const QStringList wanted{QStringLiteral("slotVideoAreaResize()"),
                              QStringLiteral("slotCameraStatusChanged()"),
@@ -158,7 +158,7 @@ void tst_PlayCameraForm::slotsStandInOrder()
     QCOMPARE(declared(CPlayCameraForm::staticMetaObject, QMetaMethod::Slot), wanted);
 }
 
-void tst_PlayCameraForm::theFormHasItsObjectsAndTexts()
+void TestPlayCameraForm::theFormHasItsObjectsAndTexts()
 {
     QCOMPARE(m_form->objectName(), QStringLiteral("PlayCameraForm"));
     QVERIFY(child<QFrame>("framePlayCamera"));
@@ -195,7 +195,7 @@ void tst_PlayCameraForm::theFormHasItsObjectsAndTexts()
     QCOMPARE(child("sliderVolume")->findChild<QSlider *>()->maximum(), 200);
 }
 
-void tst_PlayCameraForm::withoutACameraNothingHappens()
+void TestPlayCameraForm::withoutACameraNothingHappens()
 {
     m_form->SetCamera(nullptr);
     m_form->StartPlay();
@@ -213,7 +213,7 @@ void tst_PlayCameraForm::withoutACameraNothingHappens()
     QVERIFY(!QDir(m_live->folder()).exists());
 }
 
-void tst_PlayCameraForm::setCameraShowsItsNameConnecting()
+void TestPlayCameraForm::setCameraShowsItsNameConnecting()
 {
     m_form->SetCamera(m_live->camera());
     QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
@@ -224,7 +224,7 @@ void tst_PlayCameraForm::setCameraShowsItsNameConnecting()
     m_live->setPlaying(false);
 }
 
-void tst_PlayCameraForm::startSetsUpTheStreamOfTheSessionsMode_data()
+void TestPlayCameraForm::startSetsUpTheStreamOfTheSessionsMode_data()
 {
     QTest::addColumn<int>("mode");
     QTest::addColumn<QString>("path");
@@ -232,7 +232,7 @@ void tst_PlayCameraForm::startSetsUpTheStreamOfTheSessionsMode_data()
     QTest::newRow("sub") << 1 << "/live/1/h264.sdp";
 }
 
-void tst_PlayCameraForm::startSetsUpTheStreamOfTheSessionsMode()
+void TestPlayCameraForm::startSetsUpTheStreamOfTheSessionsMode()
 {
     QFETCH(int, mode);
     QFETCH(QString, path);
@@ -250,7 +250,7 @@ void tst_PlayCameraForm::startSetsUpTheStreamOfTheSessionsMode()
     QCOMPARE(WId(m_live->player()->window()), surface()->winId());
 }
 
-void tst_PlayCameraForm::startAsksForAProbeUnlessOneIsOut()
+void TestPlayCameraForm::startAsksForAProbeUnlessOneIsOut()
 {
     m_live->player()->probeOk();
     QTRY_COMPARE_WITH_TIMEOUT(m_live->camera()->get_state(), int(CAMERA_STATE_CONNECTED), deadline);
@@ -265,7 +265,7 @@ void tst_PlayCameraForm::startAsksForAProbeUnlessOneIsOut()
     QCOMPARE(m_live->count("RtspPlayer_TickAlive"), 1);
 }
 
-void tst_PlayCameraForm::startingTwiceReportsOnce()
+void TestPlayCameraForm::startingTwiceReportsOnce()
 {
     m_form->SetCamera(m_live->camera());
     m_form->StartPlay();
@@ -274,7 +274,7 @@ void tst_PlayCameraForm::startingTwiceReportsOnce()
     QCOMPARE(m_live->count("RtspPlayer_Play"), 1);
 }
 
-void tst_PlayCameraForm::aReportWhileNotPlayingRetries()
+void TestPlayCameraForm::aReportWhileNotPlayingRetries()
 {
     m_live->change([](auto &script) { script.playPlays = false; });
     m_form->SetCamera(m_live->camera());
@@ -286,7 +286,7 @@ void tst_PlayCameraForm::aReportWhileNotPlayingRetries()
     QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
 }
 
-void tst_PlayCameraForm::playIsLeftToTheNextReportWhileDisconnected()
+void TestPlayCameraForm::playIsLeftToTheNextReportWhileDisconnected()
 {
     m_form->SetCamera(m_live->camera());
     m_form->StartPlay();
@@ -298,7 +298,7 @@ void tst_PlayCameraForm::playIsLeftToTheNextReportWhileDisconnected()
     QTRY_COMPARE_WITH_TIMEOUT(m_live->count("RtspPlayer_Play"), 1, deadline);
 }
 
-void tst_PlayCameraForm::theFirstPlayingReportLaysOut()
+void TestPlayCameraForm::theFirstPlayingReportLaysOut()
 {
     m_form->SetCamera(m_live->camera());
     m_form->StartPlay();
@@ -312,7 +312,7 @@ void tst_PlayCameraForm::theFirstPlayingReportLaysOut()
     QCOMPARE(shownPicture(), QSize(640, 360));
 }
 
-void tst_PlayCameraForm::theThumbnailIsTakenThreeReportsAfterConnectingAndThenAll60()
+void TestPlayCameraForm::theThumbnailIsTakenThreeReportsAfterConnectingAndThenAll60()
 {
     play();
     const QString thumb = m_live->folder() + QStringLiteral("/thumb.jpeg");
@@ -328,7 +328,7 @@ void tst_PlayCameraForm::theThumbnailIsTakenThreeReportsAfterConnectingAndThenAl
     QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 2);
 }
 
-void tst_PlayCameraForm::aReconnectCountsToTheFirstThumbnailAgain()
+void TestPlayCameraForm::aReconnectCountsToTheFirstThumbnailAgain()
 {
     play();
     m_live->reports(4);
@@ -342,7 +342,7 @@ void tst_PlayCameraForm::aReconnectCountsToTheFirstThumbnailAgain()
     QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 2);
 }
 
-void tst_PlayCameraForm::statusLine_data()
+void TestPlayCameraForm::statusLine_data()
 {
     QTest::addColumn<int>("bitRate");
     QTest::addColumn<QString>("text");
@@ -353,7 +353,7 @@ void tst_PlayCameraForm::statusLine_data()
     QTest::newRow("1234567") << 1234567 << "640x360(100%)  25FPS 1.23Mbps";
 }
 
-void tst_PlayCameraForm::statusLine()
+void TestPlayCameraForm::statusLine()
 {
     QFETCH(int, bitRate);
     QFETCH(QString, text);
@@ -367,7 +367,7 @@ void tst_PlayCameraForm::statusLine()
     QCOMPARE(shownByToolTip(child("labelStatus")->toolTip()), text);
 }
 
-void tst_PlayCameraForm::statusLineShowsTheScaleShownAndNotTheZoomStep()
+void TestPlayCameraForm::statusLineShowsTheScaleShownAndNotTheZoomStep()
 {
     play(64, 48);
     QVERIFY2(status().startsWith(QStringLiteral("64x48(125%)  ")), qPrintable(status()));
@@ -377,7 +377,7 @@ void tst_PlayCameraForm::statusLineShowsTheScaleShownAndNotTheZoomStep()
     QVERIFY2(status().startsWith(QStringLiteral("64x48(200%)  ")), qPrintable(status()));
 }
 
-void tst_PlayCameraForm::aStreamWithoutSizeDoesNotCrashTheView()
+void TestPlayCameraForm::aStreamWithoutSizeDoesNotCrashTheView()
 {
     play(0, 0);
     QVERIFY(m_form->IsPlaying());
@@ -392,7 +392,7 @@ void tst_PlayCameraForm::aStreamWithoutSizeDoesNotCrashTheView()
     QVERIFY(status().startsWith(QStringLiteral("640x480(")));
 }
 
-void tst_PlayCameraForm::zoomButtonsWalkTheList()
+void TestPlayCameraForm::zoomButtonsWalkTheList()
 {
     play(320, 180);
     QCOMPARE(shownPicture(), QSize(320, 180));
@@ -412,7 +412,7 @@ void tst_PlayCameraForm::zoomButtonsWalkTheList()
     QCOMPARE(shownPicture(), QSize(192, 108));
 }
 
-void tst_PlayCameraForm::zoomingOutOfAFittedPictureStartsFromItsTrueScale()
+void TestPlayCameraForm::zoomingOutOfAFittedPictureStartsFromItsTrueScale()
 {
     m_form->resize(1012, 820);
     play(1920, 1080);
@@ -426,7 +426,7 @@ void tst_PlayCameraForm::zoomingOutOfAFittedPictureStartsFromItsTrueScale()
     QCOMPARE(shownPicture().width(), (truth > 50 ? 50 : 40) * 1920 / 100);
 }
 
-void tst_PlayCameraForm::zoomWithoutAStreamHasNoEffectOnIt()
+void TestPlayCameraForm::zoomWithoutAStreamHasNoEffectOnIt()
 {
     m_form->SetCamera(m_live->camera());
     m_form->StartPlay();
@@ -438,7 +438,7 @@ void tst_PlayCameraForm::zoomWithoutAStreamHasNoEffectOnIt()
     QCOMPARE(status(), QStringLiteral("Camera H is connecting..."));
 }
 
-void tst_PlayCameraForm::aResizeReturnsToTheNaturalZoom()
+void TestPlayCameraForm::aResizeReturnsToTheNaturalZoom()
 {
     play(320, 180);
     click("btnZoomIn");
@@ -450,7 +450,7 @@ void tst_PlayCameraForm::aResizeReturnsToTheNaturalZoom()
     QCOMPARE(shownPicture(), QSize(400, 225));
 }
 
-void tst_PlayCameraForm::thePictureSizeIsTheSurfaceSize()
+void TestPlayCameraForm::thePictureSizeIsTheSurfaceSize()
 {
     play(320, 180);
     QWidget *box = child("frameVideoClient");
@@ -463,7 +463,7 @@ void tst_PlayCameraForm::thePictureSizeIsTheSurfaceSize()
     QCOMPARE(child("framePanel")->geometry(), QRect(6, 185, 320, 18));
 }
 
-void tst_PlayCameraForm::aStreamThatChangesItsSizeIsLaidOutAnew()
+void TestPlayCameraForm::aStreamThatChangesItsSizeIsLaidOutAnew()
 {
     play(320, 180);
     click("btnRecord");
@@ -477,7 +477,7 @@ void tst_PlayCameraForm::aStreamThatChangesItsSizeIsLaidOutAnew()
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
 }
 
-void tst_PlayCameraForm::debugLinesToTheLetter()
+void TestPlayCameraForm::debugLinesToTheLetter()
 {
     play(320, 180);
     const LogLines log;
@@ -488,7 +488,7 @@ void tst_PlayCameraForm::debugLinesToTheLetter()
              QStringList{QStringLiteral("resizeVideoWindow() (400 225)\r\n")});
 }
 
-void tst_PlayCameraForm::fullHdInItsArea()
+void TestPlayCameraForm::fullHdInItsArea()
 {
     QWidget *area = child("frameVideoArea");
     m_form->resize(m_form->size() + QSize(1000, 700) - area->size());
@@ -504,7 +504,7 @@ void tst_PlayCameraForm::fullHdInItsArea()
                 .contains(QStringLiteral("CalculateVideoSize() 50 (970 545)\r\n")));
 }
 
-void tst_PlayCameraForm::aDoubleClickTogglesFullScreen()
+void TestPlayCameraForm::aDoubleClickTogglesFullScreen()
 {
     play();
     QWidget *frame = child("frameVideoFrame");
@@ -525,7 +525,7 @@ void tst_PlayCameraForm::aDoubleClickTogglesFullScreen()
     QVERIFY(!frame->isWindow());
 }
 
-void tst_PlayCameraForm::escapeLeavesAndEntersFullScreen()
+void TestPlayCameraForm::escapeLeavesAndEntersFullScreen()
 {
     play();
     QWidget *frame = child("frameVideoFrame");
@@ -539,7 +539,7 @@ void tst_PlayCameraForm::escapeLeavesAndEntersFullScreen()
     QVERIFY(frame->isFullScreen());
 }
 
-void tst_PlayCameraForm::theFullScreenButtonOnlyEnters()
+void TestPlayCameraForm::theFullScreenButtonOnlyEnters()
 {
     play();
     click("btnFullScreen");
@@ -547,7 +547,7 @@ void tst_PlayCameraForm::theFullScreenButtonOnlyEnters()
     QVERIFY(child("frameVideoFrame")->isFullScreen());
 }
 
-void tst_PlayCameraForm::aReconnectInFullScreenStaysThere()
+void TestPlayCameraForm::aReconnectInFullScreenStaysThere()
 {
     play();
     QWidget *frame = child("frameVideoFrame");
@@ -564,7 +564,7 @@ void tst_PlayCameraForm::aReconnectInFullScreenStaysThere()
     QVERIFY(frame->isFullScreen());
 }
 
-void tst_PlayCameraForm::theStreamFollowsANewNativeWindow()
+void TestPlayCameraForm::theStreamFollowsANewNativeWindow()
 {
     play();
     click("btnFullScreen");
@@ -590,7 +590,7 @@ void tst_PlayCameraForm::theStreamFollowsANewNativeWindow()
     QCOMPARE(m_live->count("RtspPlayer_Play"), plays + 1);
 }
 
-void tst_PlayCameraForm::streamAndRecordingGoOnThroughTheFullScreen()
+void TestPlayCameraForm::streamAndRecordingGoOnThroughTheFullScreen()
 {
     play();
     click("btnRecord");
@@ -610,7 +610,7 @@ void tst_PlayCameraForm::streamAndRecordingGoOnThroughTheFullScreen()
     QVERIFY(m_live->camera()->is_writing());
 }
 
-void tst_PlayCameraForm::aFocusedPictureShowsIt()
+void TestPlayCameraForm::aFocusedPictureShowsIt()
 {
     play();
     m_form->activateWindow();
@@ -623,7 +623,7 @@ void tst_PlayCameraForm::aFocusedPictureShowsIt()
     QCOMPARE(child("framePanel")->grab().toImage(), without);
 }
 
-void tst_PlayCameraForm::stoppingLeavesFullScreen()
+void TestPlayCameraForm::stoppingLeavesFullScreen()
 {
     play();
     click("btnFullScreen");
@@ -639,7 +639,7 @@ void tst_PlayCameraForm::stoppingLeavesFullScreen()
              QStringList{QStringLiteral("RtspPlayer_Stop")});
 }
 
-void tst_PlayCameraForm::destructionInFullScreen()
+void TestPlayCameraForm::destructionInFullScreen()
 {
     play();
     click("btnFullScreen");
@@ -649,7 +649,7 @@ void tst_PlayCameraForm::destructionInFullScreen()
     QVERIFY(!m_live->camera()->is_playing());
 }
 
-void tst_PlayCameraForm::volumeIsGivenWhilePlaying()
+void TestPlayCameraForm::volumeIsGivenWhilePlaying()
 {
     auto *slider = child<CVolumeSliderForm>("sliderVolume");
     m_form->SetCamera(m_live->camera());
@@ -663,7 +663,7 @@ void tst_PlayCameraForm::volumeIsGivenWhilePlaying()
     QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 0);
 }
 
-void tst_PlayCameraForm::muteGivesVolumeZeroAndBack()
+void TestPlayCameraForm::muteGivesVolumeZeroAndBack()
 {
     play();
     auto *mute = child("sliderVolume")->findChild<QToolButton *>();
@@ -675,7 +675,7 @@ void tst_PlayCameraForm::muteGivesVolumeZeroAndBack()
     QCOMPARE(m_live->lastNumber("RtspPlayer_SetVolume"), 70);
 }
 
-void tst_PlayCameraForm::eachReportGivesTheVolumeAgain()
+void TestPlayCameraForm::eachReportGivesTheVolumeAgain()
 {
     play();
     const int before = m_live->count("RtspPlayer_SetVolume");
@@ -683,7 +683,7 @@ void tst_PlayCameraForm::eachReportGivesTheVolumeAgain()
     QCOMPARE(m_live->count("RtspPlayer_SetVolume"), before + 5);
 }
 
-void tst_PlayCameraForm::snapshotPlaysItsSoundFirstAndWritesTheNamedFile()
+void TestPlayCameraForm::snapshotPlaysItsSoundFirstAndWritesTheNamedFile()
 {
     play();
     int writtenBefore = -1;
@@ -697,7 +697,7 @@ void tst_PlayCameraForm::snapshotPlaysItsSoundFirstAndWritesTheNamedFile()
     QVERIFY(QFile::exists(file));
 }
 
-void tst_PlayCameraForm::snapshotWithoutAPlayingCameraOnlySounds()
+void TestPlayCameraForm::snapshotWithoutAPlayingCameraOnlySounds()
 {
     m_form->SetCamera(m_live->camera());
     click("btnSnapshot");
@@ -706,7 +706,7 @@ void tst_PlayCameraForm::snapshotWithoutAPlayingCameraOnlySounds()
     QVERIFY(!QDir(m_live->folder()).exists());
 }
 
-void tst_PlayCameraForm::snapshotMakesTheMissingFolder()
+void TestPlayCameraForm::snapshotMakesTheMissingFolder()
 {
     CameraSettings::instance().setAlbumPath(CameraSettings::instance().albumPath() +
                                             QStringLiteral("/new/folder"));
@@ -716,7 +716,7 @@ void tst_PlayCameraForm::snapshotMakesTheMissingFolder()
     QVERIFY(QFile::exists(m_live->folder() + QStringLiteral("/20240305_070809.jpg")));
 }
 
-void tst_PlayCameraForm::recordTakesTheStillAndWritesToTheBase()
+void TestPlayCameraForm::recordTakesTheStillAndWritesToTheBase()
 {
     play();
     m_live->player()->forgetCalls();
@@ -732,7 +732,7 @@ void tst_PlayCameraForm::recordTakesTheStillAndWritesToTheBase()
     QCOMPARE(m_live->lastNumber("RtspPlayer_BeginWriting"), 104857600);
 }
 
-void tst_PlayCameraForm::recordOffEndsWriting()
+void TestPlayCameraForm::recordOffEndsWriting()
 {
     play();
     click("btnRecord");
@@ -742,7 +742,7 @@ void tst_PlayCameraForm::recordOffEndsWriting()
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
 }
 
-void tst_PlayCameraForm::recordWhileTheSessionWritesAlreadyDoesNothing()
+void TestPlayCameraForm::recordWhileTheSessionWritesAlreadyDoesNothing()
 {
     play();
     m_live->change([](auto &script) { script.writing = 1; });
@@ -752,7 +752,7 @@ void tst_PlayCameraForm::recordWhileTheSessionWritesAlreadyDoesNothing()
     QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 0);
 }
 
-void tst_PlayCameraForm::aRecordingRequestedBeforeThePictureStartsWithIt()
+void TestPlayCameraForm::aRecordingRequestedBeforeThePictureStartsWithIt()
 {
     m_form->SetCamera(m_live->camera());
     click("btnRecord");
@@ -763,7 +763,7 @@ void tst_PlayCameraForm::aRecordingRequestedBeforeThePictureStartsWithIt()
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
 }
 
-void tst_PlayCameraForm::recordingResumesAfterAReconnectInANewFile()
+void TestPlayCameraForm::recordingResumesAfterAReconnectInANewFile()
 {
     play();
     click("btnRecord");
@@ -783,7 +783,7 @@ void tst_PlayCameraForm::recordingResumesAfterAReconnectInANewFile()
              m_live->folder() + QStringLiteral("/20240305_070842.mp4.jpeg"));
 }
 
-void tst_PlayCameraForm::twoRecordingsInTheSameSecondHaveTheSameName()
+void TestPlayCameraForm::twoRecordingsInTheSameSecondHaveTheSameName()
 {
     play();
     click("btnRecord");
@@ -794,7 +794,7 @@ void tst_PlayCameraForm::twoRecordingsInTheSameSecondHaveTheSameName()
     QCOMPARE(m_live->lastText("RtspPlayer_BeginWriting"), first);
 }
 
-void tst_PlayCameraForm::theRecordIndicatorFollows()
+void TestPlayCameraForm::theRecordIndicatorFollows()
 {
     QVERIFY(child("labelRecording")->styleSheet().isEmpty());
     click("btnRecord");
@@ -806,7 +806,7 @@ void tst_PlayCameraForm::theRecordIndicatorFollows()
     QVERIFY(hasIcon("btnRecord", QStringLiteral(":/images/panelbtn/recordbtn_default.png")));
 }
 
-void tst_PlayCameraForm::talkBackStartsAndStops()
+void TestPlayCameraForm::talkBackStartsAndStops()
 {
     play();
     click("btnOutVolume");
@@ -819,7 +819,7 @@ void tst_PlayCameraForm::talkBackStartsAndStops()
     QCOMPARE(m_live->count("AudioUpload_Play"), 1);
 }
 
-void tst_PlayCameraForm::talkBackIsRestartedWhenTheUploadHasEnded()
+void TestPlayCameraForm::talkBackIsRestartedWhenTheUploadHasEnded()
 {
     play();
     click("btnOutVolume");
@@ -830,7 +830,7 @@ void tst_PlayCameraForm::talkBackIsRestartedWhenTheUploadHasEnded()
     QCOMPARE(m_live->count("AudioUpload_Play"), 2);
 }
 
-void tst_PlayCameraForm::talkBackIsNotRestartedWhileDisconnected()
+void TestPlayCameraForm::talkBackIsNotRestartedWhileDisconnected()
 {
     play();
     click("btnOutVolume");
@@ -846,7 +846,7 @@ void tst_PlayCameraForm::talkBackIsNotRestartedWhileDisconnected()
     QTRY_COMPARE_WITH_TIMEOUT(m_live->count("AudioUpload_Play"), 2, deadline);
 }
 
-void tst_PlayCameraForm::backAsksForTheCameraPage()
+void TestPlayCameraForm::backAsksForTheCameraPage()
 {
     play();
     click("btnBack");
@@ -855,7 +855,7 @@ void tst_PlayCameraForm::backAsksForTheCameraPage()
     QVERIFY(m_form->IsPlaying());
 }
 
-void tst_PlayCameraForm::stopEndsEverythingAndForgetsTheCamera()
+void TestPlayCameraForm::stopEndsEverythingAndForgetsTheCamera()
 {
     play();
     click("btnRecord");
@@ -880,7 +880,7 @@ void tst_PlayCameraForm::stopEndsEverythingAndForgetsTheCamera()
     QCOMPARE(m_live->count("RtspPlayer_Stop_Connecting"), 0);
 }
 
-void tst_PlayCameraForm::aReportThatIsUnderWayAtStopIsPassedOver()
+void TestPlayCameraForm::aReportThatIsUnderWayAtStopIsPassedOver()
 {
     play();
     m_live->player()->forgetCalls();
@@ -891,7 +891,7 @@ void tst_PlayCameraForm::aReportThatIsUnderWayAtStopIsPassedOver()
     QCOMPARE(m_live->count("RtspPlayer_SetVolume"), 0);
 }
 
-void tst_PlayCameraForm::theSessionMayBeDestroyedWhileItIsShown()
+void TestPlayCameraForm::theSessionMayBeDestroyedWhileItIsShown()
 {
     play();
     CCamera *camera = m_live->camera();
@@ -905,7 +905,7 @@ void tst_PlayCameraForm::theSessionMayBeDestroyedWhileItIsShown()
     m_form->StopPlay();
 }
 
-void tst_PlayCameraForm::aWriteThatFailsIsNotReported()
+void TestPlayCameraForm::aWriteThatFailsIsNotReported()
 {
     play();
     m_live->change([](auto &script) {
@@ -921,7 +921,7 @@ void tst_PlayCameraForm::aWriteThatFailsIsNotReported()
     QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
 }
 
-void tst_PlayCameraForm::aNameWithMarkupIsShownAsItIs()
+void TestPlayCameraForm::aNameWithMarkupIsShownAsItIs()
 {
     m_live->addCameras({QStringLiteral("<b>&amp;")});
     m_form->SetCamera(m_live->camera(1));
@@ -930,7 +930,7 @@ void tst_PlayCameraForm::aNameWithMarkupIsShownAsItIs()
     QCOMPARE(child<QLabel>("labelStatus")->textFormat(), Qt::PlainText);
 }
 
-void tst_PlayCameraForm::thePageFitsTheSmallestWindow()
+void TestPlayCameraForm::thePageFitsTheSmallestWindow()
 {
     // The window may be dragged to 400 pixels, borders and all.
     QVERIFY2(m_form->minimumSizeHint().width() <= 380,
@@ -943,7 +943,7 @@ void tst_PlayCameraForm::thePageFitsTheSmallestWindow()
         QVERIFY(button->visibleRegion().boundingRect() == button->rect());
 }
 
-void tst_PlayCameraForm::thePanelDoesNotMoveWithTheFocus()
+void TestPlayCameraForm::thePanelDoesNotMoveWithTheFocus()
 {
     m_form->setStyleSheet(zelvaro::applicationStyleSheet());
     m_form->activateWindow();
@@ -957,7 +957,7 @@ void tst_PlayCameraForm::thePanelDoesNotMoveWithTheFocus()
     }
 }
 
-void tst_PlayCameraForm::theKeyboardReachesEveryControl()
+void TestPlayCameraForm::theKeyboardReachesEveryControl()
 {
     QSet<QString> reached;
     m_form->activateWindow();
@@ -981,5 +981,5 @@ void tst_PlayCameraForm::theKeyboardReachesEveryControl()
     QCOMPARE(m_live->host.pages, QStringList{QStringLiteral("manager")});
 }
 
-QTEST_MAIN(tst_PlayCameraForm)
+QTEST_MAIN(TestPlayCameraForm)
 #include "tst_play_camera_form.moc"

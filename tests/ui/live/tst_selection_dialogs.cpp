@@ -15,7 +15,7 @@
 #include <QScrollArea>
 #include <QToolButton>
 
-class tst_SelectionDialogs : public QObject
+class TestSelectionDialogs : public QObject
 {
     Q_OBJECT
 
@@ -58,18 +58,18 @@ private:
     std::unique_ptr<LiveFixture> m_live;
 };
 
-void tst_SelectionDialogs::init()
+void TestSelectionDialogs::init()
 {
     m_live = std::make_unique<LiveFixture>();
 }
 
-void tst_SelectionDialogs::cleanup()
+void TestSelectionDialogs::cleanup()
 {
     zelvaro::shownCameras().clear();
     m_live.reset();
 }
 
-void tst_SelectionDialogs::theDialogIsFrameless()
+void TestSelectionDialogs::theDialogIsFrameless()
 {
     CSelectCameraForm dialog;
     QVERIFY(dialog.windowFlags() & Qt::FramelessWindowHint);
@@ -92,7 +92,7 @@ void tst_SelectionDialogs::theDialogIsFrameless()
     QCOMPARE(dialog.pos(), QPoint(150, 130));
 }
 
-void tst_SelectionDialogs::okAcceptsAndCloseRejects()
+void TestSelectionDialogs::okAcceptsAndCloseRejects()
 {
     for (const char *button : {"btnOK", "btnClose"}) {
         CSelectCameraForm dialog;
@@ -102,7 +102,7 @@ void tst_SelectionDialogs::okAcceptsAndCloseRejects()
     }
 }
 
-void tst_SelectionDialogs::escapeRejectsAndEnterAccepts()
+void TestSelectionDialogs::escapeRejectsAndEnterAccepts()
 {
     m_live->addCameras({QStringLiteral("A")});
     for (Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
@@ -115,7 +115,7 @@ void tst_SelectionDialogs::escapeRejectsAndEnterAccepts()
     }
 }
 
-void tst_SelectionDialogs::oneTileForEachCameraInListOrder()
+void TestSelectionDialogs::oneTileForEachCameraInListOrder()
 {
     m_live->addCameras({QStringLiteral("B"), QStringLiteral("A"), QStringLiteral("C")});
     CSelectCameraForm dialog;
@@ -129,7 +129,7 @@ void tst_SelectionDialogs::oneTileForEachCameraInListOrder()
     }
 }
 
-void tst_SelectionDialogs::marksStartAsTheFlagsAre()
+void TestSelectionDialogs::marksStartAsTheFlagsAre()
 {
     m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")});
     CameraSettings::instance().at(1)->multiLive = false;
@@ -141,7 +141,7 @@ void tst_SelectionDialogs::marksStartAsTheFlagsAre()
     QVERIFY(checkStyle(tiles(dialog).at(1)).isEmpty());
 }
 
-void tst_SelectionDialogs::applyStoresTheFlagsAndSavesTheFile()
+void TestSelectionDialogs::applyStoresTheFlagsAndSavesTheFile()
 {
     m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")}, false);
     CSelectCameraForm dialog;
@@ -158,7 +158,7 @@ void tst_SelectionDialogs::applyStoresTheFlagsAndSavesTheFile()
     QVERIFY(saved.indexOf("MULTILIVE=1") > saved.indexOf("HOSTNAME=B"));
 }
 
-void tst_SelectionDialogs::withoutCamerasTheDialogIsEmptyAndOkStillSaves()
+void TestSelectionDialogs::withoutCamerasTheDialogIsEmptyAndOkStillSaves()
 {
     CSelectCameraForm dialog;
     QVERIFY(tiles(dialog).isEmpty());
@@ -167,7 +167,7 @@ void tst_SelectionDialogs::withoutCamerasTheDialogIsEmptyAndOkStillSaves()
     QVERIFY(QFile::exists(CameraSettings::instance().configFile()));
 }
 
-void tst_SelectionDialogs::theRecordingDialogShowsTheShownCameras()
+void TestSelectionDialogs::theRecordingDialogShowsTheShownCameras()
 {
     m_live->addCameras({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")});
     zelvaro::shownCameras() = {m_live->camera(2), m_live->camera(0)};
@@ -180,7 +180,7 @@ void tst_SelectionDialogs::theRecordingDialogShowsTheShownCameras()
     QVERIFY(tiles(dialog).at(1)->isChecked());
 }
 
-void tst_SelectionDialogs::applyingTheRecordingDialogSavesNothing()
+void TestSelectionDialogs::applyingTheRecordingDialogSavesNothing()
 {
     m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")});
     zelvaro::shownCameras() = {m_live->camera(0), m_live->camera(1)};
@@ -193,7 +193,7 @@ void tst_SelectionDialogs::applyingTheRecordingDialogSavesNothing()
     QVERIFY(!QFile::exists(CameraSettings::instance().configFile()));
 }
 
-void tst_SelectionDialogs::theEmptyRecordingDialogAppliesNothing()
+void TestSelectionDialogs::theEmptyRecordingDialogAppliesNothing()
 {
     m_live->addCameras({QStringLiteral("A")});
     CameraSettings::instance().at(0)->recordSelected = true;
@@ -203,7 +203,7 @@ void tst_SelectionDialogs::theEmptyRecordingDialogAppliesNothing()
     QVERIFY(CameraSettings::instance().at(0)->recordSelected);
 }
 
-void tst_SelectionDialogs::closingChangesNothing()
+void TestSelectionDialogs::closingChangesNothing()
 {
     m_live->addCameras({QStringLiteral("A")});
     {
@@ -216,7 +216,7 @@ void tst_SelectionDialogs::closingChangesNothing()
     QVERIFY(!QFile::exists(CameraSettings::instance().configFile()));
 }
 
-void tst_SelectionDialogs::nineCamerasFillTwoRowsAndTheFirstColumnOfTheThird()
+void TestSelectionDialogs::nineCamerasFillTwoRowsAndTheFirstColumnOfTheThird()
 {
     QStringList hostnames;
     for (int i = 0; i < 9; ++i)
@@ -240,7 +240,7 @@ void tst_SelectionDialogs::nineCamerasFillTwoRowsAndTheFirstColumnOfTheThird()
     QVERIFY(tiles(dialog).at(3)->geometry().right() < scroll->viewport()->width());
 }
 
-void tst_SelectionDialogs::aHundredCamerasScroll()
+void TestSelectionDialogs::aHundredCamerasScroll()
 {
     QStringList hostnames;
     for (int i = 0; i < 100; ++i)
@@ -269,7 +269,7 @@ void tst_SelectionDialogs::aHundredCamerasScroll()
     QTRY_VERIFY_WITH_TIMEOUT(picture(99)->isVisible(), LiveFixture::deadline);
 }
 
-void tst_SelectionDialogs::aPressAnywhereOnATileToggles()
+void TestSelectionDialogs::aPressAnywhereOnATileToggles()
 {
     m_live->addCameras({QStringLiteral("A")}, false);
     CSelectCameraItemForm tile(false);
@@ -292,7 +292,7 @@ void tst_SelectionDialogs::aPressAnywhereOnATileToggles()
     QCOMPARE(clicked.count(), 4);
 }
 
-void tst_SelectionDialogs::spaceTogglesAndTabWalks()
+void TestSelectionDialogs::spaceTogglesAndTabWalks()
 {
     m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")}, false);
     CSelectCameraForm dialog;
@@ -314,7 +314,7 @@ void tst_SelectionDialogs::spaceTogglesAndTabWalks()
     QCOMPARE(dialog.focusWidget()->objectName(), QStringLiteral("btnClose"));
 }
 
-void tst_SelectionDialogs::theThumbnailIsShownWhenThereIsOne()
+void TestSelectionDialogs::theThumbnailIsShownWhenThereIsOne()
 {
     m_live->addCameras({QStringLiteral("A"), QStringLiteral("B")});
     m_live->camera(0)->take_thumb();
@@ -331,7 +331,7 @@ void tst_SelectionDialogs::theThumbnailIsShownWhenThereIsOne()
                                       "url(:/images/cameraitem/novideo.png);}"));
 }
 
-void tst_SelectionDialogs::aThumbnailInAFolderWithBlanksIsShown()
+void TestSelectionDialogs::aThumbnailInAFolderWithBlanksIsShown()
 {
     CameraSettings::instance().setAlbumPath(CameraSettings::instance().albumPath() +
                                             QStringLiteral("/My 'photos' (new)"));
@@ -350,7 +350,7 @@ void tst_SelectionDialogs::aThumbnailInAFolderWithBlanksIsShown()
     QCOMPARE(client->grab().toImage().pixelColor(client->rect().center()), QColor(Qt::red));
 }
 
-void tst_SelectionDialogs::aLongNameStaysInItsTile()
+void TestSelectionDialogs::aLongNameStaysInItsTile()
 {
     m_live->addCameras({QString(300, QLatin1Char('W'))});
     CSelectCameraItemForm tile(false);
@@ -363,7 +363,7 @@ void tst_SelectionDialogs::aLongNameStaysInItsTile()
     QCOMPARE(shownByToolTip(name->toolTip()), m_live->camera()->name());
 }
 
-void tst_SelectionDialogs::aSessionDestroyedMeanwhileIsPassedOver()
+void TestSelectionDialogs::aSessionDestroyedMeanwhileIsPassedOver()
 {
     m_live->addCameras({QStringLiteral("A")});
     CSelectCameraForm dialog;
@@ -376,5 +376,5 @@ void tst_SelectionDialogs::aSessionDestroyedMeanwhileIsPassedOver()
     QVERIFY(CameraSettings::instance().at(0)->multiLive);
 }
 
-QTEST_MAIN(tst_SelectionDialogs)
+QTEST_MAIN(TestSelectionDialogs)
 #include "tst_selection_dialogs.moc"

@@ -24,7 +24,7 @@ protected:
 
 } // namespace
 
-class tst_VideoFrame : public QObject
+class TestVideoFrame : public QObject
 {
     Q_OBJECT
 
@@ -54,7 +54,7 @@ private:
     std::unique_ptr<CVideoFrame> m_frame;
 };
 
-void tst_VideoFrame::init()
+void TestVideoFrame::init()
 {
     m_frame = std::make_unique<CVideoFrame>();
     m_frame->resize(400, 300);
@@ -62,7 +62,7 @@ void tst_VideoFrame::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_frame.get()));
 }
 
-void tst_VideoFrame::hasNoSurfaceUntilAsked()
+void TestVideoFrame::hasNoSurfaceUntilAsked()
 {
     QVERIFY(!m_frame->renderSurface());
     QVERIFY(m_frame->findChildren<QWidget *>().isEmpty());
@@ -71,7 +71,7 @@ void tst_VideoFrame::hasNoSurfaceUntilAsked()
     QCOMPARE(m_frame->styleSheet(), QStringLiteral("background-color:rgb(0,0,0);"));
 }
 
-void tst_VideoFrame::aFreshSurfaceFillsTheFrame()
+void TestVideoFrame::aFreshSurfaceFillsTheFrame()
 {
     QWidget *surface = m_frame->CreateRenderSurface();
     QCOMPARE(surface, m_frame->renderSurface());
@@ -86,13 +86,13 @@ void tst_VideoFrame::aFreshSurfaceFillsTheFrame()
     QVERIFY(overlay()->testAttribute(Qt::WA_TranslucentBackground));
 }
 
-void tst_VideoFrame::theOverlayHasNoShape()
+void TestVideoFrame::theOverlayHasNoShape()
 {
     m_frame->CreateRenderSurface();
     QVERIFY(!overlay()->mask().intersects(overlay()->rect()));
 }
 
-void tst_VideoFrame::theOldPairIsDeletedLaterAndNeverAtOnce()
+void TestVideoFrame::theOldPairIsDeletedLaterAndNeverAtOnce()
 {
     QPointer<QWidget> oldSurface = m_frame->CreateRenderSurface();
     QPointer<QWidget> oldOverlay = overlay();
@@ -105,7 +105,7 @@ void tst_VideoFrame::theOldPairIsDeletedLaterAndNeverAtOnce()
     QCOMPARE(m_frame->renderSurface(), fresh);
 }
 
-void tst_VideoFrame::surfacesFollowTheFrameWhileTheSizeIsUnknown()
+void TestVideoFrame::surfacesFollowTheFrameWhileTheSizeIsUnknown()
 {
     QWidget *surface = m_frame->CreateRenderSurface();
     m_frame->resize(320, 200);
@@ -113,7 +113,7 @@ void tst_VideoFrame::surfacesFollowTheFrameWhileTheSizeIsUnknown()
     QCOMPARE(overlay()->geometry(), QRect(0, 0, 320, 200));
 }
 
-void tst_VideoFrame::aResizeToTheSameSizeWithAKnownVideoSizeDoesNothing()
+void TestVideoFrame::aResizeToTheSameSizeWithAKnownVideoSizeDoesNothing()
 {
     QWidget *surface = m_frame->CreateRenderSurface();
     m_frame->SetVideoSize(640, 360);
@@ -126,7 +126,7 @@ void tst_VideoFrame::aResizeToTheSameSizeWithAKnownVideoSizeDoesNothing()
     QCOMPARE(surface->geometry(), QRect(5, 5, 10, 10));
 }
 
-void tst_VideoFrame::withAnUnknownVideoSizeTheSurfacesAreSetEveryTime()
+void TestVideoFrame::withAnUnknownVideoSizeTheSurfacesAreSetEveryTime()
 {
     QWidget *surface = m_frame->CreateRenderSurface();
     EventCount events(surface);
@@ -141,7 +141,7 @@ void tst_VideoFrame::withAnUnknownVideoSizeTheSurfacesAreSetEveryTime()
     QCOMPARE(events.hidden, 0);
 }
 
-void tst_VideoFrame::aKnownSizeHidesMovesAndShows()
+void TestVideoFrame::aKnownSizeHidesMovesAndShows()
 {
     QWidget *surface = m_frame->CreateRenderSurface();
     EventCount surfaceEvents(surface);
@@ -157,7 +157,7 @@ void tst_VideoFrame::aKnownSizeHidesMovesAndShows()
     QVERIFY(overlay()->isVisible());
 }
 
-void tst_VideoFrame::aSecondSurfaceIsVisibleToo()
+void TestVideoFrame::aSecondSurfaceIsVisibleToo()
 {
     m_frame->CreateRenderSurface();
     m_frame->SetVideoSize(640, 360);
@@ -169,7 +169,7 @@ void tst_VideoFrame::aSecondSurfaceIsVisibleToo()
     QCOMPARE(overlay()->geometry(), QRect(0, 0, 400, 300));
 }
 
-void tst_VideoFrame::sizeZeroIsAKnownSize()
+void TestVideoFrame::sizeZeroIsAKnownSize()
 {
     QWidget *surface = m_frame->CreateRenderSurface();
     m_frame->SetVideoSize(0, 0);
@@ -179,7 +179,7 @@ void tst_VideoFrame::sizeZeroIsAKnownSize()
     QCOMPARE(surface->geometry(), QRect(0, 0, 100, 100));
 }
 
-void tst_VideoFrame::clicksAndDoubleClicksOnThePictureArriveAtTheFrame()
+void TestVideoFrame::clicksAndDoubleClicksOnThePictureArriveAtTheFrame()
 {
     QWidget *surface = m_frame->CreateRenderSurface();
     QSignalSpy clicked(m_frame.get(), &CVideoFrame::clicked);
@@ -194,7 +194,7 @@ void tst_VideoFrame::clicksAndDoubleClicksOnThePictureArriveAtTheFrame()
     QCOMPARE(clicked.count(), 2);
 }
 
-void tst_VideoFrame::aDoubleClickWithAnotherButtonIsAPress()
+void TestVideoFrame::aDoubleClickWithAnotherButtonIsAPress()
 {
     QSignalSpy clicked(m_frame.get(), &CVideoFrame::clicked);
     QSignalSpy doubled(m_frame.get(), &CVideoFrame::doubleClicked);
@@ -203,7 +203,7 @@ void tst_VideoFrame::aDoubleClickWithAnotherButtonIsAPress()
     QCOMPARE(clicked.count(), 1);
 }
 
-void tst_VideoFrame::escapeReleasedIsADoubleClick()
+void TestVideoFrame::escapeReleasedIsADoubleClick()
 {
     QSignalSpy doubled(m_frame.get(), &CVideoFrame::doubleClicked);
     QTest::keyPress(m_frame.get(), Qt::Key_Escape);
@@ -216,7 +216,7 @@ void tst_VideoFrame::escapeReleasedIsADoubleClick()
     QCOMPARE(doubled.count(), 2);
 }
 
-void tst_VideoFrame::otherKeysAndTheRepeatOfEscapeAreNot()
+void TestVideoFrame::otherKeysAndTheRepeatOfEscapeAreNot()
 {
     QSignalSpy doubled(m_frame.get(), &CVideoFrame::doubleClicked);
     for (int key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_F11, Qt::Key_A})
@@ -226,7 +226,7 @@ void tst_VideoFrame::otherKeysAndTheRepeatOfEscapeAreNot()
     QCOMPARE(doubled.count(), 0);
 }
 
-void tst_VideoFrame::aReleaseOfEscapeThatWasPressedElsewhereIsPassedOver()
+void TestVideoFrame::aReleaseOfEscapeThatWasPressedElsewhereIsPassedOver()
 {
     QSignalSpy doubled(m_frame.get(), &CVideoFrame::doubleClicked);
     QTest::keyRelease(m_frame.get(), Qt::Key_Escape);
@@ -243,19 +243,19 @@ void tst_VideoFrame::aReleaseOfEscapeThatWasPressedElsewhereIsPassedOver()
     QCOMPARE(doubled.count(), 1);
 }
 
-void tst_VideoFrame::theFrameTakesKeyboardFocus()
+void TestVideoFrame::theFrameTakesKeyboardFocus()
 {
     m_frame->activateWindow();
     m_frame->setFocus();
     QTRY_VERIFY_WITH_TIMEOUT(m_frame->hasFocus(), 20000);
 }
 
-void tst_VideoFrame::theFrameIsBlack()
+void TestVideoFrame::theFrameIsBlack()
 {
     QCOMPARE(m_frame->grab().toImage().pixelColor(200, 150), QColor(Qt::black));
     m_frame->CreateRenderSurface();
     QCOMPARE(m_frame->grab().toImage().pixelColor(200, 150), QColor(Qt::black));
 }
 
-QTEST_MAIN(tst_VideoFrame)
+QTEST_MAIN(TestVideoFrame)
 #include "tst_video_frame.moc"

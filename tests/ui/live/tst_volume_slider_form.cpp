@@ -6,7 +6,7 @@
 #include <QToolButton>
 #include <QtTest>
 
-class tst_VolumeSliderForm : public QObject
+class TestVolumeSliderForm : public QObject
 {
     Q_OBJECT
 
@@ -30,7 +30,7 @@ private:
     QToolButton *m_mute = nullptr;
 };
 
-void tst_VolumeSliderForm::init()
+void TestVolumeSliderForm::init()
 {
     m_form = std::make_unique<CVolumeSliderForm>();
     m_form->setRange(0, 200);
@@ -44,7 +44,7 @@ void tst_VolumeSliderForm::init()
     QVERIFY(QTest::qWaitForWindowExposed(m_form.get()));
 }
 
-QString tst_VolumeSliderForm::muteStyle(const QString &image)
+QString TestVolumeSliderForm::muteStyle(const QString &image)
 {
     return QStringLiteral("QToolButton{border-image: url(:/images/panelbtn/") + image +
            QStringLiteral(".png);border:none;}\nQToolButton:hover{border-image: "
@@ -55,7 +55,7 @@ QString tst_VolumeSliderForm::muteStyle(const QString &image)
            image + QStringLiteral(".png);border:none;}\n");
 }
 
-void tst_VolumeSliderForm::rangeAndValuePassThrough()
+void TestVolumeSliderForm::rangeAndValuePassThrough()
 {
     QCOMPARE(m_slider->minimum(), 0);
     QCOMPARE(m_slider->maximum(), 200);
@@ -68,14 +68,14 @@ void tst_VolumeSliderForm::rangeAndValuePassThrough()
     QCOMPARE(m_form->value(), 0);
 }
 
-void tst_VolumeSliderForm::valueIsAProperty()
+void TestVolumeSliderForm::valueIsAProperty()
 {
     QCOMPARE(m_form->property("value").toInt(), 100);
     QVERIFY(m_form->setProperty("value", 60));
     QCOMPARE(m_form->value(), 60);
 }
 
-void tst_VolumeSliderForm::draggingTheSliderReportsItsValue()
+void TestVolumeSliderForm::draggingTheSliderReportsItsValue()
 {
     QSignalSpy changed(m_form.get(), &CVolumeSliderForm::valueChanged);
     const QPoint handle(m_slider->width() / 2, m_slider->height() / 2);
@@ -89,7 +89,7 @@ void tst_VolumeSliderForm::draggingTheSliderReportsItsValue()
     QCOMPARE(changed.last().at(0).toInt(), m_form->value());
 }
 
-void tst_VolumeSliderForm::theKeyboardMovesTheSlider()
+void TestVolumeSliderForm::theKeyboardMovesTheSlider()
 {
     QSignalSpy changed(m_form.get(), &CVolumeSliderForm::valueChanged);
     QTest::keyClick(m_slider, Qt::Key_Right);
@@ -99,7 +99,7 @@ void tst_VolumeSliderForm::theKeyboardMovesTheSlider()
     QCOMPARE(m_form->value(), 0);
 }
 
-void tst_VolumeSliderForm::muteClickedTwiceGivesTrueThenFalseAndTheCheckedImages()
+void TestVolumeSliderForm::muteClickedTwiceGivesTrueThenFalseAndTheCheckedImages()
 {
     QSignalSpy muted(m_form.get(), &CVolumeSliderForm::muteChanged);
     QTest::mouseClick(m_mute, Qt::LeftButton);
@@ -115,7 +115,7 @@ void tst_VolumeSliderForm::muteClickedTwiceGivesTrueThenFalseAndTheCheckedImages
     QCOMPARE(m_mute->styleSheet(), muteStyle(QStringLiteral("volumebtn_checked")));
 }
 
-void tst_VolumeSliderForm::mutingLeavesTheValue()
+void TestVolumeSliderForm::mutingLeavesTheValue()
 {
     QSignalSpy changed(m_form.get(), &CVolumeSliderForm::valueChanged);
     QTest::mouseClick(m_mute, Qt::LeftButton);
@@ -123,7 +123,7 @@ void tst_VolumeSliderForm::mutingLeavesTheValue()
     QCOMPARE(changed.count(), 0);
 }
 
-void tst_VolumeSliderForm::soundIsOnAtFirst()
+void TestVolumeSliderForm::soundIsOnAtFirst()
 {
     QVERIFY(!m_form->isMuted());
     QCOMPARE(m_mute->styleSheet(), muteStyle(QStringLiteral("volumebtn_checked")));
@@ -132,7 +132,7 @@ void tst_VolumeSliderForm::soundIsOnAtFirst()
         QVERIFY2(QFile::exists(QStringLiteral(":/images/panelbtn/%1.png").arg(name)), name);
 }
 
-void tst_VolumeSliderForm::theMuteButtonIsReachedByKeyboard()
+void TestVolumeSliderForm::theMuteButtonIsReachedByKeyboard()
 {
     QSignalSpy muted(m_form.get(), &CVolumeSliderForm::muteChanged);
     m_mute->setFocus();
@@ -142,5 +142,5 @@ void tst_VolumeSliderForm::theMuteButtonIsReachedByKeyboard()
     QVERIFY(!m_slider->accessibleName().isEmpty());
 }
 
-QTEST_MAIN(tst_VolumeSliderForm)
+QTEST_MAIN(TestVolumeSliderForm)
 #include "tst_volume_slider_form.moc"

@@ -11,7 +11,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-class AddCameraFormTest : public QObject
+class TestAddCameraForm : public QObject
 {
     Q_OBJECT
 
@@ -62,7 +62,7 @@ private:
     }
 };
 
-void AddCameraFormTest::addingStartsEmpty()
+void TestAddCameraForm::addingStartsEmpty()
 {
     CAddCameraForm form(nullptr, nullptr);
     QCOMPARE(form.findChild<QLabel *>("labelTitle")->text(), QString("Add Camera"));
@@ -73,7 +73,7 @@ void AddCameraFormTest::addingStartsEmpty()
     QVERIFY(form.windowFlags() & Qt::FramelessWindowHint);
 }
 
-void AddCameraFormTest::modifyingIsFilledFromTheRecord()
+void TestAddCameraForm::modifyingIsFilledFromTheRecord()
 {
     CameraRecord record;
     record.hostname = "UID/1 & <2>";
@@ -96,7 +96,7 @@ void AddCameraFormTest::modifyingIsFilledFromTheRecord()
     QVERIFY(!form.holds(record));
 }
 
-void AddCameraFormTest::thePasswordIsNotShown()
+void TestAddCameraForm::thePasswordIsNotShown()
 {
     CAddCameraForm form(nullptr, nullptr);
     QCOMPARE(edit(form, "editPassword")->echoMode(), QLineEdit::Password);
@@ -104,7 +104,7 @@ void AddCameraFormTest::thePasswordIsNotShown()
     QVERIFY(!edit(form, "editPassword")->displayText().contains("secret"));
 }
 
-void AddCameraFormTest::typedTextsAreReadBackAsTheyAre()
+void TestAddCameraForm::typedTextsAreReadBackAsTheyAre()
 {
     CAddCameraForm form(nullptr, nullptr);
     type(form, "editUid", " UID-7 ");
@@ -120,7 +120,7 @@ void AddCameraFormTest::typedTextsAreReadBackAsTheyAre()
     QCOMPARE(form.cameraName(), QString("Door #1"));
 }
 
-void AddCameraFormTest::emptyUidAndUserNameReportOnlyTheUid()
+void TestAddCameraForm::emptyUidAndUserNameReportOnlyTheUid()
 {
     CAddCameraForm form(nullptr, nullptr);
     ModalScript script;
@@ -136,7 +136,7 @@ void AddCameraFormTest::emptyUidAndUserNameReportOnlyTheUid()
     QVERIFY(script.done());
 }
 
-void AddCameraFormTest::emptyUserNameIsReported()
+void TestAddCameraForm::emptyUserNameIsReported()
 {
     CAddCameraForm form(nullptr, nullptr);
     ModalScript script;
@@ -156,7 +156,7 @@ void AddCameraFormTest::emptyUserNameIsReported()
     QVERIFY(script.done());
 }
 
-void AddCameraFormTest::aUidOfBlanksIsAccepted()
+void TestAddCameraForm::aUidOfBlanksIsAccepted()
 {
     CAddCameraForm form(nullptr, nullptr);
     type(form, "editUid", "   ");
@@ -168,7 +168,7 @@ void AddCameraFormTest::aUidOfBlanksIsAccepted()
     QVERIFY(script.done());
 }
 
-void AddCameraFormTest::passwordAndNameMayBeEmpty()
+void TestAddCameraForm::passwordAndNameMayBeEmpty()
 {
     CAddCameraForm form(nullptr, nullptr);
     type(form, "editUid", "U");
@@ -180,7 +180,7 @@ void AddCameraFormTest::passwordAndNameMayBeEmpty()
     QCOMPARE(form.cameraName(), QString());
 }
 
-void AddCameraFormTest::cancelAndEscapeReject()
+void TestAddCameraForm::cancelAndEscapeReject()
 {
     CAddCameraForm form(nullptr, nullptr);
     {
@@ -193,7 +193,7 @@ void AddCameraFormTest::cancelAndEscapeReject()
     QCOMPARE(form.exec(), 0);
 }
 
-void AddCameraFormTest::discoverTakesTheChosenUid()
+void TestAddCameraForm::discoverTakesTheChosenUid()
 {
     m_host->found = "FOUND-1";
     CAddCameraForm form(nullptr, nullptr);
@@ -206,7 +206,7 @@ void AddCameraFormTest::discoverTakesTheChosenUid()
     QCOMPARE(edit(form, "editUserName")->text(), QString("admin"));
 }
 
-void AddCameraFormTest::cancellingTheSearchLeavesTheUid()
+void TestAddCameraForm::cancellingTheSearchLeavesTheUid()
 {
     CAddCameraForm form(nullptr, nullptr);
     type(form, "editUid", "old");
@@ -216,7 +216,7 @@ void AddCameraFormTest::cancellingTheSearchLeavesTheUid()
     QCOMPARE(edit(form, "editUid")->text(), QString("old"));
 }
 
-void AddCameraFormTest::anEmptyChoiceLeavesTheUid()
+void TestAddCameraForm::anEmptyChoiceLeavesTheUid()
 {
     m_host->found = "";
     CAddCameraForm form(nullptr, nullptr);
@@ -226,7 +226,7 @@ void AddCameraFormTest::anEmptyChoiceLeavesTheUid()
     QCOMPARE(edit(form, "editUid")->text(), QString("old"));
 }
 
-void AddCameraFormTest::discoverIsDisabledWithoutAMainWindow()
+void TestAddCameraForm::discoverIsDisabledWithoutAMainWindow()
 {
     m_host.reset();
     CAddCameraForm form(nullptr, nullptr);
@@ -236,7 +236,7 @@ void AddCameraFormTest::discoverIsDisabledWithoutAMainWindow()
     QCOMPARE(form.findChild<QPushButton *>("btnDiscovery")->text(), QString("Discover"));
 }
 
-void AddCameraFormTest::enterInAFieldIsOkAndNotDiscover()
+void TestAddCameraForm::enterInAFieldIsOkAndNotDiscover()
 {
     m_host->found = "FOUND-1";
     CAddCameraForm form(nullptr, nullptr);
@@ -248,7 +248,7 @@ void AddCameraFormTest::enterInAFieldIsOkAndNotDiscover()
     QCOMPARE(m_host->searches, 0);
 }
 
-void AddCameraFormTest::tabsGoThroughTheFieldsInOrder()
+void TestAddCameraForm::tabsGoThroughTheFieldsInOrder()
 {
     CAddCameraForm form(nullptr, nullptr);
     form.show();
@@ -263,7 +263,7 @@ void AddCameraFormTest::tabsGoThroughTheFieldsInOrder()
                                  "editCameraName", "btnOk", "btnCancel"}));
 }
 
-void AddCameraFormTest::aLoginInTheAddressMovesIntoItsFields()
+void TestAddCameraForm::aLoginInTheAddressMovesIntoItsFields()
 {
     CAddCameraForm form(nullptr, nullptr);
     form.show();
@@ -283,7 +283,7 @@ void AddCameraFormTest::aLoginInTheAddressMovesIntoItsFields()
     QCOMPARE(edit(form, "editPassword")->text(), QString("p@ss"));
 }
 
-void AddCameraFormTest::aLoginInTheAddressIsNeverHandedOut()
+void TestAddCameraForm::aLoginInTheAddressIsNeverHandedOut()
 {
     m_host->found = "rtsp://u:v@found.lan";
     CAddCameraForm form(nullptr, nullptr);
@@ -297,7 +297,7 @@ void AddCameraFormTest::aLoginInTheAddressIsNeverHandedOut()
     QCOMPARE(form.password(), QString("v"));
 }
 
-void AddCameraFormTest::aLoginInTheAddressOfARecordIsNotShown_data()
+void TestAddCameraForm::aLoginInTheAddressOfARecordIsNotShown_data()
 {
     QTest::addColumn<QString>("password");
     QTest::addColumn<QString>("username");
@@ -310,7 +310,7 @@ void AddCameraFormTest::aLoginInTheAddressOfARecordIsNotShown_data()
                                          << "pass";
 }
 
-void AddCameraFormTest::aLoginInTheAddressOfARecordIsNotShown()
+void TestAddCameraForm::aLoginInTheAddressOfARecordIsNotShown()
 {
     QFETCH(QString, password);
     CameraRecord record;
@@ -326,7 +326,7 @@ void AddCameraFormTest::aLoginInTheAddressOfARecordIsNotShown()
     QVERIFY(!form.holds(record)); // it is to be stored without the login
 }
 
-void AddCameraFormTest::theAddTilePassesItsClickOn()
+void TestAddCameraForm::theAddTilePassesItsClickOn()
 {
     CAddButtonForm tile;
     QSignalSpy clicked(&tile, &CAddButtonForm::clicked);
@@ -337,5 +337,5 @@ void AddCameraFormTest::theAddTilePassesItsClickOn()
     QCOMPARE(clicked.count(), 2);
 }
 
-QTEST_MAIN(AddCameraFormTest)
+QTEST_MAIN(TestAddCameraForm)
 #include "tst_add_camera_form.moc"
