@@ -38,7 +38,7 @@ double chosenDensity(const X11Connection &server)
     return 0;
 }
 
-/// Without settings, the screen's own size tells.
+/// Without settings, the screen's physical size decides.
 double dotsPerInch(const X11Connection &server, const xcb_screen_t &screen)
 {
     if (const double chosen = chosenDensity(server); chosen > 0)

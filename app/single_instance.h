@@ -10,9 +10,9 @@ class QLocalSocket;
 
 namespace zelvaro {
 
-/// One running program for each user and settings folder: two would overwrite each other's
-/// settings and log in to every camera twice. The first listens on a local socket in the user's
-/// runtime folder; a later one asks it to show its window and ends. GUI thread only.
+/// One running program for each user and settings folder: two would overwrite each other's settings
+/// and log in to every camera twice. The first listens on a local socket in the user's runtime
+/// folder; a later one makes it show its window and ends. GUI thread only.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -28,7 +28,7 @@ public:
     /// @return whether another program has shown its window, so that this one should end
     bool handOver(std::chrono::milliseconds patience = std::chrono::seconds(3));
 
-    /// Listens no longer, so that who starts while this program ends becomes the running one.
+    /// Stops listening, so that a program started while this one ends becomes the running one.
     void close();
 
     /// Path of the socket; empty where the system has no runtime folder for the user, and then
@@ -36,7 +36,7 @@ public:
     [[nodiscard]] const QString &socketPath() const { return m_path; }
 
 signals:
-    /// Another start asks for the window. Who asked is answered once the slots have run.
+    /// Another start requested the window. It gets its answer once the slots have run.
     void activated();
 
 private:

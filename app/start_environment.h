@@ -8,7 +8,7 @@
 
 namespace zelvaro {
 
-/// Environment variables that tell libraries how to start in this process and that the programs
+/// Environment variables that control how libraries start in this process and that the programs
 /// started by it, such as the browser, must not inherit: restore() puts back what was there.
 /// Used before other threads read the environment.
 class StartEnvironment

@@ -13,11 +13,11 @@ struct FreeXReply
 {
     void operator()(void *reply) const { std::free(reply); }
 };
-/// What the X server answers is freed by who asked.
+/// The caller frees the replies of the X server.
 template <typename Reply>
 using XReply = std::unique_ptr<Reply, FreeXReply>;
 
-/// A connection of our own to the display that DISPLAY names: the toolkit's is reached through
+/// A separate connection to the display that DISPLAY names: the toolkit's is reached through
 /// private interfaces only, and is not there before the application object. One thread at a time.
 class X11Connection
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Checks for developers: a broken condition is logged with its source and the program goes on.
+/// Checks for developers: a broken condition is logged with its source and the program continues.
 /// Users never see them. With ZELVARO_ABORT_ON_CHECK set in the environment the program aborts, so
 /// that a debugger stops at the place.
 

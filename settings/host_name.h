@@ -24,7 +24,7 @@ std::optional<HostLogin> loginInHostName(const QString &hostname);
 QString withoutLogin(const QString &hostname);
 
 /// A host name as the name of a folder on every system, with "/" as separator: characters that
-/// cannot stand in a file name under Windows, a blank or dot at the end of a name, and names of
+/// cannot be in a file name under Windows, a blank or dot at the end of a name, and names of
 /// devices are percent-encoded, so that different host names keep different folders. A ".." is
 /// written "_". A login is left out.
 QString folderOfHost(const QString &hostname);

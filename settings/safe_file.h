@@ -41,8 +41,8 @@ int32_t safe_file_commit(safe_file *file);
 void safe_file_abandon(safe_file *file);
 
 /*
- * Keeps the file as it is now under path + ".bak", for its owner only; an older copy goes. 0 also
- * when there is no file; -1 when the copy cannot be made. A file that cannot be read gets the
+ * Keeps the file as it is now under path + ".bak", for its owner only; an older copy is replaced. 0
+ * also when there is no file; -1 when the copy cannot be made. A file that cannot be read gets the
  * second name without a copy, which the next replacement leaves to that name alone.
  */
 int32_t safe_file_keep_copy(const char *path);

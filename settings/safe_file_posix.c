@@ -25,7 +25,7 @@ struct safe_file
     FILE *stream; /* writes to bytes */
     char *bytes;
     size_t length;
-    char *target;       /* where the content goes */
+    char *target;       /* the file to be written */
     int handle;         /* the target, open for writing; -1 when it does not exist */
     struct stat status; /* of the target, when it exists */
 };
