@@ -7,7 +7,7 @@
 
 namespace zelvaro {
 
-/// The surface that a photo or a video player stands in: black, and filled by its content as far as
+/// The surface that contains a photo or a video player: black, and filled by its content as far as
 /// the content's ratio lets it, also when the surface goes to the full screen and back. GUI thread
 /// only.
 class FittedFrame : public QWidget

@@ -178,7 +178,7 @@ void CPhotoMgrFrame::slotDeletePhoto(CPhotoMgrItemForm *item)
         focusTile(index);
 }
 
-// Who deletes several files by the keyboard goes on from where the first one stood.
+// After a deletion by the keyboard the focus stays at that place.
 void CPhotoMgrFrame::focusTile(int index)
 {
     if (m_tiles.isEmpty())

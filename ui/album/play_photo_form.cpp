@@ -45,8 +45,8 @@ void CPlayPhotoForm::showEvent(QShowEvent *event)
         showPicture();
 }
 
-// The tool bar goes to another page without a word to this one. A window that is minimized keeps
-// its picture.
+// The tool bar shows another page without notice to this one. A window that is minimized keeps its
+// picture.
 void CPlayPhotoForm::hideEvent(QHideEvent *event)
 {
     AlbumView::hideEvent(event);

@@ -9,9 +9,9 @@ class CCamera;
 class CPhotoMgrItemForm;
 class QWidget;
 
-/// What a page asks of the window it stands in: to show another page, to tell something in its
-/// status row, and to be the parent of its dialogs. The main window implements it; tests put a
-/// recorder in its place. GUI thread only.
+/// What a page needs of its window: to show another page, to show a text in its status row, and to
+/// be the parent of its dialogs. The main window implements it; tests put a recorder in its place.
+/// GUI thread only.
 class PageHost
 {
 public:

@@ -4,7 +4,7 @@
 
 namespace zelvaro {
 
-/// A tool tip that shows exactly this text, whatever stands in it: names and addresses come from
+/// A tool tip that shows exactly this text, whatever it contains: names and addresses come from
 /// cameras and other devices. Qt guesses the format of a tool tip, so a text is handed over as rich
 /// text in which nothing is markup. Blanks and line ends are kept; long texts are wrapped. An empty
 /// text is no tool tip.

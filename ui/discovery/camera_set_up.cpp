@@ -85,7 +85,7 @@ void CCameraSetUp::slotQuery()
     readConfiguration();
 }
 
-/// @return whether the record now holds the device's configuration; the user was told when not
+/// @return whether the record now holds the device's configuration; a message was shown when not
 bool CCameraSetUp::readConfiguration()
 {
     zelvaro::storeField(m_record.username, m_ui->editUserName->text());

@@ -20,7 +20,7 @@ class CCameraSetUp : public QDialog
     Q_OBJECT
 
 public:
-    /// What the record holds besides what the search has told.
+    /// What the record holds in addition to the result of the search.
     enum class Configuration
     {
         Unread, ///< nothing: the device was not reached, or refused the login

@@ -7,11 +7,12 @@
 
 /// Texts of the discovery library's records. A library that says so by its optional function
 /// ndcp_takes_utf8() gives and takes UTF-8. Another maker's gives them in the local code page and
-/// takes Latin-1; a text that is edited is read as Latin-1 then, so that it goes back as it came.
+/// takes Latin-1; a text that is edited is read as Latin-1 then, so that it is sent back as it
+/// came.
 
 namespace zelvaro {
 
-/// Bytes of a text field up to its NUL, or all of it where none stands.
+/// Bytes of a text field up to its NUL, or all of it where there is none.
 template <std::size_t N>
 QByteArray fieldBytes(const char (&field)[N])
 {

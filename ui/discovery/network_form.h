@@ -32,16 +32,16 @@ class NetworkFormCheck
     Q_DECLARE_TR_FUNCTIONS(NetworkFormCheck)
 
 public:
-    /// Checks the input field by field and stores it in the record. The message for the user at
-    /// the first field that fails, and the record is then as it was. Device name and location are
-    /// neither checked nor stored where they stand as they were shown: a device may have a name
-    /// that could not be typed here. Texts are cut to their fields.
+    /// Checks the input field by field and stores it in the record. The message for the user at the
+    /// first field that fails, and the record is then as it was. Device name and location are
+    /// neither checked nor stored where they are unchanged: a device may have a name that could not
+    /// be typed here. Texts are cut to their fields.
     /// @param shown what the controls were filled with
     static std::optional<QString> store(const NetworkForm &input, const NetworkForm &shown,
                                         ndcp_device &record);
 };
 
-/// What the record tells of the device.
+/// The device as described by the record.
 NetworkForm networkForm(const ndcp_device &record);
 
 /// Fresh values with what the user has changed: each field of edited that is not as it was shown.

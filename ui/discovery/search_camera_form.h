@@ -12,7 +12,7 @@ namespace Ui {
 class SearchCameraForm;
 }
 
-/// Modal picker: searches the local network as it opens, and again when the user asks, and hands
+/// Modal picker: searches the local network as it opens, and again at the user's request, and hands
 /// back the UID of the camera that the user chose. GUI thread only.
 class CSearchCameraForm : public QDialog
 {

@@ -45,7 +45,7 @@ public:
     /// volume: what the session's volume is to be, 0 to 200. clock: names photos and recordings.
     LiveView(const LiveWidgets &widgets, StatusSize statusSize, std::function<int()> volume,
              Clock clock);
-    /// Stops the stream: nothing may draw on a surface that is gone.
+    /// Stops the stream: nothing may draw on a destroyed surface.
     ~LiveView() { close(); }
     LiveView(const LiveView &) = delete;
     LiveView &operator=(const LiveView &) = delete;
@@ -113,7 +113,7 @@ private:
     Clock m_clock;
     PictureBox m_box;
     bool m_recording = false;
-    bool m_writingFails = false; // although requested; the user has been told
+    bool m_writingFails = false; // although requested; the user has been informed
     QPointer<CCamera> m_camera;
     QMetaObject::Connection m_reports;
     qint32 m_thumbnailCountdown = 0; // reports until the next thumbnail
