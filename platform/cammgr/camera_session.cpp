@@ -13,8 +13,7 @@ using namespace std::chrono_literals;
 constexpr std::chrono::milliseconds probeLimit = 14s;
 constexpr std::chrono::milliseconds commandLimit = 14s;
 constexpr std::chrono::milliseconds leastCommandTime = 1s;
-/// Who asks right after an order to play waits for the first picture, but not much longer than a
-/// client that asks regularly.
+/// A probe right after play waits for the first frame, but not much longer than a regular probe.
 constexpr std::chrono::milliseconds pictureLimit = 3s;
 
 } // namespace

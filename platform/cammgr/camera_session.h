@@ -87,7 +87,7 @@ public:
     void pictureShown();
     /// The user wants to see the camera.
     void userAsked() { m_schedule.userAsked(); }
-    /// The last order to play is void: the stream was stopped, or set up anew.
+    /// The last play request is superseded: the stream was stopped, or set up again.
     void orderVoided();
     void issueCommands(std::vector<std::string> requests);
 

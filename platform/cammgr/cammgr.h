@@ -71,7 +71,7 @@ typedef void (*RtspPlayerCallback)(int message, int count_or_error, void *contex
  * rtsp:// or rtsps:// address, or a UID as discovery shows it, which is resolved on the local
  * network, and again whenever the camera does not answer any more. The path of a full address is
  * used for both streams; its user name and password are taken when the other two are empty.
- * The password goes out as a digest, or over TLS. It is sent in clear (Basic) only to a camera that
+ * The password is sent as a digest, or over TLS. It is sent in clear (Basic) only to a camera that
  * the user named by its address and that has never offered anything better in the life of this
  * player; a device that was found by its UID, which any device can claim, does not get it so.
  * Nothing is sent yet. Returns NULL when no player can be made (no hostname); one whose hostname
@@ -82,17 +82,17 @@ CAMMGR_API RtspPlayer *RtspPlayer_Create(const char *hostname, const char *usern
                                          void *context);
 
 /*
- * Asks for one keep-alive probe, answered later by exactly one CAMMGR_MSG_PROBE_ message, also
- * when the player is stopped in between, within 15 s. A probe that is outstanding is not doubled.
- * Asked within 3 s after RtspPlayer_Play, the answer comes when the first picture is on the window,
- * when the order to play is void (RtspPlayer_Stop, another set-up), or 3 s after that order at the
- * latest and then as for any probe: a client that shows a stream when a probe is answered asks once
- * more after RtspPlayer_Play. A change of the picture's size answers nothing by itself; the size is
- * read at the next answer.
- * A stream that plays answers it; so does memory for a while after a refused login and for a
- * host that is silent (up to 15 s, or until the network changes). A camera sees three wrong logins
- * in 30 min at most, so that none locks the account, and one more after each
- * RtspPlayer_SetupP2PliveStream, which only a user asks for.
+ * Asks for one keep-alive probe, answered later by exactly one CAMMGR_MSG_PROBE_ message, also when
+ * the player is stopped in between, within 15 s. A probe that is outstanding is not doubled. Asked
+ * within 3 s after RtspPlayer_Play, the answer comes when the first picture is on the window, when
+ * the order to play is void (RtspPlayer_Stop, another set-up), or 3 s after that order at the
+ * latest and then as for any probe: a client that shows a stream when a probe is answered probes
+ * once more after RtspPlayer_Play. A change of the picture's size answers nothing by itself; the
+ * size is read at the next answer.
+ * A stream that plays answers it; so does memory for a while after a refused login and for a host
+ * that is silent (up to 15 s, or until the network changes). A camera sees three wrong logins in 30
+ * min at most, so that none locks the account, and one more after each
+ * RtspPlayer_SetupP2PliveStream, which only a user requests.
  */
 CAMMGR_API int RtspPlayer_TickAlive(RtspPlayer *player);
 
@@ -207,7 +207,7 @@ enum
 /* Talk-back: microphone to camera, over the ONVIF back channel. Play never waits; IsPlaying is
  * non-zero from then on until Stop, RtspPlayer_Stop, or a failure, which does not touch the stream.
  * Within 30 s after a failure Play does nothing and says why, a CAMMGR_TALK_ value, so that a
- * client may ask again and again; after Stop it tries at once. */
+ * client may call again and again; after Stop it tries at once. */
 CAMMGR_API int AudioUpload_Play(RtspPlayer *player);
 CAMMGR_API int AudioUpload_Stop(RtspPlayer *player);
 CAMMGR_API int AudioUpload_IsPlaying(RtspPlayer *player);

@@ -34,7 +34,7 @@ struct ClipFormat
 {
     CapsRef video;
     CapsRef audio;          ///< empty: no audio track
-    bool withStill = false; ///< writes a still beside the clip, from its first picture
+    bool withStill = false; ///< writes a still of the clip, from its first frame
     bool reordered = false; ///< presentation order may differ from decoding order
     int reserveSeconds = 0; ///< longest clip that the index at the head of the file has room for
     int indexBytesPerSecond = 550; ///< room for one second of one track

@@ -28,7 +28,7 @@ struct StreamRequest
     std::string username;
     std::string password;
     uintptr_t window = 0; ///< native window to draw on; 0 plays without drawing
-    /// What the camera may be told of the password; shared with its other connections.
+    /// What of the password may be sent to the camera; shared with its other connections.
     std::shared_ptr<LoginPolicy> login = std::make_shared<LoginPolicy>();
 };
 
@@ -88,7 +88,7 @@ public:
     /// Whether frames go into a clip; false after endWriting() and at the end of the stream.
     bool isWriting() const;
     /// A recording was begun, but nothing can be written: no key frame came yet, or the disk is
-    /// full or gone. A new clip begins when there is room again.
+    /// full or was removed. A new clip begins when there is space again.
     bool isWaitingToWrite() const;
 
     int frameRate() const; ///< frames that arrived in the last second

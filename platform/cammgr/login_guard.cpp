@@ -13,7 +13,7 @@ namespace cammgr {
 
 namespace {
 
-/// The guard of the request that this thread sends: "rtspsrc" tells an extension of its protocol
+/// The guard of the request that this thread sends: "rtspsrc" passes an extension of its protocol
 /// what was answered, but not which element it belongs to.
 thread_local LoginGuard *currentGuard = nullptr;
 
@@ -125,7 +125,7 @@ void LoginGuard::filter(GstRTSPMessage *response)
     if (chosen && challenges.size() == 1)
         return;
     gst_rtsp_message_remove_header(response, GST_RTSP_HDR_WWW_AUTHENTICATE, -1);
-    // Of several challenges the element would take what stands last.
+    // Of several challenges the element would take the last one.
     if (chosen)
         gst_rtsp_message_add_header(response, GST_RTSP_HDR_WWW_AUTHENTICATE,
                                     headerOf(*chosen).c_str());

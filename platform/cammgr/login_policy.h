@@ -31,8 +31,8 @@ struct LoginChallenge
 std::vector<LoginChallenge> parseChallenges(const std::vector<std::string> &headers);
 
 /**
- * What one camera may be told of a password: a digest always; the password itself (Basic) over TLS,
- * or to a camera that the user named and that has never offered anything better. Shared by all
+ * What of a password may be sent to one camera: a digest always; the password itself (Basic) over
+ * TLS, or to a camera that the user named and that has never offered anything better. Shared by all
  * connections of one player, so that what one has seen holds for the others. Any thread.
  */
 class LoginPolicy

@@ -9,8 +9,8 @@
 
 namespace cammgr {
 
-/// Tells a file from another one that takes its name later. Systems that number no files tell only
-/// whether there is one.
+/// Distinguishes a file from another one that takes its name later. Systems that number no files
+/// tell only whether there is one.
 class FileIdentity
 {
 public:
@@ -42,7 +42,7 @@ public:
     /// Puts it at the path, over a file that is there; false when it, or what was written before,
     /// did not succeed. The file at the path is then as before.
     bool putInPlace();
-    /// The same, unless the file at the path is gone or another one than it was: then false.
+    /// The same, unless the file at the path is missing or another one than it was: then false.
     bool putInPlaceOf(const FileIdentity &old);
 
 private:

@@ -33,7 +33,7 @@ public:
 
     /// The camera accepted the login: what it refused before no longer counts.
     void loginAccepted() { m_refusals.clear(); }
-    /// The user wants the camera now: it is asked once more, whatever the pause.
+    /// The user wants the camera now: it is probed once more, whatever the pause.
     void userAsked() { m_due = {}; }
     /// The network changed: a host that was silent may answer now. A refused login stays refused.
     void networkChanged();

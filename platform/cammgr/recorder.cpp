@@ -179,8 +179,8 @@ void Recorder::write(const AccessUnit &unit)
     m_clip->push(unit);
 }
 
-/// Called with the lock. Looks for room in the background, now and then: a disk that is gone may
-/// take its time to say so.
+/// Called with the lock. Looks for room in the background, now and then: a disk that was removed
+/// may take its time to say so.
 void Recorder::checkRoom()
 {
     const auto now = SteadyClock::now();

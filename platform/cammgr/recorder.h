@@ -29,7 +29,7 @@ public:
     /// Whether frames go into a clip.
     bool isWriting() const;
     /// Whether a recording was begun and nothing can be written: no key frame came yet, or the disk
-    /// is full or gone, which is tried again every few seconds.
+    /// is full or was removed; writing is tried again every few seconds.
     bool isWaiting() const;
 
     void takeFrame(const AccessUnit &unit) override;

@@ -23,7 +23,7 @@ public:
     void find(std::function<void(bool)> done);
     /// The RTSP service; port 0 before it was found.
     const Endpoint &endpoint() const { return m_endpoint; }
-    /// Whether who answers there only claims the UID, on the local network, where anybody can.
+    /// Whether the device there only claims the UID, on the local network, where anybody can.
     bool isFoundByUid() const { return m_isFoundByUid; }
     /// The camera does not answer there any more.
     void lost();

@@ -24,7 +24,8 @@ namespace {
 
 /// How long the thread may take to notice that it should end.
 constexpr GstClockTime turn = 50 * GST_MSECOND;
-/// A client that asks again and again for a talk that cannot be costs nothing for this long.
+/// A client that requests a talk again and again that cannot be started costs nothing for this
+/// long.
 constexpr auto failurePause = std::chrono::seconds(30);
 constexpr guint64 tcpTimeout = 5 * 1000 * 1000; // microseconds
 constexpr guint64 teardownTimeout = 100 * GST_MSECOND;
@@ -239,7 +240,7 @@ private:
     int m_failure = 0; ///< a CAMMGR_TALK_ value
     SteadyClock::time_point m_doneAt;
     std::optional<Channel> m_channel;
-    std::atomic<bool> m_wasDescribed = false; ///< the camera told what it has
+    std::atomic<bool> m_wasDescribed = false; ///< the camera has described its streams
 };
 
 void TalkBack::Run::waitForPredecessor()

@@ -25,7 +25,7 @@ public:
 
     /// Talks to the camera of a stream; does nothing while that runs, or shortly after it failed.
     void start(const StreamRequest &camera);
-    /// Also forgets why a talk failed: the next start() tries anew.
+    /// Also forgets why a talk failed: the next start() tries again.
     void stop();
     /// Why the last talk failed: a CAMMGR_TALK_ value, for as long as start() does not try again;
     /// 0 else.

@@ -18,11 +18,11 @@ namespace ndcp {
 /// Finds the device of a record, reads its configuration and, when that is the task, writes the
 /// record's.
 ///
-/// A device of an earlier search is asked where it was found, another one at the record's address.
-/// Who answers there is compared with the record by hardware address; where it is not the device,
-/// or nothing can be read, the device is looked for by its UID. Nothing is written to a device that
-/// was told neither by its hardware address nor by its UID, nor to one without a UID at an address
-/// that may be the one that it is to get.
+/// A device of an earlier search is queried where it was found, another one at the record's
+/// address. The device there is compared with the record by hardware address; where it is not the
+/// device, or nothing can be read, the device is looked for by its UID. Nothing is written to a
+/// device that was told neither by its hardware address nor by its UID, nor to one without a UID at
+/// an address that may be the one that it is to get.
 class ConfigurationTask : public onvif::Request
 {
 public:
@@ -40,7 +40,7 @@ public:
                       const ConfigurationTimes &times = {});
 
 private:
-    /// What was found where the device was first asked.
+    /// What was found where the device was first queried.
     struct Answer
     {
         std::string service;

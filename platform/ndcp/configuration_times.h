@@ -11,8 +11,8 @@ struct ConfigurationTimes
     unsigned search = 3000;       ///< for one search for its UID
     unsigned look = 30'000;       ///< until a device that was moved must be found at its new place
     unsigned lookQuestion = 3000; ///< for one exchange while it is looked for
-    unsigned settle = 2000;       ///< until one that has said yes and goes on as before is believed
-    unsigned pause = 1000;        ///< between two rounds of looking
+    unsigned settle = 2000; ///< until one that has accepted and continues as before is believed
+    unsigned pause = 1000;  ///< between two rounds of looking
 };
 
 } // namespace ndcp

@@ -22,11 +22,11 @@ class DeviceFinder;
 /// Tells a device the configuration of a record, one part after the other, in an order in which it
 /// stays reachable.
 ///
-/// Usually what cannot cut the connection goes first: names, DNS, gateway, then the HTTP port, and
-/// last the address. A device that leaves DHCP, or gets a gateway outside its present subnet, gets
-/// its address before gateway and DNS, which it would refuse, where it can be reached at its new
-/// address; elsewhere they are tried first, and again after the address when they are refused.
-/// After port and address the device is looked for before it is told more. When an answer is lost,
+/// Usually what cannot cut the connection is sent first: names, DNS, gateway, then the HTTP port,
+/// and last the address. A device that leaves DHCP, or gets a gateway outside its present subnet,
+/// gets its address before gateway and DNS, which it would refuse, where it can be reached at its
+/// new address; elsewhere they are tried first, and again after the address when they are refused.
+/// After port and address the device is searched before more is sent to it. When an answer is lost,
 /// the device is looked for too: port and address count when the device says so itself, the rest is
 /// sent once more.
 class ConfigurationWriter : public onvif::Request
@@ -88,7 +88,7 @@ private:
     std::string m_firstService; ///< where it was before
     ConfigurationTimes m_times;
     Done m_done;
-    std::deque<Part> m_parts; ///< still to be told
+    std::deque<Part> m_parts; ///< still to be sent
     std::deque<Part> m_again; ///< refused before the address was set
     bool m_needsRestart = false;
     bool m_wasSentAgain = false;

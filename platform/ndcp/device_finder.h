@@ -14,14 +14,14 @@
 
 namespace ndcp {
 
-/// Looks for a device that is about to come to another address or port, or to restart: asks the
+/// Looks for a device that is about to come to another address or port, or to restart: queries the
 /// places where it may be, and the network for its UID, again and again until it is there.
 class DeviceFinder : public onvif::Request
 {
 public:
     struct Wanted
     {
-        std::string uid;                     ///< may be empty: then only the places are asked
+        std::string uid;                     ///< may be empty: then only the places are queried
         std::vector<onvif::MacAddress> macs; ///< of its interfaces; empty: not known
         std::vector<std::string> places;     ///< device services, the likeliest first
         /// Whether the device has arrived, when it answers at this service with this configuration.

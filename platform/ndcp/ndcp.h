@@ -41,7 +41,7 @@ enum
 {
     NDCP_ERROR_NETWORK = -1,       /* no answer */
     NDCP_ERROR_AUTHORIZATION = -2, /* user name or password refused */
-    NDCP_ERROR_GET_CONF = -3,      /* the device could not tell its configuration, or the record
+    NDCP_ERROR_GET_CONF = -3,      /* the device did not return its configuration, or the record
                                       that is to be written was never read */
     NDCP_ERROR_SET_CONF = -4       /* the device did not take the configuration */
 };
@@ -100,8 +100,8 @@ NDCP_API const ndcp_device *ndcpclient_getdev(ndcp_client *client, int32_t index
  * password. The library writes to the record on its own thread, just before NDCP_EVENT_GET_CONF
  * and only on success: until then it must stay valid and be left alone.
  *
- * The password goes out by HTTP digest, as a WS-Security digest, or over TLS. It never goes out in
- * clear to a device that was found by its UID, because whoever answers first may claim that.
+ * The password is sent by HTTP digest, as a WS-Security digest, or over TLS. It is never sent in
+ * clear to a device that was found by its UID, because any device may claim that.
  */
 NDCP_API int ndcpclient_get_conf(ndcp_client *client, ndcp_device *device);
 
@@ -113,8 +113,8 @@ NDCP_API int ndcpclient_get_conf(ndcp_client *client, ndcp_device *device);
  * Only what differs from what the device has is written. Of a record that no get_conf has filled
  * since the search, name and location are; if anything else in it is no longer as the search left
  * it, nothing is written and the error is NDCP_ERROR_GET_CONF: the rest of its values are nobody's.
- * What a device could not tell is written only where the record has a value. Before anything is
- * written, whoever answers is compared with the record, by hardware address or by UID.
+ * What a device did not report is written only where the record has a value. Before anything is
+ * written, the device that answers is compared with the record, by hardware address or by UID.
  */
 NDCP_API int ndcpclient_set_conf(ndcp_client *client, ndcp_device *device);
 

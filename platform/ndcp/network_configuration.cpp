@@ -97,7 +97,7 @@ changedProtocols(const ndcp_device &record,
 {
     if (!current || !isPortChanged(record))
         return std::nullopt;
-    // Some devices take the list for the whole: all of it goes back, with one port changed.
+    // Some devices take the list for the whole: all of it is sent back, with one port changed.
     std::vector<NetworkProtocol> wanted = *current;
     const auto http = std::find_if(wanted.begin(), wanted.end(), isHttp);
     if (http == wanted.end() || http->ports.front() == httpPort(record))
@@ -106,7 +106,7 @@ changedProtocols(const ndcp_device &record,
     return wanted;
 }
 
-// A device with several locations tells them as one text, see onvif::ScopeTexts.
+// A device with several locations reports them as one text, see onvif::ScopeTexts.
 std::vector<std::string> locationsIn(std::string_view text, bool areSeveral)
 {
     constexpr std::string_view separator = ", ";
@@ -246,7 +246,7 @@ std::optional<ConfigurationChange> changeTo(const ndcp_device &record,
         return hasNetworkValues(record) ? std::nullopt : std::optional(change);
     if (touched.dns)
         change.dns = changedDns(record, current.dns);
-    // With DHCP the gateway comes from there; leaving it, the device may have none of its own.
+    // With DHCP the gateway comes from there; leaving it, the device may have none.
     const bool leavesDhcp = current.interface.dhcp && touched.interface && record.gateway != 0;
     const bool mayDiffer = wasRead(record, ReadGateway) || record.gateway != 0;
     const bool differs = touched.gateway && record.gateway != current.gateway.value_or(0);

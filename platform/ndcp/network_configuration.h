@@ -48,7 +48,7 @@ std::optional<ConfigurationChange> changeTo(const ndcp_device &record,
                                             const NetworkConfiguration &current,
                                             const std::optional<ndcp_device> &base = {});
 
-/// Port of the device's web pages; 0 when it does not tell.
+/// Port of the device's web pages; 0 when it does not report it.
 int webPort(const NetworkConfiguration &configuration);
 
 } // namespace ndcp

@@ -38,7 +38,7 @@ struct HttpPost
 };
 
 /// Makes the session that posts are sent through, bound to a context: no proxy, no cookies, no
-/// logins of its own, no decompression.
+/// logins by itself, no decompression.
 GObjectPtr<SoupSession> newHttpSession(GMainContext *context);
 
 /// Sends the post on the context given, the default of the calling thread; done is called there,

@@ -84,7 +84,7 @@ std::string parameter(const HttpChallenge &challenge, const char *name)
     return found == challenge.parameters.end() ? std::string() : found->second;
 }
 
-// A text of the device that goes back to it: without what would end the header.
+// A text of the device that is sent back to it: without what would end the header.
 std::string quoted(const std::string &text)
 {
     std::string result = "\"";

@@ -63,7 +63,7 @@ private:
     unsigned m_count = 0; ///< requests answered with this nonce
 };
 
-/// Value of the Authorization header that tells user name and password in clear (RFC 7617).
+/// Value of the Authorization header that contains user name and password in clear (RFC 7617).
 std::string basicAuthorization(const Credentials &credentials);
 
 } // namespace onvif

@@ -17,8 +17,8 @@ struct MediaProfile
 {
     std::string token;
     std::string name;
-    std::string source; ///< the lens or channel; empty when the device does not tell
-    int width = 0;      ///< pixels; 0 when the device does not tell
+    std::string source; ///< the lens or channel; empty when the device does not report it
+    int width = 0;      ///< pixels; 0 when the device does not report it
     int height = 0;
 };
 

@@ -97,7 +97,7 @@ struct SoapClient::Session
     SoapOptions options;
     Signing signing = Signing::Http;
     std::optional<HttpDigest> digest;        ///< answers the challenge that was accepted last
-    bool wasHelpful = false;                 ///< it has answered a request with what was asked for
+    bool wasHelpful = false;                 ///< it has answered a request successfully
     bool takesBasic = false;                 ///< it was accepted after a token was refused
     std::optional<std::int64_t> clockOffset; ///< seconds the device's clock is ahead
 };

@@ -44,7 +44,7 @@ struct SoapOptions
 
 /// Talks SOAP over HTTP with one device on behalf of one user.
 ///
-/// The login goes out by HTTP digest (MD5 or SHA-256) where the device asks for it. A device that
+/// The login is sent by HTTP digest (MD5 or SHA-256) where the device requests it. A device that
 /// refuses otherwise, or takes no digest, gets a WS-Security UsernameToken, dated by its own clock;
 /// never both in one message. HTTP basic comes last: over TLS, or where ClearPassword allows it.
 /// The way that worked and the nonce are kept. Wrong credentials reach the device at most three

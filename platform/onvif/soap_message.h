@@ -37,8 +37,8 @@ struct SoapFault
 };
 std::optional<SoapFault> faultIn(const XmlMessage &message);
 
-/// The moment GetSystemDateAndTimeResponse tells, in seconds since 1970: by its UTC time, else by
-/// its local time and the offset of its zone. nullopt when it has neither.
+/// The time in a GetSystemDateAndTimeResponse, in seconds since 1970: by its UTC time, else by its
+/// local time and the offset of its zone. nullopt when it has neither.
 std::optional<std::int64_t> parseSystemTime(const XmlMessage &message);
 
 } // namespace onvif

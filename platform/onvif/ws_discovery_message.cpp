@@ -52,7 +52,7 @@ std::vector<std::string> words(std::string_view text, std::size_t maxCount)
     return found;
 }
 
-// The namespace that a prefix stands for at a node.
+// The namespace of a prefix at a node.
 std::string_view namespaceOf(pugi::xml_node node, const std::string &prefix)
 {
     const std::string name = prefix.empty() ? "xmlns" : "xmlns:" + prefix;
