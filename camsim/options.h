@@ -44,7 +44,7 @@ enum class OnvifClock
     None   ///< GetSystemDateAndTime needs a login
 };
 
-/// Where a second device stands in a discovery answer.
+/// The place of a second device in a discovery answer.
 enum class Neighbour
 {
     None,

@@ -47,7 +47,7 @@ endfunction()
 
 set(ZELVARO_QT_DEFINITIONS QT_DISABLE_DEPRECATED_BEFORE=0x050F00 QT_DEPRECATED_WARNINGS)
 # Tests are run once for each build: compiling them fast is worth more than running them fast.
-# GoogleTest's macros end in an else of their own.
+# GoogleTest's macros end in an else.
 set(ZELVARO_TEST_OPTIONS -O0 -Wno-dangling-else)
 
 add_library(zelvaro_qt_interface INTERFACE)
@@ -123,11 +123,11 @@ function(zelvaro_needed_by_tests label)
 endfunction()
 
 # zelvaro_register_test(name label timeout [DISPLAY] [RELEASE] [SOAK] [SHARDS number])
-# DISPLAY: on an X display of its own, with a window manager. RELEASE: means something only in a build
-# that is as fast as the user's (real input, timing, heap), so plain ./test runs it there; every other
-# test it runs in the build with sanitizers. SOAK: goes on for as long as ZELVARO_SOAK_SECONDS says, so
-# that ./test soak runs it too, as name_soak. SHARDS: its cases, which mostly wait, are dealt out to so
-# many runs of the program side by side.
+# DISPLAY: on a separate X display, with a window manager. RELEASE: means something only in a build
+# that is as fast as the user's (real input, timing, heap), so plain ./test runs it there; every
+# other test it runs in the build with sanitizers. SOAK: runs for as long as ZELVARO_SOAK_SECONDS
+# says, so that ./test soak runs it too, as name_soak. SHARDS: its cases, which mostly wait, are
+# dealt out to so many runs of the program side by side.
 function(zelvaro_register_test name label timeout)
   cmake_parse_arguments(ARG "DISPLAY;RELEASE;SOAK" "SHARDS" "" ${ARGN})
   set(labels ${label})
@@ -172,7 +172,7 @@ endfunction()
 
 # zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds]
 #   [DISPLAY] [FAKES] [RELEASE] [SOAK])
-# A Qt Test program. Runs on the offscreen platform unless DISPLAY asks for an X display. FAKES
+# A Qt Test program. Runs on the offscreen platform unless DISPLAY requests an X display. FAKES
 # links the scripted platform libraries; the linker keeps them although nothing before them on the
 # link line needs them.
 function(zelvaro_qt_test name)

@@ -46,7 +46,7 @@ void readConfiguration(const onvif::XmlMessage &message)
     FUZZ_EXPECT(change && !change->scopes && !change->protocols && !change->gateway);
 }
 
-// Any bytes may stand in a header: what is answered stays one line.
+// A header may hold any bytes: the answer stays one line.
 void answerChallenge(const std::string &header)
 {
     auto digest = onvif::HttpDigest::choose(onvif::parseChallenges({header}));
