@@ -38,7 +38,7 @@ public:
 
 } // namespace
 
-/// Escape closes what stands over a picture when it is pressed, and is released over the picture.
+/// Escape closes what covers a picture when it is pressed, and is released over the picture.
 class TestEscape : public QObject
 {
     Q_OBJECT
@@ -121,7 +121,7 @@ void TestEscape::open(const QString &page)
 
 void TestEscape::releaseOver(const QString &page)
 {
-    m_form->activateWindow(); // as a window manager does when a dialog is gone
+    m_form->activateWindow(); // as a window manager does when a dialog has closed
     QTRY_COMPARE_WITH_TIMEOUT(QApplication::focusWidget(), picture(page), deadline);
     QTest::keyRelease(m_form->windowHandle(), Qt::Key_Escape);
     QVERIFY(!picture(page)->isWindow());

@@ -49,7 +49,7 @@ int run(const Steps &steps, std::vector<QByteArray> arguments = {})
     });
 }
 
-/// How many sessions there were when the main window was told of anything for the first time.
+/// How many sessions there were at the first event of the main window.
 class FirstEvent : public QObject
 {
 public:
@@ -132,7 +132,7 @@ private slots:
             auto *translator = qApp->findChild<QTranslator *>();
             QVERIFY(translator);
             QVERIFY(translator->isEmpty());
-            QVERIFY(QCoreApplication::removeTranslator(translator)); // tells if it was installed
+            QVERIFY(QCoreApplication::removeTranslator(translator)); // true if it was installed
             QCoreApplication::installTranslator(translator);
         });
     }
@@ -147,7 +147,7 @@ private slots:
         QCOMPARE(FirstEvent::sessions, std::optional<int>(1));
     }
 
-    // Asked to quit, every session is stopped; then the window goes, then the sessions.
+    // On quitting, every session is stopped; then the window is destroyed, then the sessions.
     void endGoesBackwards()
     {
         fake_cammgr::Script playing;
@@ -298,7 +298,7 @@ private:
 namespace {
 
 /// A process can have one application object after the other, but not all of what the toolkit keeps
-/// beside it: each function has a process of its own.
+/// next to it: each function has its own process.
 int runEachAlone(const char *program)
 {
     static const QByteArrayList around = {"initTestCase", "init"};

@@ -29,7 +29,7 @@ namespace {
 constexpr int deadline = 20'000; // milliseconds
 constexpr auto shortPatience = 200ms;
 
-/// Another start of the program, on a thread of its own.
+/// Another start of the program, on its own thread.
 class OtherStart
 {
 public:

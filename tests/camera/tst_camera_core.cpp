@@ -279,7 +279,7 @@ void TestCameraCore::aProbeThatTheLibraryRefusesHasFailed()
     Session session;
     StateLog log(session.camera.get());
     session.start();
-    // Not from inside the call: a view that asks in its report would ask for ever.
+    // Not from inside the call: a view that probes in its report would probe for ever.
     QCOMPARE(log.take(), QStringList());
     QCoreApplication::sendPostedEvents();
     QCOMPARE(log.take(), QStringList({"report"}));

@@ -3,7 +3,7 @@
 #include <QProcess>
 #include <QtTest>
 
-/// A broken condition is told to developers and to nobody else.
+/// A broken condition is reported to developers only.
 class TestDeveloperCheck : public QObject
 {
     Q_OBJECT

@@ -52,7 +52,7 @@ bool asSomebody(Check check)
     return inChild([&] { return (geteuid() != 0 || setuid(somebody) == 0) && check(); });
 }
 
-/// In a child process: a limit on the size of files stands for the full disk.
+/// In a child process: a limit on the size of files simulates the full disk.
 bool refusedByALimit(const std::filesystem::path &path)
 {
     signal(SIGXFSZ, SIG_IGN);

@@ -428,7 +428,7 @@ TEST(CammgrWithCamera, WithoutBackChannelOrMicrophoneOnlyTalkBackEnds)
         EXPECT_NE(RtspPlayer_IsPlaying(player), 0);
         EXPECT_EQ(cameras.statusNumber("back_channel_packets"), 0);
 
-        // Asking again says why and costs the camera nothing, until the user asks again.
+        // Another request reports why and costs the camera nothing, until the user tries again.
         const int reason = hasChannel ? CAMMGR_TALK_NO_MICROPHONE : CAMMGR_TALK_NOT_TAKEN;
         const long requests = cameras.statusNumber("rtsp_requests");
         for (int i = 0; i < 10; ++i) {

@@ -41,7 +41,7 @@ public:
     {
     }
 
-    /// Plays once; what the camera was told in Authorization headers.
+    /// Plays once; what the camera received in Authorization headers.
     std::vector<std::string> logins(const std::shared_ptr<LoginPolicy> &policy)
     {
         const size_t before = m_server.requests().size();

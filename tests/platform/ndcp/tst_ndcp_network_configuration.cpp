@@ -236,7 +236,7 @@ TEST(NetworkConfiguration, LeavesWhatTheDeviceCouldNotTellWhenItWasRead)
     silent.interface = configuration().interface;
     ndcp_device record = recordOf({});
     fillRecord(record, silent);
-    // Now it tells: its gateway and its servers stay.
+    // Now it reports them: its gateway and its servers stay.
     EXPECT_TRUE(isNothing(changeOf(record, [] {
         NetworkConfiguration current = configuration();
         current.scopes.reset();

@@ -159,7 +159,7 @@ TEST_F(SoapClientTest, NeverSendsAChangeTwiceByItself)
 }
 
 // The memory of what a device has offered is kept by host, for the whole process: each of these
-// needs a host of its own.
+// needs its own host.
 TEST_F(SoapClientTest, TellsThePasswordInClearOnlyWhereNothingElseWasEverOffered)
 {
     RawServer server(m_context, {basicChallenge(), basicChallenge(), basicChallenge(), okAnswer()},

@@ -36,7 +36,7 @@ public:
             qFatal("cannot write %s", qPrintable(file));
         return file;
     }
-    /// What looks like a file of the album and cannot be deleted, whoever runs the test.
+    /// Looks like a file of the album and cannot be deleted, whatever user runs the test.
     QString writeUndeletable(const QString &hostname, const QString &name) const
     {
         QDir().mkpath(path(hostname, name));

@@ -382,7 +382,7 @@ void TestPlayPhotoForm::releasingEscapeLeavesFullScreen()
     QVERIFY(!m_page->isPictureFullScreen());
 }
 
-// As when it closes a dialog that stands over the picture.
+// As when it closes a dialog over the picture.
 void TestPlayPhotoForm::escapePressedElsewhereLeavesThePictureAlone()
 {
     add("a.jpg");

@@ -22,7 +22,7 @@ private slots:
 
 namespace {
 
-/// A document that keeps what it was asked to load.
+/// A document that records what it had to load.
 class WatchedDocument : public QTextDocument
 {
 public:

@@ -12,8 +12,8 @@ namespace {
 constexpr int deadline = LiveFixture::deadline;
 }
 
-/// What the single view and a tile of the grid make of the session's reports: when they ask for
-/// one, and what they tell about a recording that is not written.
+/// How the single view and a tile of the grid handle the session's reports: when they request one,
+/// and what they show of a recording that is not written.
 class TestLiveReports : public QObject
 {
     Q_OBJECT
@@ -161,7 +161,7 @@ void TestLiveReports::oneReportIsAskedForEachStart()
     start();
     answerProbe();
     const int asked = probes();
-    // A library that answers at once would be asked without end.
+    // A library that answers at once would be probed without end.
     answerProbe();
     m_live->reports(3);
     QCOMPARE(m_live->count("RtspPlayer_Play"), 5);
@@ -235,7 +235,7 @@ void TestLiveReports::aRefusedRecordingIsToldOnce()
         "Camera H is not being recorded: the album folder cannot be written, or the disk is full.");
     QCOMPARE(lampTip(), trouble);
     QCOMPARE(m_live->host.statuses, QStringList{trouble});
-    // The lamp still says what was asked for.
+    // The lamp still shows what was requested.
     QVERIFY(!child<QLabel>("labelRecording")->styleSheet().isEmpty());
     m_live->reports(3);
     QCOMPARE(m_live->host.statuses, QStringList{trouble});
@@ -257,7 +257,7 @@ void TestLiveReports::aRecordingThatStopsIsTold()
     m_live->reports(3);
     QCOMPARE(m_live->host.statuses.size(), 1);
     QCOMPARE(lampTip(), m_live->host.statuses.first());
-    // It goes on: there is room again, or the camera was lost meanwhile.
+    // It continues: there is space again, or the camera was lost meanwhile.
     m_live->change([](auto &script) { script.writing = 1; });
     m_live->reports(2);
     QCOMPARE(lampTip(), QString());

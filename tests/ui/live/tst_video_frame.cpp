@@ -235,7 +235,7 @@ void TestVideoFrame::aReleaseOfEscapeThatWasPressedElsewhereIsPassedOver()
     QTest::keyClick(m_frame.get(), Qt::Key_Escape);
     QTest::keyRelease(m_frame.get(), Qt::Key_Escape);
     QCOMPARE(doubled.count(), 1);
-    // The focus has gone elsewhere between the two.
+    // The focus has moved between the two.
     QTest::keyPress(m_frame.get(), Qt::Key_Escape);
     QFocusEvent out(QEvent::FocusOut);
     QCoreApplication::sendEvent(m_frame.get(), &out);

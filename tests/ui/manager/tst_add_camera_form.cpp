@@ -274,7 +274,7 @@ void TestAddCameraForm::aLoginInTheAddressMovesIntoItsFields()
     QCOMPARE(edit(form, "editUid")->text(), QString("rtsp://cam.lan/stream"));
     QCOMPARE(edit(form, "editUserName")->text(), QString("root"));
     QCOMPARE(edit(form, "editPassword")->text(), QString("p@ss"));
-    // What an address does not tell stays.
+    // What an address does not contain stays.
     edit(form, "editUid")->setFocus();
     type(form, "editUid", "rtsp://admin@cam.lan");
     edit(form, "editUserName")->setFocus();

@@ -9,7 +9,7 @@
 #include <vector>
 
 /// A TCP server on a loopback address that answers each HTTP request with the next of its answers,
-/// whatever it is asked; the last one serves for all that follow.
+/// whatever the request; the last one serves for all that follow.
 class RawServer
 {
 public:

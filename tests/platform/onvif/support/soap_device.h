@@ -19,7 +19,7 @@ public:
         Digest,         ///< HTTP digest
         Basic,          ///< HTTP basic
         Token,          ///< WS-Security UsernameToken, refusals with HTTP 400 and a fault
-        DigestAndToken, ///< asks for an HTTP digest, but its accounts work by UsernameToken only
+        DigestAndToken, ///< requests an HTTP digest, but its accounts work by UsernameToken only
         BareToken,      ///< UsernameToken, refusals with HTTP 400 and no fault
         Unreasonable    ///< refuses everything with HTTP 401 and no challenge
     };
@@ -52,7 +52,7 @@ public:
     /// Never answers this request.
     void keepSilent(const std::string &request);
 
-    /// How the device tells its clock: by the parts of GetSystemDateAndTime's answer.
+    /// How the device reports its clock: by the parts of GetSystemDateAndTime's answer.
     enum class Clock
     {
         Utc,
