@@ -5,7 +5,7 @@
 say() { printf '%s\n' "$*" >&2; }
 fail() { say "error: $*"; exit 1; }
 
-# Prints the package names of the given lists, without comments. A line "@NAME" stands for that list.
+# Prints the package names of the given lists, without comments. A line "@NAME" includes that list.
 package_names() {
     local list line
     for list in "$@"; do
