@@ -1,4 +1,5 @@
 #include "fuzz/expect.h"
+#include "platform/cammgr/login_policy.h"
 #include "platform/cammgr/reply_reader.h"
 #include "platform/cammgr/rtsp_login.h"
 
@@ -16,7 +17,8 @@ void check(const Reply &reply)
     FUZZ_EXPECT(reply.status >= 100 && reply.status <= 999);
     FUZZ_EXPECT(reply.body.size() <= limits.bodyBytes);
     cammgr::RtspLogin login("admin", "secret");
-    if (login.takeChallenge(reply.all("WWW-Authenticate"))) {
+    cammgr::LoginPolicy policy;
+    if (login.takeChallenge(reply.all("WWW-Authenticate"), policy, false)) {
         const std::string answer = login.authorization("DESCRIBE", "rtsp://camera/live");
         FUZZ_EXPECT(!answer.empty() && answer.find_first_of("\r\n") == std::string::npos);
     }
