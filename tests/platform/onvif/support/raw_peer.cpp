@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr guint millisecondsBetweenDatagrams = 10;
+
 // Whether head and body of an HTTP request are there.
 bool isWhole(const std::string &request)
 {
@@ -123,6 +125,21 @@ UdpPeer::UdpPeer(const TestContext &context, Answer answer)
     m_source.reset(g_socket_create_source(m_socket.get(), G_IO_IN, nullptr));
     g_source_set_callback(m_source.get(), G_SOURCE_FUNC(readable), this, nullptr);
     g_source_attach(m_source.get(), context.get());
+    m_pace.reset(g_timeout_source_new(millisecondsBetweenDatagrams));
+    g_source_set_callback(m_pace.get(), sendNext, this, nullptr);
+    g_source_attach(m_pace.get(), context.get());
+}
+
+gboolean UdpPeer::sendNext(gpointer data)
+{
+    auto *self = static_cast<UdpPeer *>(data);
+    if (!self->m_pending.empty()) {
+        const Datagram &next = self->m_pending.front();
+        g_socket_send_to(self->m_socket.get(), next.to.get(), next.text.data(), next.text.size(),
+                         nullptr, nullptr);
+        self->m_pending.pop_front();
+    }
+    return G_SOURCE_CONTINUE;
 }
 
 std::string UdpPeer::target() const
@@ -144,8 +161,9 @@ gboolean UdpPeer::readable(GSocket *, GIOCondition, gpointer data)
     if (length < 0 || !sender)
         return G_SOURCE_CONTINUE;
     self->m_received.emplace_back(buffer.data(), static_cast<std::size_t>(length));
-    for (const std::string &answer : self->m_answer(self->m_received.back()))
-        g_socket_send_to(self->m_socket.get(), sender.get(), answer.data(), answer.size(), nullptr,
-                         nullptr);
+    for (std::string &answer : self->m_answer(self->m_received.back()))
+        self->m_pending.push_back(
+            {onvif::GObjectPtr<GSocketAddress>(G_SOCKET_ADDRESS(g_object_ref(sender.get()))),
+             std::move(answer)});
     return G_SOURCE_CONTINUE;
 }

@@ -3,6 +3,7 @@
 #include "tests/platform/onvif/support/test_context.h"
 
 #include <array>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -63,7 +64,8 @@ private:
 };
 
 /// A UDP socket on 127.0.0.1 that hands each datagram to a function, which answers with any number
-/// of datagrams.
+/// of datagrams. They leave one by one, as from many devices, because a receiver's buffer holds
+/// only about 30 large ones.
 class UdpPeer
 {
 public:
@@ -79,9 +81,18 @@ public:
 
 private:
     static gboolean readable(GSocket *, GIOCondition, gpointer self);
+    static gboolean sendNext(gpointer self);
+
+    struct Datagram
+    {
+        onvif::GObjectPtr<GSocketAddress> to;
+        std::string text;
+    };
 
     Answer m_answer;
+    std::deque<Datagram> m_pending;
     onvif::GObjectPtr<GSocket> m_socket;
     onvif::GSourcePtr m_source;
+    onvif::GSourcePtr m_pace;
     std::vector<std::string> m_received;
 };
