@@ -3,8 +3,8 @@
 set(pictures
   manager=manager-four-800x600 manager-states=manager-states-800x600 single=single-full-hd-1280x800 grid=grid-recording-1280x800 search=search-many-1280x800 photos=photos-many-1280x800
   videos=videos-many-800x600 photo=photo-1280x800 video=video-playing-800x600
-  add-camera=add-camera-filled network-setup=network-setup motion=motion picker=picker
-  message-box=message-question select-cameras=select-four)
+  add-camera=add-camera-filled network-setup=network-setup picker=picker
+  select-cameras=select-four)
 file(GLOB sheets RELATIVE ${FROM} ${FROM}/contact-*.png)
 foreach(sheet IN LISTS sheets)
   get_filename_component(name ${sheet} NAME_WLE)
