@@ -2,10 +2,8 @@
 # sanitizers, precompiled headers and test settings are the same everywhere.
 
 # Programs under the thread sanitizer report to it the locks of libraries that are built without.
-if(ZELVARO_SANITIZE MATCHES "thread")
-  add_library(tsan_glib OBJECT ${PROJECT_SOURCE_DIR}/tests/support/tsan_glib.cpp)
-  target_link_libraries(tsan_glib PUBLIC PkgConfig::GIO ${CMAKE_DL_LIBS})
-endif()
+add_library(tsan_glib OBJECT EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/tests/support/tsan_glib.cpp)
+target_link_libraries(tsan_glib PUBLIC PkgConfig::GIO ${CMAKE_DL_LIBS})
 
 function(zelvaro_own_code target)
   target_compile_options(${target} PRIVATE

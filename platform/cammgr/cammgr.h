@@ -37,6 +37,8 @@
 extern "C" {
 #endif
 
+/* C names. NOLINTBEGIN(readability-identifier-naming) */
+
 /* Whether texts are UTF-8: 1. Optional, see above. Any thread. */
 CAMMGR_API int cammgr_takes_utf8(void);
 
@@ -211,6 +213,8 @@ enum
 CAMMGR_API int AudioUpload_Play(RtspPlayer *player);
 CAMMGR_API int AudioUpload_Stop(RtspPlayer *player);
 CAMMGR_API int AudioUpload_IsPlaying(RtspPlayer *player);
+
+/* NOLINTEND(readability-identifier-naming) */
 
 #ifdef __cplusplus
 }

@@ -28,6 +28,8 @@
 extern "C" {
 #endif
 
+/* C names. NOLINTBEGIN(readability-identifier-naming) */
+
 /* First argument of the callback. */
 enum
 {
@@ -120,6 +122,8 @@ NDCP_API int ndcpclient_set_conf(ndcp_client *client, ndcp_device *device);
 
 /* Destroys the client. No callback runs during or after the call. */
 NDCP_API void ndcpclient_delete(ndcp_client *client);
+
+/* NOLINTEND(readability-identifier-naming) */
 
 #ifdef __cplusplus
 }
