@@ -3,6 +3,7 @@
 #include "app/x11_connection.h"
 
 #include <QByteArray>
+#include <QList>
 
 namespace zelvaro {
 

@@ -118,7 +118,8 @@ void SingleInstance::accept()
     while (QLocalSocket *client = m_server.nextPendingConnection()) {
         client->setReadBufferSize(sizeof request);
         connect(client, &QLocalSocket::disconnected, client, &QObject::deleteLater);
-        connect(client, &QLocalSocket::readyRead, this, [this, client] { read(*client); });
+        connect(
+            client, &QLocalSocket::readyRead, this, [this, client] { read(*client); });
         QTimer::singleShot(clientTimeout, client, [client] { client->abort(); });
         read(*client);
     }

@@ -16,12 +16,11 @@ void StartEnvironment::set(const char *name, const QByteArray &value)
 
 void StartEnvironment::restore()
 {
-    for (const auto &[name, value] : m_before) {
+    for (const auto &[name, value] : m_before)
         if (value)
             qputenv(name.constData(), *value);
         else
             qunsetenv(name.constData());
-    }
     m_before.clear();
 }
 

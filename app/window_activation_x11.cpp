@@ -13,10 +13,9 @@ QWidget &foremostOf(QWidget &mainWindow)
 {
     if (QWidget *dialog = QApplication::activeModalWidget())
         return *dialog;
-    for (QWidget *window : QApplication::topLevelWidgets()) {
+    for (QWidget *window : QApplication::topLevelWidgets())
         if (window->isVisible() && window->isFullScreen())
             return *window;
-    }
     return mainWindow;
 }
 

@@ -38,9 +38,9 @@ ScreenReader::ScreenReader(int width, int height) : d(std::make_unique<Private>(
                                static_cast<unsigned>(DefaultDepth(d->display, screen)), ZPixmap,
                                nullptr, &d->segment, static_cast<unsigned>(codeWidth),
                                static_cast<unsigned>(codeHeight));
-    d->segment.shmid =
-        shmget(IPC_PRIVATE, static_cast<std::size_t>(d->image->bytes_per_line * d->image->height),
-               IPC_CREAT | 0600);
+    const std::size_t size = static_cast<std::size_t>(d->image->bytes_per_line) *
+                             static_cast<std::size_t>(d->image->height);
+    d->segment.shmid = shmget(IPC_PRIVATE, size, IPC_CREAT | 0600);
     d->segment.shmaddr = static_cast<char *>(shmat(d->segment.shmid, nullptr, 0));
     d->image->data = d->segment.shmaddr;
     XShmAttach(d->display, &d->segment);

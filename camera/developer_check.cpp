@@ -11,13 +11,11 @@ Q_LOGGING_CATEGORY(lcCheck, "zelvaro.check")
 
 bool developerCheck(bool ok, const char *condition, const char *source)
 {
-    if (ok) {
+    if (ok)
         return true;
-    }
     qCWarning(lcCheck).noquote().nospace() << '"' << condition << "\" in " << source;
-    if (qEnvironmentVariableIsSet("ZELVARO_ABORT_ON_CHECK")) {
+    if (qEnvironmentVariableIsSet("ZELVARO_ABORT_ON_CHECK"))
         std::abort();
-    }
     return false;
 }
 

@@ -53,7 +53,7 @@ Sprite::Sprite(int width, int height, const std::function<void(cairo_t *)> &pain
 
 void Sprite::convert(const std::uint8_t *pixels, int stride)
 {
-    const auto size = static_cast<std::size_t>(m_width * m_height);
+    const auto size = static_cast<std::size_t>(m_width) * static_cast<std::size_t>(m_height);
     m_luma.resize(size);
     m_alpha.resize(size);
     m_cb.resize(size / 4);
@@ -66,7 +66,7 @@ void Sprite::convert(const std::uint8_t *pixels, int stride)
                 const int px = x + part % 2;
                 const int py = y + part / 2;
                 const std::uint8_t *p = pixels + py * stride + px * 4;
-                const std::size_t at = static_cast<std::size_t>(py * m_width + px);
+                const int at = py * m_width + px;
                 m_luma[at] = static_cast<std::uint8_t>(toYuv(p[2], p[1], p[0], p[3]).y);
                 m_alpha[at] = p[3];
                 b += p[0];
@@ -75,7 +75,7 @@ void Sprite::convert(const std::uint8_t *pixels, int stride)
                 a += p[3];
             }
             const Colour colour = toYuv(r / 4, g / 4, b / 4, a / 4);
-            const std::size_t at = static_cast<std::size_t>(y / 2 * (m_width / 2) + x / 2);
+            const int at = y / 2 * (m_width / 2) + x / 2;
             m_cb[at] = static_cast<std::uint8_t>(std::clamp(colour.cb, 0, 255));
             m_cr[at] = static_cast<std::uint8_t>(std::clamp(colour.cr, 0, 255));
             m_chromaAlpha[at] = static_cast<std::uint8_t>(a / 4);
@@ -95,12 +95,12 @@ void Sprite::putOn(const PictureView &picture, int x, int y) const
     if (left >= right)
         return;
     for (int row = top; row < bottom; ++row) {
-        const std::size_t from = static_cast<std::size_t>(row * m_width + left);
+        const int from = row * m_width + left;
         blendRow(picture.luma + (y + row) * picture.lumaStride + x + left, &m_luma[from],
                  &m_alpha[from], right - left, m_opaque);
         if (row % 2)
             continue;
-        const std::size_t chroma = static_cast<std::size_t>(row / 2 * (m_width / 2) + left / 2);
+        const int chroma = row / 2 * (m_width / 2) + left / 2;
         const int to = (y + row) / 2 * picture.chromaStride + (x + left) / 2;
         const int count = (right - left) / 2;
         blendRow(picture.cb + to, &m_cb[chroma], &m_chromaAlpha[chroma], count, m_opaque);

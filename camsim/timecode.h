@@ -87,8 +87,9 @@ std::optional<std::uint32_t> read(int width, int height, Brightness brightness)
         return std::nullopt;
     std::uint32_t word = 0;
     for (int index = 0; index < columns * rows; ++index) {
+        const int row = index / columns;
         const double left = (1 + index % columns) * cell;
-        const double top = (1 + index / columns) * cell;
+        const double top = (1 + row) * cell;
         int sum = 0;
         int count = 0;
         for (int y = static_cast<int>(top + cell * 0.3); y < top + cell * 0.7; ++y) {

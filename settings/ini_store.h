@@ -16,6 +16,8 @@
 extern "C" {
 #endif
 
+/* C names. NOLINTBEGIN(readability-identifier-naming) */
+
 enum
 {
     INI_READ = 1,
@@ -121,6 +123,8 @@ size_t ini_pair_length(const char *key, const char *value);
 
 /* Visits the next line of the current section; key and value may be NULL. -1 at the end. */
 int32_t ini_next_entry(ini_file *file, const char **key, const char **value);
+
+/* NOLINTEND(readability-identifier-naming) */
 
 #ifdef __cplusplus
 }

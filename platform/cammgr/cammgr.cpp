@@ -152,7 +152,7 @@ int RtspPlayer_GetMode(RtspPlayer *player)
         player, 1, [](RtspPlayer &p) { return p.mode(); });
 }
 
-int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_t native_window)
+int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_t nativeWindow)
 {
     return with(
         player, failure,
@@ -161,7 +161,7 @@ int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_
             if (text.empty() || text.front() != '/' || text.size() > maxPath ||
                 !hasNoWhitespace(text))
                 return failure;
-            return p.setup(text, native_window);
+            return p.setup(text, nativeWindow);
         });
 }
 
@@ -251,12 +251,12 @@ int RtspPlayer_Snapshot(RtspPlayer *player, const char *path)
         });
 }
 
-int RtspPlayer_BeginWriting(RtspPlayer *player, const char *base_path, int limit)
+int RtspPlayer_BeginWriting(RtspPlayer *player, const char *basePath, int limit)
 {
     return with(
         player, failure,
         [&](RtspPlayer &p) {
-            const std::string base = utf8OrEmpty(base_path);
+            const std::string base = utf8OrEmpty(basePath);
             if (base.empty() || limit < 0)
                 return failure;
             return p.withStream(

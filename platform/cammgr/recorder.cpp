@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 
 // A stream in which this many frames came without a B frame has none.
 constexpr uint64_t framesThatTell = 60;
-constexpr double guessedBytesPerSecond = 512'000 / 8;
+constexpr double guessedBytesPerSecond = 512'000.0 / 8;
 // The index may take this part of a clip at most, and this much when there is no limit.
 constexpr uint64_t indexPart = 8;
 constexpr uint64_t largestIndex = 8 * 1024 * 1024;

@@ -192,7 +192,7 @@ void ConfigurationWriter::lookUntilDone(Part part, bool wasAnswered)
         return !isStillToDo(part, configuration) && hasArrived(part, service);
     };
     look(isDone, wasAnswered ? m_times.settle : m_times.look,
-         [this, part, wasAnswered](const std::string &service, bool isThere) {
+         [this, wasAnswered](const std::string &service, bool isThere) {
              // Some devices report their old configuration for ever. What they have said to have
              // taken is believed; a request without an answer is not.
              if (!isThere && !(wasAnswered && !service.empty())) {

@@ -289,13 +289,12 @@ private:
             });
     }
 
-    void finish(const SoapReply &reply)
+    // The receiver may destroy this call, and with it the reply that the caller holds.
+    void finish(SoapReply reply)
     {
         m_session->wasHelpful = m_session->wasHelpful || reply.status == SoapStatus::Ok;
-        // The receiver may destroy this call.
         const Done done = std::move(m_done);
-        const SoapReply copy = reply;
-        done(copy);
+        done(reply);
     }
 
     std::shared_ptr<Session> m_session;

@@ -87,7 +87,7 @@ int main(int argc, char **argv)
     }
 
     ArtBook book(arguments[0]);
-    const QString output = arguments[1];
+    const QString &output = arguments[1];
     QString text;
     QTextStream list(&text);
     list << "<RCC><qresource prefix=\"/\">\n";

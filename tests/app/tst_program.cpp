@@ -220,7 +220,7 @@ private slots:
     void secondStartBringsTheWindowToTheFront()
     {
         m_home->write(camera("one"));
-        run([this](CMainForm &window) {
+        run([](CMainForm &window) {
             QVERIFY(QTest::qWaitForWindowActive(&window));
             window.slotMinimized();
             QTRY_VERIFY_WITH_TIMEOUT(!window.isActiveWindow(), deadline);

@@ -28,7 +28,7 @@ void TestDeveloperCheck::keptConditionSaysNothing()
 void TestDeveloperCheck::brokenConditionNamesItselfAndItsSource()
 {
     QTest::ignoreMessage(QtWarningMsg, "\"!cam_to_stop\" in Camera");
-    const bool cam_to_stop = true;
+    const bool cam_to_stop = true; // NOLINT(readability-identifier-naming): as it is logged
     QVERIFY(!ZELVARO_CHECK(!cam_to_stop, "Camera"));
 }
 

@@ -5,7 +5,6 @@
 
 using namespace camsim::test;
 using zelvaro::test::CamsimProcess;
-using zelvaro::test::SimulatedCamera;
 
 namespace {
 

@@ -143,12 +143,12 @@ int RtspPlayer_GetMode(RtspPlayer *player)
     return figure("RtspPlayer_GetMode", player, &Script::mode);
 }
 
-int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_t native_window)
+int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_t nativeWindow)
 {
-    Entry entry("RtspPlayer_SetupP2PliveStream", player, {path}, {std::intptr_t(native_window)});
+    Entry entry("RtspPlayer_SetupP2PliveStream", player, {path}, {std::intptr_t(nativeWindow)});
     if (entry && entry.works()) {
         entry->m_path = path;
-        entry->m_window = native_window;
+        entry->m_window = nativeWindow;
     }
     return entry.result(0, -1);
 }
@@ -225,12 +225,12 @@ int RtspPlayer_Snapshot(RtspPlayer *player, const char *path)
     return entry.result(0, -1);
 }
 
-int RtspPlayer_BeginWriting(RtspPlayer *player, const char *base_path, int limit)
+int RtspPlayer_BeginWriting(RtspPlayer *player, const char *basePath, int limit)
 {
-    Entry entry("RtspPlayer_BeginWriting", player, {base_path}, {limit});
+    Entry entry("RtspPlayer_BeginWriting", player, {basePath}, {limit});
     if (entry && entry.works()) {
         entry.script().writing = 1;
-        entry->m_recordBase = base_path;
+        entry->m_recordBase = basePath;
     }
     return entry.result(0, -1);
 }

@@ -11,6 +11,8 @@
 /// All fields but the constant ones belong to the library's mutex.
 struct ndcp_client
 {
+    ndcp_client(ndcp_callback called, void *context) : callback(called), user(context) {}
+
     const ndcp_callback callback;
     void *const user;
     std::vector<ndcp_device> found;

@@ -5,6 +5,7 @@
 #include <QDirIterator>
 #include <QIcon>
 #include <QImage>
+#include <QPainter>
 #include <QSet>
 #include <QtTest>
 

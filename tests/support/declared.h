@@ -8,9 +8,8 @@
 inline QStringList declared(const QMetaObject &meta, QMetaMethod::MethodType type)
 {
     QStringList found;
-    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
+    for (int i = meta.methodOffset(); i < meta.methodCount(); ++i)
         if (meta.method(i).methodType() == type)
             found << QString::fromLatin1(meta.method(i).methodSignature());
-    }
     return found;
 }

@@ -101,7 +101,7 @@ void CPhotoMgrFrame::showNearTiles()
     if (!isVisible())
         return; // it comes back here when it is shown
     const zelvaro::Windowless tiles;
-    constexpr int rowHeight = CPhotoMgrItemForm::Height + spacing;
+    constexpr int rowHeight = CPhotoMgrItemForm::tileHeight + spacing;
     const int top = parentWidget() ? -y() : 0;
     const int bottom = top + (parentWidget() ? parentWidget()->height() : height());
     const int firstRow = top / rowHeight - rowsAhead;

@@ -20,7 +20,7 @@ CPhotoMgrItemForm::CPhotoMgrItemForm(QWidget *parent, Content content)
     , m_near(content == Content::AtOnce)
 {
     setObjectName(QStringLiteral("PhotoMgrItemForm"));
-    setFixedSize(Width, Height);
+    setFixedSize(tileWidth, tileHeight);
     if (m_near)
         build();
     else

@@ -23,8 +23,8 @@ public:
     };
 
     /// Size of every tile, in pixels.
-    static constexpr int Width = 199;
-    static constexpr int Height = 188;
+    static constexpr int tileWidth = 199;
+    static constexpr int tileHeight = 188;
 
     explicit CPhotoMgrItemForm(QWidget *parent = nullptr, Content content = Content::AtOnce);
     ~CPhotoMgrItemForm() override;

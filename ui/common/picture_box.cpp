@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QLayout>
 #include <QScreen>
+#include <QVariant>
 
 namespace zelvaro {
 

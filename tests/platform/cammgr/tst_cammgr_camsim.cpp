@@ -11,7 +11,6 @@
 
 #include <memory>
 
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 using zelvaro::test::CamsimProcess;

@@ -12,7 +12,6 @@ using cammgr::LiveStream;
 using cammgr::LoginPolicy;
 using cammgr::StreamEnd;
 using testing::HasSubstr;
-using testing::Not;
 using testing::StartsWith;
 
 namespace {

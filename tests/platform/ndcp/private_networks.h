@@ -20,7 +20,8 @@ public:
     PrivateNetworks &operator=(const PrivateNetworks &) = delete;
 
     /// A network 10.77.number.0/24 with this process at .1 and a device at .2 that answers
-    /// multicast probes, and no others, with this UID and a device service at port 8899. False when the cable or the device did not come up.
+    /// multicast probes, and no others, with this UID and a device service at port 8899. False when
+    /// the cable or the device did not come up.
     [[nodiscard]] bool addDevice(int number, const std::string &uid);
 
     /// Hardware address of the device's end of the cable, as text.

@@ -218,9 +218,9 @@ TEST_F(DiscoverySearchTest, StopsAtAThousandDevices)
     EXPECT_EQ(search(scope).size(), maxDevices);
     EXPECT_GT(next, 2'000);
 });
-    scope.milliseconds = 60'000; // it ends by itself
-    EXPECT_EQ(search(scope).size(), maxDevices);
-    EXPECT_GT(next, static_cast<int>(maxDevices));
+scope.milliseconds = 60'000; // it ends by itself
+EXPECT_EQ(search(scope).size(), maxDevices);
+EXPECT_GT(next, static_cast<int>(maxDevices));
 }
 
 TEST_F(DiscoverySearchTest, SurvivesHostileAnswers)

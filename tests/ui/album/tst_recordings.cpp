@@ -111,7 +111,7 @@ public:
 
     std::optional<Playback> play(const QString &clip)
     {
-        constexpr int Playing = 3; // libvlc_state_t
+        constexpr int playing = 3; // libvlc_state_t
         const auto newMedia = resolve<void *(*)(void *, const char *)>("libvlc_media_new_path");
         const auto newPlayer = resolve<void *(*)(void *)>("libvlc_media_player_new_from_media");
         const auto state = resolve<int (*)(void *)>("libvlc_media_player_get_state");
@@ -124,7 +124,7 @@ public:
         void *player = newPlayer(media);
         resolve<int (*)(void *)>("libvlc_media_player_play")(player);
         std::optional<Playback> result;
-        if (QTest::qWaitFor([&] { return state(player) == Playing && length(player) > 0; },
+        if (QTest::qWaitFor([&] { return state(player) == playing && length(player) > 0; },
                             patience)) {
             setPause(player, 1);
             result = Playback{double(length(player)) / 1000, 0};
