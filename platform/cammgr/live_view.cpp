@@ -71,8 +71,11 @@ void LiveView::close()
     int watch = 0;
     {
         std::unique_lock lock(m_mutex);
-        if (m_stage == Stage::Closed)
+        if (m_stage == Stage::Closed) {
+            // Another thread closes it: nobody may draw when either returns.
+            m_idle.wait(lock, [this] { return m_isClosed; });
             return;
+        }
         m_stage = Stage::Closed;
         m_queue.clear();
         m_idle.wait(lock, [this] { return !m_busy; });
@@ -82,25 +85,37 @@ void LiveView::close()
     if (watch != 0)
         WindowWatch::instance().remove(watch);
     m_chain.close();
+    std::lock_guard lock(m_mutex);
+    m_isClosed = true;
+    m_idle.notify_all();
 }
 
 void LiveView::takeFrame(const AccessUnit &unit)
 {
-    std::lock_guard lock(m_mutex);
-    if (m_stage == Stage::Closed || !m_window.visible || unit.number <= m_lastQueued)
-        return;
-    if (m_waitForKey && !unit.key)
-        return;
-    m_waitForKey = false;
-    const bool replaying = !m_queue.empty() && m_queue.front().number <= m_replayEnd;
-    m_queue.push_back(unit);
-    m_lastQueued = unit.number;
-    // What comes while memory is replayed is caught up with, not left out.
-    if (replaying && unit.arrived - m_replayStart < longestReplay)
-        m_replayEnd = unit.number;
-    else
-        shedLoad(unit.arrived);
-    schedule();
+    bool needKey = false;
+    {
+        std::lock_guard lock(m_mutex);
+        if (m_stage == Stage::Closed || !m_window.visible || unit.number <= m_lastQueued)
+            return;
+        if (m_waitForKey && !unit.key) {
+            // A decoder that was lost comes back from memory as soon as it may.
+            schedule();
+            return;
+        }
+        m_waitForKey = false;
+        const bool replaying = !m_queue.empty() && m_queue.front().number <= m_replayEnd;
+        m_queue.push_back(unit);
+        m_lastQueued = unit.number;
+        // What comes while memory is replayed is caught up with, not left out.
+        if (replaying && unit.arrived - m_replayStart < longestReplay)
+            m_replayEnd = unit.number;
+        else
+            shedLoad(unit.arrived);
+        needKey = m_waitForKey;
+        schedule();
+    }
+    if (needKey && m_wantKeyFrame)
+        m_wantKeyFrame();
 }
 
 void LiveView::setWindow(const WindowState &state, bool damaged)
@@ -158,7 +173,7 @@ bool LiveView::replayMemory()
 /// Called with the lock.
 void LiveView::schedule()
 {
-    if (m_scheduled || m_stage != Stage::Ready || (m_queue.empty() && !m_redraw))
+    if (m_scheduled || m_stage != Stage::Ready || (m_queue.empty() && !m_redraw && !m_broken))
         return;
     m_scheduled = true;
     queueStep(shared_from_this());
@@ -256,14 +271,19 @@ bool LiveView::step()
         break;
     }
 
-    std::lock_guard lock(m_mutex);
-    m_busy = false;
-    m_idle.notify_all();
-    m_broken = !good;
-    if (now.kind == Step::Kind::Decode)
-        ++m_decoded;
-    if (now.kind == Step::Kind::Reopen && good && m_stage == Stage::Ready)
-        replayMemory();
+    bool needKey = false;
+    {
+        std::lock_guard lock(m_mutex);
+        m_busy = false;
+        m_idle.notify_all();
+        m_broken = !good;
+        if (now.kind == Step::Kind::Decode)
+            ++m_decoded;
+        if (now.kind == Step::Kind::Reopen && good && m_stage == Stage::Ready)
+            needKey = !replayMemory();
+    }
+    if (needKey && m_wantKeyFrame)
+        m_wantKeyFrame();
     return true;
 }
 

@@ -92,6 +92,7 @@ private:
     WindowState m_window;
     Stage m_stage = Stage::Waiting;
     int m_watch = 0;
+    bool m_isClosed = false;  ///< nothing draws any more
     bool m_scheduled = false; ///< on its way to a decoding thread
     bool m_busy = false;      ///< a thread uses the chain
     bool m_broken = false;    ///< the chain has to be opened again

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <string>
+#include <thread>
 
 using namespace cammgr;
 
@@ -255,4 +257,62 @@ TEST_F(LiveViewTest, TellsThatNobodyCanSeeTheWindow)
     m_window.show();
     EXPECT_TRUE(waitUntil([this] { return !m_view->isUnseen() && m_changes == 2; }));
     EXPECT_FALSE(m_view->hasShown());
+}
+
+TEST_F(LiveViewTest, AnOverloadThatLosesThePictureWantsAKeyFrame)
+{
+    const auto units = EncodedStream::make({.frames = 2});
+    openAndSee();
+    feed(units[0]);
+    ASSERT_TRUE(waitForDecoded(1));
+    const int before = m_keyFrameWishes;
+    // No machine decodes ten seconds in the time that it takes to queue them.
+    const auto begin = SteadyClock::now();
+    for (int i = 0; i < 500; ++i) {
+        AccessUnit unit = units[1];
+        unit.number = 2 + i;
+        unit.reference = true;
+        unit.arrived = begin + i * 20ms;
+        m_view->takeFrame(unit);
+    }
+    EXPECT_GT(m_keyFrameWishes, before);
+}
+
+TEST_F(LiveViewTest, NobodyDrawsWhenOneOfTwoClosingThreadsReturns)
+{
+    // Whoever draws on a window that is gone raises an X error. The watch may ask for it (2, 3, 15)
+    // once more.
+    static std::atomic<int> errors = 0;
+    const auto count = +[](const gchar *, GLogLevelFlags, const gchar *text, gpointer) {
+        const std::string line = text;
+        const bool asked = line.find("(request 2.") != line.npos ||
+                           line.find("(request 3.") != line.npos ||
+                           line.find("(request 15.") != line.npos;
+        if (line.starts_with("X error") && !asked)
+            ++errors;
+    };
+    const guint handler = g_log_set_handler("cammgr", G_LOG_LEVEL_INFO, count, nullptr);
+    const auto units = EncodedStream::make({.frames = 25, .width = 1280, .height = 720});
+    for (int i = 0; i < 20; ++i) {
+        TestWindow window(640, 360);
+        GopBuffer memory;
+        const auto view = std::make_shared<LiveView>(window.id(), memory, nullptr);
+        view->open();
+        ASSERT_TRUE(waitUntil([&] { return view->isDecoding(); }));
+        for (AccessUnit unit : units) {
+            unit.arrived = SteadyClock::now();
+            view->takeFrame(unit);
+        }
+        ASSERT_TRUE(waitUntil([&] { return view->hasShown(); }));
+        std::thread other([&] { view->close(); });
+        // Second, while the first waits for the frame that is being decoded.
+        const auto deadline = SteadyClock::now() + 30s;
+        while (view->isDecoding() && SteadyClock::now() < deadline)
+            std::this_thread::yield();
+        view->close();
+        window.destroy();
+        other.join();
+    }
+    g_log_remove_handler("cammgr", handler);
+    EXPECT_EQ(errors, 0);
 }
