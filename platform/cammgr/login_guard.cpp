@@ -5,6 +5,7 @@
 #include <gst/rtsp/gstrtspextension.h>
 
 #include <mutex>
+#include <regex>
 #include <string>
 #include <utility>
 #include <vector>
@@ -75,13 +76,11 @@ gboolean noteRequest(GstElement *, GstRTSPMessage *, gpointer guard)
     return TRUE;
 }
 
-std::vector<std::string> challengesOf(const GstRTSPMessage *response)
+std::vector<std::string> headersOf(const GstRTSPMessage *response, GstRTSPHeaderField field)
 {
     std::vector<std::string> headers;
     gchar *value = nullptr;
-    for (gint i = 0; gst_rtsp_message_get_header(response, GST_RTSP_HDR_WWW_AUTHENTICATE, &value,
-                                                 i) == GST_RTSP_OK;
-         ++i)
+    for (gint i = 0; gst_rtsp_message_get_header(response, field, &value, i) == GST_RTSP_OK; ++i)
         headers.emplace_back(value);
     return headers;
 }
@@ -94,6 +93,19 @@ std::string headerOf(const LoginChallenge &challenge)
     if (!challenge.opaque.empty())
         text += ", opaque=\"" + challenge.opaque + '"';
     return text;
+}
+
+/// "url=rtsp://c/1;seq=0;rtptime=5" without its ";seq=0".
+void dropFirstSequences(GstRTSPMessage *response)
+{
+    const std::vector<std::string> headers = headersOf(response, GST_RTSP_HDR_RTP_INFO);
+    if (headers.empty())
+        return;
+    static const std::regex sequence(";\\s*seq=[0-9]*", std::regex::icase);
+    gst_rtsp_message_remove_header(response, GST_RTSP_HDR_RTP_INFO, -1);
+    for (const std::string &header : headers)
+        gst_rtsp_message_add_header(response, GST_RTSP_HDR_RTP_INFO,
+                                    std::regex_replace(header, sequence, "").c_str());
 }
 
 } // namespace
@@ -114,9 +126,10 @@ void LoginGuard::filter(GstRTSPMessage *response)
         return;
     if (code != GST_RTSP_STS_UNAUTHORIZED) {
         m_answers = 0;
+        dropFirstSequences(response);
         return;
     }
-    const std::vector<std::string> headers = challengesOf(response);
+    const std::vector<std::string> headers = headersOf(response, GST_RTSP_HDR_WWW_AUTHENTICATE);
     const std::vector<LoginChallenge> challenges = parseChallenges(headers);
     const LoginChallenge *chosen = m_policy->choose(challenges, m_tls);
     // A nonce that grew old says nothing about the login.

@@ -29,7 +29,9 @@ public:
     /// Makes an "rtspsrc" with this guard before it; floating. Null when the framework lacks it.
     GstElement *makeSource();
 
-    /// Takes the challenges that must not be answered out of an answer.
+    /// Takes the challenges that must not be answered out of an answer, and what must not be
+    /// believed: RTP-Info's first sequence number (RFC 2326 12.33), before which the framework
+    /// drops all packets, and which cameras get wrong.
     void filter(GstRTSPMessage *response);
 
 private:

@@ -3,6 +3,7 @@
 #include <gst/rtsp-server/rtsp-server.h>
 
 #include <future>
+#include <regex>
 #include <string>
 #include <thread>
 
@@ -17,6 +18,7 @@ public:
         std::string username = {}; ///< empty: no login
         std::string password = {};
         std::string path = "/live/0/h264.sdp";
+        bool liesInRtpInfo = false; ///< says that the first packet has the number 0
     };
 
     /// H.264 of the given size with counted pictures, and G.711 if requested.
@@ -77,6 +79,8 @@ private:
         GstRTSPMountPoints *mounts = gst_rtsp_server_get_mount_points(server);
         gst_rtsp_mount_points_add_factory(mounts, m_options.path.c_str(), factory);
         g_object_unref(mounts);
+        if (m_options.liesInRtpInfo)
+            g_signal_connect(server, "client-connected", G_CALLBACK(watchMessages), nullptr);
         GSource *source = gst_rtsp_server_create_source(server, nullptr, nullptr);
         g_source_attach(source, m_context);
         port.set_value(gst_rtsp_server_get_bound_port(server));
@@ -91,6 +95,22 @@ private:
         while (g_main_context_iteration(m_context, FALSE)) {
         }
         g_main_context_pop_thread_default(m_context);
+    }
+
+    static void watchMessages(GstRTSPServer *, GstRTSPClient *client, gpointer)
+    {
+        g_signal_connect(client, "send-message", G_CALLBACK(lie), nullptr);
+    }
+
+    static void lie(GstRTSPClient *, GstRTSPSession *, GstRTSPMessage *message, gpointer)
+    {
+        gchar *value = nullptr;
+        if (gst_rtsp_message_get_header(message, GST_RTSP_HDR_RTP_INFO, &value, 0) != GST_RTSP_OK)
+            return;
+        const std::string info =
+            std::regex_replace(std::string(value), std::regex("seq=[0-9]*"), "seq=0");
+        gst_rtsp_message_remove_header(message, GST_RTSP_HDR_RTP_INFO, -1);
+        gst_rtsp_message_add_header(message, GST_RTSP_HDR_RTP_INFO, info.c_str());
     }
 
     void demandLogin(GstRTSPServer *server, GstRTSPMediaFactory *factory)

@@ -452,3 +452,17 @@ TEST_F(CameraTest, PlaysOnAWindowThatNobodySees)
     EXPECT_TRUE(m_stream.isPlaying());
     EXPECT_GT(m_stream.width(), 0);
 }
+
+TEST(LiveStream, AWrongFirstSequenceNumberIsNotBelieved)
+{
+    std::string pipeline = RtspTestServer::testPicture();
+    const std::string payloader = "rtph264pay";
+    pipeline.replace(pipeline.find(payloader), payloader.size(),
+                     payloader + " seqnum-offset=40000");
+    RtspTestServer server({.pipeline = pipeline, .liesInRtpInfo = true});
+    StreamListener listener;
+    LiveStream stream(listener.callbacks());
+    stream.start(requestFor(server.url()));
+    EXPECT_TRUE(listener.waitForFirstFrame());
+    EXPECT_TRUE(listener.ends().empty());
+}
