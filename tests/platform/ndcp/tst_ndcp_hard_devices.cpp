@@ -87,7 +87,7 @@ TEST_F(NdcpHardDeviceTest, WritesTheGatewayOfAnotherSubnetAtTheNewAddress)
 
 TEST_F(NdcpHardDeviceTest, WaitsForADeviceThatMovesSlowlyWithoutAnAnswer)
 {
-    startAndRead({"--lost-answers", "--move-time", "4"});
+    startAndRead({"--lost-answers", "--move-time", "2"});
     m_record.manual_ip = 1;
     m_record.ip = loopback(0, 61);
     m_record.mask = 0xFF000000;

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 
 namespace onvif {
@@ -247,7 +248,32 @@ TEST_F(SoapClientTest, TriesATokenAfterARefusedDigest)
     device.answer(request, response);
     device.guard(SoapDevice::Guard::DigestAndToken, "admin", "secret");
     EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Ok);
+    const std::size_t before = device.seen().size();
     EXPECT_EQ(statusFor(device, {"admin", "wrong"}), SoapStatus::Refused);
+    const auto isSigned = [](const SoapDevice::Seen &seen) {
+        return !seen.authorization.empty() || hasToken(seen.text);
+    };
+    EXPECT_LE(std::count_if(device.seen().begin() + static_cast<std::ptrdiff_t>(before),
+                            device.seen().end(), isSigned),
+              3)
+        << "accounts are locked after a few wrong answers";
+}
+
+TEST_F(SoapClientTest, LogsWhatARefusedDeviceSaysButNoPassword)
+{
+    static std::string logged;
+    logged.clear();
+    const auto collect = [](const char *, GLogLevelFlags, const char *text, gpointer) {
+        logged += std::string(text) + '\n';
+    };
+    const guint handler = g_log_set_handler("onvif", G_LOG_LEVEL_DEBUG, collect, nullptr);
+    SoapDevice device(m_context);
+    device.guard(SoapDevice::Guard::Token, "admin", "secret");
+    EXPECT_EQ(statusFor(device, {"admin", "hidden"}), SoapStatus::Refused);
+    g_log_remove_handler("onvif", handler);
+    EXPECT_NE(logged.find("HTTP status 400"), std::string::npos) << logged;
+    EXPECT_NE(logged.find("ter:NotAuthorized"), std::string::npos) << logged;
+    EXPECT_EQ(logged.find("hidden"), std::string::npos) << logged;
 }
 
 TEST_F(SoapClientTest, TriesATokenAfterAnErrorThatSaysNothing)
