@@ -24,7 +24,8 @@ QStringList invisibleFocus(QWidget &window);
 /// Steps of the Tab key that go back up the window.
 QStringList backwardTabs(QWidget &window);
 
-/// Escape must close the dialog, and Enter press its default button. The dialog is used up.
+/// Escape must close the dialog, and Enter press its default button; where "Apply" writes to a
+/// camera, Enter must press none. The dialog is used up.
 QStringList deafKeys(QDialog &dialog);
 
 /// Style sheets that name images which cannot be read.

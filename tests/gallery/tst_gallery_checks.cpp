@@ -177,6 +177,19 @@ void GalleryChecks::deafDialogsAreFound()
     sound.show();
     QVERIFY(deafKeys(sound).isEmpty());
 
+    QDialog writing;
+    QVBoxLayout writingLayout(&writing);
+    auto *apply = new QPushButton(QStringLiteral("Apply"));
+    apply->setObjectName(QStringLiteral("btnApply"));
+    apply->setDefault(true);
+    writingLayout.addWidget(apply);
+    writing.show();
+    QCOMPARE(deafKeys(writing).size(), 1);
+    apply->setDefault(false);
+    apply->setAutoDefault(false);
+    writing.show();
+    QVERIFY(deafKeys(writing).isEmpty());
+
     DeafDialog deaf;
     deaf.show();
     QCOMPARE(deafKeys(deaf).size(), 2);
