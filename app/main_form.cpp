@@ -1,7 +1,6 @@
 #include "app/main_form.h"
 
 #include "app/album_folder.h"
-#include "app/dialog_shadow.h"
 #include "app/settings_notice.h"
 #include "settings/camera_settings.h"
 #include "ui/common/desktop.h"
@@ -57,7 +56,6 @@ CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<U
     buildSystemButtons();
     buildToolBar();
     trackEdges(largest);
-    new zelvaro::DialogShadow(this);
     resize(size().boundedTo(largest));
     centreOnDesktop();
 

@@ -2,6 +2,7 @@
 
 #include "app/child_margins.h"
 #include "app/connected_screenshot.h"
+#include "app/dialog_shadow.h"
 #include "app/main_form.h"
 #include "app/screen_density.h"
 #include "app/single_instance.h"
@@ -136,6 +137,7 @@ int runWindow(QApplication &application, SingleInstance &instance,
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("System"));
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &cameras, &CCameraList::closing);
 
+    const DialogShadow shadow;
     auto mainForm = std::make_unique<CMainForm>();
     setPageHost(mainForm.get());
     mainForm->show();
