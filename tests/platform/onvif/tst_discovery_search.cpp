@@ -217,10 +217,6 @@ TEST_F(DiscoverySearchTest, StopsAtAThousandDevices)
     scope.milliseconds = 6'000; // a busy machine needs some for so many
     EXPECT_EQ(search(scope).size(), maxDevices);
     EXPECT_GT(next, 2'000);
-});
-scope.milliseconds = 60'000; // it ends by itself
-EXPECT_EQ(search(scope).size(), maxDevices);
-EXPECT_GT(next, static_cast<int>(maxDevices));
 }
 
 TEST_F(DiscoverySearchTest, SurvivesHostileAnswers)
