@@ -193,8 +193,8 @@ void ConfigurationWriter::lookUntilDone(Part part, bool wasAnswered)
     };
     look(isDone, wasAnswered ? m_times.settle : m_times.look,
          [this, wasAnswered](const std::string &service, bool isThere) {
-             // Some devices report their old configuration for ever. What they have said to have
-             // taken is believed; a request without an answer is not.
+             // Some devices never report their new configuration: an answered request counts
+             // without that, a lost one does not.
              if (!isThere && !(wasAnswered && !service.empty())) {
                  finish(SoapStatus::NoAnswer);
                  return;
@@ -269,10 +269,15 @@ bool ConfigurationWriter::hasArrived(Part part, const std::string &service) cons
         return false;
     if (part == Part::Protocols)
         return old->port != webPort(m_before) || place->port != old->port;
-    // Behind address translation the address of the service is another than the device's own.
-    const bool isDirect = old->host == onvif::ipv4Text(m_before.interface.address);
-    return part != Part::Interface || m_change.interface->dhcp || !isDirect ||
+    return part != Part::Interface || m_change.interface->dhcp || !isDirect() ||
            place->host == onvif::ipv4Text(m_change.interface->address);
+}
+
+// Behind address translation the address of the service is another than the device's own.
+bool ConfigurationWriter::isDirect() const
+{
+    const std::optional<onvif::HttpAddress> old = onvif::parseHttpAddress(m_firstService);
+    return old && old->host == onvif::ipv4Text(m_before.interface.address);
 }
 
 // Where the device may be now, the likeliest first: at the new address or the old one, at the new
@@ -284,7 +289,7 @@ std::vector<std::string> ConfigurationWriter::possiblePlaces() const
     if (!now)
         return places;
     std::vector<std::string> hosts = {now->host};
-    if (m_change.interface && !m_change.interface->dhcp)
+    if (m_change.interface && !m_change.interface->dhcp && isDirect())
         hosts.insert(hosts.begin(), onvif::ipv4Text(m_change.interface->address));
     std::vector<int> ports = {now->port};
     if (m_change.protocols && !now->secure && now->port == webPort(m_before))

@@ -75,6 +75,7 @@ private:
               unsigned patience,
               std::function<void(const std::string &service, bool isThere)> done);
     [[nodiscard]] bool isStillToDo(Part part, const NetworkConfiguration &configuration) const;
+    [[nodiscard]] bool isDirect() const;
     [[nodiscard]] bool hasArrived(Part part, const std::string &service) const;
     [[nodiscard]] std::vector<std::string> possiblePlaces() const;
     void finish(onvif::SoapStatus status);

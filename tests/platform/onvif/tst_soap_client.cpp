@@ -299,6 +299,16 @@ TEST_F(SoapClientTest, DatesATokenByLocalTimeOrTheHttpDate)
     }
 }
 
+TEST_F(SoapClientTest, DatesASecondTokenByTheHttpDateWhereTheReportedTimeIsWrong)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    device.guard(SoapDevice::Guard::Token, "admin", "secret");
+    device.setClock(SoapDevice::Clock::WrongUtc);
+    EXPECT_EQ(statusFor(device, {"admin", "secret"}), SoapStatus::Ok);
+    EXPECT_EQ(device.seen(request).size(), 3u) << "unsigned, and two tokens";
+}
+
 TEST_F(SoapClientTest, KeepsTheWayThatWorked)
 {
     SoapDevice device(m_context);

@@ -82,6 +82,9 @@ TEST(Fault, TellsRefusalsApart)
     EXPECT_TRUE(fault("ter:NotAuthorized", "")->isRefusal);
     EXPECT_TRUE(fault("wsse:FailedAuthentication", "")->isRefusal);
     EXPECT_TRUE(fault("ter:X", "Sender not authorized")->isRefusal);
+    for (const char *reason : {"Authentication failed", "Login failed", "Access denied!",
+                               "Authority failure", "wsse:MessageExpired"})
+        EXPECT_TRUE(fault("ter:X", reason)->isRefusal) << reason;
     EXPECT_FALSE(fault("ter:InvalidArgVal", "No such profile")->isRefusal);
     EXPECT_EQ(fault("ter:InvalidArgVal", "No such profile")->text,
               "s:Sender ter:InvalidArgVal: No such profile");

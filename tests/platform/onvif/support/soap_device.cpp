@@ -245,11 +245,12 @@ char *SoapDevice::deviceTime(const char *format, std::int64_t zone) const
 std::string SoapDevice::clockAnswer() const
 {
     const bool isLocal = m_clock == Clock::LocalOnly;
+    const std::int64_t zone = isLocal ? 8 * 3600 : m_clock == Clock::WrongUtc ? 5 * 3600 : 0;
     const onvif::GTextPtr fields(deviceTime(
         "<tt:Time><tt:Hour>%-H</tt:Hour><tt:Minute>%-M</tt:Minute><tt:Second>%-S</tt:Second>"
         "</tt:Time><tt:Date><tt:Year>%Y</tt:Year><tt:Month>%-m</tt:Month><tt:Day>%-d</tt:Day>"
         "</tt:Date>",
-        isLocal ? 8 * 3600L : 0));
+        zone));
     const std::string name = isLocal ? "tt:LocalDateTime>" : "tt:UTCDateTime>";
     return envelope("<tds:GetSystemDateAndTimeResponse><tds:SystemDateAndTime>"
                     "<tt:DateTimeType>NTP</tt:DateTimeType><tt:TimeZone><tt:TZ>CST-8</tt:TZ>"

@@ -57,6 +57,7 @@ public:
     {
         Utc,
         LocalOnly, ///< in a zone eight hours ahead of UTC
+        WrongUtc,  ///< five hours ahead of the clock that tokens are compared with
         Refused,
     };
     void setClock(Clock clock) { m_clock = clock; }
