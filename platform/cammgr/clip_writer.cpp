@@ -27,6 +27,8 @@ constexpr GstClockTime longestAudioWait = 700 * GST_MSECOND;
 constexpr guint64 longestQueueBytes = 64 * 1024 * 1024;
 constexpr auto finishTimeout = 10s;
 constexpr auto stillBudget = 1s;
+// A camera that sends B frames sends the first of them within so many frames.
+constexpr size_t framesThatTellOrder = 8;
 // Frames that were delayed on the way arrive together, at one time. Players need distinct times.
 constexpr GstClockTime shortestPicture = GST_MSECOND;
 // A kill costs what came since the index was written, and what the muxer held back to put sound and
@@ -84,6 +86,7 @@ ClipWriter::ClipWriter(std::string path, ClipFormat format, GstClockTime start,
                        std::shared_ptr<ClosingClips> closing, std::function<void()> failed)
     : m_claim(std::move(path))
     , m_format(std::move(format))
+    , m_reordered(m_format.reordered)
     , m_start(start)
     , m_closing(std::move(closing))
     , m_failed(std::move(failed))
@@ -140,7 +143,11 @@ void ClipWriter::push(const AccessUnit &unit)
         return;
     }
     m_waitingVideo.push_back(unit);
-    if (!m_format.audio || unit.time >= m_start + longestAudioWait)
+    if (!m_opening)
+        m_reordered = m_reordered || unit.bipredictive;
+    const bool orderTold =
+        m_format.isOrderKnown || m_reordered || m_waitingVideo.size() >= framesThatTellOrder;
+    if ((!m_format.audio && orderTold) || unit.time >= m_start + longestAudioWait)
         open();
 }
 
@@ -157,14 +164,15 @@ void ClipWriter::push(const AudioUnit &unit)
         return;
     }
     m_waitingAudio.push_back(unit);
-    open();
+    if (m_format.isOrderKnown || m_reordered || m_waitingVideo.size() >= framesThatTellOrder)
+        open();
 }
 
 /// On a media worker, with the state lock.
 bool ClipWriter::build()
 {
     std::string chain = "appsrc name=video format=time max-bytes=0 ! h264parse ! ";
-    if (m_format.reordered)
+    if (m_reordered)
         chain += "h264timestamper ! ";
     chain += "mp4mux name=mux ! filesink name=file async=false";
     bool withAudio = false;
@@ -239,7 +247,7 @@ void ClipWriter::sendVideo(const AccessUnit &unit)
 {
     // B frames may be shown before the key frame that they follow: time never goes below 0.
     GstClockTime time = unit.time > m_start ? unit.time - m_start : 0;
-    if (!m_format.reordered)
+    if (!m_reordered)
         time = std::max(time, m_nextVideo);
     m_nextVideo = time + shortestPicture;
     auto *source = GST_APP_SRC(m_pipeline->video.get());

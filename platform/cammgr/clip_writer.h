@@ -33,10 +33,11 @@ private:
 struct ClipFormat
 {
     CapsRef video;
-    CapsRef audio;          ///< empty: no audio track
-    bool withStill = false; ///< writes a still of the clip, from its first frame
-    bool reordered = false; ///< presentation order may differ from decoding order
-    int reserveSeconds = 0; ///< longest clip that the index at the head of the file has room for
+    CapsRef audio;            ///< empty: no audio track
+    bool withStill = false;   ///< writes a still of the clip, from its first frame
+    bool reordered = false;   ///< presentation order differs from decoding order
+    bool isOrderKnown = true; ///< false: the first frames tell, which the file then waits for
+    int reserveSeconds = 0;   ///< longest clip that the index at the head of the file has room for
     int indexBytesPerSecond = 550; ///< room for one second of one track
 };
 
@@ -63,6 +64,8 @@ public:
     void close();
 
     const ClipFormat &format() const { return m_format; }
+    /// Whether the file can hold frames in another order than that of decoding.
+    bool isReordered() const { return m_reordered; }
     const std::string &path() const { return m_claim.path(); }
     GstClockTime start() const { return m_start; }
     /// Bytes of the file so far, with the room for the index; approximate.
@@ -86,6 +89,7 @@ private:
 
     const ClipClaim m_claim;
     const ClipFormat m_format;
+    std::atomic<bool> m_reordered;
     const GstClockTime m_start;
     const std::shared_ptr<ClosingClips> m_closing;
     const std::function<void()> m_failed;

@@ -206,7 +206,7 @@ bool Recorder::mustRollOver(const AccessUnit &unit) const
     const ClipFormat &format = m_clip->format();
     if (!gst_caps_is_equal(format.video.get(), unit.caps.get()))
         return true;
-    if (m_sawReordering && !format.reordered)
+    if (m_sawReordering && !m_clip->isReordered())
         return true;
     const GstClockTime length = unit.time > m_clip->start() ? unit.time - m_clip->start() : 0;
     // One key-frame distance more must fit, and the mean rate can be off by some.
@@ -220,7 +220,8 @@ ClipFormat Recorder::formatFor(const AccessUnit &first) const
 {
     ClipFormat format;
     format.video = first.caps;
-    format.reordered = m_sawReordering || mayBeReordered();
+    format.reordered = m_sawReordering;
+    format.isOrderKnown = m_sawReordering || m_framesSeen >= framesThatTell;
     const bool audioNow = m_withAudio && m_audioCaps && m_lastAudioTime + audioFlows >= first.time;
     if (audioNow)
         format.audio = m_audioCaps;
@@ -238,20 +239,6 @@ ClipFormat Recorder::formatFor(const AccessUnit &first) const
     }
     format.reserveSeconds = std::max(static_cast<int>(seconds), shortestReserve);
     return format;
-}
-
-/// Called with the lock. Early in a stream that may have B frames by its profile, that none came
-/// proves nothing; the baseline profiles have none (H.264 A.2.1).
-bool Recorder::mayBeReordered() const
-{
-    if (m_framesSeen >= framesThatTell)
-        return false;
-    const auto frames = m_memory.frames();
-    if (frames.empty())
-        return true;
-    const char *profile =
-        gst_structure_get_string(gst_caps_get_structure(frames.back().caps.get(), 0), "profile");
-    return !profile || !g_str_has_suffix(profile, "baseline");
 }
 
 /// Called with the lock.

@@ -42,7 +42,6 @@ private:
     bool mustRollOver(const AccessUnit &unit) const;
     void clipFailed(const ClipWriter *clip);
     ClipFormat formatFor(const AccessUnit &first) const;
-    bool mayBeReordered() const;
 
     const GopBuffer &m_memory;
     const std::shared_ptr<ClosingClips> m_closing;

@@ -496,3 +496,36 @@ TEST_F(RecorderTest, EndEndsTheWaitForRoom)
     EXPECT_TRUE(waitUntilClosed());
     EXPECT_FALSE(exists(clip(1)));
 }
+
+TEST_F(RecorderTest, OnlyAStreamWithBFramesIsWrittenAsReordered)
+{
+    // High profile may have B frames; one that has none loses nothing by them.
+    const auto units =
+        EncodedStream::make({.frames = 50, .encoder = "tune=zerolatency dct8x8=true"});
+    const GstStructure *caps = gst_caps_get_structure(units.front().caps.get(), 0);
+    ASSERT_STREQ(gst_structure_get_string(caps, "profile"), "high");
+    feed({units.begin(), units.begin() + 1});
+    m_recorder->begin(m_base, 0, false);
+    feed({units.begin() + 1, units.end()});
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 50);
+    std::ifstream file(clip(1), std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    // The table of composition offsets (ISO/IEC 14496-12 8.6.1.3).
+    EXPECT_EQ(bytes.find("ctts"), std::string::npos);
+}
+
+TEST_F(RecorderTest, BFramesFromTheFirstMomentFillOneClip)
+{
+    const auto units =
+        EncodedStream::make({.frames = 75, .encoder = "bframes=3 b-adapt=false sync-lookahead=0"});
+    feed({units.begin(), units.begin() + 1});
+    m_recorder->begin(m_base, 0, false);
+    feed({units.begin() + 1, units.end()});
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 75);
+    EXPECT_FALSE(exists(clip(2)));
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+}
