@@ -3,6 +3,7 @@
 #include "settings/host_name.h"
 #include "ui/common/message_box.h"
 #include "ui/common/page_host.h"
+#include "ui/common/stored_text_message.h"
 #include "ui_add_camera_form.h"
 
 CAddCameraForm::CAddCameraForm(QWidget *parent, const CameraRecord *record)
@@ -78,8 +79,35 @@ void CAddCameraForm::slotOK()
         refuse(tr("Please input UID."), m_ui->editUid);
     else if (m_entered.username.isEmpty())
         refuse(tr("Please input user name."), m_ui->editUserName);
-    else
+    else if (canBeSaved())
         accept();
+}
+
+bool CAddCameraForm::canBeSaved()
+{
+    using zelvaro::SettingsText;
+    struct Entry
+    {
+        SettingsText which;
+        const QString &text;
+        const QLabel *label;
+        QLineEdit *edit;
+    };
+    for (const Entry &entry :
+         {Entry{SettingsText::Hostname, m_entered.hostname, m_ui->labelUid, m_ui->editUid},
+          Entry{SettingsText::Username, m_entered.username, m_ui->labelUserName,
+                m_ui->editUserName},
+          Entry{SettingsText::Password, m_entered.password, m_ui->labelPassword,
+                m_ui->editPassword},
+          Entry{SettingsText::Name, m_entered.name, m_ui->labelCameraName, m_ui->editCameraName}}) {
+        const QString trouble =
+            zelvaro::storedTextMessage(entry.which, entry.text, entry.label->text());
+        if (trouble.isEmpty())
+            continue;
+        refuse(trouble, entry.edit);
+        return false;
+    }
+    return true;
 }
 
 void CAddCameraForm::refuse(const QString &text, QWidget *editToMend)

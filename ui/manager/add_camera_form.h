@@ -37,6 +37,8 @@ private slots:
 private:
     void fillFrom(const CameraRecord &record);
     void takeLoginOut();
+    /// Whether the settings file holds all texts as they were entered; else the user is told.
+    bool canBeSaved();
     void refuse(const QString &text, QWidget *editToMend);
 
     std::unique_ptr<Ui::CAddCameraForm> m_ui;

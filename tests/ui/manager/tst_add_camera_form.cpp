@@ -1,7 +1,10 @@
+#include "resources/resources.h"
 #include "settings/camera_record.h"
+#include "tests/support/declared.h"
+#include "tests/support/message_check.h"
 #include "tests/support/modal_script.h"
 #include "tests/support/page_recorder.h"
-#include "ui/common/message_box.h"
+#include "ui/common/title_widget.h"
 #include "ui/manager/add_button_form.h"
 #include "ui/manager/add_camera_form.h"
 
@@ -16,9 +19,13 @@ class TestAddCameraForm : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { zelvaro::initResources(); }
     void init() { m_host = std::make_unique<PageRecorder>(); }
     void cleanup() { m_host.reset(); }
 
+    void slotsStandInOrder();
+    void theTitleStripMovesTheDialog();
+    void hasTheImagesOfDialogs();
     void addingStartsEmpty();
     void modifyingIsFilledFromTheRecord();
     void thePasswordIsNotShown();
@@ -34,6 +41,8 @@ private slots:
     void discoverIsDisabledWithoutAMainWindow();
     void enterInAFieldIsOkAndNotDiscover();
     void tabsGoThroughTheFieldsInOrder();
+    void aTextThatTheSettingsFileWouldCutIsRefused_data();
+    void aTextThatTheSettingsFileWouldCutIsRefused();
     void aLoginInTheAddressMovesIntoItsFields();
     void aLoginInTheAddressIsNeverHandedOut();
     void aLoginInTheAddressOfARecordIsNotShown_data();
@@ -54,13 +63,45 @@ private:
     }
     static void expectRefusal(QWidget *box, const QString &text)
     {
-        QVERIFY(qobject_cast<CMessageBox *>(box));
-        QCOMPARE(box->findChild<QLabel *>("labelTitle")->text(), QString("Error"));
-        QCOMPARE(box->findChild<QLabel *>("labelMessage")->text(), text);
-        QVERIFY(box->findChild<QPushButton *>("btnCancel")->isHidden());
+        expectMessage(box, CMessageBox::Error, "Error", text, false);
         press(box, "btnOk");
     }
 };
+
+void TestAddCameraForm::slotsStandInOrder()
+{
+    QCOMPARE(declared(CAddCameraForm::staticMetaObject, QMetaMethod::Slot),
+             QStringList({"slotDiscovery()", "slotOK()", "slotClose()"}));
+    const QMetaObject &tile = CAddButtonForm::staticMetaObject;
+    QCOMPARE(declared(tile, QMetaMethod::Signal), QStringList("clicked()"));
+    QCOMPARE(declared(tile, QMetaMethod::Slot), QStringList("slotClicked()"));
+}
+
+void TestAddCameraForm::theTitleStripMovesTheDialog()
+{
+    CAddCameraForm form(nullptr, nullptr);
+    form.move(100, 100);
+    form.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&form));
+    auto *title = form.findChild<CTitleWidget *>();
+    QTest::mousePress(title, Qt::LeftButton, {}, QPoint(10, 5));
+    QMouseEvent move(QEvent::MouseMove, QPointF(60, 35), title->mapToGlobal(QPoint(60, 35)),
+                     Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(title, &move);
+    QCOMPARE(form.pos(), QPoint(150, 130));
+}
+
+void TestAddCameraForm::hasTheImagesOfDialogs()
+{
+    const CAddCameraForm form(nullptr, nullptr);
+    const QString look = zelvaro::applicationStyleSheet() + form.styleSheet();
+    for (const char *image :
+         {":/images/dlgctrl/text_default.png", ":/images/dlgctrl/button_default.png",
+          ":/images/dlgctrl/search_default.png"}) {
+        QVERIFY2(look.contains(QLatin1String(image)), image);
+        QVERIFY2(QFile::exists(QLatin1String(image)), image);
+    }
+}
 
 void TestAddCameraForm::addingStartsEmpty()
 {
@@ -261,6 +302,46 @@ void TestAddCameraForm::tabsGoThroughTheFieldsInOrder()
     }
     QCOMPARE(order, QStringList({"editUid", "btnDiscovery", "editUserName", "editPassword",
                                  "editCameraName", "btnOk", "btnCancel"}));
+}
+
+void TestAddCameraForm::aTextThatTheSettingsFileWouldCutIsRefused_data()
+{
+    QTest::addColumn<QString>("edit");
+    QTest::addColumn<QString>("label");
+    QTest::newRow("UID") << "editUid"
+                         << "UID or address";
+    QTest::newRow("user name") << "editUserName"
+                               << "User Name";
+    QTest::newRow("password") << "editPassword"
+                              << "Password";
+    QTest::newRow("name") << "editCameraName"
+                          << "Camera Name";
+}
+
+void TestAddCameraForm::aTextThatTheSettingsFileWouldCutIsRefused()
+{
+    QFETCH(QString, edit);
+    QFETCH(QString, label);
+    CAddCameraForm form(nullptr, nullptr);
+    type(form, "editUid", "U");
+    type(form, "editUserName", "admin");
+    auto *field = form.findChild<QLineEdit *>(edit);
+    field->setText(QString(300, 'x'));
+    ModalScript script;
+    script
+        .then([](QWidget *dialog) {
+            QTimer::singleShot(0, dialog, [dialog] { press(dialog, "btnOk"); });
+        })
+        .then([&](QWidget *box) {
+            expectRefusal(box, label + ": too long to be saved. Please enter a shorter text.");
+            QTimer::singleShot(0, &form, [&] {
+                QCOMPARE(form.focusWidget(), field);
+                field->setText(QString(200, 'x'));
+                press(&form, "btnOk");
+            });
+        });
+    QCOMPARE(form.exec(), 1);
+    QVERIFY(script.done());
 }
 
 void TestAddCameraForm::aLoginInTheAddressMovesIntoItsFields()
