@@ -8,7 +8,6 @@
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QDateTime>
 #include <QFileInfo>
 #include <QMenu>
 #include <QPixmapCache>
@@ -143,14 +142,16 @@ void CCameraMgrItemForm::slotCameraStatusChanged()
     m_ui->labelStatusImage->setAccessibleName(m_ui->labelStatusImage->toolTip());
 }
 
-// Pictures are cached by path, time in seconds and size: a new picture that equals the old one in
-// all three would not be read.
+// Pictures are cached by path, time in seconds and size: a new one that shares all three with the
+// old one would not be read.
 void CCameraMgrItemForm::slotCameraThumbChanged()
 {
     if (m_camera) {
         const QFileInfo file(m_camera->thumb_path());
-        const ThumbStamp stamp{file.lastModified().toSecsSinceEpoch(), file.size()};
-        if (stamp == m_thumbStamp)
+        const ThumbStamp stamp{file.lastModified(), file.size()};
+        const bool sameKey = stamp.size == m_thumbStamp.size && stamp.time.isValid() &&
+                             stamp.time.toSecsSinceEpoch() == m_thumbStamp.time.toSecsSinceEpoch();
+        if (sameKey && stamp.time != m_thumbStamp.time)
             QPixmapCache::clear();
         m_thumbStamp = stamp;
     }

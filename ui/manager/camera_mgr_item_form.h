@@ -2,8 +2,9 @@
 
 #include "ui/common/tile_form.h"
 
+#include <QDateTime>
+
 #include <memory>
-#include <utility>
 
 class CCamera;
 
@@ -57,7 +58,11 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    using ThumbStamp = std::pair<qint64, qint64>; // the file's time in seconds, and its size
+    struct ThumbStamp
+    {
+        QDateTime time;
+        qint64 size = -1;
+    };
 
     void buildMenu();
     void showTexts();
@@ -67,5 +72,5 @@ private:
     CCamera *m_camera = nullptr;
     QString m_defaultPicture; // style sheet of the picture frame without a thumbnail
     bool m_near = true;
-    ThumbStamp m_thumbStamp{0, -1};
+    ThumbStamp m_thumbStamp; // of the file as it was last shown
 };

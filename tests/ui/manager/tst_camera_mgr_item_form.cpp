@@ -1,4 +1,5 @@
 #include "camera/camera.h"
+#include "tests/support/declared.h"
 #include "tests/support/tool_tip_text.h"
 #include "tests/ui/manager/manager_fixture.h"
 #include "ui/common/style_url.h"
@@ -9,6 +10,7 @@
 #include <QImage>
 #include <QLabel>
 #include <QMenu>
+#include <QPixmapCache>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
@@ -52,7 +54,9 @@ private slots:
     void aPathThatTheSyntaxTakesStandsBare();
     void thumbnailsOfOddAlbumPathsAreDrawn_data();
     void thumbnailsOfOddAlbumPathsAreDrawn();
+    void signalsAndSlotsStandInOrder();
     void aNewThumbnailUnderTheSamePathIsDrawn();
+    void thumbnailsLeaveTheOtherPicturesCached();
     void aTileThatIsNotSeenHoldsNoPicture();
     void aTileWithTheFocusStays();
     void aBrokenThumbnailLeavesTheTileUsable();
@@ -224,21 +228,38 @@ void TestCameraMgrItemForm::thumbnailsOfOddAlbumPathsAreDrawn()
 void TestCameraMgrItemForm::aNewThumbnailUnderTheSamePathIsDrawn()
 {
     const QString path = camera()->thumb_path();
-    writePicture(path, Qt::red);
-    const QDateTime then = QFileInfo(path).lastModified();
+    const QDateTime second = QDateTime::fromSecsSinceEpoch(1'700'000'000);
+    const auto write = [&](QColor colour, int milliseconds) {
+        writePicture(path, colour);
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(second.addMSecs(milliseconds), QFileDevice::FileModificationTime));
+    };
+    write(Qt::red, 100);
     m_tile->setCamera(camera());
     m_tile->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
     QCOMPARE(centre(), QColor(Qt::red));
 
     // Same size and, within a second, the same time: a cache by path cannot see the difference.
-    writePicture(path, Qt::blue);
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.setFileTime(then, QFileDevice::FileModificationTime));
-    file.close();
+    write(Qt::blue, 200);
     emit camera()->signalThumbChanged();
     QCOMPARE(centre(), QColor(Qt::blue));
+}
+
+void TestCameraMgrItemForm::thumbnailsLeaveTheOtherPicturesCached()
+{
+    const QString key = "another picture of the program";
+    QPixmap found;
+    QVERIFY(QPixmapCache::insert(key, QPixmap(4, 4)));
+    m_tile->setCamera(camera());
+    emit camera()->signalThumbChanged(); // there is none
+    emit camera()->signalThumbChanged();
+    QVERIFY(QPixmapCache::find(key, &found));
+    writePicture(camera()->thumb_path(), Qt::red);
+    emit camera()->signalThumbChanged();
+    emit camera()->signalThumbChanged(); // the same picture
+    QVERIFY(QPixmapCache::find(key, &found));
 }
 
 void TestCameraMgrItemForm::aTileThatIsNotSeenHoldsNoPicture()
@@ -322,17 +343,51 @@ void TestCameraMgrItemForm::menuActionsAskForThemselves()
     }
 }
 
+void TestCameraMgrItemForm::signalsAndSlotsStandInOrder()
+{
+    const QMetaObject &meta = CCameraMgrItemForm::staticMetaObject;
+    QCOMPARE(declared(meta, QMetaMethod::Signal),
+             QStringList({"deleteCamera(CCameraMgrItemForm*)", "playCamera(CCameraMgrItemForm*)",
+                          "modifyCamera(CCameraMgrItemForm*)", "motionCamera(CCameraMgrItemForm*)",
+                          "rebootCamera(CCameraMgrItemForm*)"}));
+    QCOMPARE(
+        declared(meta, QMetaMethod::Slot),
+        QStringList({"slotDelete()", "slotPlay()", "slotMenu()", "slotModify()", "slotMotion()",
+                     "slotReboot()", "slotCameraStatusChanged()", "slotCameraThumbChanged()"}));
+}
+
 void TestCameraMgrItemForm::motionAndRebootOnlyThroughTheirSlots()
 {
     QSignalSpy motion(m_tile.get(), &CCameraMgrItemForm::motionCamera);
     QSignalSpy reboot(m_tile.get(), &CCameraMgrItemForm::rebootCamera);
-    for (QAction *action : find<QToolButton>("btnMenu")->menu()->actions())
+    m_tile->setCamera(camera());
+    m_tile->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
+    for (auto *button : m_tile->findChildren<QAbstractButton *>())
+        button->click();
+    for (auto *menu : m_tile->findChildren<QMenu *>()) {
+        menu->close();
+        for (QAction *action : menu->actions())
+            action->trigger();
+    }
+    for (auto *action : m_tile->findChildren<QAction *>())
         action->trigger();
+    for (auto *widget : m_tile->findChildren<QWidget *>()) {
+        QTest::mouseClick(widget, Qt::LeftButton);
+        QTest::mouseDClick(widget, Qt::LeftButton);
+        QTest::mouseClick(widget, Qt::RightButton);
+    }
+    if (QWidget *popup = QApplication::activePopupWidget())
+        popup->close();
+    for (int key = Qt::Key_Space; key <= Qt::Key_Z; ++key)
+        QTest::keyClick(m_tile.get(), static_cast<Qt::Key>(key));
     QCOMPARE(motion.count() + reboot.count(), 0);
     m_tile->slotMotion();
     m_tile->slotReboot();
-    QCOMPARE(motion.count(), 1);
-    QCOMPARE(reboot.count(), 1);
+    for (QSignalSpy *spy : {&motion, &reboot}) {
+        QCOMPARE(spy->count(), 1);
+        QCOMPARE(spy->at(0).at(0).value<CCameraMgrItemForm *>(), m_tile.get());
+    }
 }
 
 void TestCameraMgrItemForm::leftDoubleClickPlays()
