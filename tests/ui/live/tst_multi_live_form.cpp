@@ -2,6 +2,7 @@
 
 #include "resources/resources.h"
 #include "tests/support/declared.h"
+#include "tests/support/message_check.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/common/message_box.h"
@@ -283,11 +284,8 @@ void TestMultiLiveForm::changingTheViewWhileRecordingAsks()
     play(0);
     record({0});
     ModalScript look([](CMessageBox *box) {
-        QCOMPARE(box->windowTitle(), QStringLiteral("Warning"));
-        QCOMPARE(box->findChild<QLabel *>(QStringLiteral("labelMessage"))->text(),
-                 QStringLiteral("By changing view your recording will be stop."));
-        QVERIFY(box->findChild<QWidget *>(QStringLiteral("btnOk"))->isVisible());
-        QVERIFY(box->findChild<QWidget *>(QStringLiteral("btnCancel"))->isVisible());
+        expectMessage(box, CMessageBox::Warning, QStringLiteral("Warning"),
+                      QStringLiteral("By changing view your recording will be stop."), true);
         press(box, "btnCancel");
     });
     click("btnSelect");

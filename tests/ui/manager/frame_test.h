@@ -1,6 +1,7 @@
 #pragma once
 
 #include "camera/camera.h"
+#include "resources/resources.h"
 #include "tests/support/page_recorder.h"
 #include "tests/ui/manager/manager_fixture.h"
 #include "ui/manager/add_button_form.h"
@@ -65,6 +66,7 @@ protected:
     std::unique_ptr<CCameraMgrFrame> m_frame;
 
 private slots:
+    void initTestCase() { zelvaro::initResources(); }
     void init()
     {
         m_registry = std::make_unique<Registry>();

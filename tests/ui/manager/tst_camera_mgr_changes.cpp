@@ -1,6 +1,7 @@
+#include "tests/support/declared.h"
+#include "tests/support/message_check.h"
 #include "tests/support/modal_script.h"
 #include "tests/ui/manager/frame_test.h"
-#include "ui/common/message_box.h"
 #include "ui/manager/add_camera_form.h"
 #include "ui/manager/motion_dialog.h"
 
@@ -9,6 +10,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QProgressDialog>
+#include <QSignalSpy>
 #include <QTest>
 
 namespace {
@@ -36,15 +38,6 @@ void enter(QWidget *dialog, const Entry &entry)
     press(dialog, "btnOk");
 }
 
-void expectBox(QWidget *box, const QString &title, const QString &text, bool withCancel)
-{
-    QVERIFY2(qobject_cast<CMessageBox *>(box), box->metaObject()->className());
-    QCOMPARE(box->findChild<QLabel *>("labelTitle")->text(), title);
-    QCOMPARE(box->findChild<QLabel *>("labelMessage")->text(), text);
-    QCOMPARE(box->findChild<QWidget *>("btnCancel")->isVisible(), withCancel);
-    QVERIFY(box->findChild<QLabel *>("labelIcon")->text().isEmpty());
-}
-
 } // namespace
 
 /// What the page does with cameras: adding, deleting, modifying, motion windows, reboot.
@@ -55,6 +48,7 @@ class CameraMgrChangesTest : public FrameTest
 private slots:
     void addingACameraRegistersSavesAndStarts();
     void cancellingTheAddDialogChangesNothing();
+    void slotsStandInOrder();
     void withAHundredCamerasTheAddTileShowsTheError();
     void withNinetyNineCamerasTheDialogOpens();
     void aUidThatExistsEndsSilently();
@@ -139,12 +133,23 @@ void CameraMgrChangesTest::cancellingTheAddDialogChangesNothing()
     QCOMPARE(m_registry->file(), before);
 }
 
+void CameraMgrChangesTest::slotsStandInOrder()
+{
+    QCOMPARE(
+        declared(CCameraMgrFrame::staticMetaObject, QMetaMethod::Slot),
+        QStringList({"slotAddButtonClicked()", "slotDeleteCamera(CCameraMgrItemForm*)",
+                     "slotPlayCamera(CCameraMgrItemForm*)", "slotModifyCamera(CCameraMgrItemForm*)",
+                     "slotMotionCamera(CCameraMgrItemForm*)",
+                     "slotRebootCamera(CCameraMgrItemForm*)"}));
+}
+
 void CameraMgrChangesTest::withAHundredCamerasTheAddTileShowsTheError()
 {
     build(100);
     answering(
         [](QWidget *box) {
-            expectBox(box, "Error", "Cannot add camera, 100 is maxnum.", false);
+            expectMessage(box, CMessageBox::Error, "Error", "Cannot add camera, 100 is maxnum.",
+                          false);
             press(box, "btnOk");
         },
         [this] { clickAdd(); });
@@ -222,7 +227,7 @@ void CameraMgrChangesTest::deletingAsksFirst()
     const QByteArray before = m_registry->file();
     answering(
         [](QWidget *box) {
-            expectBox(box, "Warning", "Delete camera?", true);
+            expectMessage(box, CMessageBox::Warning, "Warning", "Delete camera?", true);
             press(box, "btnCancel");
         },
         [this] { tile(0)->slotDelete(); });
@@ -236,8 +241,32 @@ void CameraMgrChangesTest::deletingEndsSessionTileAndRecord()
     build(3);
     m_frame->layoutTiles(1000);
     const QPointer<CCameraMgrItemForm> deleted(tile(1));
+    auto player = fake_cammgr::player("UID-001");
+    player->forgetCalls();
+    bool sessionGone = false;
+    connect(
+        Registry::cameras().at(1), &QObject::destroyed, this,
+        [&] {
+            sessionGone = true;
+            // Stopped and waited for before, without its tile, and with its record still there.
+            QStringList ends;
+            for (const fake_cammgr::Call &call : player->calls()) {
+                const QString name = QString::fromStdString(call.name);
+                if (name.startsWith("RtspPlayer_Stop") || name.startsWith("RtspPlayer_Delete"))
+                    ends += name;
+            }
+            QVERIFY(ends.size() >= 3);
+            QCOMPARE(ends.first(), QString("RtspPlayer_Stop_Connecting"));
+            QCOMPARE(ends.at(1), QString("RtspPlayer_Stop"));
+            QVERIFY(ends.last().startsWith("RtspPlayer_Delete"));
+            QCOMPARE(m_frame->tiles().size(), 2);
+            QVERIFY(deleted && !deleted->camera() && deleted->isHidden());
+            QVERIFY(Registry::uids().contains("UID-001"));
+            QVERIFY(m_registry->file().contains("UID-001"));
+        });
     answering([](QWidget *box) { press(box, "btnOk"); }, [&] { deleted->slotDelete(); });
 
+    QVERIFY(sessionGone);
     QCOMPARE(tileUids(), QStringList({"UID-000", "UID-002"}));
     QCOMPARE(sessionUids(), tileUids());
     QCOMPARE(Registry::uids(), tileUids());
@@ -365,7 +394,7 @@ void CameraMgrChangesTest::rebootIsAskedForFirst()
     build(1);
     answering(
         [](QWidget *box) {
-            expectBox(box, "Warning", "Reboot camera?", true);
+            expectMessage(box, CMessageBox::Warning, "Warning", "Reboot camera?", true);
             press(box, "btnCancel");
         },
         [this] { tile(0)->slotReboot(); });
@@ -381,6 +410,8 @@ void CameraMgrChangesTest::rebootSucceeds()
         .then([player](QWidget *busy) {
             auto *dialog = qobject_cast<QProgressDialog *>(busy);
             QVERIFY(dialog);
+            QVERIFY(dialog->isModal());
+            QVERIFY(dialog->windowFlags() & Qt::FramelessWindowHint);
             QCOMPARE(dialog->labelText(), QString("Please wait for reboot..."));
             QCOMPARE(dialog->minimum(), 0);
             QCOMPARE(dialog->maximum(), 0);
@@ -392,14 +423,19 @@ void CameraMgrChangesTest::rebootSucceeds()
             player->reply({"000 Success\n"});
         })
         .then([](QWidget *box) {
-            expectBox(box, "info", "Reboot success. Please wait a few minutes and re-connect.",
-                      false);
+            expectMessage(box, CMessageBox::Information, "info",
+                          "Reboot success. Please wait a few minutes and re-connect.", false);
             press(box, "btnOk");
         });
     tile(0)->slotReboot();
     QVERIFY(script.done());
-    player->reply({"000 Success\n"}); // a late answer reaches nobody
-    QVERIFY(fake_cammgr::waitDelivered());
+    // A late answer reaches nobody on this page.
+    CCamera *camera = Registry::cameras().at(0);
+    QVERIFY(!disconnect(camera, &CCameraCore::signalP2PConfFinished, nullptr, nullptr));
+    QSignalSpy finished(camera, &CCameraCore::signalP2PConfFinished);
+    player->reply({"401 Unauthorized\n"});
+    QTRY_COMPARE_WITH_TIMEOUT(finished.count(), 1, deadline);
+    QVERIFY(!QApplication::activeModalWidget());
 }
 
 void CameraMgrChangesTest::rebootFails_data()
@@ -419,7 +455,8 @@ void CameraMgrChangesTest::rebootFails()
     script.then([](QWidget *box) { press(box, "btnOk"); })
         .then([&](QWidget *) { player->reply({reply.toStdString()}); })
         .then([](QWidget *box) {
-            expectBox(box, "info", "Reboot failed. Please wait a few minutes and re-try.", false);
+            expectMessage(box, CMessageBox::Information, "info",
+                          "Reboot failed. Please wait a few minutes and re-try.", false);
             press(box, "btnOk");
         });
     tile(0)->slotReboot();
