@@ -5,6 +5,7 @@
 #include "tests/gallery/motif.h"
 #include "tests/gallery/stage.h"
 #include "tests/support/modal_script.h"
+#include "ui/live/multi_live_frame.h"
 #include "ui/live/select_camera_form.h"
 #include "ui/live/select_camera_item_form.h"
 #include "ui/live/select_camera_recording_form.h"
@@ -68,6 +69,17 @@ fake_cammgr::Script fullHd()
 }
 
 template <typename Dialog>
+Dialog *showSelection(Stage &stage)
+{
+    if constexpr (std::is_same_v<Dialog, CSelectCameraRecordingForm>) {
+        auto *grid = stage.find<CMultiLiveFrame>("frameMultiLive");
+        return stage.show<Dialog>(grid->shownCameras(), &stage.form());
+    } else {
+        return stage.show<Dialog>(&stage.form());
+    }
+}
+
+template <typename Dialog>
 Scene selection(const QString &name, int cameras, const QString &longName = {})
 {
     return {QStringLiteral("dialogs"), name, Scene::Kind::Dialog,
@@ -79,7 +91,7 @@ Scene selection(const QString &name, int cameras, const QString &longName = {})
                     stage.addThumbnail(i);
                 stage.open();
                 stage.click("frameButtons", "btnMultiLive"); // what the grid shows may record
-                auto *dialog = stage.show<Dialog>(&stage.form());
+                auto *dialog = showSelection<Dialog>(stage);
                 int number = 0;
                 for (auto *tile : dialog->template findChildren<CSelectCameraItemForm *>())
                     tile->setChecked(number++ % 3 != 1);

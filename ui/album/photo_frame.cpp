@@ -1,6 +1,6 @@
 #include "ui/album/photo_frame.h"
 
-#include "ui/album/sheet_picture.h"
+#include "ui/common/sheet_picture.h"
 #include "ui/common/style_url.h"
 
 #include <QFrame>

@@ -20,8 +20,6 @@ constexpr int thumbInterval = 100; // milliseconds between two thumbnails
 constexpr int loadInterval = 5;    // milliseconds for input between two pictures that come back
 constexpr int spacing = 20;        // pixels between tiles
 constexpr int columnWidth = 220;   // pixels that a column needs
-// A row out of sight on either side is kept ready for a short scroll and for the Tab key.
-constexpr int rowsAhead = 1;
 
 } // namespace
 
@@ -95,7 +93,6 @@ void CPhotoMgrFrame::layoutTiles()
     showNearTiles();
 }
 
-// The place of a row follows from its number: the layout itself moves the tiles later.
 void CPhotoMgrFrame::showNearTiles()
 {
     if (!isVisible())
@@ -104,13 +101,12 @@ void CPhotoMgrFrame::showNearTiles()
     constexpr int rowHeight = CPhotoMgrItemForm::tileHeight + spacing;
     const int top = parentWidget() ? -y() : 0;
     const int bottom = top + (parentWidget() ? parentWidget()->height() : height());
-    const int firstRow = top / rowHeight - rowsAhead;
-    const int lastRow = bottom / rowHeight + rowsAhead;
+    const zelvaro::NearRows nearRows(top, bottom, rowHeight);
     int firstBare = -1;
     for (int i = 0; i < m_tiles.size(); ++i) {
         CPhotoMgrItemForm *tile = m_tiles.at(i);
         const int row = i / std::max(m_placedColumns, 1);
-        const bool isNear = firstRow <= row && row <= lastRow;
+        const bool isNear = nearRows.contains(row);
         // The keyboard stays where it is when its tile scrolls out of sight.
         tile->setNear(isNear || tile->isAncestorOf(focusWidget()) || tile->hasFocus());
         if (isNear && firstBare < 0 && !tile->hasThumbnail())

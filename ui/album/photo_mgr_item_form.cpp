@@ -1,7 +1,7 @@
 #include "ui/album/photo_mgr_item_form.h"
 
-#include "ui/album/sheet_picture.h"
 #include "ui/common/album_files.h"
+#include "ui/common/sheet_picture.h"
 #include "ui/common/style_url.h"
 #include "ui/common/tool_tip.h"
 #include "ui_photo_mgr_item_form.h"

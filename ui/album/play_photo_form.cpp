@@ -1,7 +1,7 @@
 #include "ui/album/play_photo_form.h"
 
 #include "ui/album/photo_mgr_item_form.h"
-#include "ui/album/sheet_picture.h"
+#include "ui/common/sheet_picture.h"
 #include "ui_play_photo_form.h"
 
 #include <QHideEvent>

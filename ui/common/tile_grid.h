@@ -38,6 +38,25 @@ private:
     int m_slackRow = -1;
 };
 
+/// The rows of a grid that can be seen and the one on either side, which the next scroll or the Tab
+/// key finds: only their tiles need to hold pictures. The position of a row follows from its
+/// number, because the layout moves the tiles later.
+class NearRows
+{
+public:
+    /// All in pixels: the visible part, from the top of the grid, and a row with its spacing.
+    NearRows(int visibleTop, int visibleBottom, int rowHeight)
+        : m_first(visibleTop / rowHeight - 1)
+        , m_last(visibleBottom / rowHeight + 1)
+    {
+    }
+    bool contains(int row) const { return m_first <= row && row <= m_last; }
+
+private:
+    int m_first;
+    int m_last;
+};
+
 /// The tiles of a page as the widgets that a grid places.
 template <typename Tile>
 QWidgetList asWidgets(const QList<Tile *> &tiles)

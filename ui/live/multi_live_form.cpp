@@ -78,7 +78,8 @@ void CMultiLiveForm::slotSnapshot()
 void CMultiLiveForm::slotRecord()
 {
     if (!m_recordingAll) {
-        CSelectCameraRecordingForm dialog(m_ui->frameMultiLive);
+        CSelectCameraRecordingForm dialog(m_ui->frameMultiLive->shownCameras(),
+                                          m_ui->frameMultiLive);
         if (dialog.exec() != QDialog::Accepted)
             return;
         dialog.Apply();

@@ -4,7 +4,6 @@
 #include "camera/camera_list.h"
 #include "settings/camera_record.h"
 #include "ui/live/multi_live_item_form.h"
-#include "ui/live/shown_cameras.h"
 
 #include <QGridLayout>
 #include <QMouseEvent>
@@ -50,7 +49,6 @@ void CMultiLiveFrame::load()
         auto *tile = new CMultiLiveItemForm(m_clock, this);
         tile->setCamera(camera);
         m_tiles.append(tile);
-        zelvaro::shownCameras().append(camera);
         connect(tile, &CMultiLiveItemForm::selectCamera, this, &CMultiLiveFrame::slotSelectCamera);
     }
     for (CMultiLiveItemForm *tile : qAsConst(m_tiles)) {
@@ -62,10 +60,9 @@ void CMultiLiveFrame::load()
 
 void CMultiLiveFrame::clear()
 {
-    dropLayout();
+    m_layout.reset();
     for (CMultiLiveItemForm *tile : qAsConst(m_tiles))
         tile->stop();
-    zelvaro::shownCameras().clear();
     qDeleteAll(m_tiles);
     m_tiles.clear();
     m_selectedItem = nullptr;
@@ -80,9 +77,20 @@ void CMultiLiveFrame::setSound(bool muted, int volume)
     applySound();
 }
 
+QList<CCamera *> CMultiLiveFrame::shownCameras() const
+{
+    QList<CCamera *> cameras;
+    for (const CMultiLiveItemForm *tile : m_tiles)
+        if (CCamera *camera = tile->camera())
+            cameras.append(camera);
+    return cameras;
+}
+
 void CMultiLiveFrame::slotSelectCamera(CMultiLiveItemForm *tile)
 {
-    deselect();
+    // The tile that is heard already stays heard, without a gap.
+    if (tile != m_selectedItem)
+        deselect();
     tile->setSelected(true);
     m_selectedItem = tile;
     applySound();
@@ -128,10 +136,10 @@ void CMultiLiveFrame::mouseDoubleClickEvent(QMouseEvent *)
 
 void CMultiLiveFrame::layOutGrid()
 {
-    dropLayout();
+    m_layout.reset();
     m_shape = zelvaro::gridShape(parentWidget() ? parentWidget()->size() : size(),
                                  static_cast<int>(m_tiles.size()));
-    m_layout = new QGridLayout(this);
+    m_layout = std::make_unique<QGridLayout>(this);
     m_layout->setSpacing(spacing);
     m_layout->setContentsMargins(margin, margin, margin, margin);
     const QSize tileSize =
@@ -141,23 +149,11 @@ void CMultiLiveFrame::layOutGrid()
         tile->setFixedSize(tileSize);
         m_layout->addWidget(tile, i / m_shape.columns, i % m_shape.columns + 1,
                             Qt::AlignLeft | Qt::AlignTop);
-        m_placed.append(tile);
     }
     m_layout->setRowStretch(0, 1);
     m_layout->setRowStretch(m_shape.rows + 1, 1);
     m_layout->setColumnStretch(0, 1);
     m_layout->setColumnStretch(m_shape.columns + 1, 1);
-}
-
-void CMultiLiveFrame::dropLayout()
-{
-    if (!m_layout)
-        return;
-    for (QWidget *tile : qAsConst(m_placed))
-        m_layout->removeWidget(tile);
-    m_placed.clear();
-    delete m_layout;
-    m_layout = nullptr;
 }
 
 void CMultiLiveFrame::deselect()

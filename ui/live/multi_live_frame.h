@@ -6,6 +6,9 @@
 #include <QList>
 #include <QWidget>
 
+#include <memory>
+
+class CCamera;
 class CMultiLiveItemForm;
 class QGridLayout;
 
@@ -31,6 +34,9 @@ public:
 
     /// In the order of the camera list; owned by the frame.
     const QList<CMultiLiveItemForm *> &tiles() const { return m_tiles; }
+    /// The cameras shown at the moment, in the order of the tiles; empty while the grid is not
+    /// shown.
+    QList<CCamera *> shownCameras() const;
     CMultiLiveItemForm *selectedTile() const { return m_selectedItem; }
     const zelvaro::GridShape &shape() const { return m_shape; }
 
@@ -46,13 +52,11 @@ protected:
 
 private:
     void layOutGrid();
-    void dropLayout();
     void deselect();
     void applySound();
 
     zelvaro::Clock m_clock = zelvaro::localTime;
-    QGridLayout *m_layout = nullptr; // null while nothing is laid out
-    QList<QWidget *> m_placed;
+    std::unique_ptr<QGridLayout> m_layout; // null while nothing is laid out
     QList<CMultiLiveItemForm *> m_tiles;
     CMultiLiveItemForm *m_selectedItem = nullptr;
     bool m_clickedItem = false; // a tile reported a press during this click

@@ -2,6 +2,7 @@
 
 #include "camera/camera.h"
 #include "settings/camera_record.h"
+#include "ui/common/sheet_picture.h"
 #include "ui/common/style_url.h"
 #include "ui/common/tool_tip.h"
 #include "ui_select_camera_item_form.h"
@@ -15,12 +16,7 @@ CSelectCameraItemForm::CSelectCameraItemForm(bool recordingMode, QWidget *parent
     , m_recordingMode(recordingMode)
 {
     m_ui->setupUi(this);
-    // A picture is loaded when its widget is shown first. A hundred large ones at once would take
-    // seconds and hundreds of megabytes: each waits until its tile is looked at.
-    QSizePolicy policy = m_ui->frameClient->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    m_ui->frameClient->setSizePolicy(policy);
-    m_ui->frameClient->hide();
+    m_defaultPicture = m_ui->frameClient->styleSheet();
     showFocus(false);
 }
 
@@ -32,10 +28,7 @@ void CSelectCameraItemForm::setCamera(CCamera *camera)
     m_ui->labelCameraName->setText(camera->name());
     m_ui->labelCameraName->setToolTip(zelvaro::plainToolTip(camera->name()));
     setAccessibleName(camera->name());
-    if (camera->has_thumb()) {
-        m_ui->frameClient->setStyleSheet(QStringLiteral("QFrame#frameClient{border-image:url(%1);}")
-                                             .arg(zelvaro::styleUrl(camera->thumb_path())));
-    }
+    showThumb();
     if (const CameraRecord *record = camera->get_info())
         setChecked(m_recordingMode ? record->recordSelected : record->multiLive);
 }
@@ -65,11 +58,25 @@ void CSelectCameraItemForm::apply() const
         record->multiLive = m_checked;
 }
 
-void CSelectCameraItemForm::paintEvent(QPaintEvent *event)
+void CSelectCameraItemForm::setNear(bool isNear)
 {
-    QWidget::paintEvent(event);
-    if (m_ui->frameClient->isHidden())
-        QMetaObject::invokeMethod(m_ui->frameClient, &QWidget::show, Qt::QueuedConnection);
+    if (m_near == isNear)
+        return;
+    m_near = isNear;
+    showThumb();
+}
+
+void CSelectCameraItemForm::showThumb()
+{
+    if (!m_camera || !m_near || !m_camera->has_thumb()) {
+        m_ui->frameClient->setStyleSheet(m_defaultPicture);
+        return;
+    }
+    const QString path = m_camera->thumb_path();
+    zelvaro::setPictureSheet(
+        m_ui->frameClient,
+        QStringLiteral("QFrame#frameClient{border-image:url(%1);}").arg(zelvaro::styleUrl(path)),
+        path, m_ui->frameClient->minimumSize() * devicePixelRatioF());
 }
 
 void CSelectCameraItemForm::mousePressEvent(QMouseEvent *)

@@ -26,6 +26,10 @@ public:
     void setCamera(CCamera *camera);
     CCamera *camera() const;
 
+    /// Whether the tile is in the visible part of the grid, or next to it. One that is not holds no
+    /// picture of its camera.
+    void setNear(bool isNear);
+
     void setChecked(bool checked);
     bool isChecked() const { return m_checked; }
     /// Puts the mark into the camera's record.
@@ -35,7 +39,6 @@ signals:
     void clicked(CSelectCameraItemForm *tile);
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
@@ -43,10 +46,13 @@ protected:
 
 private:
     void toggle();
+    void showThumb();
     void showFocus(bool focused);
 
     std::unique_ptr<Ui::CSelectCameraItemForm> m_ui;
     const bool m_recordingMode;
     bool m_checked = false;
+    bool m_near = true;
+    QString m_defaultPicture; // style sheet of the picture frame without a thumbnail
     QPointer<CCamera> m_camera;
 };

@@ -1,15 +1,15 @@
 #include "ui/live/select_camera_recording_form.h"
 
-#include "ui/live/shown_cameras.h"
-
-CSelectCameraRecordingFrame::CSelectCameraRecordingFrame(QWidget *parent)
+CSelectCameraRecordingFrame::CSelectCameraRecordingFrame(const QList<CCamera *> &shown,
+                                                         QWidget *parent)
     : SelectionFrame(true, parent)
 {
-    fill(zelvaro::shownCameras());
+    fill(shown);
 }
 
-CSelectCameraRecordingForm::CSelectCameraRecordingForm(QWidget *parent)
-    : SelectionDialog(tr("Select Camera Recording"), new CSelectCameraRecordingFrame, parent)
+CSelectCameraRecordingForm::CSelectCameraRecordingForm(const QList<CCamera *> &shown,
+                                                       QWidget *parent)
+    : SelectionDialog(tr("Select Camera Recording"), new CSelectCameraRecordingFrame(shown), parent)
 {
 }
 

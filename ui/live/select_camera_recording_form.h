@@ -9,7 +9,7 @@ class CSelectCameraRecordingFrame : public zelvaro::SelectionFrame
     Q_OBJECT
 
 public:
-    explicit CSelectCameraRecordingFrame(QWidget *parent = nullptr);
+    explicit CSelectCameraRecordingFrame(const QList<CCamera *> &shown, QWidget *parent = nullptr);
 };
 
 /// "Select Camera Recording": which of the shown cameras record together. GUI thread only.
@@ -18,7 +18,8 @@ class CSelectCameraRecordingForm : public zelvaro::SelectionDialog
     Q_OBJECT
 
 public:
-    explicit CSelectCameraRecordingForm(QWidget *parent = nullptr);
+    /// shown: the cameras of the grid, in the order of its tiles.
+    explicit CSelectCameraRecordingForm(const QList<CCamera *> &shown, QWidget *parent = nullptr);
 
     /// Puts the marks into the records, for as long as the program runs. Call after the dialog was
     /// accepted.

@@ -4,6 +4,8 @@
 #include "ui/live/selection_frame.h"
 #include "ui_selection_dialog.h"
 
+#include <QScrollBar>
+
 namespace zelvaro {
 
 SelectionDialog::SelectionDialog(const QString &title, SelectionFrame *frame, QWidget *parent)
@@ -28,11 +30,29 @@ SelectionDialog::SelectionDialog(const QString &title, SelectionFrame *frame, QW
     }
     setTabOrder(m_ui->btnOK, m_ui->btnClose);
 
+    m_ui->scrollCameras->viewport()->installEventFilter(this);
+    connect(m_ui->scrollCameras->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &SelectionDialog::tellVisibleRows);
+    tellVisibleRows(); // the first show loads the pictures
+
     connect(m_ui->btnOK, &QPushButton::clicked, this, &SelectionDialog::slotOK);
     connect(m_ui->btnClose, &QToolButton::clicked, this, &SelectionDialog::slotClose);
 }
 
 SelectionDialog::~SelectionDialog() = default;
+
+bool SelectionDialog::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_ui->scrollCameras->viewport() && event->type() == QEvent::Resize)
+        tellVisibleRows();
+    return QDialog::eventFilter(watched, event);
+}
+
+void SelectionDialog::tellVisibleRows()
+{
+    const int top = m_ui->scrollCameras->verticalScrollBar()->value();
+    m_frame->setVisibleRows(top, top + m_ui->scrollCameras->viewport()->height());
+}
 
 void SelectionDialog::slotOK()
 {

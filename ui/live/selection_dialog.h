@@ -23,6 +23,8 @@ public:
     SelectionDialog(const QString &title, SelectionFrame *frame, QWidget *parent);
     ~SelectionDialog() override;
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 public slots:
     void slotOK();
     void slotClose();
@@ -31,6 +33,8 @@ protected:
     SelectionFrame *frame() const { return m_frame; }
 
 private:
+    void tellVisibleRows();
+
     std::unique_ptr<Ui::SelectionDialog> m_ui;
     SelectionFrame *m_frame;
 };

@@ -23,10 +23,20 @@ void SelectionFrame::fill(const QList<CCamera *> &cameras)
 {
     for (CCamera *camera : cameras) {
         auto *tile = new CSelectCameraItemForm(m_recordingMode, this);
+        tile->setNear(false); // until it is known what can be seen
         tile->setCamera(camera);
         m_tiles.append(tile);
     }
     m_grid.place(asWidgets(m_tiles), columns);
+}
+
+void SelectionFrame::setVisibleRows(int top, int bottom)
+{
+    if (m_tiles.isEmpty())
+        return;
+    const NearRows nearRows(top, bottom, m_tiles.first()->minimumHeight() + spacing);
+    for (int i = 0; i < m_tiles.size(); ++i)
+        m_tiles.at(i)->setNear(nearRows.contains(i / columns));
 }
 
 void SelectionFrame::applyMarks() const

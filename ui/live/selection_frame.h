@@ -21,6 +21,9 @@ public:
 
     /// Makes a tile for each camera, in that order. Once.
     void fill(const QList<CCamera *> &cameras);
+    /// The visible part of this frame, in pixels from its top: only tiles in it and next to it hold
+    /// pictures.
+    void setVisibleRows(int top, int bottom);
     /// Puts all marks into the records.
     void applyMarks() const;
 

@@ -18,9 +18,6 @@ namespace {
 constexpr int mostCameras = 100;
 constexpr int spacing = 20; // pixels between tiles
 
-// A row beyond what is seen is ready on either side: the next scroll, or the Tab key, finds it.
-constexpr int rowsAhead = 1;
-
 } // namespace
 
 CCameraMgrFrame::CCameraMgrFrame(QWidget *parent)
@@ -65,23 +62,24 @@ void CCameraMgrFrame::layoutAgain()
     layoutTiles(m_visibleWidth);
 }
 
-// The place of a row follows from its number: the layout itself moves the tiles later.
 void CCameraMgrFrame::showNearTiles()
 {
+    for (int i = 0; i < m_tiles.size(); ++i)
+        m_tiles.at(i)->setNear(isNear(i));
+}
+
+bool CCameraMgrFrame::isNear(int index) const
+{
     if (m_visibleBottom < m_visibleTop)
-        return;
+        return true;
     const int rowHeight = m_addButton->minimumHeight() + spacing;
-    const int firstRow = m_visibleTop / rowHeight - rowsAhead;
-    const int lastRow = m_visibleBottom / rowHeight + rowsAhead;
-    for (int i = 0; i < m_tiles.size(); ++i) {
-        const int row = i / m_columns;
-        m_tiles.at(i)->setNear(firstRow <= row && row <= lastRow);
-    }
+    return zelvaro::NearRows(m_visibleTop, m_visibleBottom, rowHeight).contains(index / m_columns);
 }
 
 void CCameraMgrFrame::addTile(CCamera *camera)
 {
     auto *tile = new CCameraMgrItemForm(this);
+    tile->setNear(isNear(m_tiles.size())); // before a picture is decoded for it
     tile->setCamera(camera);
     connect(tile, &CCameraMgrItemForm::deleteCamera, this, &CCameraMgrFrame::slotDeleteCamera);
     connect(tile, &CCameraMgrItemForm::playCamera, this, &CCameraMgrFrame::slotPlayCamera);
@@ -90,7 +88,6 @@ void CCameraMgrFrame::addTile(CCamera *camera)
     connect(tile, &CCameraMgrItemForm::rebootCamera, this, &CCameraMgrFrame::slotRebootCamera);
     m_tiles.append(tile);
     setTabOrder(tile->lastInTabOrder(), m_addButton);
-    tile->show();
 }
 
 // The tile may be the sender of the signal that removes it, so it is deleted later.

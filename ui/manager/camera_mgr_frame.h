@@ -49,6 +49,7 @@ private:
     void takeDown(CCameraMgrItemForm *item);
     void layoutAgain();
     void showNearTiles();
+    bool isNear(int index) const;
 
     zelvaro::TileGrid m_grid;
     QList<CCameraMgrItemForm *> m_tiles;

@@ -2,15 +2,14 @@
 
 #include "camera/camera.h"
 #include "settings/host_name.h"
+#include "ui/common/sheet_picture.h"
 #include "ui/common/style_url.h"
 #include "ui/common/tool_tip.h"
 #include "ui_camera_mgr_item_form.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
-#include <QFileInfo>
 #include <QMenu>
-#include <QPixmapCache>
 
 namespace {
 
@@ -142,19 +141,8 @@ void CCameraMgrItemForm::slotCameraStatusChanged()
     m_ui->labelStatusImage->setAccessibleName(m_ui->labelStatusImage->toolTip());
 }
 
-// Pictures are cached by path, time in seconds and size: a new one that shares all three with the
-// old one would not be read.
 void CCameraMgrItemForm::slotCameraThumbChanged()
 {
-    if (m_camera) {
-        const QFileInfo file(m_camera->thumb_path());
-        const ThumbStamp stamp{file.lastModified(), file.size()};
-        const bool sameKey = stamp.size == m_thumbStamp.size && stamp.time.isValid() &&
-                             stamp.time.toSecsSinceEpoch() == m_thumbStamp.time.toSecsSinceEpoch();
-        if (sameKey && stamp.time != m_thumbStamp.time)
-            QPixmapCache::clear();
-        m_thumbStamp = stamp;
-    }
     showThumb();
 }
 
@@ -176,9 +164,13 @@ void CCameraMgrItemForm::showThumb()
         return;
     }
     const QString path = m_camera->thumb_path();
-    m_ui->frameCameraItem->setStyleSheet(
+    zelvaro::setPictureSheet(
+        m_ui->frameCameraItem,
         QStringLiteral("QFrame#frameCameraItem{border-image:url(%1);}")
-            .arg(zelvaro::styleUrl(path)));
+            .arg(zelvaro::styleUrl(path)),
+        path,
+        m_ui->frameCameraItem->size().expandedTo(m_ui->frameCameraItem->minimumSize()) *
+            devicePixelRatioF());
 }
 
 void CCameraMgrItemForm::showFocus(bool focused)

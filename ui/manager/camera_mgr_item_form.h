@@ -2,8 +2,6 @@
 
 #include "ui/common/tile_form.h"
 
-#include <QDateTime>
-
 #include <memory>
 
 class CCamera;
@@ -27,9 +25,8 @@ public:
     CCamera *camera() const { return m_camera; }
 
     /// Whether the tile is in the visible part, or next to it. One that is not is hidden unless it
-    /// has the focus, and lets go of its picture: each widget of a tile is a window of the window
-    /// system, and a picture in a style sheet takes its full size in memory, 8 MB from a 1080p
-    /// camera. Its place in the grid stays.
+    /// has the focus, and holds no picture: each widget of a tile is a window of the window system.
+    /// Its place in the grid stays.
     void setNear(bool isNear);
     /// The last of the tile's widgets that the Tab key reaches.
     QWidget *lastInTabOrder() const;
@@ -58,12 +55,6 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    struct ThumbStamp
-    {
-        QDateTime time;
-        qint64 size = -1;
-    };
-
     void buildMenu();
     void showTexts();
     void showThumb();
@@ -72,5 +63,4 @@ private:
     CCamera *m_camera = nullptr;
     QString m_defaultPicture; // style sheet of the picture frame without a thumbnail
     bool m_near = true;
-    ThumbStamp m_thumbStamp; // of the file as it was last shown
 };

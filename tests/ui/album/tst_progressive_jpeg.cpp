@@ -1,4 +1,4 @@
-#include "ui/album/progressive_jpeg.h"
+#include "ui/common/progressive_jpeg.h"
 
 #include <QImage>
 #include <QImageWriter>

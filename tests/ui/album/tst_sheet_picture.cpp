@@ -1,5 +1,5 @@
 #include "tests/ui/album/album_fixture.h"
-#include "ui/album/sheet_picture.h"
+#include "ui/common/sheet_picture.h"
 #include "ui/common/style_url.h"
 
 #include <QFrame>

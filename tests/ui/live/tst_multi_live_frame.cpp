@@ -3,7 +3,6 @@
 #include "resources/resources.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/live/multi_live_item_form.h"
-#include "ui/live/shown_cameras.h"
 #include "ui/live/video_frame.h"
 
 #include <QGridLayout>
@@ -33,6 +32,7 @@ private slots:
     void theGridFollowsTheAreaBothWays();
     void stretchesKeepTheTilesTogether();
     void onlyTheSelectedTileIsHeard();
+    void selectingTheSelectedTileAgainMakesNoGap();
     void muteAndVolumeGoToTheSelectedTile();
     void aPressOnATileAndAReleaseOnTheFrameKeepItSelected();
     void aClickOnEmptySpaceDeselects();
@@ -109,7 +109,7 @@ void TestMultiLiveFrame::loadShowsTheChosenCamerasInListOrder()
     QCOMPARE(m_frame->tiles().size(), 2);
     QCOMPARE(tile(0)->camera(), m_live->camera(0));
     QCOMPARE(tile(1)->camera(), m_live->camera(2));
-    QCOMPARE(zelvaro::shownCameras(), (QList<CCamera *>{m_live->camera(0), m_live->camera(2)}));
+    QCOMPARE(m_frame->shownCameras(), (QList<CCamera *>{m_live->camera(0), m_live->camera(2)}));
     QCOMPARE(tile(1)->findChild<QLabel *>(QStringLiteral("labelStatus"))->text(),
              QStringLiteral("Camera C is connecting..."));
     QCOMPARE(m_live->count("RtspPlayer_SetupP2PliveStream", 0), 1);
@@ -139,7 +139,7 @@ void TestMultiLiveFrame::clearStopsAndForgetsAll()
     QVERIFY(m_frame->tiles().isEmpty());
     QVERIFY(!m_frame->selectedTile());
     QVERIFY(!m_frame->layout());
-    QVERIFY(zelvaro::shownCameras().isEmpty());
+    QVERIFY(m_frame->shownCameras().isEmpty());
     for (int i = 0; i < 2; ++i) {
         QCOMPARE(m_live->count("RtspPlayer_Stop", i), 1);
         QCOMPARE(m_live->count("RtspPlayer_Stop_Connecting", i), 0);
@@ -251,6 +251,19 @@ void TestMultiLiveFrame::onlyTheSelectedTileIsHeard()
     QCOMPARE(volumeOf(1), 80);
 }
 
+void TestMultiLiveFrame::selectingTheSelectedTileAgainMakesNoGap()
+{
+    show({QStringLiteral("A")});
+    m_frame->setSound(false, 80);
+    QTest::mouseClick(tile(0), Qt::LeftButton, {}, QPoint(3, 3));
+    m_live->player()->forgetCalls();
+    QTest::mouseClick(tile(0), Qt::LeftButton, {}, QPoint(3, 3));
+    QVERIFY(looksSelected(0));
+    for (const fake_cammgr::Call &call : m_live->player()->calls())
+        if (call.name == "RtspPlayer_SetVolume")
+            QCOMPARE(call.numbers.front(), std::intptr_t(80));
+}
+
 void TestMultiLiveFrame::muteAndVolumeGoToTheSelectedTile()
 {
     show({QStringLiteral("A"), QStringLiteral("B")});
@@ -356,7 +369,6 @@ void TestMultiLiveFrame::destructionStopsTheStreams()
     QVERIFY(m_live->camera()->is_playing());
     m_area.reset();
     QVERIFY(!m_live->camera()->is_playing());
-    QVERIFY(zelvaro::shownCameras().isEmpty());
 }
 
 void TestMultiLiveFrame::destructionInFullScreen()

@@ -1,6 +1,6 @@
-#include "ui/album/sheet_picture.h"
+#include "ui/common/sheet_picture.h"
 
-#include "ui/album/progressive_jpeg.h"
+#include "ui/common/progressive_jpeg.h"
 
 #include <QDateTime>
 #include <QFileInfo>
