@@ -469,6 +469,18 @@
         <source>Back</source>
         <translation>戻る</translation>
     </message>
+    <message>
+        <source>Talking does not work: there is no microphone.</source>
+        <translation>通話できません: マイクがありません。</translation>
+    </message>
+    <message>
+        <source>Talking does not work: the camera takes no sound.</source>
+        <translation>通話できません: カメラが音声を受け付けません。</translation>
+    </message>
+    <message>
+        <source>Talking does not work: the connection failed.</source>
+        <translation>通話できません: 接続に失敗しました。</translation>
+    </message>
 </context>
 <context>
     <name>CPlayPhotoForm</name>

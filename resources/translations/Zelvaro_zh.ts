@@ -469,6 +469,18 @@
         <source>Back</source>
         <translation>返回</translation>
     </message>
+    <message>
+        <source>Talking does not work: there is no microphone.</source>
+        <translation>无法对讲：没有麦克风。</translation>
+    </message>
+    <message>
+        <source>Talking does not work: the camera takes no sound.</source>
+        <translation>无法对讲：摄像机不接收声音。</translation>
+    </message>
+    <message>
+        <source>Talking does not work: the connection failed.</source>
+        <translation>无法对讲：连接失败。</translation>
+    </message>
 </context>
 <context>
     <name>CPlayPhotoForm</name>

@@ -469,6 +469,18 @@
         <source>Back</source>
         <translation>Назад</translation>
     </message>
+    <message>
+        <source>Talking does not work: there is no microphone.</source>
+        <translation>Разговор невозможен: нет микрофона.</translation>
+    </message>
+    <message>
+        <source>Talking does not work: the camera takes no sound.</source>
+        <translation>Разговор невозможен: камера не принимает звук.</translation>
+    </message>
+    <message>
+        <source>Talking does not work: the connection failed.</source>
+        <translation>Разговор невозможен: не удалось подключиться.</translation>
+    </message>
 </context>
 <context>
     <name>CPlayPhotoForm</name>

@@ -13,6 +13,7 @@ CPlayCameraForm::CPlayCameraForm(QWidget *parent, zelvaro::Clock clock)
         zelvaro::LiveWidgets{m_ui->frameVideoArea, m_ui->frameVideoClient, m_ui->frameVideoFrame,
                              m_ui->labelStatus, m_ui->labelRecording},
         zelvaro::LiveView::StatusSize::Scaled, [this] { return volume(); }, std::move(clock));
+    m_talkTip = m_ui->btnOutVolume->toolTip();
     m_ui->sliderVolume->setRange(0, zelvaro::maxVolume);
     m_ui->sliderVolume->setValue(zelvaro::naturalVolume);
 
@@ -81,9 +82,12 @@ void CPlayCameraForm::slotTimer()
     CCamera *camera = m_live->camera();
     if (!camera)
         return;
-    if (camera->get_state() == CAMERA_STATE_CONNECTED && m_talking &&
-        !camera->audio_upload_is_playing())
-        camera->audio_upload_play();
+    if (camera->get_state() == CAMERA_STATE_CONNECTED && m_talking) {
+        if (camera->audio_upload_is_playing())
+            showTalkTip({});
+        else
+            startTalking();
+    }
     m_live->report();
 }
 
@@ -159,8 +163,33 @@ void CPlayCameraForm::setTalking(bool talking)
     CCamera *camera = m_live->camera();
     if (!camera)
         return;
-    if (m_talking)
-        camera->audio_upload_play();
-    else
+    if (m_talking) {
+        startTalking();
+    } else {
         camera->audio_upload_stop();
+        showTalkTip({});
+    }
+}
+
+// A library that knows why the talk before failed says so and does not try again for a while.
+void CPlayCameraForm::startTalking()
+{
+    switch (m_live->camera()->audio_upload_play()) {
+    case CAMMGR_TALK_NO_MICROPHONE:
+        showTalkTip(tr("Talking does not work: there is no microphone."));
+        break;
+    case CAMMGR_TALK_NOT_TAKEN:
+        showTalkTip(tr("Talking does not work: the camera takes no sound."));
+        break;
+    case CAMMGR_TALK_FAILED:
+        showTalkTip(tr("Talking does not work: the connection failed."));
+        break;
+    default:
+        break;
+    }
+}
+
+void CPlayCameraForm::showTalkTip(const QString &trouble)
+{
+    m_ui->btnOutVolume->setToolTip(trouble.isEmpty() ? m_talkTip : trouble);
 }

@@ -48,8 +48,11 @@ private:
     int volume() const;
     void setRecording(bool recording);
     void setTalking(bool talking);
+    void startTalking();
+    void showTalkTip(const QString &trouble);
 
     std::unique_ptr<Ui::CPlayCameraForm> m_ui;
     std::unique_ptr<zelvaro::LiveView> m_live; // made after the widgets it shows itself in
     bool m_talking = false;
+    QString m_talkTip; // of the button while nothing is wrong
 };

@@ -75,6 +75,8 @@ private slots:
     void theRecordIndicatorFollows();
     void talkBackStartsAndStops();
     void talkBackIsRestartedWhenTheUploadHasEnded();
+    void talkBackThatCannotStartSaysWhy_data();
+    void talkBackThatCannotStartSaysWhy();
     void talkBackIsNotRestartedWhileDisconnected();
     void backAsksForTheCameraPage();
     void stopEndsEverythingAndForgetsTheCamera();
@@ -828,6 +830,48 @@ void TestPlayCameraForm::talkBackIsRestartedWhenTheUploadHasEnded()
     m_live->change([](auto &script) { script.uploading = 0; });
     m_live->report();
     QCOMPARE(m_live->count("AudioUpload_Play"), 2);
+}
+
+void TestPlayCameraForm::talkBackThatCannotStartSaysWhy_data()
+{
+    QTest::addColumn<int>("result");
+    QTest::addColumn<QString>("tip");
+    QTest::newRow("no microphone")
+        << int(CAMMGR_TALK_NO_MICROPHONE) << "Talking does not work: there is no microphone.";
+    QTest::newRow("not taken") << int(CAMMGR_TALK_NOT_TAKEN)
+                               << "Talking does not work: the camera takes no sound.";
+    QTest::newRow("failed") << int(CAMMGR_TALK_FAILED)
+                            << "Talking does not work: the connection failed.";
+    QTest::newRow("unknown") << -1 << "Talk";
+}
+
+void TestPlayCameraForm::talkBackThatCannotStartSaysWhy()
+{
+    QFETCH(int, result);
+    QFETCH(QString, tip);
+    play();
+    const QString usual = child("btnOutVolume")->toolTip();
+    const QString expected = result == -1 ? usual : tip;
+    m_live->change([result](auto &script) { script.results["AudioUpload_Play"] = result; });
+    click("btnOutVolume");
+    m_live->reports(2);
+    QCOMPARE(child("btnOutVolume")->toolTip(), expected);
+    QCOMPARE(m_live->count("AudioUpload_Play"), 3); // with each report
+    QVERIFY(hasIcon("btnOutVolume", QStringLiteral(":/images/panelbtn/outvolumebtn_down.png")));
+    m_live->change([](auto &script) {
+        script.results.clear();
+        script.uploading = 1;
+    });
+    m_live->report();
+    QCOMPARE(child("btnOutVolume")->toolTip(), usual);
+    m_live->change([result](auto &script) {
+        script.results["AudioUpload_Play"] = result;
+        script.uploading = 0;
+    });
+    m_live->report();
+    QCOMPARE(child("btnOutVolume")->toolTip(), expected);
+    click("btnOutVolume");
+    QCOMPARE(child("btnOutVolume")->toolTip(), usual);
 }
 
 void TestPlayCameraForm::talkBackIsNotRestartedWhileDisconnected()

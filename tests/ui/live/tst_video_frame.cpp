@@ -1,5 +1,7 @@
 #include "ui/live/video_frame.h"
 
+#include "tests/support/declared.h"
+
 #include <QPointer>
 #include <QtTest>
 
@@ -30,6 +32,7 @@ class TestVideoFrame : public QObject
 
 private slots:
     void init();
+    void signalsStandInOrder();
     void hasNoSurfaceUntilAsked();
     void aFreshSurfaceFillsTheFrame();
     void theOverlayHasNoShape();
@@ -255,6 +258,12 @@ void TestVideoFrame::theFrameIsBlack()
     QCOMPARE(m_frame->grab().toImage().pixelColor(200, 150), QColor(Qt::black));
     m_frame->CreateRenderSurface();
     QCOMPARE(m_frame->grab().toImage().pixelColor(200, 150), QColor(Qt::black));
+}
+
+void TestVideoFrame::signalsStandInOrder()
+{
+    QCOMPARE(declared(CVideoFrame::staticMetaObject, QMetaMethod::Signal),
+             QStringList({"clicked()", "doubleClicked()"}));
 }
 
 QTEST_MAIN(TestVideoFrame)

@@ -1,6 +1,7 @@
 #include "ui/live/volume_slider_form.h"
 
 #include "resources/resources.h"
+#include "tests/support/declared.h"
 
 #include <QSlider>
 #include <QToolButton>
@@ -13,6 +14,7 @@ class TestVolumeSliderForm : public QObject
 private slots:
     void initTestCase() { zelvaro::initResources(); }
     void init();
+    void signalsAndSlotsStandInOrder();
     void rangeAndValuePassThrough();
     void valueIsAProperty();
     void draggingTheSliderReportsItsValue();
@@ -140,6 +142,14 @@ void TestVolumeSliderForm::theMuteButtonIsReachedByKeyboard()
     QCOMPARE(muted.count(), 1);
     QVERIFY(!m_mute->accessibleName().isEmpty());
     QVERIFY(!m_slider->accessibleName().isEmpty());
+}
+
+void TestVolumeSliderForm::signalsAndSlotsStandInOrder()
+{
+    QCOMPARE(declared(CVolumeSliderForm::staticMetaObject, QMetaMethod::Signal),
+             QStringList({"valueChanged(int)", "muteChanged(bool)"}));
+    QCOMPARE(declared(CVolumeSliderForm::staticMetaObject, QMetaMethod::Slot),
+             QStringList({"slotValueChanged(int)", "slotMuteClicked()"}));
 }
 
 QTEST_MAIN(TestVolumeSliderForm)
