@@ -249,6 +249,11 @@ int CCameraCore::is_writing() const
     return RtspPlayer_IsWriting(player());
 }
 
+bool CCameraCore::isWritingHeldUp() const
+{
+    return is_writing() == CAMMGR_WRITING_WAITS;
+}
+
 int CCameraCore::get_frame_rate() const
 {
     return RtspPlayer_GetVideoFrameRate(player());

@@ -98,6 +98,9 @@ public:
     int end_writing();
     /// Non-zero while recording.
     int is_writing() const;
+    /// Whether a recording runs and nothing is being written, as on a full disk; only our library
+    /// tells.
+    bool isWritingHeldUp() const;
 
     int get_frame_rate() const;   ///< frames per second
     int get_bit_rate() const;     ///< bits per second

@@ -256,7 +256,7 @@ void LiveView::applyRecording()
 
 void LiveView::checkWriting()
 {
-    setWritingFails(m_recording && !m_camera->is_writing());
+    setWritingFails(m_recording && (!m_camera->is_writing() || m_camera->isWritingHeldUp()));
 }
 
 void LiveView::setWritingFails(bool fails)

@@ -39,6 +39,8 @@ private slots:
     void aRefusedRecordingIsToldOnce();
     void aRecordingThatStopsIsTold_data() { views(); }
     void aRecordingThatStopsIsTold();
+    void aRecordingThatWaitsForTheDiskIsTold_data() { views(); }
+    void aRecordingThatWaitsForTheDiskIsTold();
     void leavingEndsWhatWasTold_data() { views(); }
     void leavingEndsWhatWasTold();
     void aRefusedRecordingLeavesNoStill();
@@ -263,6 +265,26 @@ void TestLiveReports::aRecordingThatStopsIsTold()
     QCOMPARE(lampTip(), QString());
     QCOMPARE(m_live->host.statuses.size(), 2);
     QCOMPARE(m_live->host.statuses.last(), QString());
+}
+
+void TestLiveReports::aRecordingThatWaitsForTheDiskIsTold()
+{
+    play();
+    setRecording(true);
+    m_live->change([](auto &script) { script.writing = CAMMGR_WRITING_WAITS; });
+    m_live->reports(3);
+    QCOMPARE(m_live->host.statuses.size(), 1);
+    QCOMPARE(lampTip(), m_live->host.statuses.first());
+    // The library begins the next clip by itself.
+    QCOMPARE(m_live->count("RtspPlayer_BeginWriting"), 1);
+    m_live->change([](auto &script) { script.writing = CAMMGR_WRITING; });
+    m_live->reports(2);
+    QCOMPARE(lampTip(), QString());
+
+    // The button still ends it.
+    m_live->change([](auto &script) { script.writing = CAMMGR_WRITING_WAITS; });
+    setRecording(false);
+    QCOMPARE(m_live->count("RtspPlayer_EndWriting"), 1);
 }
 
 void TestLiveReports::leavingEndsWhatWasTold()
