@@ -36,7 +36,7 @@ struct ClipFormat
     CapsRef audio;            ///< empty: no audio track
     bool withStill = false;   ///< writes a still of the clip, from its first frame
     bool reordered = false;   ///< presentation order differs from decoding order
-    bool isOrderKnown = true; ///< false: the first frames tell, which the file then waits for
+    bool isOrderKnown = true; ///< false: the first frames decide it, and the file waits for them
     int reserveSeconds = 0;   ///< longest clip that the index at the head of the file has room for
     int indexBytesPerSecond = 550; ///< room for one second of one track
 };

@@ -50,8 +50,8 @@ GstElement *makeHardwareDecoder()
         gst_object_unref(gst_object_ref_sink(decoder));
         return nullptr;
     }
-    // Left alone it takes the stream for a file, as nothing around it tells that it is live, and
-    // holds back as many pictures as the level allows: 4 at 1080p, up to 16.
+    // Left alone it takes the stream for a file, as nothing around it indicates that it is live,
+    // and holds back as many pictures as the level allows: 4 at 1080p, up to 16.
     if (g_object_class_find_property(G_OBJECT_GET_CLASS(decoder), "compliance"))
         gst_util_set_object_arg(G_OBJECT(decoder), "compliance", "normal");
     return decoder;

@@ -21,8 +21,8 @@ namespace ndcp {
 /// A device of an earlier search is queried where it was found, another one at the record's
 /// address. The device there is compared with the record by hardware address; where it is not the
 /// device, or nothing can be read, the device is looked for by its UID. Nothing is written to a
-/// device that was told neither by its hardware address nor by its UID, nor to one without a UID at
-/// an address that may be the one that it is to get.
+/// device that was identified neither by its hardware address nor by its UID, nor to one without a
+/// UID at an address that may be the one that it is to get.
 class ConfigurationTask : public onvif::Request
 {
 public:

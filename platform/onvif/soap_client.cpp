@@ -25,7 +25,7 @@ constexpr int maxTokens = 2;
 
 enum class Signing
 {
-    Http,  ///< as the device asks
+    Http,  ///< as the device requires
     Token, ///< WS-Security UsernameToken
 };
 

@@ -37,7 +37,7 @@ private slots:
 private:
     void fillFrom(const CameraRecord &record);
     void takeLoginOut();
-    /// Whether the settings file holds all texts as they were entered; else the user is told.
+    /// Whether the settings file holds all texts as they were entered; else a message is shown.
     bool canBeSaved();
     void refuse(const QString &text, QWidget *editToMend);
 

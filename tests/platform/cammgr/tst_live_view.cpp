@@ -280,8 +280,8 @@ TEST_F(LiveViewTest, AnOverloadThatLosesThePictureWantsAKeyFrame)
 
 TEST_F(LiveViewTest, NobodyDrawsWhenOneOfTwoClosingThreadsReturns)
 {
-    // Whoever draws on a window that is gone raises an X error. The watch may ask for it (2, 3, 15)
-    // once more.
+    // Drawing on a destroyed window raises an X error. The watch may ask for it (2, 3, 15) once
+    // more.
     static std::atomic<int> errors = 0;
     const auto count = +[](const gchar *, GLogLevelFlags, const gchar *text, gpointer) {
         const std::string line = text;

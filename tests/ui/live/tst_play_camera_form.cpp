@@ -137,7 +137,7 @@ void TestPlayCameraForm::play(int width, int height)
     });
     m_form->SetCamera(m_live->camera());
     m_form->StartPlay();
-    m_live->connectCamera(); // asks to play
+    m_live->connectCamera(); // plays
     QVERIFY(m_form->IsPlaying());
     m_live->report(); // lays out
 }
@@ -336,7 +336,7 @@ void TestPlayCameraForm::aReconnectCountsToTheFirstThumbnailAgain()
     m_live->reports(4);
     QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 1);
     m_live->setPlaying(false);
-    m_live->report(); // asks to play
+    m_live->report(); // plays
     m_live->report(); // lays out
     m_live->reports(3);
     QCOMPARE(m_live->count("RtspPlayer_Snapshot"), 1);
