@@ -5,6 +5,11 @@
 add_library(tsan_glib OBJECT EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/tests/support/tsan_glib.cpp)
 target_link_libraries(tsan_glib PUBLIC PkgConfig::GIO ${CMAKE_DL_LIBS})
 
+# Programs under the address sanitizer keep what they load, so that a leak can be told by its module.
+if(ZELVARO_SANITIZE MATCHES "address")
+  add_library(keep_modules OBJECT ${PROJECT_SOURCE_DIR}/tests/support/keep_modules.c)
+endif()
+
 function(zelvaro_own_code target)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Werror
@@ -18,6 +23,9 @@ function(zelvaro_own_code target)
       target_compile_options(${target} PRIVATE -fno-sanitize-recover=undefined)
     endif()
     get_target_property(type ${target} TYPE)
+    if(ZELVARO_SANITIZE MATCHES "address" AND type STREQUAL "EXECUTABLE")
+      target_link_libraries(${target} PRIVATE keep_modules)
+    endif()
     if(ZELVARO_SANITIZE MATCHES "thread" AND type STREQUAL "EXECUTABLE")
       target_link_libraries(${target} PRIVATE tsan_glib)
     endif()
@@ -166,7 +174,8 @@ function(zelvaro_register_test name label timeout)
     list(APPEND tests ${name}_soak)
   endif()
   set_property(TEST ${tests} APPEND PROPERTY ENVIRONMENT
-    "ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=1:detect_odr_violation=0"
+    "ASAN_OPTIONS=allocator_may_return_null=1:detect_odr_violation=0:quarantine_size_mb=32"
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/leaks_of_libraries.txt:print_suppressions=0"
     "UBSAN_OPTIONS=print_stacktrace=1" "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1")
 endfunction()
 
