@@ -102,11 +102,16 @@ void CMainForm::buildToolBar()
     connect(m_ui->btnPhotoMgr, &QToolButton::clicked, this, &CMainForm::slotPhotoMgr);
     connect(m_ui->btnSetUp, &QToolButton::clicked, this, &CMainForm::slotSetUp);
     m_toolBar.emplace(zelvaro::ToolBar::Buttons{{
-        {m_ui->btnCameraMgr, "cameramgrbtn.png", "cameramgrbtn_pressed.png"},
-        {m_ui->btnMultiLive, "multilivebtn.png", "multilivebtn_pressed.png"},
-        {m_ui->btnVideoMgr, "videobtn.png", "videobtn_pressed.png"},
-        {m_ui->btnPhotoMgr, "albumbtn.png", "albumbtn_pressed.png"},
-        {m_ui->btnSetUp, "SetUp.png", "Setupbtn_pressed.png"},
+        {m_ui->btnCameraMgr, ":/images/toolbarbtn/cameramgrbtn.png",
+         ":/images/toolbarbtn/cameramgrbtn_pressed.png"},
+        {m_ui->btnMultiLive, ":/images/toolbarbtn/multilivebtn.png",
+         ":/images/toolbarbtn/multilivebtn_pressed.png"},
+        {m_ui->btnVideoMgr, ":/images/toolbarbtn/videobtn.png",
+         ":/images/toolbarbtn/videobtn_pressed.png"},
+        {m_ui->btnPhotoMgr, ":/images/toolbarbtn/albumbtn.png",
+         ":/images/toolbarbtn/albumbtn_pressed.png"},
+        {m_ui->btnSetUp, ":/images/toolbarbtn/SetUp.png",
+         ":/images/toolbarbtn/Setupbtn_pressed.png"},
     }});
     m_toolBar->mark(m_ui->btnCameraMgr);
 }

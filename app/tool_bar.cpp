@@ -15,7 +15,7 @@ void ToolBar::mark(const QToolButton *pressed)
 {
     for (const Button &entry : m_buttons) {
         const char *image = entry.button == pressed ? entry.pressed : entry.normal;
-        entry.button->setIcon(QIcon(QStringLiteral(":/images/toolbarbtn/") + QLatin1String(image)));
+        entry.button->setIcon(QIcon(QLatin1String(image)));
     }
 }
 

@@ -13,7 +13,7 @@ namespace zelvaro {
 class ToolBar
 {
 public:
-    /// A button with the names of its two images in the resource tree.
+    /// A button with its two images in the resource tree.
     struct Button
     {
         QToolButton *button;

@@ -67,7 +67,9 @@ public:
 
 void watchMainWindow()
 {
-    qApp->installEventFilter(new FirstEvent(qApp));
+    // Not qApp, which takes it for a QApplication: --version and --help make none.
+    QCoreApplication *application = QCoreApplication::instance();
+    application->installEventFilter(new FirstEvent(application));
 }
 Q_COREAPP_STARTUP_FUNCTION(watchMainWindow)
 
