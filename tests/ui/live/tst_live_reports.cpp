@@ -8,10 +8,6 @@
 #include <QLabel>
 #include <QToolButton>
 
-namespace {
-constexpr int deadline = LiveFixture::deadline;
-}
-
 /// How the single view and a tile of the grid handle the session's reports: when they request one,
 /// and what they show of a recording that is not written.
 class TestLiveReports : public QObject
