@@ -6,9 +6,7 @@ add_library(tsan_glib OBJECT EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/tests/suppor
 target_link_libraries(tsan_glib PUBLIC PkgConfig::GIO ${CMAKE_DL_LIBS})
 
 # Programs under the address sanitizer keep what they load, so that a leak can be told by its module.
-if(ZELVARO_SANITIZE MATCHES "address")
-  add_library(keep_modules OBJECT ${PROJECT_SOURCE_DIR}/tests/support/keep_modules.c)
-endif()
+add_library(keep_modules OBJECT EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/tests/support/keep_modules.c)
 
 function(zelvaro_own_code target)
   target_compile_options(${target} PRIVATE
