@@ -1,25 +1,13 @@
 #include "platform/cammgr/rtsp_login.h"
 
 #include "platform/cammgr/glib_ptr.h"
+#include "platform/onvif/http_login.h"
 
 #include <gst/rtsp/rtsp.h>
 
 namespace cammgr {
-namespace {
 
-std::string quoted(const std::string &text)
-{
-    std::string result = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\')
-            result += '\\';
-        if (static_cast<unsigned char>(c) >= 0x20)
-            result += c;
-    }
-    return result + '"';
-}
-
-} // namespace
+using onvif::quoted;
 
 bool RtspLogin::takeChallenge(const std::vector<std::string> &headers, LoginPolicy &policy,
                               bool tls)

@@ -84,19 +84,6 @@ std::string parameter(const HttpChallenge &challenge, const char *name)
     return found == challenge.parameters.end() ? std::string() : found->second;
 }
 
-// A text of the device that is sent back to it: without what would end the header.
-std::string quoted(const std::string &text)
-{
-    std::string result = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\')
-            result += '\\';
-        if (static_cast<unsigned char>(c) >= 0x20)
-            result += c;
-    }
-    return result + '"';
-}
-
 bool offersAuth(const std::string &qop)
 {
     std::string_view rest = qop;
@@ -110,6 +97,18 @@ bool offersAuth(const std::string &qop)
 }
 
 } // namespace
+
+std::string quoted(const std::string &text)
+{
+    std::string result = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\')
+            result += '\\';
+        if (static_cast<unsigned char>(c) >= 0x20)
+            result += c;
+    }
+    return result + '"';
+}
 
 std::vector<HttpChallenge> parseChallenges(const std::vector<std::string> &headers)
 {

@@ -9,6 +9,10 @@
 
 namespace onvif {
 
+/// A quoted-string (RFC 7230 3.2.6) for an Authorization header, of HTTP or RTSP: a text of the
+/// device that is sent back to it, without what would end the header.
+[[nodiscard]] std::string quoted(const std::string &text);
+
 /// One challenge of a WWW-Authenticate header (RFC 9110, 11.6.1).
 struct HttpChallenge
 {
