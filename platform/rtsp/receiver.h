@@ -1,0 +1,63 @@
+#pragma once
+
+#include "platform/base/access_unit.h"
+#include "platform/rtsp/stream_request.h"
+
+#include <memory>
+#include <string>
+
+namespace rtsp {
+
+struct OpenSession;
+
+/**
+ * Receives one camera's stream: RTSP session (RFC 2326), RTP and RTCP, frames. Lives on the loop
+ * thread, where all its functions are called and all its callbacks run. Nothing waits for the
+ * camera: each step has its time limit, and close() returns at once in every state.
+ */
+class Receiver
+{
+public:
+    /// Each function may close or destroy the receiver.
+    class Client
+    {
+    public:
+        virtual ~Client() = default;
+        /// The camera's description, before anything is set up. hasAudio: sound that can be played,
+        /// whether it was wanted or not.
+        virtual void described(bool hasVideo, bool hasAudio) = 0;
+        /// The camera answered PLAY, or sent its first picture before that answer. Once.
+        virtual void plays() = 0;
+        virtual void video(const base::AccessUnit &unit) = 0;
+        virtual void audio(const base::AudioUnit &unit) = 0;
+        /// A packet of the video was lost on the way.
+        virtual void lostPackets() = 0;
+        /// Last, and at most once for each start(). The receiver is closed.
+        /// @param text for the log and for the user's tool tip, in English, without credentials
+        virtual void ended(StreamEnd reason, const std::string &text) = 0;
+    };
+
+    /// The client must outlive the receiver.
+    Receiver(Client &client, StreamRequest request);
+    ~Receiver();
+    Receiver(const Receiver &) = delete;
+    Receiver &operator=(const Receiver &) = delete;
+
+    /// Connects and plays in the background; a stream that runs is closed before.
+    void start();
+    /// The same over a connection that has already brought the description: what is left are SETUP
+    /// and PLAY. A connection that the camera has dropped meanwhile is made again.
+    void start(OpenSession session);
+    /// No callback runs any more. The camera is told (TEARDOWN) in the background, for 100 ms at
+    /// most, then the connection closes.
+    void close();
+
+    /// Whether the media come over UDP; false while that is open.
+    bool isUdp() const;
+
+private:
+    class Private;
+    std::shared_ptr<Private> d;
+};
+
+} // namespace rtsp
