@@ -298,12 +298,13 @@ void CameraSession::talk(uint64_t ticket)
 void CameraSession::issueCommands(std::vector<std::string> requests)
 {
     const Clock::time_point begin = Clock::now();
-    m_resolver->findWebServer([this, begin, requests = std::move(requests)](Endpoint server) {
-        const auto spent =
-            std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
-        m_commands.start(server, requests, std::max(commandLimit - spent, leastCommandTime),
-                         [this](std::vector<std::string> replies) { reportReplies(replies); });
-    });
+    m_resolver->findWebServer(
+        [this, begin, requests = std::move(requests)](const Endpoint &server) {
+            const auto spent =
+                std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
+            m_commands.start(server, requests, std::max(commandLimit - spent, leastCommandTime),
+                             [this](std::vector<std::string> replies) { reportReplies(replies); });
+        });
 }
 
 void CameraSession::reportReplies(const std::vector<std::string> &replies)

@@ -192,8 +192,8 @@ CAMMGR_API int RtspPlayer_GetVideoHeight(RtspPlayer *player);
  * Sends count request texts to the camera's HTTP port, in order, and answers later with one
  * CAMMGR_MSG_COMMAND_REPLIES that holds count reply bodies, within 15 s. A request that could not
  * be carried is answered with a failure text, whose first line is not "000 Success". The port is
- * that of the camera's ONVIF service, else 80. One batch at a time, of at most 1,000 requests;
- * negative while one is out.
+ * that of the camera's web pages as it reports it by ONVIF, else 80. One batch at a time, of at
+ * most 1,000 requests; negative while one is out.
  */
 CAMMGR_API int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requests,
                                                 int count);

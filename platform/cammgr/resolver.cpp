@@ -135,21 +135,37 @@ bool Resolver::isThisCamera(const onvif::CameraStreams &streams) const
     return parseUrl(streams.main.uri).endpoint.port == m_address.endpoint.port;
 }
 
-void Resolver::findWebServer(std::function<void(Endpoint)> done)
+void Resolver::findWebServer(std::function<void(const Endpoint &)> done)
 {
-    find([this, done = std::move(done)](bool found) {
-        if (!found) {
-            done({});
-            return;
-        }
-        locate([this, done] {
-            const CameraAddress service = parseUrl(m_xaddr);
-            if (service.kind == CameraAddress::Kind::Host)
-                done(service.endpoint);
-            else
-                done({.host = m_endpoint.host, .port = httpPort, .tls = false});
-        });
+    m_webServerWaiters.push_back(std::move(done));
+    if (m_webServerWaiters.size() > 1)
+        return;
+    find([this](bool found) {
+        if (found)
+            locate([this] { askWebServer(); });
+        else
+            answerAll(m_webServerWaiters, Endpoint());
     });
+}
+
+// Queried each time: its port can be changed in the camera's set-up.
+void Resolver::askWebServer()
+{
+    const CameraAddress service = parseUrl(m_xaddr);
+    const std::string host =
+        service.kind == CameraAddress::Kind::Host ? service.endpoint.host : m_endpoint.host;
+    if (m_xaddr.empty()) {
+        answerAll(m_webServerWaiters, Endpoint{.host = host, .port = httpPort, .tls = false});
+        return;
+    }
+    m_webServerRequest = m_lookup.webServer(
+        m_xaddr, m_credentials, [this, host](std::optional<onvif::WebServer> server) {
+            const onvif::WebServer usual = {.port = httpPort, .tls = false};
+            const onvif::WebServer &found = server ? *server : usual;
+            answerAll(m_webServerWaiters, Endpoint{.host = host,
+                                                   .port = static_cast<uint16_t>(found.port),
+                                                   .tls = found.tls});
+        });
 }
 
 void Resolver::requestKeyFrame(const std::string &profileToken)

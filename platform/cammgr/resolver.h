@@ -33,9 +33,9 @@ public:
     /// The next findStreams() queries the camera again.
     void forgetStreams() { m_streams.reset(); }
 
-    /// Answers the camera's HTTP service: the one of its ONVIF address, else port 80. Port 0 when
-    /// the camera is not found.
-    void findWebServer(std::function<void(Endpoint)> done);
+    /// Answers the server of the camera's web pages, which takes command requests too: where its
+    /// network protocols say, else port 80. Port 0 when the camera is not found.
+    void findWebServer(std::function<void(const Endpoint &)> done);
 
     /// Asks for a key frame now; does nothing while the camera's ONVIF address is not known.
     void requestKeyFrame(const std::string &profileToken);
@@ -49,6 +49,7 @@ private:
     void finishFind(bool found);
     void locate(std::function<void()> then);
     void askStreams();
+    void askWebServer();
     bool isThisCamera(const onvif::CameraStreams &streams) const;
 
     onvif::CameraLookup &m_lookup;
@@ -64,9 +65,11 @@ private:
     std::vector<std::function<void(bool)>> m_findWaiters;
     std::vector<std::function<void(const onvif::CameraStreams *)>> m_streamWaiters;
     std::vector<std::function<void()>> m_locateWaiters;
+    std::vector<std::function<void(const Endpoint &)>> m_webServerWaiters;
     onvif::RequestPtr m_findRequest;
     onvif::RequestPtr m_locateRequest;
     onvif::RequestPtr m_streamRequest;
+    onvif::RequestPtr m_webServerRequest;
     onvif::RequestPtr m_keyFrameRequest;
 };
 

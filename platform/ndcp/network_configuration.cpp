@@ -14,11 +14,6 @@ using onvif::DnsInformation;
 using onvif::Ipv4;
 using onvif::NetworkProtocol;
 
-bool isHttp(const NetworkProtocol &protocol)
-{
-    return protocol.name == "HTTP" && protocol.isEnabled && !protocol.ports.empty();
-}
-
 // Texts that can be changed count before fixed ones of the same kind.
 onvif::ScopeTexts textsOf(const std::vector<DeviceScope> &scopes)
 {
@@ -99,7 +94,7 @@ changedProtocols(const ndcp_device &record,
         return std::nullopt;
     // Some devices take the list for the whole: all of it is sent back, with one port changed.
     std::vector<NetworkProtocol> wanted = *current;
-    const auto http = std::find_if(wanted.begin(), wanted.end(), isHttp);
+    const auto http = std::find_if(wanted.begin(), wanted.end(), onvif::isHttp);
     if (http == wanted.end() || http->ports.front() == httpPort(record))
         return std::nullopt;
     http->ports.front() = httpPort(record);
@@ -231,7 +226,7 @@ int webPort(const NetworkConfiguration &configuration)
     if (!configuration.protocols)
         return 0;
     const std::vector<NetworkProtocol> &protocols = *configuration.protocols;
-    const auto http = std::find_if(protocols.begin(), protocols.end(), isHttp);
+    const auto http = std::find_if(protocols.begin(), protocols.end(), onvif::isHttp);
     return http == protocols.end() ? 0 : http->ports.front();
 }
 

@@ -201,6 +201,35 @@ private:
     Done m_done;
 };
 
+class WebServerRequest : public Request
+{
+public:
+    using Done = std::function<void(std::optional<WebServer>)>;
+
+    WebServerRequest(KnownCameraPtr camera, const Done &done)
+        : m_camera(std::move(camera))
+        , m_device(m_camera->soap)
+        , m_step(m_device.networkProtocols(
+              [done, prefersTls = isSecure(m_camera->soap.deviceService())](
+                  SoapStatus status, const std::vector<NetworkProtocol> &protocols) {
+                  done(status == SoapStatus::Ok ? webServerOf(protocols, prefersTls)
+                                                : std::nullopt);
+              }))
+    {
+    }
+
+private:
+    static bool isSecure(const std::string &address)
+    {
+        const std::optional<HttpAddress> service = parseHttpAddress(address);
+        return service && service->secure;
+    }
+
+    KnownCameraPtr m_camera;
+    DeviceClient m_device;
+    RequestPtr m_step;
+};
+
 CameraLocation locationOf(const DiscoveredDevice &device)
 {
     const std::optional<HttpAddress> service = parseHttpAddress(device.serviceAddress);
@@ -291,6 +320,12 @@ RequestPtr CameraLookup::streamUris(const std::string &xaddr, const Credentials 
     auto request = std::make_unique<StreamsRequest>(d->camera(xaddr, credentials), std::move(done));
     request->start();
     return request;
+}
+
+RequestPtr CameraLookup::webServer(const std::string &xaddr, const Credentials &credentials,
+                                   std::function<void(std::optional<WebServer>)> done)
+{
+    return std::make_unique<WebServerRequest>(d->camera(xaddr, credentials), done);
 }
 
 RequestPtr CameraLookup::requestKeyFrame(const std::string &xaddr, const std::string &profileToken,

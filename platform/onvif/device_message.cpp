@@ -277,4 +277,22 @@ std::optional<std::vector<DeviceScope>> parseScopes(const XmlMessage &message)
     return scopes;
 }
 
+bool isHttp(const NetworkProtocol &protocol)
+{
+    return protocol.name == "HTTP" && protocol.isEnabled && !protocol.ports.empty();
+}
+
+std::optional<WebServer> webServerOf(const std::vector<NetworkProtocol> &protocols, bool prefersTls)
+{
+    std::optional<WebServer> http;
+    std::optional<WebServer> https;
+    for (const NetworkProtocol &protocol : protocols) {
+        if (!http && isHttp(protocol))
+            http = {protocol.ports.front(), false};
+        if (!https && protocol.name == "HTTPS" && protocol.isEnabled && !protocol.ports.empty())
+            https = {protocol.ports.front(), true};
+    }
+    return https && (prefersTls || !http) ? https : http;
+}
+
 } // namespace onvif

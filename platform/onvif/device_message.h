@@ -46,6 +46,15 @@ struct NetworkProtocol
     std::vector<int> ports;
 };
 
+/// Where a device has its web pages, by the protocols that it reports.
+struct WebServer
+{
+    int port = 0;
+    bool tls = false;
+
+    bool operator==(const WebServer &) const = default;
+};
+
 struct DeviceScope
 {
     std::string uri;
@@ -87,5 +96,12 @@ std::optional<Ipv4> parseNetworkDefaultGateway(const XmlMessage &message);
 std::optional<DnsInformation> parseDns(const XmlMessage &message);
 std::optional<std::vector<NetworkProtocol>> parseNetworkProtocols(const XmlMessage &message);
 std::optional<std::vector<DeviceScope>> parseScopes(const XmlMessage &message);
+
+/// Whether a device serves its web pages by this protocol, without TLS.
+bool isHttp(const NetworkProtocol &protocol);
+/// The web server of these protocols: the first port of HTTP, or of HTTPS where TLS is preferred
+/// or nothing else is on. nullopt when neither is.
+std::optional<WebServer> webServerOf(const std::vector<NetworkProtocol> &protocols,
+                                     bool prefersTls = false);
 
 } // namespace onvif

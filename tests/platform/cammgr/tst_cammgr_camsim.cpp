@@ -349,6 +349,18 @@ TEST(CammgrWithCamera, CarriesCommandsInOrder)
     EXPECT_GT(cameras.statusNumber("commands", 1), 0);
 }
 
+TEST(CammgrWithCamera, CarriesCommandsToTheWebPagesWhereverOnvifIs)
+{
+    Cameras cameras({"--canned", "--onvif-port", "0"});
+    ASSERT_NE(cameras.camera().onvifPort, cameras.camera().httpPort);
+    Player player(cameras.camera().uid);
+    ASSERT_EQ(issue(player, {formRequest("getMotion?WINDOW=1")}), 0);
+    const auto message = player.messages().nextOf(CAMMGR_MSG_COMMAND_REPLIES);
+    ASSERT_TRUE(message);
+    ASSERT_EQ(message->texts.size(), 1u);
+    EXPECT_THAT(message->texts[0], StartsWith("000 Success\n"));
+}
+
 TEST(CammgrWithCamera, ASilentCameraFailsTheWholeBatchInTime)
 {
     Cameras cameras({"--canned"});

@@ -142,6 +142,23 @@ TEST(DeviceMessage, ReadsGatewayAndDns)
     EXPECT_TRUE(dns("true")->dhcp);
 }
 
+TEST(DeviceMessage, FindsTheWebServerAmongTheProtocols)
+{
+    const NetworkProtocol rtsp = {.name = "RTSP", .isEnabled = true, .ports = {554}};
+    const NetworkProtocol http = {.name = "HTTP", .isEnabled = true, .ports = {8088, 80}};
+    const NetworkProtocol https = {.name = "HTTPS", .isEnabled = true, .ports = {8443}};
+    NetworkProtocol off = http;
+    off.isEnabled = false;
+    NetworkProtocol nowhere = https;
+    nowhere.ports.clear();
+    EXPECT_EQ(webServerOf({rtsp, https, http}), (WebServer{.port = 8088, .tls = false}));
+    EXPECT_EQ(webServerOf({rtsp, https, http}, true), (WebServer{.port = 8443, .tls = true}));
+    EXPECT_EQ(webServerOf({off, https}), (WebServer{.port = 8443, .tls = true}));
+    EXPECT_EQ(webServerOf({http, nowhere}, true), (WebServer{.port = 8088, .tls = false}));
+    EXPECT_EQ(webServerOf({rtsp, off, nowhere}), std::nullopt);
+    EXPECT_EQ(webServerOf({}), std::nullopt);
+}
+
 TEST(DeviceMessage, ReadsProtocolsScopesAndInformation)
 {
     const auto protocols = parseNetworkProtocols(
