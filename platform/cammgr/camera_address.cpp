@@ -84,12 +84,18 @@ bool parseAuthority(std::string_view text, CameraAddress &address)
 {
     std::string_view host = text;
     std::string_view port;
+    std::string bracketed;
     bool named = false;
     if (!text.empty() && text.front() == '[') {
         const size_t end = text.find(']');
         if (end == std::string_view::npos)
             return false;
-        host = text.substr(1, end - 1);
+        bracketed = text.substr(1, end - 1);
+        // In a full address the interface of a link-local address comes after "%25" (RFC 6874 2).
+        if (const size_t escaped = bracketed.find("%25");
+            escaped != std::string::npos && escaped + 3 < bracketed.size())
+            bracketed.erase(escaped + 1, 2);
+        host = bracketed;
         const std::string_view rest = text.substr(end + 1);
         if (!isIpv6(host) || (!rest.empty() && rest.front() != ':'))
             return false;

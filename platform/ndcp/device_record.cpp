@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
+#include <vector>
 
 namespace ndcp {
 
@@ -55,12 +57,31 @@ void mark(ndcp_device &record)
 
 } // namespace
 
+namespace {
+
+// A device that answered by IPv6 may say its IPv4 address all the same.
+std::uint32_t ipv4Of(const onvif::DiscoveredDevice &device)
+{
+    const std::optional<onvif::HttpAddress> reached =
+        onvif::parseHttpAddress(device.serviceAddress);
+    if (!reached)
+        return onvif::parseIpv4(device.senderAddress).value_or(0);
+    std::vector<std::string> hosts = {reached->host};
+    for (const std::string &xaddr : device.xaddrs)
+        if (const std::optional<onvif::HttpAddress> told = onvif::parseHttpAddress(xaddr))
+            hosts.push_back(told->host);
+    for (const std::string &host : hosts)
+        if (const std::optional<onvif::Ipv4> ip = onvif::parseIpv4(host))
+            return *ip;
+    return 0;
+}
+
+} // namespace
+
 ndcp_device recordOf(const onvif::DiscoveredDevice &device, int webPort)
 {
     ndcp_device record = {};
-    const std::optional<onvif::HttpAddress> service =
-        onvif::parseHttpAddress(device.serviceAddress);
-    record.ip = onvif::parseIpv4(service ? service->host : device.senderAddress).value_or(0);
+    record.ip = ipv4Of(device);
     setHttpPort(record, webPort);
     setField(record.model, device.model);
     setField(record.name, device.name);

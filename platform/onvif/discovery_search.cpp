@@ -16,8 +16,12 @@ namespace {
 
 constexpr guint16 discoveryPort = 3702;
 constexpr const char *discoveryGroup = "239.255.255.250";
+constexpr const char *discoveryGroup6 = "ff02::c";
 // When the questions go out, in milliseconds after the start.
 constexpr std::array<unsigned, 3> rounds = {0, 500, 1200};
+// IPv4 goes ahead by the longest time for which a device may hold its answer back (WS-Discovery
+// 2.4): of a device that has both, the IPv4 address is the one that the user knows.
+constexpr std::size_t firstRoundOfIpv6 = 1;
 // A flood of answers is read up to here, so that it cannot keep a core busy.
 constexpr int maxDatagrams = 20'000;
 constexpr std::size_t maxTargets = 1024;
@@ -33,6 +37,19 @@ GObjectPtr<GSocketAddress> groupAddress()
 {
     return GObjectPtr<GSocketAddress>(
         g_inet_socket_address_new_from_string(discoveryGroup, discoveryPort));
+}
+
+GObjectPtr<GSocketAddress> groupAddress6(unsigned interface)
+{
+    const GObjectPtr<GInetAddress> group(g_inet_address_new_from_string(discoveryGroup6));
+    return GObjectPtr<GSocketAddress>(G_SOCKET_ADDRESS(
+        g_object_new(G_TYPE_INET_SOCKET_ADDRESS, "address", group.get(), "port",
+                     static_cast<guint>(discoveryPort), "scope-id", interface, nullptr)));
+}
+
+bool isIpv6(std::string_view host)
+{
+    return host.find(':') != std::string_view::npos;
 }
 
 std::vector<std::string> splitTargets(std::string_view text)
@@ -92,7 +109,8 @@ private:
     void addTarget(GObjectPtr<GSocketAddress> address);
     DiscoverySocket *unicastSocket(GSocketFamily family);
     [[nodiscard]] std::vector<std::string> questions();
-    void sendRound();
+    void sendRound(std::size_t round);
+    void sendToIpv6Groups();
     void received(std::string_view datagram, const std::string &sender);
     [[nodiscard]] bool isTarget(std::string_view sender) const;
     void add(DiscoveredDevice device);
@@ -105,6 +123,7 @@ private:
     GObjectPtr<GCancellable> m_cancellable{g_cancellable_new()};
     std::vector<LocalAddress> m_localAddresses = localAddresses();
     std::vector<Multicaster> m_multicasters;
+    std::vector<GObjectPtr<GSocketAddress>> m_groups6; ///< one for each interface
     std::unique_ptr<DiscoverySocket> m_unicast4;
     std::unique_ptr<DiscoverySocket> m_unicast6;
     std::vector<GObjectPtr<GSocketAddress>> m_targets;
@@ -126,7 +145,7 @@ DiscoverySearch::Private::Private(GMainContext *context, SearchScope scope, Done
         openMulticastSockets();
     for (std::size_t i = 0; i < rounds.size(); ++i)
         m_roundTimers[i] = Timer(
-            context, rounds[i], [this] { sendRound(); });
+            context, rounds[i], [this, i] { sendRound(i); });
     m_endTimer = Timer(context, m_scope.milliseconds, [this] { finish(); });
     findTargets();
 }
@@ -143,6 +162,8 @@ void DiscoverySearch::Private::openMulticastSockets()
         multicaster.group = groupAddress();
         m_multicasters.push_back(std::move(multicaster));
     }
+    for (const unsigned interface : ipv6Interfaces())
+        m_groups6.push_back(groupAddress6(interface));
 }
 
 void DiscoverySearch::Private::findTargets()
@@ -218,7 +239,7 @@ std::vector<std::string> DiscoverySearch::Private::questions()
     return texts;
 }
 
-void DiscoverySearch::Private::sendRound()
+void DiscoverySearch::Private::sendRound(std::size_t round)
 {
     m_lastQuestions = questions();
     for (const std::string &question : m_lastQuestions) {
@@ -227,6 +248,19 @@ void DiscoverySearch::Private::sendRound()
         for (const GObjectPtr<GSocketAddress> &target : m_targets)
             unicastSocket(g_socket_address_get_family(target.get()))->send(target.get(), question);
     }
+    if (m_scope.multicast && round >= firstRoundOfIpv6)
+        sendToIpv6Groups();
+}
+
+// One socket does for all interfaces: the group's address has the interface with it.
+void DiscoverySearch::Private::sendToIpv6Groups()
+{
+    DiscoverySocket *socket = m_groups6.empty() ? nullptr : unicastSocket(G_SOCKET_FAMILY_IPV6);
+    if (!socket)
+        return;
+    for (const GObjectPtr<GSocketAddress> &group : m_groups6)
+        for (const std::string &question : m_lastQuestions)
+            socket->send(group.get(), question);
 }
 
 void DiscoverySearch::Private::received(std::string_view datagram, const std::string &sender)
@@ -267,10 +301,16 @@ void DiscoverySearch::Private::add(DiscoveredDevice device)
         std::find_if(devices.begin(), devices.end(), [&device](const DiscoveredDevice &other) {
             return sameUid(other.uid, device.uid);
         });
-    if (known == devices.end() && devices.size() < maxDevices)
-        devices.push_back(std::move(device));
-    else if (known != devices.end() && known->senderAddress == device.senderAddress)
-        fillGaps(*known, device);
+    if (known == devices.end()) {
+        if (devices.size() < maxDevices)
+            devices.push_back(std::move(device));
+        return;
+    }
+    if (isIpv6(known->senderAddress) && !isIpv6(device.senderAddress))
+        std::swap(*known, device);
+    else if (known->senderAddress != device.senderAddress)
+        return;
+    fillGaps(*known, device);
 }
 
 Ipv4 DiscoverySearch::Private::subnetMaskOf(std::string_view sender) const

@@ -19,7 +19,7 @@ inline constexpr std::size_t maxDevices = 1000;
 /// Where a search looks and when it ends.
 struct SearchScope
 {
-    bool multicast = true;            ///< query on every interface that is up
+    bool multicast = true;            ///< query on every interface that is up, IPv4 and IPv6
     std::vector<std::string> targets; ///< hosts to query directly, each with an optional ":port"
     unsigned milliseconds = 3000;     ///< how long answers are waited for
     std::string uid;                  ///< when set, this device is requested by Resolve too
@@ -37,7 +37,8 @@ struct SearchScope
 
 struct SearchResult
 {
-    std::vector<DiscoveredDevice> devices;  ///< merged by UID: the first to claim one has it
+    /// Merged by UID: the first to claim one has it, except that IPv4 replaces IPv6.
+    std::vector<DiscoveredDevice> devices;
     std::optional<DiscoveredDevice> wanted; ///< the one that ended the search, see isWanted
 };
 

@@ -1,5 +1,6 @@
 #include "platform/onvif/discovery_socket.h"
 
+#include "platform/onvif/network_interfaces.h"
 #include "platform/onvif/ws_discovery_message.h"
 
 #include <gio/gnetworking.h>
@@ -37,8 +38,14 @@ std::string hostText(GSocketAddress *address)
 {
     if (!G_IS_INET_SOCKET_ADDRESS(address))
         return {};
-    GInetAddress *host = g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(address));
-    return GTextPtr(g_inet_address_to_string(host)).get();
+    auto *socketAddress = G_INET_SOCKET_ADDRESS(address);
+    GInetAddress *host = g_inet_socket_address_get_address(socketAddress);
+    const std::string text = GTextPtr(g_inet_address_to_string(host)).get();
+    // A link-local address says nothing without its interface (RFC 4007 11).
+    const bool isScoped = g_inet_address_get_family(host) == G_SOCKET_FAMILY_IPV6 &&
+                          g_inet_address_get_is_link_local(host);
+    const unsigned scope = isScoped ? g_inet_socket_address_get_scope_id(socketAddress) : 0;
+    return scope != 0 ? text + '%' + interfaceName(scope) : text;
 }
 
 std::unique_ptr<DiscoverySocket> DiscoverySocket::open(GMainContext *context, GSocketFamily family,

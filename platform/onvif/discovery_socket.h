@@ -36,7 +36,8 @@ private:
     Received m_received;
 };
 
-/// The host of an internet address as text, without port; empty for other addresses.
+/// The host of an internet address as text, without port, with the interface where it is a
+/// link-local IPv6 address ("fe80::1%eth0"); empty for other addresses.
 std::string hostText(GSocketAddress *address);
 
 } // namespace onvif

@@ -36,9 +36,25 @@ std::string text(const char *maybeNull)
     return maybeNull ? maybeNull : "";
 }
 
+// In an address "%25" comes before the interface of an IPv6 address (RFC 6874 2).
 std::string bracketed(const std::string &host)
 {
-    return host.find(':') != std::string::npos ? '[' + host + ']' : host;
+    if (host.find(':') == std::string::npos)
+        return host;
+    const std::size_t percent = host.find('%');
+    if (percent == std::string::npos)
+        return '[' + host + ']';
+    return '[' + host.substr(0, percent) + "%25" + host.substr(percent + 1) + ']';
+}
+
+// The usual form of an IPv6 address, without its interface; any other text as it is.
+std::string plainHost(std::string_view host)
+{
+    if (host.find(':') == std::string_view::npos)
+        return std::string(host);
+    const std::string address(host.substr(0, host.find('%')));
+    const GObjectPtr<GInetAddress> parsed(g_inet_address_new_from_string(address.c_str()));
+    return parsed ? GTextPtr(g_inet_address_to_string(parsed.get())).get() : std::string(host);
 }
 
 std::string pathAndQuery(GUri *uri)
@@ -115,6 +131,11 @@ int prefixFromMask(Ipv4 mask)
     return std::countl_one(mask);
 }
 
+bool isSameHost(std::string_view one, std::string_view other)
+{
+    return plainHost(one) == plainHost(other);
+}
+
 std::string HttpAddress::text() const
 {
     std::string address = secure ? "https://" : "http://";
@@ -164,9 +185,10 @@ std::string chooseXAddr(const std::vector<std::string> &xaddrs, std::string_view
         int suits = 0;
         if (senderAddress)
             suits = suitability(*address, *senderAddress, subnetMask);
-        else if (address->host == sender)
+        else if (isSameHost(address->host, sender))
             suits = sameHost;
-        if (suits == 0)
+        // The sender's text also has the interface of a link-local address.
+        if (suits == 0 || !senderAddress)
             address->host = sender;
         suits = 2 * suits + (address->secure ? 1 : 2);
         if (suits > best) {
@@ -183,7 +205,7 @@ std::string serviceAtDevice(std::string_view serviceAddress, const std::string &
     const std::optional<HttpAddress> device = parseHttpAddress(deviceAddress);
     if (!service || !device)
         return {};
-    const bool isElsewhere = service->host != device->host;
+    const bool isElsewhere = !isSameHost(service->host, device->host);
     service->host = device->host;
     // Behind address translation the port that works is the one the device was reached by.
     if (isElsewhere || service->secure != device->secure) {

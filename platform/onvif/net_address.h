@@ -23,12 +23,16 @@ int prefixFromMask(Ipv4 mask);
 struct HttpAddress
 {
     bool secure = false;
-    std::string host; ///< without brackets
+    std::string host; ///< without brackets; a link-local IPv6 address with its interface
     int port = 80;
     std::string path; ///< with the query, begins with "/"
 
     [[nodiscard]] std::string text() const;
 };
+
+/// Whether two texts are the same host. IPv6 addresses are compared as numbers and without the
+/// interface ("%eth0"), which each computer names in its own way.
+bool isSameHost(std::string_view one, std::string_view other);
 
 /// nullopt when it is no http or https address, or one that carries a user name.
 std::optional<HttpAddress> parseHttpAddress(std::string_view text);

@@ -4,6 +4,7 @@
 #include "platform/onvif/scopes.h"
 
 #include <optional>
+#include <string>
 #include <vector>
 
 // The networks of this computer; each operating system reports them in its own way.
@@ -18,6 +19,14 @@ struct LocalAddress
 
 /// All such addresses, those of the loopback interface left out.
 std::vector<LocalAddress> localAddresses();
+
+/// The interfaces that are up, carry multicast and have an IPv6 address, by their index; the
+/// loopback interface left out.
+std::vector<unsigned> ipv6Interfaces();
+
+/// Name of the interface with this index, as IPv6 addresses contain it after "%"; its number when
+/// there is no such interface.
+std::string interfaceName(unsigned index);
 
 /// Hardware address of a neighbour that this computer has exchanged packets with recently.
 std::optional<MacAddress> neighbourMac(Ipv4 address);

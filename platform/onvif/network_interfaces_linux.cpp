@@ -6,9 +6,11 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <array>
 #include <cstring>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <string>
 
@@ -20,6 +22,20 @@ struct InterfaceListDeleter
 {
     void operator()(ifaddrs *list) const { freeifaddrs(list); }
 };
+
+using InterfaceList = std::unique_ptr<ifaddrs, InterfaceListDeleter>;
+
+InterfaceList interfaceList()
+{
+    ifaddrs *first = nullptr;
+    return InterfaceList(getifaddrs(&first) == 0 ? first : nullptr);
+}
+
+bool carriesMulticast(const ifaddrs &entry)
+{
+    constexpr unsigned wanted = IFF_UP | IFF_RUNNING | IFF_MULTICAST;
+    return (entry.ifa_flags & wanted) == wanted && (entry.ifa_flags & IFF_LOOPBACK) == 0;
+}
 
 Ipv4 hostOrder(const sockaddr *address)
 {
@@ -33,18 +49,33 @@ Ipv4 hostOrder(const sockaddr *address)
 std::vector<LocalAddress> localAddresses()
 {
     std::vector<LocalAddress> addresses;
-    ifaddrs *first = nullptr;
-    if (getifaddrs(&first) != 0)
-        return addresses;
-    const std::unique_ptr<ifaddrs, InterfaceListDeleter> list(first);
-    constexpr unsigned wanted = IFF_UP | IFF_RUNNING | IFF_MULTICAST;
-    for (const ifaddrs *entry = first; entry; entry = entry->ifa_next) {
+    const InterfaceList list = interfaceList();
+    for (const ifaddrs *entry = list.get(); entry; entry = entry->ifa_next) {
         if (!entry->ifa_addr || !entry->ifa_netmask || entry->ifa_addr->sa_family != AF_INET ||
-            (entry->ifa_flags & wanted) != wanted || (entry->ifa_flags & IFF_LOOPBACK) != 0)
+            !carriesMulticast(*entry))
             continue;
         addresses.push_back({hostOrder(entry->ifa_addr), hostOrder(entry->ifa_netmask)});
     }
     return addresses;
+}
+
+std::vector<unsigned> ipv6Interfaces()
+{
+    std::set<unsigned> indices;
+    const InterfaceList list = interfaceList();
+    for (const ifaddrs *entry = list.get(); entry; entry = entry->ifa_next) {
+        if (!entry->ifa_addr || entry->ifa_addr->sa_family != AF_INET6 || !carriesMulticast(*entry))
+            continue;
+        if (const unsigned index = if_nametoindex(entry->ifa_name); index != 0)
+            indices.insert(index);
+    }
+    return {indices.begin(), indices.end()};
+}
+
+std::string interfaceName(unsigned index)
+{
+    std::array<char, IF_NAMESIZE> name = {};
+    return if_indextoname(index, name.data()) ? name.data() : std::to_string(index);
 }
 
 std::optional<MacAddress> neighbourMac(Ipv4 address)

@@ -19,10 +19,26 @@ public:
     PrivateNetworks(const PrivateNetworks &) = delete;
     PrivateNetworks &operator=(const PrivateNetworks &) = delete;
 
+    /// By which protocols a device answers multicast probes.
+    enum class Answers
+    {
+        Ipv4,
+        Ipv6,
+        Both
+    };
+
     /// A network 10.77.number.0/24 with this process at .1 and a device at .2 that answers
-    /// multicast probes, and no others, with this UID and a device service at port 8899. False when
-    /// the cable or the device did not come up.
-    [[nodiscard]] bool addDevice(int number, const std::string &uid);
+    /// multicast probes, and no others, with this UID and a device service at port 8899. Both ends
+    /// have link-local addresses too, fe80::77:1 and fe80::77:2, where the system knows IPv6. False
+    /// when the cable or the device did not come up.
+    [[nodiscard]] bool addDevice(int number, const std::string &uid,
+                                 Answers answers = Answers::Ipv4);
+
+    /// Empty when there is IPv6 in these networks; otherwise why not.
+    static std::string missingIpv6();
+
+    /// This process's end of a cable.
+    static std::string interfaceName(int number);
 
     /// Hardware address of the device's end of the cable, as text.
     static std::string deviceMac(int number);

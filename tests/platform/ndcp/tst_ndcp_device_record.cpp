@@ -43,6 +43,16 @@ TEST(DeviceRecord, IsFilledToTheByte)
     EXPECT_EQ(std::string(reinterpret_cast<const char *>(&record), sizeof record), expected);
 }
 
+TEST(DeviceRecord, HasTheIpv4AddressThatADeviceSaysByIpv6)
+{
+    onvif::DiscoveredDevice device = door();
+    device.senderAddress = "fe80::1%eth0";
+    device.serviceAddress = "http://[fe80::1%25eth0]:8080/onvif/device_service";
+    EXPECT_EQ(recordOf(device).ip, 0u);
+    device.xaddrs = {"http://[fe80::1]:8080/d", "http://cam.lan/d", "http://192.0.2.21:8080/d"};
+    EXPECT_EQ(recordOf(device).ip, 0xC0000215u);
+}
+
 TEST(DeviceRecord, CutsTextsBetweenCharacters)
 {
     onvif::DiscoveredDevice device = door();

@@ -93,6 +93,33 @@ TEST(ChooseXAddr, KeepsPortAndPathOfOneThatPointsElsewhere)
     EXPECT_EQ(choose({"http://cam.example:8899/d"}, "fe80::1"), "http://[fe80::1]:8899/d");
 }
 
+TEST(ChooseXAddr, KeepsTheInterfaceOfALinkLocalSender)
+{
+    for (const char *xaddr :
+         {"http://[fe80::1]:81/d", "http://[FE80:0:0:0::1]:81/d", "http://[fe80::1%25lan0]:81/d",
+          "http://cam.example:81/d", "http://192.168.1.20:81/d"})
+        EXPECT_EQ(choose({xaddr}, "fe80::1%eth0"), "http://[fe80::1%25eth0]:81/d") << xaddr;
+    EXPECT_EQ(choose({}, "fe80::1%eth0"), "http://[fe80::1%25eth0]/onvif/device_service");
+    EXPECT_EQ(choose({"http://192.168.1.20:82/d", "http://[fe80::1]:81/d"}, "fe80::1%eth0"),
+              "http://[fe80::1%25eth0]:81/d");
+}
+
+TEST(HttpAddress, HasTheInterfaceOfALinkLocalHost)
+{
+    const auto address = parseHttpAddress("http://[fe80::1%25eth0]:81/a");
+    ASSERT_TRUE(address);
+    EXPECT_EQ(address->host, "fe80::1%eth0");
+    EXPECT_EQ(address->text(), "http://[fe80::1%25eth0]:81/a");
+}
+
+TEST(SameHost, LooksAtTheAddressOnly)
+{
+    EXPECT_TRUE(isSameHost("fe80::1%eth0", "FE80:0::1"));
+    EXPECT_TRUE(isSameHost("192.168.1.20", "192.168.1.20"));
+    EXPECT_FALSE(isSameHost("fe80::1", "fe80::2"));
+    EXPECT_FALSE(isSameHost("cam.example", "192.168.1.20"));
+}
+
 TEST(ChooseXAddr, TakesTheUsualOneWithoutAUsableOne)
 {
     const std::string usual = "http://192.168.1.20/onvif/device_service";
@@ -106,6 +133,15 @@ TEST(ChooseXAddr, FollowsLoopbackFromLoopbackOnly)
     EXPECT_EQ(choose({"http://127.0.0.1:8001/d"}, "127.0.0.1"), "http://127.0.0.1:8001/d");
     EXPECT_EQ(choose({"http://127.0.0.2:8001/d"}, "127.0.0.1"), "http://127.0.0.2:8001/d");
     EXPECT_EQ(choose({"http://192.168.1.20/d"}, "127.0.0.1", 0), "http://127.0.0.1/d");
+}
+
+TEST(ServiceAtDevice, KnowsALinkLocalDeviceByAnyOfItsTexts)
+{
+    EXPECT_EQ(serviceAtDevice("http://[FE80::1]:8081/media",
+                              "http://[fe80::1%25eth0]:81/onvif/device_service"),
+              "http://[fe80::1%25eth0]:8081/media");
+    EXPECT_EQ(streamAtHost("rtsp://[fe80::1]:8554/s", "fe80::1%eth0"),
+              "rtsp://[fe80::1%25eth0]:8554/s");
 }
 
 TEST(ServiceAtDevice, KeepsToTheDevice)

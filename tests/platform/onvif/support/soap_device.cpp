@@ -1,11 +1,14 @@
 #include "tests/platform/onvif/support/soap_device.h"
 
+#include "platform/onvif/net_address.h"
+
 #include <gtest/gtest.h>
 
 #include <pugixml.hpp>
 
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -53,13 +56,14 @@ std::string decoded(const std::string &base64)
 
 } // namespace
 
-SoapDevice::SoapDevice(const TestContext &context)
+SoapDevice::SoapDevice(const TestContext &context, std::string host)
     : m_server(soup_server_new("server-header", "device", nullptr))
+    , m_host(std::move(host))
 {
     EXPECT_TRUE(onvif::isThreadDefault(context.get()));
     soup_server_add_handler(m_server.get(), nullptr, handle, this, nullptr);
     const onvif::GObjectPtr<GSocketAddress> address(
-        g_inet_socket_address_new_from_string("127.0.0.1", 0));
+        g_inet_socket_address_new_from_string(m_host.c_str(), 0));
     EXPECT_TRUE(
         soup_server_listen(m_server.get(), address.get(), SoupServerListenOptions(0), nullptr));
     GSList *uris = soup_server_get_uris(m_server.get());
@@ -74,7 +78,11 @@ SoapDevice::~SoapDevice()
 
 std::string SoapDevice::service() const
 {
-    return "http://127.0.0.1:" + std::to_string(m_port) + "/onvif/device_service";
+    onvif::HttpAddress address;
+    address.host = m_host;
+    address.port = m_port;
+    address.path = "/onvif/device_service";
+    return address.text();
 }
 
 void SoapDevice::guard(Guard guard, const std::string &user, const std::string &password)

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// A device on 127.0.0.1 that answers SOAP requests with what the test has laid down.
+/// A device on a local address that answers SOAP requests with what the test has laid down.
 class SoapDevice
 {
 public:
@@ -33,7 +33,7 @@ public:
         std::string contentType;
     };
 
-    explicit SoapDevice(const TestContext &context);
+    explicit SoapDevice(const TestContext &context, std::string host = "127.0.0.1");
     ~SoapDevice();
     SoapDevice(const SoapDevice &) = delete;
     SoapDevice &operator=(const SoapDevice &) = delete;
@@ -91,6 +91,7 @@ private:
     [[nodiscard]] std::string clockAnswer() const;
 
     onvif::GObjectPtr<SoupServer> m_server;
+    std::string m_host;
     int m_port = 0;
     Guard m_guard = Guard::None;
     std::string m_user;
