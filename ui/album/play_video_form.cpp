@@ -15,6 +15,7 @@ namespace {
 constexpr QSize unknownSize(640, 480); // until the recording's own is known
 constexpr int startDelay = 100;        // milliseconds
 constexpr int startLimit = 5000;       // milliseconds until a recording must be playing
+constexpr int fullVolume = 100;        // percent of what was recorded
 
 } // namespace
 
@@ -38,6 +39,12 @@ CPlayVideoForm::CPlayVideoForm(QWidget *parent)
     connect(m_ui->btnPlay, &QToolButton::clicked, this, &CPlayVideoForm::slotPlay);
     connect(m_ui->framePlayer, &zelvaro::FittedFrame::escaped, this,
             &CPlayVideoForm::slotPhotoDoubleClicked);
+    m_ui->sliderVolume->setRange(0, fullVolume);
+    m_ui->sliderVolume->setValue(fullVolume);
+    connect(m_ui->sliderVolume, &CVolumeSliderForm::valueChanged, this,
+            &CPlayVideoForm::applyVolume);
+    connect(m_ui->sliderVolume, &CVolumeSliderForm::muteChanged, this,
+            &CPlayVideoForm::applyVolume);
 }
 
 CPlayVideoForm::~CPlayVideoForm()
@@ -54,6 +61,7 @@ void CPlayVideoForm::makePlayer()
     connect(m_player, &ClickVideoPlayer::doubleClicked, this,
             &CPlayVideoForm::slotPhotoDoubleClicked);
     connect(m_player, &ClickVideoPlayer::timeChanged, this, &CPlayVideoForm::showTime);
+    applyVolume();
 }
 
 void CPlayVideoForm::setList(PageHost::TileList *list)
@@ -180,6 +188,14 @@ void CPlayVideoForm::showPlaying(bool playing)
 void CPlayVideoForm::showTime(qint64 elapsed, qint64 total)
 {
     m_ui->labelTime->setText(total > 0 ? zelvaro::playTimeText(elapsed, total) : QString());
+}
+
+void CPlayVideoForm::applyVolume()
+{
+    if (!m_player)
+        return;
+    const int volume = m_ui->sliderVolume->isMuted() ? 0 : m_ui->sliderVolume->value();
+    m_player->setVolume(static_cast<float>(volume) / fullVolume);
 }
 
 // --- the page ------------------------------------------------------------------------------------

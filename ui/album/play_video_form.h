@@ -50,6 +50,7 @@ private:
     void adoptVideoSize();
     void watchStart();
     void showPlaying(bool playing);
+    void applyVolume();
     void showTime(qint64 elapsed, qint64 total);
 
     std::unique_ptr<Ui::CPlayVideoForm> m_ui;

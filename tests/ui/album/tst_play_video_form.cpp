@@ -6,6 +6,7 @@
 #include "ui/album/play_time.h"
 #include "ui/album/play_video_form.h"
 #include "ui/common/message_box.h"
+#include "ui/common/volume_slider_form.h"
 
 #include <QLabel>
 #include <QSlider>
@@ -47,6 +48,8 @@ private slots:
     void filesThatAreNoRecordings_data();
     void filesThatAreNoRecordings();
     void theSeekSliderFollowsTheRecording();
+    void theVolumeHoldsForEachRecording();
+    void aNarrowPageKeepsTheMuteButton();
     void theTimeStandsBesideTheSize();
     void timesAreReadable_data();
     void timesAreReadable();
@@ -306,6 +309,42 @@ void TestPlayVideoForm::waitForAnotherStart()
     other.setList(&m_list);
     other.showVideo(m_list.first());
     QTRY_VERIFY_WITH_TIMEOUT(hasStarted(other), AlbumFixture::deadline);
+}
+
+void TestPlayVideoForm::theVolumeHoldsForEachRecording()
+{
+    add("a.mp4");
+    add("b.mp4");
+    auto *volume = m_page->findChild<CVolumeSliderForm *>();
+    volume->setValue(40); // before there is a player
+    show();
+    QCOMPARE(m_page->player()->volume(), 0.4F);
+    volume->setValue(100);
+    QCOMPARE(m_page->player()->volume(), 1.0F);
+    click("btnMute");
+    QCOMPARE(m_page->player()->volume(), 0.0F);
+    click("btnNext");
+    volume->setValue(70);
+    QCOMPARE(m_page->player()->volume(), 0.0F);
+    click("btnMute");
+    QCOMPARE(m_page->player()->volume(), 0.7F);
+}
+
+void TestPlayVideoForm::aNarrowPageKeepsTheMuteButton()
+{
+    add("a.mp4");
+    show();
+    auto *slider = m_page->findChild<CVolumeSliderForm *>()->findChild<QSlider *>();
+    QVERIFY(slider->isVisible());
+    const int narrowest = m_page->minimumSizeHint().width();
+    QVERIFY2(narrowest <= 392, qPrintable(QString::number(narrowest))); // a window of 400
+    m_page->resize(narrowest, 400);
+    QTRY_VERIFY(!slider->isVisible());
+    QVERIFY(button("btnMute")->isVisible());
+    QCOMPARE(button("btnMute")->width(), 32);
+    QCOMPARE(button("btnBack")->width(), 32);
+    m_page->resize(900, 400);
+    QTRY_VERIFY(slider->isVisible());
 }
 
 void TestPlayVideoForm::theTimeStandsBesideTheSize()

@@ -11,7 +11,7 @@
 #include "ui/live/select_camera_form.h"
 #include "ui/live/select_camera_item_form.h"
 #include "ui/live/select_camera_recording_form.h"
-#include "ui/live/volume_slider_form.h"
+#include "ui/common/volume_slider_form.h"
 
 #include <QLabel>
 #include <QToolButton>

@@ -6,7 +6,7 @@
 #include "tests/ui/live/live_fixture.h"
 #include "ui/common/video_area_frame.h"
 #include "ui/live/video_frame.h"
-#include "ui/live/volume_slider_form.h"
+#include "ui/common/volume_slider_form.h"
 
 #include <QLabel>
 #include <QSlider>

@@ -1,12 +1,18 @@
-#include "ui/live/volume_slider_form.h"
+#include "ui/common/volume_slider_form.h"
 
 #include "ui_volume_slider_form.h"
+
+#include <QResizeEvent>
 
 CVolumeSliderForm::CVolumeSliderForm(QWidget *parent)
     : QWidget(parent)
     , m_ui(std::make_unique<Ui::CVolumeSliderForm>())
 {
     m_ui->setupUi(this);
+    // Else the widget would ask for the room of its button only, and never get the slider back.
+    QSizePolicy policy = m_ui->slider->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_ui->slider->setSizePolicy(policy);
     connect(m_ui->slider, &QSlider::valueChanged, this, &CVolumeSliderForm::slotValueChanged);
     connect(m_ui->btnMute, &QToolButton::clicked, this, &CVolumeSliderForm::slotMuteClicked);
     updateMuteStyle();
@@ -27,6 +33,14 @@ void CVolumeSliderForm::setValue(int value)
 int CVolumeSliderForm::value() const
 {
     return m_ui->slider->value();
+}
+
+void CVolumeSliderForm::resizeEvent(QResizeEvent *event)
+{
+    const int leastWidth = m_ui->btnMute->minimumWidth() + m_ui->layoutVolume->spacing() +
+                           m_ui->slider->minimumWidth();
+    m_ui->slider->setVisible(event->size().width() >= leastWidth);
+    QWidget::resizeEvent(event);
 }
 
 void CVolumeSliderForm::slotValueChanged(int value)

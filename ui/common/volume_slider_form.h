@@ -14,7 +14,8 @@ constexpr int maxVolume = 200;
 constexpr int naturalVolume = 100;
 } // namespace zelvaro
 
-/// A volume slider with a mute button. Muting does not move the slider. GUI thread only.
+/// A volume slider with a mute button. Muting does not move the slider, which is left out where a
+/// form lets the widget be narrower than both. GUI thread only.
 class CVolumeSliderForm : public QWidget
 {
     Q_OBJECT
@@ -32,6 +33,9 @@ public:
 signals:
     void valueChanged(int value);
     void muteChanged(bool muted);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
 
 private slots:
     void slotValueChanged(int value);
