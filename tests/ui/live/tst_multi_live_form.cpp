@@ -6,12 +6,12 @@
 #include "tests/support/modal_script.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/common/message_box.h"
+#include "ui/common/volume_slider_form.h"
 #include "ui/live/multi_live_frame.h"
 #include "ui/live/multi_live_item_form.h"
 #include "ui/live/select_camera_form.h"
 #include "ui/live/select_camera_item_form.h"
 #include "ui/live/select_camera_recording_form.h"
-#include "ui/common/volume_slider_form.h"
 
 #include <QLabel>
 #include <QToolButton>

@@ -5,8 +5,8 @@
 #include "tests/support/tool_tip_text.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/common/video_area_frame.h"
-#include "ui/live/video_frame.h"
 #include "ui/common/volume_slider_form.h"
+#include "ui/live/video_frame.h"
 
 #include <QLabel>
 #include <QSlider>
