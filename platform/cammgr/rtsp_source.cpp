@@ -254,19 +254,33 @@ void RtspSource::takeSample(GstSample *sample, bool video)
 {
     GstBuffer *buffer = gst_sample_get_buffer(sample);
     GstCaps *caps = gst_sample_get_caps(sample);
-    if (!buffer || !caps || !GST_BUFFER_PTS_IS_VALID(buffer))
+    if (!buffer || !caps)
         return;
     const GstClockTime time = gst_segment_to_running_time(gst_sample_get_segment(sample),
                                                           GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
-    if (!GST_CLOCK_TIME_IS_VALID(time))
-        return;
     if (!video) {
-        m_client.sourceAudio({BufferRef::share(buffer), CapsRef::share(caps), time});
+        if (GST_CLOCK_TIME_IS_VALID(time))
+            m_client.sourceAudio({BufferRef::share(buffer), CapsRef::share(caps), time});
         return;
     }
     if (m_frames > 0 && GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DISCONT))
         m_client.sourceLostPackets();
-    m_client.sourceVideo(makeAccessUnit(buffer, caps, time, ++m_frames));
+    const GstClockTime shown = timeOfNextFrame(time);
+    m_client.sourceVideo(makeAccessUnit(buffer, caps, shown, ++m_frames));
+}
+
+/// The framework tells no time where the camera's clock seems to stand still or to go back, as it
+/// does when frames that were delayed arrive together: time goes on by arrival.
+GstClockTime RtspSource::timeOfNextFrame(GstClockTime told)
+{
+    const auto now = SteadyClock::now();
+    if (GST_CLOCK_TIME_IS_VALID(told))
+        m_lastTime = told;
+    else if (m_frames > 0)
+        m_lastTime +=
+            static_cast<GstClockTime>(std::chrono::nanoseconds(now - m_lastArrival).count());
+    m_lastArrival = now;
+    return m_lastTime;
 }
 
 void RtspSource::readMessage(GstMessage *message)

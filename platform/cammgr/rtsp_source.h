@@ -65,6 +65,7 @@ private:
     void readMessage(GstMessage *message);
     void readError(GstMessage *message);
     void takeSample(GstSample *sample, bool video);
+    GstClockTime timeOfNextFrame(GstClockTime told);
 
     Client &m_client;
     const StreamRequest m_request;
@@ -72,7 +73,10 @@ private:
     LoginGuard m_guard;
     ObjectPtr<GstElement> m_pipeline;
     GstElement *m_rtspsrc = nullptr; ///< owned by the pipeline
-    uint64_t m_frames = 0;           ///< the thread that delivers video
+    // The thread that delivers video.
+    uint64_t m_frames = 0;
+    GstClockTime m_lastTime = 0; ///< of the last frame
+    SteadyClock::time_point m_lastArrival;
     // Threads of the pipeline.
     std::atomic<bool> m_videoSelected = false;
     std::atomic<bool> m_audioSelected = false;

@@ -19,6 +19,8 @@ public:
         std::string password = {};
         std::string path = "/live/0/h264.sdp";
         bool liesInRtpInfo = false; ///< says that the first packet has the number 0
+        int stuckFrom = 0;          ///< frames from this one on ...
+        int stuckTo = 0;            ///< ... and before this one have the time of the first of them
     };
 
     /// H.264 of the given size with counted pictures, and G.711 if requested.
@@ -81,6 +83,8 @@ private:
         g_object_unref(mounts);
         if (m_options.liesInRtpInfo)
             g_signal_connect(server, "client-connected", G_CALLBACK(watchMessages), nullptr);
+        if (m_options.stuckTo > 0)
+            g_signal_connect(factory, "media-configure", G_CALLBACK(watchFrames), this);
         GSource *source = gst_rtsp_server_create_source(server, nullptr, nullptr);
         g_source_attach(source, m_context);
         port.set_value(gst_rtsp_server_get_bound_port(server));
@@ -95,6 +99,39 @@ private:
         while (g_main_context_iteration(m_context, FALSE)) {
         }
         g_main_context_pop_thread_default(m_context);
+    }
+
+    struct StuckClock
+    {
+        const Options &options;
+        int frames = 0;
+        GstClockTime time = 0;
+    };
+
+    static void watchFrames(GstRTSPMediaFactory *, GstRTSPMedia *media, gpointer self)
+    {
+        GstElement *bin = gst_rtsp_media_get_element(media);
+        GstElement *payloader = gst_bin_get_by_name(GST_BIN(bin), "pay0");
+        GstPad *pad = gst_element_get_static_pad(payloader, "sink");
+        gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BUFFER, holdTime,
+                          new StuckClock{static_cast<RtspTestServer *>(self)->m_options},
+                          [](gpointer clock) { delete static_cast<StuckClock *>(clock); });
+        gst_object_unref(pad);
+        gst_object_unref(payloader);
+        gst_object_unref(bin);
+    }
+
+    static GstPadProbeReturn holdTime(GstPad *, GstPadProbeInfo *info, gpointer data)
+    {
+        auto *clock = static_cast<StuckClock *>(data);
+        GstBuffer *buffer = gst_buffer_make_writable(GST_PAD_PROBE_INFO_BUFFER(info));
+        GST_PAD_PROBE_INFO_DATA(info) = buffer;
+        const int frame = clock->frames++;
+        if (frame == clock->options.stuckFrom)
+            clock->time = GST_BUFFER_PTS(buffer);
+        if (frame >= clock->options.stuckFrom && frame < clock->options.stuckTo)
+            GST_BUFFER_PTS(buffer) = GST_BUFFER_DTS(buffer) = clock->time;
+        return GST_PAD_PROBE_OK;
     }
 
     static void watchMessages(GstRTSPServer *, GstRTSPClient *client, gpointer)

@@ -1,4 +1,5 @@
 #include "camsim/camsim_process.h"
+#include "platform/cammgr/clip_names.h"
 #include "platform/cammgr/live_stream.h"
 #include "tests/platform/cammgr/media_probe.h"
 #include "tests/platform/cammgr/rtsp_test_server.h"
@@ -10,6 +11,7 @@
 
 #include <arpa/inet.h>
 #include <fstream>
+#include <memory>
 #include <netinet/in.h>
 #include <random>
 #include <sys/socket.h>
@@ -465,4 +467,26 @@ TEST(LiveStream, AWrongFirstSequenceNumberIsNotBelieved)
     stream.start(requestFor(server.url()));
     EXPECT_TRUE(listener.waitForFirstFrame());
     EXPECT_TRUE(listener.ends().empty());
+}
+
+TEST(LiveStream, FramesWhoseTimeStandsStillAreRecorded)
+{
+    RtspTestServer server(
+        {.pipeline = RtspTestServer::testPicture(), .stuckFrom = 40, .stuckTo = 90});
+    StreamListener listener;
+    auto stream = std::make_unique<LiveStream>(listener.callbacks());
+    TemporaryFolder folder;
+    stream->start(requestFor(server.url()));
+    ASSERT_TRUE(listener.waitForFirstFrame());
+    ASSERT_EQ(stream->beginWriting(folder.file("clip"), 0), 0);
+    const std::string clip = cammgr::clipPath(folder.file("clip"), 1);
+    constexpr int frames = 120;
+    ASSERT_TRUE(waitUntil([&] { return MediaProbe::decodedFrames(clip) >= frames; }));
+    stream.reset(); // which finishes the clip
+    EXPECT_EQ(MediaProbe::complaints(clip), "");
+    const std::vector<double> times = MediaProbe::videoTimes(clip);
+    ASSERT_GE(times.size(), static_cast<size_t>(frames));
+    for (size_t i = 1; i < times.size(); ++i)
+        EXPECT_LT(times[i] - times[i - 1], 0.5) << i;
+    EXPECT_NEAR(times.back(), static_cast<double>(times.size()) / 25, 0.8);
 }
