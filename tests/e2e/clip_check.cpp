@@ -98,6 +98,7 @@ int framesShownByVlc(const QString &file)
     QFile::copy(file, clip);
     QFile::setPermissions(folder.path(), QFile::Permissions(0x7777));
     QFile::setPermissions(clip, QFile::Permissions(0x6666));
+    // A busy machine shows each frame too, only later.
     QStringList command{"vlc",
                         "--intf=dummy",
                         "--no-audio",
@@ -108,6 +109,8 @@ int framesShownByVlc(const QString &file)
                         "--scene-prefix=shown",
                         "--scene-path=" + folder.path(),
                         "--rate=8",
+                        "--no-drop-late-frames",
+                        "--no-skip-frames",
                         "--play-and-exit",
                         clip};
     if (geteuid() == 0) {
