@@ -1,5 +1,5 @@
 #include "fuzz/expect.h"
-#include "platform/cammgr/access_unit.h"
+#include "platform/media/access_unit.h"
 
 #include <cstdint>
 #include <vector>
@@ -10,10 +10,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     if (size == 0)
         return 0;
     const int lengthSize = 1 + data[0] % 4;
-    const cammgr::SliceFacts whole = cammgr::readSliceFacts(data + 1, size - 1, lengthSize);
+    const media::SliceFacts whole = media::readSliceFacts(data + 1, size - 1, lengthSize);
     // A truncated unit contains nothing that the whole one does not.
     const std::vector<std::uint8_t> half(data + 1, data + 1 + (size - 1) / 2);
-    const cammgr::SliceFacts cut = cammgr::readSliceFacts(half.data(), half.size(), lengthSize);
+    const media::SliceFacts cut = media::readSliceFacts(half.data(), half.size(), lengthSize);
     FUZZ_EXPECT(whole.reference || !cut.reference);
     FUZZ_EXPECT(whole.bipredictive || !cut.bipredictive);
     return 0;

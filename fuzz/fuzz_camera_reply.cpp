@@ -1,23 +1,23 @@
 #include "fuzz/expect.h"
-#include "platform/cammgr/login_policy.h"
-#include "platform/cammgr/reply_reader.h"
-#include "platform/cammgr/rtsp_login.h"
+#include "platform/rtsp/login_policy.h"
+#include "platform/rtsp/reply_reader.h"
+#include "platform/rtsp/rtsp_login.h"
 
 #include <cstdint>
 
-using cammgr::Reply;
-using cammgr::ReplyReader;
+using rtsp::Reply;
+using rtsp::ReplyReader;
 
 namespace {
 
-constexpr ReplyReader::Limits limits{.headerBytes = 512, .bodyBytes = 2048};
+constexpr rtsp::ReplyReader::Limits limits{.headerBytes = 512, .bodyBytes = 2048};
 
-void check(const Reply &reply)
+void check(const rtsp::Reply &reply)
 {
     FUZZ_EXPECT(reply.status >= 100 && reply.status <= 999);
     FUZZ_EXPECT(reply.body.size() <= limits.bodyBytes);
-    cammgr::RtspLogin login("admin", "secret");
-    cammgr::LoginPolicy policy;
+    rtsp::RtspLogin login("admin", "secret");
+    rtsp::LoginPolicy policy;
     if (login.takeChallenge(reply.all("WWW-Authenticate"), policy, false)) {
         const std::string answer = login.authorization("DESCRIBE", "rtsp://camera/live");
         FUZZ_EXPECT(!answer.empty() && answer.find_first_of("\r\n") == std::string::npos);
@@ -25,22 +25,22 @@ void check(const Reply &reply)
 }
 
 /// What comes out in the end, when the bytes come in pieces of that size.
-int read(ReplyReader::Protocol protocol, std::string_view data, size_t piece)
+int read(rtsp::ReplyReader::Protocol protocol, std::string_view data, size_t piece)
 {
-    ReplyReader reader(protocol, limits);
+    rtsp::ReplyReader reader(protocol, limits);
     int replies = 0;
-    auto state = ReplyReader::State::Incomplete;
-    while (!data.empty() && state != ReplyReader::State::Broken) {
+    auto state = rtsp::ReplyReader::State::Incomplete;
+    while (!data.empty() && state != rtsp::ReplyReader::State::Broken) {
         state = reader.feed(data.substr(0, piece));
         data.remove_prefix(std::min(piece, data.size()));
-        for (; state == ReplyReader::State::Complete; state = reader.feed({})) {
+        for (; state == rtsp::ReplyReader::State::Complete; state = reader.feed({})) {
             check(reader.take());
             ++replies;
         }
     }
-    if (protocol == ReplyReader::Protocol::Http && reader.isBareText())
+    if (protocol == rtsp::ReplyReader::Protocol::Http && reader.isBareText())
         FUZZ_EXPECT(!reader.takeBareText().empty());
-    if (reader.end() == ReplyReader::State::Complete) {
+    if (reader.end() == rtsp::ReplyReader::State::Complete) {
         check(reader.take());
         ++replies;
     }
@@ -52,7 +52,8 @@ int read(ReplyReader::Protocol protocol, std::string_view data, size_t piece)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string_view text(reinterpret_cast<const char *>(data), size);
-    for (const auto protocol : {ReplyReader::Protocol::Rtsp, ReplyReader::Protocol::Http}) {
+    for (const auto protocol :
+         {rtsp::ReplyReader::Protocol::Rtsp, rtsp::ReplyReader::Protocol::Http}) {
         const int whole = read(protocol, text, text.size());
         FUZZ_EXPECT(read(protocol, text, 1) >= whole);
     }

@@ -1,6 +1,6 @@
 #include "fuzz/expect.h"
+#include "platform/base/text.h"
 #include "platform/onvif/scopes.h"
-#include "platform/onvif/text.h"
 
 #include <glib.h>
 
@@ -25,11 +25,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     const std::string_view text(reinterpret_cast<const char *>(data), size);
     for (const std::size_t maxBytes : {0, 1, 31, 127, 4096})
-        FUZZ_EXPECT(isClean(onvif::cleanText(text, maxBytes), maxBytes));
-    FUZZ_EXPECT(onvif::percentDecode(onvif::percentEncode(text)) == text);
-    FUZZ_EXPECT(onvif::xmlEscape(text).find_first_of("<>\"'") == std::string::npos);
-    const std::string uid = onvif::uidFromEndpoint(text);
-    FUZZ_EXPECT(uid.size() <= onvif::maxUidLength);
+        FUZZ_EXPECT(isClean(base::cleanText(text, maxBytes), maxBytes));
+    FUZZ_EXPECT(base::percentDecode(base::percentEncode(text)) == text);
+    FUZZ_EXPECT(base::xmlEscape(text).find_first_of("<>\"'") == std::string::npos);
+    const std::string uid = base::uidFromEndpoint(text);
+    FUZZ_EXPECT(uid.size() <= base::maxUidLength);
     FUZZ_EXPECT(uid.find_first_of("/\\ %*?\"<>|") == std::string::npos);
     const onvif::ScopeTexts texts = onvif::textsFromScopes(
         {std::string(text), "onvif://www.onvif.org/location/" + std::string(text),

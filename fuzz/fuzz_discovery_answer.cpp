@@ -1,7 +1,7 @@
 #include "fuzz/expect.h"
+#include "platform/base/text.h"
 #include "platform/ndcp/device_record.h"
 #include "platform/onvif/net_address.h"
-#include "platform/onvif/text.h"
 
 #include <glib.h>
 
@@ -11,8 +11,8 @@ namespace {
 
 void check(const onvif::DiscoveredDevice &device)
 {
-    FUZZ_EXPECT(!device.uid.empty() && device.uid.size() <= onvif::maxUidLength);
-    FUZZ_EXPECT(onvif::uidFromEndpoint(device.uid) == device.uid ||
+    FUZZ_EXPECT(!device.uid.empty() && device.uid.size() <= base::maxUidLength);
+    FUZZ_EXPECT(base::uidFromEndpoint(device.uid) == device.uid ||
                 device.uid.starts_with("uuid:") || device.uid.starts_with("urn:uuid:"));
     FUZZ_EXPECT(device.uid.find_first_of("/\\") == std::string::npos && device.uid != "..");
     for (const std::string &text : {device.name, device.model, device.location}) {

@@ -1,7 +1,7 @@
 #include "fuzz/expect.h"
+#include "platform/base/http_login.h"
 #include "platform/ndcp/device_record.h"
 #include "platform/ndcp/network_configuration.h"
-#include "platform/onvif/http_login.h"
 #include "platform/onvif/media_message.h"
 #include "platform/onvif/soap_message.h"
 #include "platform/onvif/xml_message.h"
@@ -49,7 +49,7 @@ void readConfiguration(const onvif::XmlMessage &message)
 // A header may hold any bytes: the answer stays one line.
 void answerChallenge(const std::string &header)
 {
-    auto digest = onvif::HttpDigest::choose(onvif::parseChallenges({header}));
+    auto digest = base::HttpDigest::choose(base::parseChallenges({header}));
     const std::string answer =
         digest ? digest->authorization("POST", "/", {"user", "password"}) : std::string();
     FUZZ_EXPECT(answer.find_first_of("\r\n") == std::string::npos);

@@ -31,7 +31,7 @@ void CameraSession::open()
 {
     IoServices &services = IoServices::instance();
     m_resolver = std::make_unique<Resolver>(services.lookup(), m_info.address,
-                                            onvif::Credentials{m_info.username, m_info.password});
+                                            base::Credentials{m_info.username, m_info.password});
     m_resolver->onMoved = [this] { moved(); };
     m_watch = services.watchNetwork([this] { m_schedule.networkChanged(); });
 }
@@ -64,13 +64,13 @@ void CameraSession::tick()
         return;
     if (isAnsweredByStream()) {
         m_probe.disconnect();
-        probed(ProbeOutcome::Answered);
+        probed(rtsp::ProbeOutcome::Answered);
     } else if (!m_schedule.isDue(Clock::now())) {
         finishProbe(m_schedule.remembered());
     } else {
         m_probeLimit.start(probeLimit, [this] {
             m_probe.cancel();
-            probed(ProbeOutcome::Silent);
+            probed(rtsp::ProbeOutcome::Silent);
         });
         m_resolver->find([this, number](bool found) {
             if (number != m_probeNumber || m_probing != Probing::Finding)
@@ -78,7 +78,7 @@ void CameraSession::tick()
             if (found)
                 describe();
             else
-                probed(ProbeOutcome::Silent);
+                probed(rtsp::ProbeOutcome::Silent);
         });
     }
 }
@@ -88,7 +88,7 @@ bool CameraSession::isAnsweredByStream()
     const StreamPhase phase = m_control.streamPhase();
     // A stream that starts is a probe by itself, and will not stay there for longer than its
     // watchdog lets it. A DESCRIBE in parallel delays the stream of some cameras.
-    const bool wasThere = m_schedule.remembered() == ProbeOutcome::Answered;
+    const bool wasThere = m_schedule.remembered() == rtsp::ProbeOutcome::Answered;
     return phase == StreamPhase::Playing || (phase == StreamPhase::Starting && wasThere);
 }
 
@@ -96,7 +96,7 @@ bool CameraSession::isAnsweredByStream()
 /// fails at once does not answer it sooner, or a client that plays on each answer would hurry.
 bool CameraSession::awaitPicture()
 {
-    if (!m_orderedAt || m_schedule.remembered() != ProbeOutcome::Answered ||
+    if (!m_orderedAt || m_schedule.remembered() != rtsp::ProbeOutcome::Answered ||
         m_control.streamPhase() == StreamPhase::Playing)
         return false;
     const Clock::duration left = *m_orderedAt + pictureLimit - Clock::now();
@@ -113,14 +113,14 @@ bool CameraSession::awaitPicture()
 void CameraSession::pictureShown()
 {
     if (m_probing == Probing::AwaitingPicture)
-        probed(ProbeOutcome::Answered);
+        probed(rtsp::ProbeOutcome::Answered);
 }
 
 void CameraSession::orderVoided()
 {
     m_orderedAt.reset();
     if (m_probing == Probing::AwaitingPicture)
-        probed(ProbeOutcome::Answered);
+        probed(rtsp::ProbeOutcome::Answered);
 }
 
 void CameraSession::stopConnecting()
@@ -128,7 +128,7 @@ void CameraSession::stopConnecting()
     if (m_probing == Probing::Idle)
         return;
     m_probe.cancel();
-    finishProbe(ProbeOutcome::Silent);
+    finishProbe(rtsp::ProbeOutcome::Silent);
 }
 
 void CameraSession::describe()
@@ -136,33 +136,33 @@ void CameraSession::describe()
     m_probing = Probing::Asking;
     const std::string path = StreamPaths::path(StreamPlace::Main);
     const std::string url = m_paths.url(m_resolver->endpoint(), path);
-    const CameraAddress service = parseUrl(url);
+    const base::CameraAddress service = base::parseUrl(url);
     m_probe.start({service.endpoint, url, m_info.username, m_info.password, loginPolicy()},
-                  [this](ProbeOutcome outcome) { probed(outcome); });
+                  [this](rtsp::ProbeOutcome outcome) { probed(outcome); });
 }
 
-void CameraSession::probed(ProbeOutcome outcome)
+void CameraSession::probed(rtsp::ProbeOutcome outcome)
 {
     const std::string main = StreamPaths::path(StreamPlace::Main);
-    if (outcome == ProbeOutcome::NotFound ||
-        (outcome == ProbeOutcome::Unusable && mayTryProfiles())) {
+    if (outcome == rtsp::ProbeOutcome::NotFound ||
+        (outcome == rtsp::ProbeOutcome::Unusable && mayTryProfiles())) {
         m_hasTriedProfiles = true;
         const unsigned number = m_probeNumber;
-        fallBack(main, outcome == ProbeOutcome::NotFound, [this, number](bool again) {
+        fallBack(main, outcome == rtsp::ProbeOutcome::NotFound, [this, number](bool again) {
             if (number != m_probeNumber || m_probing != Probing::Asking)
                 return;
             if (again)
                 describe();
             else
-                probed(ProbeOutcome::Unusable);
+                probed(rtsp::ProbeOutcome::Unusable);
         });
         return;
     }
     const bool asked = m_probing == Probing::Asking;
     m_schedule.record(outcome, Clock::now());
-    if (outcome == ProbeOutcome::Silent || outcome == ProbeOutcome::Rejected)
+    if (outcome == rtsp::ProbeOutcome::Silent || outcome == rtsp::ProbeOutcome::Rejected)
         m_resolver->lost();
-    if (outcome == ProbeOutcome::Answered) {
+    if (outcome == rtsp::ProbeOutcome::Answered) {
         m_mode = m_paths.hasMain() ? 0 : 1;
         // A camera that describes its streams to anybody proves nothing.
         if (m_control.streamPhase() == StreamPhase::Playing || (asked && m_probe.usedLogin()))
@@ -172,13 +172,13 @@ void CameraSession::probed(ProbeOutcome outcome)
     finishProbe(outcome);
 }
 
-void CameraSession::finishProbe(ProbeOutcome outcome)
+void CameraSession::finishProbe(rtsp::ProbeOutcome outcome)
 {
     m_probing = Probing::Idle;
     m_probeLimit.stop();
-    if (outcome == ProbeOutcome::Answered)
+    if (outcome == rtsp::ProbeOutcome::Answered)
         report(CAMMGR_MSG_PROBE_OK, 0);
-    else if (outcome == ProbeOutcome::LoginRefused)
+    else if (outcome == rtsp::ProbeOutcome::LoginRefused)
         report(CAMMGR_MSG_PROBE_FAILED, CAMMGR_ERROR_REFUSED);
     else
         report(CAMMGR_MSG_PROBE_FAILED, CAMMGR_ERROR_UNREACHABLE);
@@ -233,7 +233,7 @@ void CameraSession::moved()
     m_hasTriedProfiles = false;
 }
 
-const std::shared_ptr<LoginPolicy> &CameraSession::loginPolicy() const
+const std::shared_ptr<rtsp::LoginPolicy> &CameraSession::loginPolicy() const
 {
     if (m_resolver->isFoundByUid())
         m_login->distrust();
@@ -253,7 +253,7 @@ void CameraSession::play(const StreamOrder &order)
 {
     m_order = order;
     // Playing is a login too: the next probe has to find that it is accepted now.
-    if (m_schedule.remembered() == ProbeOutcome::LoginRefused)
+    if (m_schedule.remembered() == rtsp::ProbeOutcome::LoginRefused)
         return;
     m_orderedAt = Clock::now();
     m_resolver->find([this, ticket = order.ticket](bool found) {
@@ -270,7 +270,7 @@ void CameraSession::startStream()
 void CameraSession::streamEnded(StreamEnd reason)
 {
     if (reason == StreamEnd::Refused) {
-        m_schedule.record(ProbeOutcome::LoginRefused, Clock::now());
+        m_schedule.record(rtsp::ProbeOutcome::LoginRefused, Clock::now());
     } else if (reason == StreamEnd::NotFound ||
                (reason == StreamEnd::PathRefused && mayTryProfiles())) {
         m_hasTriedProfiles = true;
@@ -299,7 +299,7 @@ void CameraSession::issueCommands(std::vector<std::string> requests)
 {
     const Clock::time_point begin = Clock::now();
     m_resolver->findWebServer(
-        [this, begin, requests = std::move(requests)](const Endpoint &server) {
+        [this, begin, requests = std::move(requests)](const base::Endpoint &server) {
             const auto spent =
                 std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin);
             m_commands.start(server, requests, std::max(commandLimit - spent, leastCommandTime),

@@ -1,13 +1,14 @@
 #pragma once
 
+#include "platform/base/timer.h"
 #include "platform/cammgr/cammgr.h"
 #include "platform/cammgr/command_batch.h"
 #include "platform/cammgr/io_thread.h"
 #include "platform/cammgr/live_stream.h"
 #include "platform/cammgr/probe_schedule.h"
 #include "platform/cammgr/resolver.h"
-#include "platform/cammgr/rtsp_probe.h"
 #include "platform/cammgr/stream_paths.h"
+#include "platform/rtsp/rtsp_probe.h"
 
 #include <atomic>
 #include <chrono>
@@ -52,7 +53,7 @@ protected:
 /// Identifies a camera for its session.
 struct SessionInfo
 {
-    CameraAddress address;
+    base::CameraAddress address;
     std::string username; ///< UTF-8
     std::string password;
     RtspPlayerCallback callback = nullptr; ///< called on the I/O thread; may be null
@@ -104,18 +105,18 @@ private:
     bool awaitPicture();
     bool mayTryProfiles() const;
     void describe();
-    void probed(ProbeOutcome outcome);
-    void finishProbe(ProbeOutcome outcome);
+    void probed(rtsp::ProbeOutcome outcome);
+    void finishProbe(rtsp::ProbeOutcome outcome);
     void fallBack(const std::string &path, bool isUnknown, std::function<void(bool)> then);
     void learnProfiles();
     void startStream();
     void moved();
     void reportReplies(const std::vector<std::string> &replies);
-    const std::shared_ptr<LoginPolicy> &loginPolicy() const;
+    const std::shared_ptr<rtsp::LoginPolicy> &loginPolicy() const;
     StreamRequest request(const std::string &path, uintptr_t window) const;
 
     const SessionInfo m_info;
-    const std::shared_ptr<LoginPolicy> m_login = std::make_shared<LoginPolicy>();
+    const std::shared_ptr<rtsp::LoginPolicy> m_login = std::make_shared<rtsp::LoginPolicy>();
     StreamControl &m_control;
     std::atomic<int> m_mode{1};
     std::atomic<bool> m_commandsOut{false};
@@ -129,7 +130,7 @@ private:
     };
     Probing m_probing = Probing::Idle;
     unsigned m_probeNumber = 0; ///< distinguishes a late answer from the expected one
-    Timer m_probeLimit;
+    base::Timer m_probeLimit;
     ProbeSchedule m_schedule;
     StreamPaths m_paths;
     StreamOrder m_order;
@@ -139,7 +140,7 @@ private:
     int m_watch = 0;
     // Last, so that they are destroyed first: their callbacks use the members above.
     std::unique_ptr<Resolver> m_resolver;
-    RtspProbe m_probe;
+    rtsp::RtspProbe m_probe;
     CommandBatch m_commands;
 };
 

@@ -11,8 +11,8 @@
 #include <map>
 #include <thread>
 
-using cammgr::hasNoWhitespace;
-using cammgr::IoThread;
+using base::hasNoWhitespace;
+using cammgr::ioThread;
 using cammgr::LiveStream;
 
 namespace {
@@ -113,7 +113,7 @@ RtspPlayer *RtspPlayer_Create(const char *hostname, const char *username, const 
     if (!hostname)
         return nullptr;
     return guarded<RtspPlayer *>(nullptr, [&] {
-        cammgr::SessionInfo info{.address = cammgr::parseCameraAddress(utf8OrEmpty(hostname)),
+        cammgr::SessionInfo info{.address = base::parseCameraAddress(utf8OrEmpty(hostname)),
                                  .username = utf8OrEmpty(username),
                                  .password = utf8OrEmpty(password),
                                  .callback = callback,
@@ -159,7 +159,7 @@ int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *path, uintptr_
         [&](RtspPlayer &p) {
             const std::string text = utf8OrEmpty(path);
             if (text.empty() || text.front() != '/' || text.size() > maxPath ||
-                !hasNoWhitespace(text))
+                !base::hasNoWhitespace(text))
                 return failure;
             return p.setup(text, nativeWindow);
         });
@@ -207,7 +207,7 @@ int RtspPlayer_Delete(RtspPlayer *player)
 int RtspPlayer_DeleteSync(RtspPlayer *player)
 {
     // A callback that deletes its own player would destroy the session that is calling.
-    if (IoThread::instance().isCurrent())
+    if (ioThread().isCurrent())
         return failure;
     return guarded(failure, [&] {
         const PlayerPtr last = players().take(player);

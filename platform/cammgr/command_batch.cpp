@@ -11,7 +11,7 @@ constexpr auto connectLimit = 4s;
 constexpr auto replyLimit = 6s;
 /// A camera that answers without a head and keeps the connection open has said all it will.
 constexpr auto bareTextPause = 700ms;
-constexpr ReplyReader::Limits limits{.headerBytes = 16 * 1024, .bodyBytes = 1024 * 1024};
+constexpr rtsp::ReplyReader::Limits limits{.headerBytes = 16 * 1024, .bodyBytes = 1024 * 1024};
 
 } // namespace
 
@@ -21,7 +21,7 @@ const std::string &CommandBatch::failureText()
     return text;
 }
 
-void CommandBatch::start(const Endpoint &endpoint, std::vector<std::string> requests,
+void CommandBatch::start(const base::Endpoint &endpoint, std::vector<std::string> requests,
                          std::chrono::milliseconds timeLimit, Done done)
 {
     cancel();
@@ -50,12 +50,12 @@ void CommandBatch::connect()
     m_channel.open(m_endpoint, connectLimit,
                    {.opened = [this] { sendNext(); },
                     .received = [this](std::string_view data) { received(data); },
-                    .ended = [this](ChannelEnd reason) { ended(reason); }});
+                    .ended = [this](base::ChannelEnd reason) { ended(reason); }});
 }
 
 void CommandBatch::sendNext()
 {
-    m_reader = ReplyReader(ReplyReader::Protocol::Http, limits);
+    m_reader = rtsp::ReplyReader(rtsp::ReplyReader::Protocol::Http, limits);
     m_bareText.clear();
     m_channel.send(m_requests[m_replies.size()]);
     m_replyLimit.start(replyLimit, [this] { next(failureText()); });
@@ -67,18 +67,18 @@ void CommandBatch::received(std::string_view data)
         receivedBareText(data);
         return;
     }
-    const ReplyReader::State state = m_reader.feed(data);
+    const rtsp::ReplyReader::State state = m_reader.feed(data);
     if (m_reader.isBareText()) {
         receivedBareText(m_reader.takeBareText());
         return;
     }
     switch (state) {
-    case ReplyReader::State::Incomplete:
+    case rtsp::ReplyReader::State::Incomplete:
         return;
-    case ReplyReader::State::Complete:
+    case rtsp::ReplyReader::State::Complete:
         answered(m_reader.take());
         return;
-    case ReplyReader::State::Broken:
+    case rtsp::ReplyReader::State::Broken:
         next(failureText());
         return;
     }
@@ -93,21 +93,21 @@ void CommandBatch::receivedBareText(std::string_view text)
         m_replyLimit.start(bareTextPause, [this] { next(std::move(m_bareText)); });
 }
 
-void CommandBatch::ended(ChannelEnd reason)
+void CommandBatch::ended(base::ChannelEnd reason)
 {
-    if (reason != ChannelEnd::Closed)
+    if (reason != base::ChannelEnd::Closed)
         failRest(); // the next one would not get there either
     else if (!m_bareText.empty())
         next(std::move(m_bareText));
     else if (m_connectionUsed && !m_reader.hasBegun())
         connect(); // dropped between two requests
-    else if (m_reader.end() == ReplyReader::State::Complete)
+    else if (m_reader.end() == rtsp::ReplyReader::State::Complete)
         answered(m_reader.take());
     else
         next(failureText());
 }
 
-void CommandBatch::answered(const Reply &reply)
+void CommandBatch::answered(const rtsp::Reply &reply)
 {
     m_connectionUsed = true;
     if (!reply.keepsConnection)

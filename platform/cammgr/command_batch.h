@@ -1,8 +1,9 @@
 #pragma once
 
+#include "platform/base/tcp_channel.h"
+#include "platform/base/timer.h"
 #include "platform/cammgr/io_thread.h"
-#include "platform/cammgr/reply_reader.h"
-#include "platform/cammgr/tcp_channel.h"
+#include "platform/rtsp/reply_reader.h"
 
 #include <chrono>
 #include <functional>
@@ -24,7 +25,7 @@ public:
 
     /// Starts a batch; one that is under way is cancelled. done runs later, once, and not after
     /// timeLimit. An endpoint with port 0 fails every request.
-    void start(const Endpoint &endpoint, std::vector<std::string> requests,
+    void start(const base::Endpoint &endpoint, std::vector<std::string> requests,
                std::chrono::milliseconds timeLimit, Done done);
     /// done never runs.
     void cancel();
@@ -38,22 +39,22 @@ private:
     void sendNext();
     void received(std::string_view data);
     void receivedBareText(std::string_view text);
-    void ended(ChannelEnd reason);
-    void answered(const Reply &reply);
+    void ended(base::ChannelEnd reason);
+    void answered(const rtsp::Reply &reply);
     void next(std::string text);
     void failRest();
     /// Hands over the replies; may destroy this object.
     void finish();
 
-    Endpoint m_endpoint;
+    base::Endpoint m_endpoint;
     std::vector<std::string> m_requests;
     std::vector<std::string> m_replies;
     Done m_done;
-    TcpChannel m_channel;
-    ReplyReader m_reader{ReplyReader::Protocol::Http};
+    base::TcpChannel m_channel;
+    rtsp::ReplyReader m_reader{rtsp::ReplyReader::Protocol::Http};
     std::string m_bareText; ///< of a camera that answers without an HTTP head
-    Timer m_batchLimit;
-    Timer m_replyLimit;
+    base::Timer m_batchLimit;
+    base::Timer m_replyLimit;
     bool m_connectionUsed = false; ///< has carried a reply: may have been dropped since
 };
 

@@ -12,13 +12,12 @@ IoServices &IoServices::instance()
     return *services;
 }
 
-IoServices::IoServices() : m_lookup(IoThread::instance().context())
+IoServices::IoServices() : m_lookup(ioThread().context())
 {
     // The monitor is one for the process and speaks on the thread that happened to make it.
     const auto changed = +[](GNetworkMonitor *, gboolean available, gpointer self) {
         if (available)
-            IoThread::instance().post(
-                [self] { static_cast<IoServices *>(self)->networkChanged(); });
+            ioThread().post([self] { static_cast<IoServices *>(self)->networkChanged(); });
     };
     g_signal_connect(g_network_monitor_get_default(), "network-changed", G_CALLBACK(changed), this);
 }

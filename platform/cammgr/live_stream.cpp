@@ -21,7 +21,7 @@ class LiveStream::Private
 public:
     Listener listener;
     std::shared_ptr<Session> session;
-    std::shared_ptr<ClosingClips> closing = std::make_shared<ClosingClips>();
+    std::shared_ptr<media::ClosingClips> closing = std::make_shared<media::ClosingClips>();
     int volume = 100;
 };
 

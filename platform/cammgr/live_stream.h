@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/cammgr/login_policy.h"
+#include "platform/rtsp/login_policy.h"
 
 #include <cstdint>
 #include <functional>
@@ -29,7 +29,7 @@ struct StreamRequest
     std::string password;
     uintptr_t window = 0; ///< native window to draw on; 0 plays without drawing
     /// What of the password may be sent to the camera; shared with its other connections.
-    std::shared_ptr<LoginPolicy> login = std::make_shared<LoginPolicy>();
+    std::shared_ptr<rtsp::LoginPolicy> login = std::make_shared<rtsp::LoginPolicy>();
 };
 
 /**

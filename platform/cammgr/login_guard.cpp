@@ -1,6 +1,6 @@
 #include "platform/cammgr/login_guard.h"
 
-#include "platform/cammgr/glib_ptr.h"
+#include "platform/base/glib_ptr.h"
 
 #include <gst/rtsp/gstrtspextension.h>
 
@@ -85,9 +85,9 @@ std::vector<std::string> headersOf(const GstRTSPMessage *response, GstRTSPHeader
     return headers;
 }
 
-std::string headerOf(const LoginChallenge &challenge)
+std::string headerOf(const rtsp::LoginChallenge &challenge)
 {
-    if (challenge.scheme == LoginChallenge::Scheme::Basic)
+    if (challenge.scheme == rtsp::LoginChallenge::Scheme::Basic)
         return "Basic realm=\"" + challenge.realm + '"';
     std::string text = "Digest realm=\"" + challenge.realm + "\", nonce=\"" + challenge.nonce + '"';
     if (!challenge.opaque.empty())
@@ -130,8 +130,8 @@ void LoginGuard::filter(GstRTSPMessage *response)
         return;
     }
     const std::vector<std::string> headers = headersOf(response, GST_RTSP_HDR_WWW_AUTHENTICATE);
-    const std::vector<LoginChallenge> challenges = parseChallenges(headers);
-    const LoginChallenge *chosen = m_policy->choose(challenges, m_tls);
+    const std::vector<rtsp::LoginChallenge> challenges = rtsp::parseChallenges(headers);
+    const rtsp::LoginChallenge *chosen = m_policy->choose(challenges, m_tls);
     // A nonce that grew old says nothing about the login.
     if (m_answers++ >= (chosen && chosen->stale ? 2 : 1))
         chosen = nullptr;

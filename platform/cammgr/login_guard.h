@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/cammgr/login_policy.h"
+#include "platform/rtsp/login_policy.h"
 
 #include <gst/rtsp/rtsp.h>
 
@@ -18,7 +18,7 @@ namespace cammgr {
 class LoginGuard
 {
 public:
-    LoginGuard(std::shared_ptr<LoginPolicy> policy, bool tls)
+    LoginGuard(std::shared_ptr<rtsp::LoginPolicy> policy, bool tls)
         : m_policy(std::move(policy))
         , m_tls(tls)
     {
@@ -35,7 +35,7 @@ public:
     void filter(GstRTSPMessage *response);
 
 private:
-    const std::shared_ptr<LoginPolicy> m_policy;
+    const std::shared_ptr<rtsp::LoginPolicy> m_policy;
     const bool m_tls;
     // The thread of the element.
     int m_answers = 0; ///< to challenges since a request last succeeded

@@ -5,7 +5,7 @@
 #include <utility>
 
 using cammgr::CameraSession;
-using cammgr::IoThread;
+using cammgr::ioThread;
 using cammgr::LiveStream;
 using cammgr::StreamEnd;
 using cammgr::StreamPhase;
@@ -16,7 +16,7 @@ namespace {
 /// Runs work with the session on the I/O thread, unless the session is closed by then.
 void postTo(const std::weak_ptr<CameraSession> &target, std::function<void(CameraSession &)> work)
 {
-    IoThread::instance().post([target, work = std::move(work)] {
+    ioThread().post([target, work = std::move(work)] {
         const std::shared_ptr<CameraSession> session = target.lock();
         if (session && session->isOpen())
             work(*session);
@@ -50,13 +50,13 @@ RtspPlayer::RtspPlayer(const cammgr::SessionInfo &info)
     , m_session(std::make_shared<CameraSession>(info, static_cast<StreamControl &>(*this)))
     , m_stream(listenerFor(m_session))
 {
-    IoThread::instance().post([session = m_session] { session->open(); });
+    ioThread().post([session = m_session] { session->open(); });
 }
 
 RtspPlayer::~RtspPlayer()
 {
     // Its timers and connections belong to the I/O thread.
-    IoThread::instance().post([session = std::move(m_session)]() mutable { session.reset(); });
+    ioThread().post([session = std::move(m_session)]() mutable { session.reset(); });
 }
 
 void RtspPlayer::tickAlive()
@@ -134,7 +134,7 @@ void RtspPlayer::startStream(uint64_t ticket, const StreamRequest &request)
 
 void RtspPlayer::close(bool answerProbe)
 {
-    IoThread::instance().postAndWait([this, answerProbe] { m_session->close(answerProbe); });
+    ioThread().postAndWait([this, answerProbe] { m_session->close(answerProbe); });
 }
 
 void RtspPlayer::release(std::shared_ptr<RtspPlayer> player)
@@ -143,7 +143,7 @@ void RtspPlayer::release(std::shared_ptr<RtspPlayer> player)
     void *context = player->m_context;
     player->close(true);
     player.reset();
-    IoThread::instance().post([callback, context] {
+    ioThread().post([callback, context] {
         if (callback)
             callback(CAMMGR_MSG_DELETED, 0, context, nullptr);
     });

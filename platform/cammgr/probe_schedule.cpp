@@ -20,13 +20,13 @@ constexpr auto slack = 500ms;
 
 } // namespace
 
-void ProbeSchedule::record(ProbeOutcome outcome, Time now)
+void ProbeSchedule::record(rtsp::ProbeOutcome outcome, Time now)
 {
     constexpr int enough = 8;
     m_inRow = outcome == m_remembered ? std::min(m_inRow + 1, enough) : 1;
     m_remembered = outcome;
     std::chrono::milliseconds pause = firstPause * (1 << (m_inRow - 1));
-    if (outcome == ProbeOutcome::LoginRefused) {
+    if (outcome == rtsp::ProbeOutcome::LoginRefused) {
         m_refusals.push_back(now);
         while (m_refusals.size() > maxRefusals || m_refusals.front() + refusalWindow <= now)
             m_refusals.pop_front();
@@ -34,7 +34,7 @@ void ProbeSchedule::record(ProbeOutcome outcome, Time now)
             m_due = std::max(m_refusals.front() + refusalWindow, now + pause - slack);
             return;
         }
-    } else if (outcome == ProbeOutcome::Silent)
+    } else if (outcome == rtsp::ProbeOutcome::Silent)
         pause = std::min<std::chrono::milliseconds>(pause, longestSilentPause);
     else
         pause = slack;
@@ -43,7 +43,7 @@ void ProbeSchedule::record(ProbeOutcome outcome, Time now)
 
 void ProbeSchedule::networkChanged()
 {
-    if (m_remembered == ProbeOutcome::Silent)
+    if (m_remembered == rtsp::ProbeOutcome::Silent)
         reset();
 }
 

@@ -1,20 +1,11 @@
 #pragma once
 
+#include "platform/rtsp/rtsp_probe.h"
+
 #include <chrono>
 #include <deque>
 
 namespace cammgr {
-
-/// What a probe of a camera found.
-enum class ProbeOutcome
-{
-    Answered,
-    LoginRefused, ///< the user name or password is wrong
-    NotFound,     ///< the camera does not know the stream's path
-    Unusable,     ///< an answer, but none that a stream could come from
-    Rejected,     ///< the host answered, the port is closed
-    Silent        ///< no answer in time, or no way to the camera
-};
 
 /**
  * When to probe a camera again and when to answer from memory. A refused login is tried three times
@@ -28,8 +19,8 @@ public:
 
     bool isDue(Time now) const { return now >= m_due; }
     /// What the last real probe found; Silent before the first.
-    ProbeOutcome remembered() const { return m_remembered; }
-    void record(ProbeOutcome outcome, Time now);
+    rtsp::ProbeOutcome remembered() const { return m_remembered; }
+    void record(rtsp::ProbeOutcome outcome, Time now);
 
     /// The camera accepted the login: what it refused before no longer counts.
     void loginAccepted() { m_refusals.clear(); }
@@ -42,7 +33,7 @@ public:
 
 private:
     Time m_due{};
-    ProbeOutcome m_remembered = ProbeOutcome::Silent;
+    rtsp::ProbeOutcome m_remembered = rtsp::ProbeOutcome::Silent;
     std::deque<Time> m_refusals; ///< of the login, within the last half hour; the last three
     int m_inRow = 0;             ///< how often the remembered outcome came in a row
 };

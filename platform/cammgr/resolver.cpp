@@ -18,13 +18,13 @@ void answerAll(Waiters &waiters, Answer... answer)
 
 } // namespace
 
-Resolver::Resolver(onvif::CameraLookup &lookup, CameraAddress address,
-                   onvif::Credentials credentials)
+Resolver::Resolver(onvif::CameraLookup &lookup, base::CameraAddress address,
+                   base::Credentials credentials)
     : m_lookup(lookup)
     , m_address(std::move(address))
     , m_credentials(std::move(credentials))
 {
-    if (m_address.kind == CameraAddress::Kind::Host) {
+    if (m_address.kind == base::CameraAddress::Kind::Host) {
         m_endpoint = m_address.endpoint;
         m_isFresh = true;
     }
@@ -32,7 +32,7 @@ Resolver::Resolver(onvif::CameraLookup &lookup, CameraAddress address,
 
 void Resolver::find(std::function<void(bool)> done)
 {
-    if (m_isFresh || m_address.kind == CameraAddress::Kind::Invalid) {
+    if (m_isFresh || m_address.kind == base::CameraAddress::Kind::Invalid) {
         done(m_isFresh);
         return;
     }
@@ -70,8 +70,8 @@ void Resolver::located(const onvif::CameraLocation &location)
     // Only the stream addresses contain the RTSP port.
     findStreams([this, moved](const onvif::CameraStreams *streams) {
         if (streams) {
-            const CameraAddress main = parseUrl(streams->main.uri);
-            if (main.kind == CameraAddress::Kind::Host)
+            const base::CameraAddress main = base::parseUrl(streams->main.uri);
+            if (main.kind == base::CameraAddress::Kind::Host)
                 m_endpoint = main.endpoint;
         }
         m_isFresh = true;
@@ -130,12 +130,12 @@ bool Resolver::isThisCamera(const onvif::CameraStreams &streams) const
 {
     // Behind one address there may be several cameras, distinguished by the port that the user
     // gave.
-    if (m_address.kind != CameraAddress::Kind::Host || !m_address.hasPort)
+    if (m_address.kind != base::CameraAddress::Kind::Host || !m_address.hasPort)
         return true;
-    return parseUrl(streams.main.uri).endpoint.port == m_address.endpoint.port;
+    return base::parseUrl(streams.main.uri).endpoint.port == m_address.endpoint.port;
 }
 
-void Resolver::findWebServer(std::function<void(const Endpoint &)> done)
+void Resolver::findWebServer(std::function<void(const base::Endpoint &)> done)
 {
     m_webServerWaiters.push_back(std::move(done));
     if (m_webServerWaiters.size() > 1)
@@ -144,27 +144,27 @@ void Resolver::findWebServer(std::function<void(const Endpoint &)> done)
         if (found)
             locate([this] { askWebServer(); });
         else
-            answerAll(m_webServerWaiters, Endpoint());
+            answerAll(m_webServerWaiters, base::Endpoint());
     });
 }
 
 // Queried each time: its port can be changed in the camera's set-up.
 void Resolver::askWebServer()
 {
-    const CameraAddress service = parseUrl(m_xaddr);
+    const base::CameraAddress service = base::parseUrl(m_xaddr);
     const std::string host =
-        service.kind == CameraAddress::Kind::Host ? service.endpoint.host : m_endpoint.host;
+        service.kind == base::CameraAddress::Kind::Host ? service.endpoint.host : m_endpoint.host;
     if (m_xaddr.empty()) {
-        answerAll(m_webServerWaiters, Endpoint{.host = host, .port = httpPort, .tls = false});
+        answerAll(m_webServerWaiters, base::Endpoint{.host = host, .port = httpPort, .tls = false});
         return;
     }
     m_webServerRequest = m_lookup.webServer(
         m_xaddr, m_credentials, [this, host](std::optional<onvif::WebServer> server) {
             const onvif::WebServer usual = {.port = httpPort, .tls = false};
             const onvif::WebServer &found = server ? *server : usual;
-            answerAll(m_webServerWaiters, Endpoint{.host = host,
-                                                   .port = static_cast<uint16_t>(found.port),
-                                                   .tls = found.tls});
+            answerAll(m_webServerWaiters, base::Endpoint{.host = host,
+                                                         .port = static_cast<uint16_t>(found.port),
+                                                         .tls = found.tls});
         });
 }
 

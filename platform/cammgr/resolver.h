@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/cammgr/camera_address.h"
+#include "platform/base/camera_address.h"
+#include "platform/base/credentials.h"
 #include "platform/onvif/camera_lookup.h"
 
 #include <functional>
@@ -17,12 +18,13 @@ namespace cammgr {
 class Resolver
 {
 public:
-    Resolver(onvif::CameraLookup &lookup, CameraAddress address, onvif::Credentials credentials);
+    Resolver(onvif::CameraLookup &lookup, base::CameraAddress address,
+             base::Credentials credentials);
 
     /// Answers whether endpoint() is worth a try.
     void find(std::function<void(bool)> done);
     /// The RTSP service; port 0 before it was found.
-    const Endpoint &endpoint() const { return m_endpoint; }
+    const base::Endpoint &endpoint() const { return m_endpoint; }
     /// Whether the device there only claims the UID, on the local network, where anybody can.
     bool isFoundByUid() const { return m_isFoundByUid; }
     /// The camera does not answer there any more.
@@ -35,7 +37,7 @@ public:
 
     /// Answers the server of the camera's web pages, which takes command requests too: where its
     /// network protocols say, else port 80. Port 0 when the camera is not found.
-    void findWebServer(std::function<void(const Endpoint &)> done);
+    void findWebServer(std::function<void(const base::Endpoint &)> done);
 
     /// Asks for a key frame now; does nothing while the camera's ONVIF address is not known.
     void requestKeyFrame(const std::string &profileToken);
@@ -53,10 +55,10 @@ private:
     bool isThisCamera(const onvif::CameraStreams &streams) const;
 
     onvif::CameraLookup &m_lookup;
-    const CameraAddress m_address;
-    const onvif::Credentials m_credentials;
+    const base::CameraAddress m_address;
+    const base::Credentials m_credentials;
 
-    Endpoint m_endpoint;
+    base::Endpoint m_endpoint;
     bool m_isFoundByUid = false;
     bool m_isFresh = false; ///< endpoint() holds as far as we know
     std::string m_xaddr;    ///< ONVIF device service; empty while unknown
@@ -65,7 +67,7 @@ private:
     std::vector<std::function<void(bool)>> m_findWaiters;
     std::vector<std::function<void(const onvif::CameraStreams *)>> m_streamWaiters;
     std::vector<std::function<void()>> m_locateWaiters;
-    std::vector<std::function<void(const Endpoint &)>> m_webServerWaiters;
+    std::vector<std::function<void(const base::Endpoint &)>> m_webServerWaiters;
     onvif::RequestPtr m_findRequest;
     onvif::RequestPtr m_locateRequest;
     onvif::RequestPtr m_streamRequest;

@@ -1,9 +1,9 @@
 #include "platform/cammgr/rtsp_source.h"
 
-#include "platform/cammgr/access_unit.h"
 #include "platform/cammgr/rtp_audio.h"
 #include "platform/cammgr/rtsp_status.h"
 #include "platform/cammgr/stream_description.h"
+#include "platform/media/access_unit.h"
 
 #include <gst/app/gstappsink.h>
 
@@ -50,7 +50,7 @@ bool startBranch(GstPad *pad, std::initializer_list<GstElement *> chain)
 {
     for (auto element = std::rbegin(chain); element != std::rend(chain); ++element)
         gst_element_sync_state_with_parent(*element);
-    const ObjectPtr<GstPad> target(gst_element_get_static_pad(*chain.begin(), "sink"));
+    const base::GObjectPtr<GstPad> target(gst_element_get_static_pad(*chain.begin(), "sink"));
     return gst_pad_link(pad, target.get()) == GST_PAD_LINK_OK;
 }
 
@@ -92,7 +92,7 @@ struct RtspSource::Callbacks
 
     static GstFlowReturn pull(GstAppSink *sink, RtspSource *self, bool video)
     {
-        const auto sample = SampleRef::adopt(gst_app_sink_pull_sample(sink));
+        const auto sample = media::SampleRef::adopt(gst_app_sink_pull_sample(sink));
         if (!sample)
             return GST_FLOW_EOS;
         self->takeSample(sample.get(), video);
@@ -155,7 +155,7 @@ bool RtspSource::build()
     g_signal_connect(m_rtspsrc, "select-stream", G_CALLBACK(&Callbacks::select), this);
     g_signal_connect(m_rtspsrc, "pad-added", G_CALLBACK(&Callbacks::padAdded), this);
 
-    const ObjectPtr<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
+    const base::GObjectPtr<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
     gst_bus_set_sync_handler(bus.get(), &Callbacks::message, this, nullptr);
     return true;
 }
@@ -165,7 +165,7 @@ void RtspSource::close()
     if (!m_pipeline)
         return;
     // Elements post errors while they are torn down: nobody listens from here on.
-    const ObjectPtr<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
+    const base::GObjectPtr<GstBus> bus(gst_element_get_bus(m_pipeline.get()));
     gst_bus_set_sync_handler(bus.get(), nullptr, nullptr, nullptr);
     gst_bus_set_flushing(bus.get(), TRUE);
     gst_element_set_state(m_pipeline.get(), GST_STATE_NULL);
@@ -210,7 +210,7 @@ bool RtspSource::selectStream(GstCaps *caps)
 
 void RtspSource::addBranch(GstPad *pad)
 {
-    const auto caps = CapsRef::adopt(gst_pad_get_current_caps(pad));
+    const auto caps = media::CapsRef::adopt(gst_pad_get_current_caps(pad));
     if (!caps)
         return;
     const GstStructure *format = gst_caps_get_structure(caps.get(), 0);
@@ -260,20 +260,21 @@ void RtspSource::takeSample(GstSample *sample, bool video)
                                                           GST_FORMAT_TIME, GST_BUFFER_PTS(buffer));
     if (!video) {
         if (GST_CLOCK_TIME_IS_VALID(time))
-            m_client.sourceAudio({BufferRef::share(buffer), CapsRef::share(caps), time});
+            m_client.sourceAudio(
+                {media::BufferRef::share(buffer), media::CapsRef::share(caps), time});
         return;
     }
     if (m_frames > 0 && GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DISCONT))
         m_client.sourceLostPackets();
     const GstClockTime shown = timeOfNextFrame(time);
-    m_client.sourceVideo(makeAccessUnit(buffer, caps, shown, ++m_frames));
+    m_client.sourceVideo(media::makeAccessUnit(buffer, caps, shown, ++m_frames));
 }
 
 /// The framework tells no time where the camera's clock seems to stand still or to go back, as it
 /// does when frames that were delayed arrive together: time goes on by arrival.
 GstClockTime RtspSource::timeOfNextFrame(GstClockTime told)
 {
-    const auto now = SteadyClock::now();
+    const auto now = media::SteadyClock::now();
     if (GST_CLOCK_TIME_IS_VALID(told))
         m_lastTime = told;
     else if (m_frames > 0)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/cammgr/frame_taker.h"
 #include "platform/cammgr/live_stream.h"
 #include "platform/cammgr/login_guard.h"
+#include "platform/media/frame_taker.h"
 
 #include <gst/sdp/gstsdpmessage.h>
 
@@ -31,8 +31,8 @@ public:
         virtual ~Client() = default;
         virtual void sourceDescribed(bool hasVideo, bool hasAudio) = 0;
         virtual void sourcePlays() = 0; ///< the camera answered PLAY
-        virtual void sourceVideo(const AccessUnit &unit) = 0;
-        virtual void sourceAudio(const AudioUnit &unit) = 0;
+        virtual void sourceVideo(const media::AccessUnit &unit) = 0;
+        virtual void sourceAudio(const media::AudioUnit &unit) = 0;
         /// A packet of the video was lost on the way.
         virtual void sourceLostPackets() = 0;
         /// May come more than once; the first counts.
@@ -71,12 +71,12 @@ private:
     const StreamRequest m_request;
     const Transport m_transport;
     LoginGuard m_guard;
-    ObjectPtr<GstElement> m_pipeline;
+    base::GObjectPtr<GstElement> m_pipeline;
     GstElement *m_rtspsrc = nullptr; ///< owned by the pipeline
     // The thread that delivers video.
     uint64_t m_frames = 0;
     GstClockTime m_lastTime = 0; ///< of the last frame
-    SteadyClock::time_point m_lastArrival;
+    media::SteadyClock::time_point m_lastArrival;
     // Threads of the pipeline.
     std::atomic<bool> m_videoSelected = false;
     std::atomic<bool> m_audioSelected = false;

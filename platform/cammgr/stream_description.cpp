@@ -1,7 +1,7 @@
 #include "platform/cammgr/stream_description.h"
 
-#include "platform/cammgr/gst_ref.h"
 #include "platform/cammgr/rtp_audio.h"
+#include "platform/media/gst_ref.h"
 
 #include <gst/rtp/gstrtppayloads.h>
 
@@ -19,7 +19,7 @@ void addFormat(OfferedMedia &offered, const GstSDPMedia *media, guint index)
 {
     const long payload = strtol(gst_sdp_media_get_format(media, index), nullptr, 10);
     const auto caps =
-        CapsRef::adopt(gst_sdp_media_get_caps_from_media(media, static_cast<gint>(payload)));
+        media::CapsRef::adopt(gst_sdp_media_get_caps_from_media(media, static_cast<gint>(payload)));
     if (!caps || gst_caps_get_size(caps.get()) == 0)
         return;
     const GstStructure *format = gst_caps_get_structure(caps.get(), 0);

@@ -22,19 +22,19 @@ const onvif::CameraStream *StreamPaths::profileOf(StreamPlace place) const
     return place == StreamPlace::Main ? &m_profiles->main : &m_profiles->sub;
 }
 
-std::string StreamPaths::url(const Endpoint &endpoint, const std::string &wantedPath) const
+std::string StreamPaths::url(const base::Endpoint &endpoint, const std::string &wantedPath) const
 {
     if (!m_fixedPath.empty() && !m_usesProfiles)
-        return rtspOrigin(endpoint) + m_fixedPath;
+        return base::rtspOrigin(endpoint) + m_fixedPath;
     const std::optional<StreamPlace> place = placeOf(wantedPath);
     if (!place)
-        return rtspOrigin(endpoint) + wantedPath;
+        return base::rtspOrigin(endpoint) + wantedPath;
     if (m_usesProfiles)
         return profileOf(*place)->uri;
     if (!m_isMissing[static_cast<int>(*place)])
-        return rtspOrigin(endpoint) + wantedPath;
+        return base::rtspOrigin(endpoint) + wantedPath;
     const StreamPlace other = *place == StreamPlace::Main ? StreamPlace::Sub : StreamPlace::Main;
-    return rtspOrigin(endpoint) + path(other);
+    return base::rtspOrigin(endpoint) + path(other);
 }
 
 std::string StreamPaths::profileToken(const std::string &wantedPath) const
@@ -43,7 +43,7 @@ std::string StreamPaths::profileToken(const std::string &wantedPath) const
         return {};
     const std::string &shown = m_fixedPath.empty() || m_usesProfiles ? wantedPath : m_fixedPath;
     for (const onvif::CameraStream *stream : {&m_profiles->main, &m_profiles->sub})
-        if (parseUrl(stream->uri).path == shown)
+        if (base::parseUrl(stream->uri).path == shown)
             return stream->profileToken;
     return profileOf(placeOf(wantedPath).value_or(StreamPlace::Main))->profileToken;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/cammgr/camera_address.h"
+#include "platform/base/camera_address.h"
 #include "platform/onvif/camera_lookup.h"
 
 #include <optional>
@@ -28,7 +28,7 @@ public:
     explicit StreamPaths(std::string fixedPath) : m_fixedPath(std::move(fixedPath)) {}
 
     /// The address of the requested stream, without credentials.
-    std::string url(const Endpoint &endpoint, const std::string &wantedPath) const;
+    std::string url(const base::Endpoint &endpoint, const std::string &wantedPath) const;
     /// The ONVIF profile of that stream; empty while unknown.
     std::string profileToken(const std::string &wantedPath) const;
 

@@ -1,8 +1,8 @@
 #include "platform/cammgr/stream_session.h"
 
-#include "platform/cammgr/left_overs.h"
-#include "platform/cammgr/still_picture.h"
-#include "platform/cammgr/worker_pool.h"
+#include "platform/media/left_overs.h"
+#include "platform/media/still_picture.h"
+#include "platform/media/worker_pool.h"
 
 namespace cammgr {
 
@@ -23,18 +23,18 @@ constexpr auto stillBudget = 60ms;
 } // namespace
 
 LiveStream::Session::Session(const StreamRequest &request, const Listener &listener,
-                             std::shared_ptr<ClosingClips> closing)
+                             std::shared_ptr<media::ClosingClips> closing)
     : m_request(request)
     , m_listener(listener)
-    , m_audio(std::make_shared<AudioOutput>())
-    , m_recorder(
-          std::make_shared<Recorder>(m_memory, std::move(closing), [this] { wantKeyFrame(); }))
+    , m_audio(std::make_shared<media::AudioOutput>())
+    , m_recorder(std::make_shared<media::Recorder>(m_memory, std::move(closing),
+                                                   [this] { wantKeyFrame(); }))
     , m_view(request.window == 0 ? nullptr
-                                 : std::make_shared<LiveView>(
+                                 : std::make_shared<media::LiveView>(
                                        request.window, m_memory, [this] { wantKeyFrame(); },
                                        [this] { checkFirstPicture(); }))
 {
-    m_started = m_lastSign = m_lastKeepAlive = SteadyClock::now();
+    m_started = m_lastSign = m_lastKeepAlive = media::SteadyClock::now();
 }
 
 LiveStream::Session::~Session()
@@ -46,9 +46,10 @@ void LiveStream::Session::start(int volume)
 {
     m_audio->setVolume(volume);
     if (m_view)
-        mediaWorkers().run([self = shared_from_this()] { self->m_view->open(); });
-    mediaWorkers().run([self = shared_from_this()] { self->openSource(Transport::Interleaved); });
-    Housekeeper::instance().add(weak_from_this());
+        media::mediaWorkers().run([self = shared_from_this()] { self->m_view->open(); });
+    media::mediaWorkers().run(
+        [self = shared_from_this()] { self->openSource(Transport::Interleaved); });
+    media::Housekeeper::instance().add(weak_from_this());
 }
 
 void LiveStream::Session::stop()
@@ -59,25 +60,26 @@ void LiveStream::Session::stop()
     }
     m_state = State::Ended;
     release();
-    mediaWorkers().run([self = shared_from_this()] { self->closeSource(); });
+    media::mediaWorkers().run([self = shared_from_this()] { self->closeSource(); });
 }
 
 bool LiveStream::Session::isPlaying() const
 {
-    return m_state == State::Playing && SteadyClock::now() - m_lastSign.load() < silenceLimit;
+    return m_state == State::Playing &&
+           media::SteadyClock::now() - m_lastSign.load() < silenceLimit;
 }
 
 int LiveStream::Session::snapshot(const std::string &path)
 {
     if (!isPlaying())
         return -1;
-    SampleRef picture;
+    media::SampleRef picture;
     if (m_view && m_view->isDecoding())
         picture = m_view->latest();
     if (!picture)
-        picture = decodeLast(m_memory.frames(), stillBudget);
-    tidyFolderOf(path);
-    return writeJpeg(picture, path);
+        picture = media::decodeLast(m_memory.frames(), stillBudget);
+    media::tidyFolderOf(path);
+    return media::writeJpeg(picture, path);
 }
 
 int LiveStream::Session::beginWriting(const std::string &basePath, int limitBytes)
@@ -128,11 +130,11 @@ void LiveStream::Session::sourceDescribed(bool hasVideo, bool hasAudio)
 void LiveStream::Session::sourcePlays()
 {
     m_playAnswered = true;
-    m_lastSign = SteadyClock::now();
+    m_lastSign = media::SteadyClock::now();
     wantKeyFrame();
 }
 
-void LiveStream::Session::sourceVideo(const AccessUnit &unit)
+void LiveStream::Session::sourceVideo(const media::AccessUnit &unit)
 {
     if (m_state == State::Ended)
         return;
@@ -161,7 +163,7 @@ void LiveStream::Session::checkFirstPicture()
         tell(m_listener.firstFrame);
 }
 
-void LiveStream::Session::sourceAudio(const AudioUnit &unit)
+void LiveStream::Session::sourceAudio(const media::AudioUnit &unit)
 {
     if (m_state == State::Ended)
         return;
@@ -175,7 +177,7 @@ void LiveStream::Session::sourceEnded(StreamEnd reason)
     if (m_state.exchange(State::Ended) == State::Ended)
         return;
     // Not here: this is a thread of the pipeline that has to be closed.
-    mediaWorkers().run([self = shared_from_this(), reason] {
+    media::mediaWorkers().run([self = shared_from_this(), reason] {
         self->release();
         self->closeSource();
         if (self->m_listener.ended)
@@ -185,7 +187,7 @@ void LiveStream::Session::sourceEnded(StreamEnd reason)
 
 void LiveStream::Session::sourceTransportRefused()
 {
-    mediaWorkers().run([self = shared_from_this()] {
+    media::mediaWorkers().run([self = shared_from_this()] {
         bool again = false;
         {
             std::lock_guard lock(self->m_sourceMutex);
@@ -202,7 +204,7 @@ void LiveStream::Session::sourceTransportRefused()
 
 void LiveStream::Session::tick()
 {
-    const auto now = SteadyClock::now();
+    const auto now = media::SteadyClock::now();
     if (m_state == State::Ended)
         return;
     if (!m_playAnswered) {
@@ -216,7 +218,7 @@ void LiveStream::Session::tick()
     }
     if (now - m_lastKeepAlive >= keepAlivePeriod) {
         m_lastKeepAlive = now;
-        mediaWorkers().run([weak = weak_from_this()] {
+        media::mediaWorkers().run([weak = weak_from_this()] {
             if (const auto self = weak.lock())
                 self->keepAlive();
         });
@@ -238,7 +240,7 @@ void LiveStream::Session::readSize(GstCaps *caps)
 /// Any thread. Limited to what a camera answers without trouble.
 void LiveStream::Session::wantKeyFrame()
 {
-    const auto now = SteadyClock::now();
+    const auto now = media::SteadyClock::now();
     auto last = m_lastKeyAsked.load();
     if (m_state == State::Ended || now - last < keyFramePause)
         return;

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "platform/cammgr/audio_output.h"
-#include "platform/cammgr/gop_buffer.h"
-#include "platform/cammgr/housekeeper.h"
 #include "platform/cammgr/live_stream.h"
-#include "platform/cammgr/live_view.h"
-#include "platform/cammgr/recorder.h"
 #include "platform/cammgr/rtsp_source.h"
-#include "platform/cammgr/stream_stats.h"
+#include "platform/media/audio_output.h"
+#include "platform/media/gop_buffer.h"
+#include "platform/media/housekeeper.h"
+#include "platform/media/live_view.h"
+#include "platform/media/recorder.h"
+#include "platform/media/stream_stats.h"
 
 #include <atomic>
 #include <memory>
@@ -20,12 +20,12 @@ namespace cammgr {
  * stop() until its pipelines are destroyed.
  */
 class LiveStream::Session : public RtspSource::Client,
-                            public Housekeeper::Charge,
+                            public media::Housekeeper::Charge,
                             public std::enable_shared_from_this<LiveStream::Session>
 {
 public:
     Session(const StreamRequest &request, const Listener &listener,
-            std::shared_ptr<ClosingClips> closing);
+            std::shared_ptr<media::ClosingClips> closing);
     ~Session() override;
 
     void start(int volume);
@@ -57,8 +57,8 @@ private:
 
     void sourceDescribed(bool hasVideo, bool hasAudio) override;
     void sourcePlays() override;
-    void sourceVideo(const AccessUnit &unit) override;
-    void sourceAudio(const AudioUnit &unit) override;
+    void sourceVideo(const media::AccessUnit &unit) override;
+    void sourceAudio(const media::AudioUnit &unit) override;
     void sourceLostPackets() override { wantKeyFrame(); }
     void sourceEnded(StreamEnd reason) override;
     void sourceTransportRefused() override;
@@ -91,17 +91,17 @@ private:
     std::atomic<bool> m_keyReceived = false;
     std::atomic<int> m_width = 0;
     std::atomic<int> m_height = 0;
-    std::atomic<SteadyClock::time_point> m_started;
-    std::atomic<SteadyClock::time_point> m_lastSign; ///< PLAY was answered, or a frame came
-    std::atomic<SteadyClock::time_point> m_lastKeyAsked;
-    SteadyClock::time_point m_lastKeepAlive; ///< housekeeper's thread
-    CapsRef m_caps;                          ///< the thread that receives video
+    std::atomic<media::SteadyClock::time_point> m_started;
+    std::atomic<media::SteadyClock::time_point> m_lastSign; ///< PLAY was answered, or a frame came
+    std::atomic<media::SteadyClock::time_point> m_lastKeyAsked;
+    media::SteadyClock::time_point m_lastKeepAlive; ///< housekeeper's thread
+    media::CapsRef m_caps;                          ///< the thread that receives video
 
-    StreamStats m_stats;
-    GopBuffer m_memory;
-    const std::shared_ptr<AudioOutput> m_audio;
-    const std::shared_ptr<Recorder> m_recorder;
-    const std::shared_ptr<LiveView> m_view; ///< null when nothing is drawn
+    media::StreamStats m_stats;
+    media::GopBuffer m_memory;
+    const std::shared_ptr<media::AudioOutput> m_audio;
+    const std::shared_ptr<media::Recorder> m_recorder;
+    const std::shared_ptr<media::LiveView> m_view; ///< null when nothing is drawn
 };
 
 } // namespace cammgr

@@ -1,12 +1,12 @@
 #include "platform/cammgr/talk_back.h"
 
+#include "platform/base/glib_ptr.h"
 #include "platform/cammgr/cammgr.h"
-#include "platform/cammgr/frame_taker.h"
-#include "platform/cammgr/glib_ptr.h"
-#include "platform/cammgr/gst_ref.h"
 #include "platform/cammgr/login_guard.h"
 #include "platform/cammgr/rtsp_status.h"
 #include "platform/cammgr/stream_description.h"
+#include "platform/media/frame_taker.h"
+#include "platform/media/gst_ref.h"
 
 #include <gst/app/gstappsink.h>
 #include <gst/gst.h>
@@ -33,7 +33,7 @@ constexpr guint64 teardownTimeout = 100 * GST_MSECOND;
 struct Channel
 {
     guint stream = 0;
-    CapsRef caps; ///< of the RTP packets that the camera expects
+    media::CapsRef caps; ///< of the RTP packets that the camera expects
 };
 
 /// Whether an error is the camera's answer to a stream that it does not have (551 and the like),
@@ -44,7 +44,7 @@ bool isRefusal(GstMessage *error)
         return status >= GST_RTSP_STS_BAD_REQUEST && status != GST_RTSP_STS_UNAUTHORIZED;
     GError *reason = nullptr;
     gst_message_parse_error(error, &reason, nullptr);
-    const ErrorPtr guard(reason);
+    const base::GErrorPtr guard(reason);
     // After 501 and 551 the framework has no status, but that there is nothing to set up.
     return reason->domain == GST_STREAM_ERROR ||
            g_error_matches(reason, GST_RESOURCE_ERROR, GST_RESOURCE_ERROR_SETTINGS);
@@ -77,7 +77,7 @@ public:
     /// says that there is nothing to play.
     bool hasEnded(bool *refused = nullptr) const
     {
-        const ObjectPtr<GstBus> bus(gst_element_get_bus(get()));
+        const base::GObjectPtr<GstBus> bus(gst_element_get_bus(get()));
         GstMessage *message = gst_bus_pop_filtered(
             bus.get(), static_cast<GstMessageType>(GST_MESSAGE_ERROR | GST_MESSAGE_EOS));
         if (!message)
@@ -89,11 +89,11 @@ public:
     }
 
 private:
-    ObjectPtr<GstElement> m_element;
+    base::GObjectPtr<GstElement> m_element;
 };
 
 /// The packets that the camera expects, if in one of the two encodings that ONVIF requires.
-std::optional<CapsRef> packetCaps(const GstCaps *offered)
+std::optional<media::CapsRef> packetCaps(const GstCaps *offered)
 {
     const GstStructure *media = gst_caps_get_structure(offered, 0);
     const char *encoding = encodingNameOf(media);
@@ -101,7 +101,7 @@ std::optional<CapsRef> packetCaps(const GstCaps *offered)
         return std::nullopt;
     int payload = g_strcmp0(encoding, "PCMU") == 0 ? 0 : 8;
     gst_structure_get_int(media, "payload", &payload);
-    return CapsRef::adopt(gst_caps_new_simple(
+    return media::CapsRef::adopt(gst_caps_new_simple(
         "application/x-rtp", "media", G_TYPE_STRING, "audio", "clock-rate", G_TYPE_INT, 8000,
         "encoding-name", G_TYPE_STRING, encoding, "payload", G_TYPE_INT, payload, nullptr));
 }
@@ -131,7 +131,7 @@ GstElement *makeSource()
     if (const char *line = g_getenv("ZELVARO_TALKBACK_SOURCE"); line && *line) {
         GError *error = nullptr;
         GstElement *source = gst_parse_bin_from_description(line, TRUE, &error);
-        const ErrorPtr guard(error);
+        const base::GErrorPtr guard(error);
         return source;
     }
     GstElement *source = gst_element_factory_make("autoaudiosrc", nullptr);
@@ -168,13 +168,13 @@ RunningElement makeMicrophone(const GstCaps *packets)
         " ! appsink name=out sync=true max-buffers=10 drop=true enable-last-sample=false";
     GError *error = nullptr;
     RunningElement pipeline(gst_parse_launch(line.c_str(), &error));
-    const ErrorPtr guard(error);
+    const base::GErrorPtr guard(error);
     if (error || !pipeline) {
         gst_object_unref(gst_object_ref_sink(source));
         return RunningElement(nullptr);
     }
     gst_bin_add(GST_BIN(pipeline.get()), source);
-    const ObjectPtr<GstElement> input(gst_bin_get_by_name(GST_BIN(pipeline.get()), "in"));
+    const base::GObjectPtr<GstElement> input(gst_bin_get_by_name(GST_BIN(pipeline.get()), "in"));
     return gst_element_link(source, input.get()) ? std::move(pipeline) : RunningElement(nullptr);
 }
 
@@ -207,15 +207,16 @@ public:
     int failure() const
     {
         const std::lock_guard lock(m_mutex);
-        return m_isDone && !m_stopWanted && SteadyClock::now() - m_doneAt < failurePause ? m_failure
-                                                                                         : 0;
+        return m_isDone && !m_stopWanted && media::SteadyClock::now() - m_doneAt < failurePause
+                   ? m_failure
+                   : 0;
     }
     void finish(int failure)
     {
         const std::lock_guard lock(m_mutex);
         m_isDone = true;
         m_failure = failure;
-        m_doneAt = SteadyClock::now();
+        m_doneAt = media::SteadyClock::now();
         m_changed.notify_all();
     }
 
@@ -238,7 +239,7 @@ private:
     bool m_stopWanted = false;
     bool m_isDone = false;
     int m_failure = 0; ///< a CAMMGR_TALK_ value
-    SteadyClock::time_point m_doneAt;
+    media::SteadyClock::time_point m_doneAt;
     std::optional<Channel> m_channel;
     std::atomic<bool> m_wasDescribed = false; ///< the camera has described its streams
 };
@@ -262,7 +263,7 @@ gboolean TalkBack::Run::selectStream(GstElement *, guint stream, GstCaps *caps, 
     // The direction is seen from the camera's description: "sendonly" is what we send.
     if (!gst_structure_has_field(media, "a-sendonly"))
         return FALSE;
-    std::optional<CapsRef> packets = packetCaps(caps);
+    std::optional<media::CapsRef> packets = packetCaps(caps);
     const std::lock_guard lock(run->m_mutex);
     if (!packets || run->m_channel)
         return FALSE;
@@ -321,7 +322,7 @@ int TalkBack::Run::talk()
     const RunningElement microphone = makeMicrophone(channel->caps.get());
     if (!microphone || !microphone.play())
         return CAMMGR_TALK_NO_MICROPHONE;
-    const ObjectPtr<GstElement> sink(gst_bin_get_by_name(GST_BIN(microphone.get()), "out"));
+    const base::GObjectPtr<GstElement> sink(gst_bin_get_by_name(GST_BIN(microphone.get()), "out"));
     while (!stopWanted() && !session.hasEnded()) {
         if (microphone.hasEnded())
             return CAMMGR_TALK_NO_MICROPHONE;

@@ -8,7 +8,7 @@
 
 namespace ndcp {
 
-Client::Client(std::shared_ptr<Worker> worker, ndcp_callback callback, void *user)
+Client::Client(std::shared_ptr<base::LoopThread> worker, ndcp_callback callback, void *user)
     : m_worker(std::move(worker))
     , m_callback(callback)
     , m_user(user)

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/base/loop_thread.h"
 #include "platform/ndcp/configuration_task.h"
 #include "platform/ndcp/ndcp.h"
-#include "platform/ndcp/worker.h"
 #include "platform/onvif/discovery_search.h"
 
 #include <cstdint>
@@ -18,7 +18,7 @@ namespace ndcp {
 class Client
 {
 public:
-    Client(std::shared_ptr<Worker> worker, ndcp_callback callback, void *user);
+    Client(std::shared_ptr<base::LoopThread> worker, ndcp_callback callback, void *user);
     /// Cancels what is running; no callback runs during or after it.
     ~Client();
     Client(const Client &) = delete;
@@ -37,7 +37,7 @@ private:
     void searchDone(const onvif::SearchResult &result);
     void startTask(ConfigurationTask::Kind kind, const ndcp_device &record, ndcp_device *target);
 
-    std::shared_ptr<Worker> m_worker;
+    std::shared_ptr<base::LoopThread> m_worker;
     ndcp_callback m_callback;
     void *m_user;
     onvif::RequestPtr m_search; ///< worker

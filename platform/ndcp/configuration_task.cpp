@@ -1,12 +1,12 @@
 #include "platform/ndcp/configuration_task.h"
 
+#include "platform/base/text.h"
 #include "platform/ndcp/configuration_reader.h"
 #include "platform/ndcp/configuration_writer.h"
 #include "platform/ndcp/device_record.h"
 #include "platform/ndcp/known_devices.h"
 #include "platform/ndcp/log.h"
 #include "platform/onvif/discovery_search.h"
-#include "platform/onvif/text.h"
 
 #include <algorithm>
 #include <array>
@@ -20,10 +20,10 @@ namespace {
 
 std::string validText(const std::string &text)
 {
-    return onvif::GTextPtr(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()))).get();
+    return base::GTextPtr(g_utf8_make_valid(text.data(), static_cast<gssize>(text.size()))).get();
 }
 
-onvif::Credentials credentialsOf(const ndcp_device &record)
+base::Credentials credentialsOf(const ndcp_device &record)
 {
     return {validText(fieldText(record.username)), validText(fieldText(record.password))};
 }
@@ -42,10 +42,10 @@ ConfigurationTask::ConfigurationTask(GMainContext *context, Kind kind, const ndc
     : m_context(context)
     , m_kind(kind)
     , m_record(record)
-    , m_uid(onvif::uidFromEndpoint(fieldText(record.uid)))
+    , m_uid(base::uidFromEndpoint(fieldText(record.uid)))
     , m_done(std::move(done))
     , m_times(times)
-    , m_start(context, 0, [this] { start(); })
+    , m_start(context, std::chrono::milliseconds(0), [this] { start(); })
 {
     // Any host may claim a UID.
     m_times.soap.clearPassword =
@@ -113,7 +113,7 @@ void ConfigurationTask::search(Answer before)
     scope.uid = m_uid;
     scope.milliseconds = m_times.search;
     scope.isWanted = [uid = m_uid](const onvif::DiscoveredDevice &device) {
-        return onvif::sameUid(device.uid, uid);
+        return base::sameUid(device.uid, uid);
     };
     m_request = std::make_unique<onvif::DiscoverySearch>(
         m_context, std::move(scope),

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/base/timer.h"
 #include "platform/ndcp/configuration_times.h"
 #include "platform/ndcp/ndcp.h"
 #include "platform/ndcp/network_configuration.h"
 #include "platform/onvif/request.h"
-#include "platform/onvif/timer.h"
 
 #include <glib.h>
 
@@ -68,7 +68,7 @@ private:
     ConfigurationTimes m_times;
     std::unique_ptr<onvif::SoapClient> m_soap;
     onvif::RequestPtr m_request;
-    onvif::Timer m_start; ///< so that done is never called inside the constructor
+    base::Timer m_start; ///< so that done is never called inside the constructor
 };
 
 } // namespace ndcp

@@ -50,7 +50,7 @@ ConfigurationWriter::ConfigurationWriter(GMainContext *context, Target target,
     , m_change(changeTo(record, current, base).value_or(ConfigurationChange()))
     , m_times(times)
     , m_done(std::move(done))
-    , m_start(context, 0, [this] { runNext(); })
+    , m_start(context, std::chrono::milliseconds(0), [this] { runNext(); })
 {
     m_firstService = m_target.service;
     plan();

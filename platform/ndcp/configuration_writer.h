@@ -1,10 +1,11 @@
 #pragma once
 
+#include "platform/base/credentials.h"
+#include "platform/base/timer.h"
 #include "platform/ndcp/configuration_times.h"
 #include "platform/ndcp/ndcp.h"
 #include "platform/ndcp/network_configuration.h"
 #include "platform/onvif/device_client.h"
-#include "platform/onvif/timer.h"
 
 #include <glib.h>
 
@@ -36,7 +37,7 @@ public:
     {
         std::string service;
         std::string uid; ///< may be empty
-        onvif::Credentials credentials;
+        base::Credentials credentials;
     };
 
     /// service: where the device service can be expected from now on; empty when it is not known.
@@ -96,7 +97,7 @@ private:
     std::unique_ptr<onvif::SoapClient> m_soap;
     std::unique_ptr<onvif::DeviceClient> m_device;
     onvif::RequestPtr m_request;
-    onvif::Timer m_start; ///< so that done is never called inside the constructor
+    base::Timer m_start; ///< so that done is never called inside the constructor
 };
 
 } // namespace ndcp

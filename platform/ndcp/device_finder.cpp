@@ -1,9 +1,9 @@
 #include "platform/ndcp/device_finder.h"
 
+#include "platform/base/text.h"
 #include "platform/ndcp/configuration_reader.h"
 #include "platform/ndcp/log.h"
 #include "platform/onvif/discovery_search.h"
-#include "platform/onvif/text.h"
 
 #include <algorithm>
 #include <utility>
@@ -19,15 +19,15 @@ constexpr std::size_t maxPlaces = 16;
 
 } // namespace
 
-DeviceFinder::DeviceFinder(GMainContext *context, Wanted wanted, onvif::Credentials credentials,
+DeviceFinder::DeviceFinder(GMainContext *context, Wanted wanted, base::Credentials credentials,
                            const ConfigurationTimes &times, Done done)
     : m_context(context)
     , m_wanted(std::move(wanted))
     , m_credentials(std::move(credentials))
     , m_times(times)
     , m_done(std::move(done))
-    , m_pause(context, 0, [this] { startRound(); })
-    , m_end(context, times.look, [this] { finish(false); })
+    , m_pause(context, std::chrono::milliseconds(0), [this] { startRound(); })
+    , m_end(context, std::chrono::milliseconds(times.look), [this] { finish(false); })
 {
     m_times.soap.questionMilliseconds = times.lookQuestion;
 }
@@ -80,7 +80,8 @@ void DeviceFinder::answered(SoapStatus status, const NetworkConfiguration &confi
 void DeviceFinder::search()
 {
     if (m_wanted.uid.empty()) {
-        m_pause = onvif::Timer(m_context, m_times.pause, [this] { startRound(); });
+        m_pause.start(
+            std::chrono::milliseconds(m_times.pause), [this] { startRound(); }, m_context);
         return;
     }
     onvif::SearchScope scope = onvif::SearchScope::fromEnvironment();
@@ -88,7 +89,7 @@ void DeviceFinder::search()
     scope.milliseconds = m_times.pause;
     scope.isWanted = [this](const onvif::DiscoveredDevice &device) {
         const std::vector<std::string> &places = m_wanted.places;
-        return onvif::sameUid(device.uid, m_wanted.uid) &&
+        return base::sameUid(device.uid, m_wanted.uid) &&
                std::find(places.begin(), places.end(), device.serviceAddress) == places.end();
     };
     m_request = std::make_unique<onvif::DiscoverySearch>(
@@ -110,8 +111,8 @@ bool DeviceFinder::isSameDevice(const NetworkConfiguration &configuration) const
 void DeviceFinder::finish(bool isThere)
 {
     m_request.reset();
-    m_pause = {};
-    m_end = {};
+    m_pause.stop();
+    m_end.stop();
     // The receiver may destroy this object.
     const Done done = std::move(m_done);
     done({isThere, m_seenAt});

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "platform/base/credentials.h"
+#include "platform/base/timer.h"
 #include "platform/ndcp/configuration_times.h"
 #include "platform/ndcp/network_configuration.h"
 #include "platform/onvif/request.h"
-#include "platform/onvif/timer.h"
 
 #include <glib.h>
 
@@ -40,7 +41,7 @@ public:
 
     /// Ends after times.look milliseconds at the latest, or with the patience. done is never called
     /// inside.
-    DeviceFinder(GMainContext *context, Wanted wanted, onvif::Credentials credentials,
+    DeviceFinder(GMainContext *context, Wanted wanted, base::Credentials credentials,
                  const ConfigurationTimes &times, Done done);
 
 private:
@@ -53,7 +54,7 @@ private:
 
     GMainContext *m_context;
     Wanted m_wanted;
-    onvif::Credentials m_credentials;
+    base::Credentials m_credentials;
     ConfigurationTimes m_times;
     Done m_done;
     std::size_t m_next = 0; ///< place
@@ -62,8 +63,8 @@ private:
     gint64 m_started = g_get_monotonic_time();
     std::unique_ptr<onvif::SoapClient> m_soap;
     onvif::RequestPtr m_request;
-    onvif::Timer m_pause;
-    onvif::Timer m_end;
+    base::Timer m_pause;
+    base::Timer m_end;
 };
 
 } // namespace ndcp

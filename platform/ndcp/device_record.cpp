@@ -28,7 +28,7 @@ static_assert(offsetof(ndcp_device, dns1) == 272);
 static_assert(offsetof(ndcp_device, dns2) == 276);
 static_assert(offsetof(ndcp_device, username) == 280);
 static_assert(offsetof(ndcp_device, password) == 344);
-static_assert(onvif::maxUidLength == sizeof(ndcp_device::uid) - 1);
+static_assert(base::maxUidLength == sizeof(ndcp_device::uid) - 1);
 
 namespace {
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/base/text.h"
 #include "platform/ndcp/ndcp.h"
-#include "platform/onvif/text.h"
 #include "platform/onvif/ws_discovery_message.h"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ inline constexpr int usualWebPort = 80;
 template <std::size_t size>
 void setField(char (&field)[size], std::string_view text)
 {
-    const std::string cut = onvif::cutUtf8(text, size - 1);
+    const std::string cut = base::cutUtf8(text, size - 1);
     std::fill(std::copy(cut.begin(), cut.end(), field), field + size, '\0');
 }
 

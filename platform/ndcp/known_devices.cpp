@@ -1,6 +1,6 @@
 #include "platform/ndcp/known_devices.h"
 
-#include "platform/onvif/text.h"
+#include "platform/base/text.h"
 
 #include <algorithm>
 #include <iterator>
@@ -23,7 +23,7 @@ KnownDevices &KnownDevices::instance()
 KnownDevices::Device KnownDevices::device(const std::string &uid) const
 {
     const std::lock_guard lock(m_mutex);
-    const auto found = m_devices.find(onvif::lowerAscii(uid));
+    const auto found = m_devices.find(base::lowerAscii(uid));
     return found == m_devices.end() ? Device() : found->second;
 }
 
@@ -58,7 +58,7 @@ KnownDevices::Device &KnownDevices::place(const std::string &uid)
 {
     if (m_devices.size() >= maxKnown)
         m_devices.clear();
-    return m_devices[onvif::lowerAscii(uid)];
+    return m_devices[base::lowerAscii(uid)];
 }
 
 } // namespace ndcp

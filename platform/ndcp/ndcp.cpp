@@ -1,6 +1,7 @@
 #include "platform/ndcp/ndcp.h"
 
 #include "platform/ndcp/client.h"
+#include "platform/ndcp/worker.h"
 
 #include <exception>
 #include <new>
@@ -37,7 +38,7 @@ ndcp_client *ndcpclient_create(ndcp_callback callback, void *user)
     if (!callback)
         return made;
     guarded([&] {
-        if (std::shared_ptr<ndcp::Worker> worker = ndcp::Worker::acquire())
+        if (std::shared_ptr<base::LoopThread> worker = ndcp::acquireWorker())
             made = new ndcp_client{{std::move(worker), callback, user}};
     });
     return made;

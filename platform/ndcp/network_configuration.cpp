@@ -30,7 +30,7 @@ onvif::ScopeTexts textsOf(const std::vector<DeviceScope> &scopes)
 template <std::size_t size>
 bool isChanged(const char (&field)[size], const std::string &current)
 {
-    return fieldText(field) != onvif::cutUtf8(current, size - 1);
+    return fieldText(field) != base::cutUtf8(current, size - 1);
 }
 
 // Which parts of the record the user may have changed since it was read.

@@ -1,11 +1,11 @@
 #include "platform/onvif/camera_lookup.h"
 
+#include "platform/base/glib_ptr.h"
+#include "platform/base/text.h"
 #include "platform/onvif/device_client.h"
 #include "platform/onvif/discovery_search.h"
-#include "platform/onvif/glib_ptr.h"
 #include "platform/onvif/media_client.h"
 #include "platform/onvif/net_address.h"
-#include "platform/onvif/text.h"
 
 #include <deque>
 #include <set>
@@ -23,7 +23,7 @@ constexpr std::size_t maxKnownCameras = 256;
 // What is kept of a camera between requests.
 struct KnownCamera
 {
-    KnownCamera(GMainContext *context, const std::string &xaddr, const Credentials &user,
+    KnownCamera(GMainContext *context, const std::string &xaddr, const base::Credentials &user,
                 ClearPassword clear)
         : credentials(user)
         , clearPassword(clear)
@@ -31,7 +31,7 @@ struct KnownCamera
     {
     }
 
-    Credentials credentials;
+    base::Credentials credentials;
     ClearPassword clearPassword;
     SoapClient soap;
     std::string mediaService; ///< empty until requested
@@ -243,7 +243,7 @@ class CameraLookup::Private
 public:
     explicit Private(GMainContext *mainContext) : context(g_main_context_ref(mainContext)) {}
 
-    KnownCameraPtr camera(const std::string &xaddr, const Credentials &credentials)
+    KnownCameraPtr camera(const std::string &xaddr, const base::Credentials &credentials)
     {
         const ClearPassword clear =
             foundByUid.contains(xaddr) ? ClearPassword::Never : ClearPassword::AsLastResort;
@@ -257,7 +257,7 @@ public:
             std::make_shared<KnownCamera>(context.get(), xaddr, credentials, clear));
     }
 
-    GMainContextPtr context;
+    base::GMainContextPtr context;
     /// Device services reported by the answer to a Resolve or Probe for a UID. Any host may claim a
     /// UID: such a device never gets the password in clear.
     std::set<std::string> foundByUid;
@@ -274,7 +274,7 @@ RequestPtr CameraLookup::resolve(const std::string &uid,
                                  std::function<void(std::optional<CameraLocation>)> done)
 {
     SearchScope scope = SearchScope::fromEnvironment();
-    scope.uid = uidFromEndpoint(uid);
+    scope.uid = base::uidFromEndpoint(uid);
     if (scope.uid.empty()) {
         // No device can have it: nothing is sent.
         scope.multicast = false;
@@ -282,7 +282,7 @@ RequestPtr CameraLookup::resolve(const std::string &uid,
         scope.milliseconds = 0;
     }
     scope.isWanted = [uid = scope.uid](const DiscoveredDevice &device) {
-        return sameUid(device.uid, uid);
+        return base::sameUid(device.uid, uid);
     };
     return std::make_unique<DiscoverySearch>(
         d->context.get(), std::move(scope),
@@ -314,7 +314,7 @@ RequestPtr CameraLookup::locate(const std::string &host, std::function<void(Came
         });
 }
 
-RequestPtr CameraLookup::streamUris(const std::string &xaddr, const Credentials &credentials,
+RequestPtr CameraLookup::streamUris(const std::string &xaddr, const base::Credentials &credentials,
                                     std::function<void(SoapStatus, CameraStreams)> done)
 {
     auto request = std::make_unique<StreamsRequest>(d->camera(xaddr, credentials), std::move(done));
@@ -322,14 +322,14 @@ RequestPtr CameraLookup::streamUris(const std::string &xaddr, const Credentials 
     return request;
 }
 
-RequestPtr CameraLookup::webServer(const std::string &xaddr, const Credentials &credentials,
+RequestPtr CameraLookup::webServer(const std::string &xaddr, const base::Credentials &credentials,
                                    std::function<void(std::optional<WebServer>)> done)
 {
     return std::make_unique<WebServerRequest>(d->camera(xaddr, credentials), done);
 }
 
 RequestPtr CameraLookup::requestKeyFrame(const std::string &xaddr, const std::string &profileToken,
-                                         const Credentials &credentials,
+                                         const base::Credentials &credentials,
                                          std::function<void(SoapStatus)> done)
 {
     auto request = std::make_unique<KeyFrameRequest>(d->camera(xaddr, credentials), profileToken,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/base/credentials.h"
 #include "platform/onvif/device_message.h"
 #include "platform/onvif/request.h"
 #include "platform/onvif/soap_status.h"
@@ -68,18 +69,20 @@ public:
 
     /// The streams of the camera whose device service is at xaddr. The streams are filled when
     /// the status is Ok. A camera without an H.264 profile is a Fault.
-    [[nodiscard]] RequestPtr streamUris(const std::string &xaddr, const Credentials &credentials,
+    [[nodiscard]] RequestPtr streamUris(const std::string &xaddr,
+                                        const base::Credentials &credentials,
                                         std::function<void(SoapStatus, CameraStreams)> done);
 
     /// Where the camera whose device service is at xaddr has its web pages (GetNetworkProtocols):
     /// by HTTPS rather than HTTP where xaddr is an https address. nullopt when it does not tell.
-    [[nodiscard]] RequestPtr webServer(const std::string &xaddr, const Credentials &credentials,
+    [[nodiscard]] RequestPtr webServer(const std::string &xaddr,
+                                       const base::Credentials &credentials,
                                        std::function<void(std::optional<WebServer>)> done);
 
     /// Asks for a key frame (SetSynchronizationPoint) on a profile.
     [[nodiscard]] RequestPtr requestKeyFrame(const std::string &xaddr,
                                              const std::string &profileToken,
-                                             const Credentials &credentials,
+                                             const base::Credentials &credentials,
                                              std::function<void(SoapStatus)> done);
 
 private:

@@ -1,6 +1,6 @@
 #include "platform/onvif/device_message.h"
 
-#include "platform/onvif/text.h"
+#include "platform/base/text.h"
 #include "platform/onvif/xml_message.h"
 
 #include <algorithm>
@@ -70,7 +70,7 @@ NetworkInterface readInterface(pugi::xml_node node)
 
 std::string cleanInformation(pugi::xml_node response, std::string_view name)
 {
-    return cleanText(textOf(child(response, name)), maxInformationText);
+    return base::cleanText(textOf(child(response, name)), maxInformationText);
 }
 
 } // namespace
@@ -106,7 +106,7 @@ std::string buildSetNetworkInterfaces(const InterfaceSetup &setup)
     }
     ipv4 += element("tt:DHCP", boolText(setup.dhcp));
     return element("tds:SetNetworkInterfaces",
-                   element("tds:InterfaceToken", xmlEscape(setup.token)) +
+                   element("tds:InterfaceToken", base::xmlEscape(setup.token)) +
                        element("tds:NetworkInterface",
                                element("tt:Enabled", "true") + element("tt:IPv4", ipv4)));
 }
@@ -145,7 +145,7 @@ std::string buildSetNetworkProtocols(const std::vector<NetworkProtocol> &protoco
 {
     std::string content;
     for (const NetworkProtocol &protocol : protocols) {
-        std::string one = element("tt:Name", xmlEscape(protocol.name)) +
+        std::string one = element("tt:Name", base::xmlEscape(protocol.name)) +
                           element("tt:Enabled", boolText(protocol.isEnabled));
         for (const int port : protocol.ports)
             one += element("tt:Port", std::to_string(port));
@@ -163,7 +163,7 @@ std::string buildSetScopes(const std::vector<std::string> &scopes)
 {
     std::string content;
     for (const std::string &scope : scopes)
-        content += element("tds:Scopes", xmlEscape(scope));
+        content += element("tds:Scopes", base::xmlEscape(scope));
     return element("tds:SetScopes", content);
 }
 
@@ -248,7 +248,7 @@ std::optional<std::vector<NetworkProtocol>> parseNetworkProtocols(const XmlMessa
     std::vector<NetworkProtocol> protocols;
     for (const pugi::xml_node node : children(response, "NetworkProtocols")) {
         NetworkProtocol protocol;
-        protocol.name = cleanText(textOf(child(node, "Name")), 16);
+        protocol.name = base::cleanText(textOf(child(node, "Name")), 16);
         protocol.isEnabled = isTrue(child(node, "Enabled"));
         for (const pugi::xml_node port : children(node, "Port")) {
             const int number = numberOf(port, 0);

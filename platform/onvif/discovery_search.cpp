@@ -1,14 +1,15 @@
 #include "platform/onvif/discovery_search.h"
 
+#include "platform/base/text.h"
+#include "platform/base/timer.h"
 #include "platform/onvif/discovery_socket.h"
 #include "platform/onvif/log.h"
 #include "platform/onvif/network_interfaces.h"
-#include "platform/onvif/text.h"
-#include "platform/onvif/timer.h"
 
 #include <algorithm>
 #include <array>
 #include <set>
+#include <utility>
 
 namespace onvif {
 
@@ -30,19 +31,19 @@ constexpr Ipv4 unknownSubnet = 0;
 
 std::string newMessageId()
 {
-    return GTextPtr(g_uuid_string_random()).get();
+    return base::GTextPtr(g_uuid_string_random()).get();
 }
 
-GObjectPtr<GSocketAddress> groupAddress()
+base::GObjectPtr<GSocketAddress> groupAddress()
 {
-    return GObjectPtr<GSocketAddress>(
+    return base::GObjectPtr<GSocketAddress>(
         g_inet_socket_address_new_from_string(discoveryGroup, discoveryPort));
 }
 
-GObjectPtr<GSocketAddress> groupAddress6(unsigned interface)
+base::GObjectPtr<GSocketAddress> groupAddress6(unsigned interface)
 {
-    const GObjectPtr<GInetAddress> group(g_inet_address_new_from_string(discoveryGroup6));
-    return GObjectPtr<GSocketAddress>(G_SOCKET_ADDRESS(
+    const base::GObjectPtr<GInetAddress> group(g_inet_address_new_from_string(discoveryGroup6));
+    return base::GObjectPtr<GSocketAddress>(G_SOCKET_ADDRESS(
         g_object_new(G_TYPE_INET_SOCKET_ADDRESS, "address", group.get(), "port",
                      static_cast<guint>(discoveryPort), "scope-id", interface, nullptr)));
 }
@@ -99,14 +100,14 @@ private:
     struct Multicaster
     {
         std::unique_ptr<DiscoverySocket> socket;
-        GObjectPtr<GSocketAddress> group;
+        base::GObjectPtr<GSocketAddress> group;
     };
 
     void openMulticastSockets();
     void findTargets();
     void findNextAddress(GSocketAddressEnumerator *enumerator);
     static void foundAddress(GObject *enumerator, GAsyncResult *result, gpointer self);
-    void addTarget(GObjectPtr<GSocketAddress> address);
+    void addTarget(base::GObjectPtr<GSocketAddress> address);
     DiscoverySocket *unicastSocket(GSocketFamily family);
     [[nodiscard]] std::vector<std::string> questions();
     void sendRound(std::size_t round);
@@ -117,22 +118,22 @@ private:
     [[nodiscard]] Ipv4 subnetMaskOf(std::string_view sender) const;
     void finish();
 
-    GMainContextPtr m_context;
+    base::GMainContextPtr m_context;
     SearchScope m_scope;
     Done m_done;
-    GObjectPtr<GCancellable> m_cancellable{g_cancellable_new()};
+    base::GObjectPtr<GCancellable> m_cancellable{g_cancellable_new()};
     std::vector<LocalAddress> m_localAddresses = localAddresses();
     std::vector<Multicaster> m_multicasters;
-    std::vector<GObjectPtr<GSocketAddress>> m_groups6; ///< one for each interface
+    std::vector<base::GObjectPtr<GSocketAddress>> m_groups6; ///< one for each interface
     std::unique_ptr<DiscoverySocket> m_unicast4;
     std::unique_ptr<DiscoverySocket> m_unicast6;
-    std::vector<GObjectPtr<GSocketAddress>> m_targets;
+    std::vector<base::GObjectPtr<GSocketAddress>> m_targets;
     std::set<std::string> m_askedIds;
     std::vector<std::string> m_lastQuestions;
     SearchResult m_result;
     int m_datagrams = 0;
-    std::array<Timer, rounds.size()> m_roundTimers;
-    Timer m_endTimer;
+    std::array<base::Timer, rounds.size()> m_roundTimers;
+    base::Timer m_endTimer;
 };
 
 DiscoverySearch::Private::Private(GMainContext *context, SearchScope scope, Done done)
@@ -140,13 +141,14 @@ DiscoverySearch::Private::Private(GMainContext *context, SearchScope scope, Done
     , m_scope(std::move(scope))
     , m_done(std::move(done))
 {
-    g_warn_if_fail(isThreadDefault(context));
+    g_warn_if_fail(base::isThreadDefault(context));
     if (m_scope.multicast)
         openMulticastSockets();
     for (std::size_t i = 0; i < rounds.size(); ++i)
-        m_roundTimers[i] = Timer(
-            context, rounds[i], [this, i] { sendRound(i); });
-    m_endTimer = Timer(context, m_scope.milliseconds, [this] { finish(); });
+        m_roundTimers[i].start(
+            std::chrono::milliseconds(rounds[i]), [this, i] { sendRound(i); }, context);
+    m_endTimer.start(
+        std::chrono::milliseconds(m_scope.milliseconds), [this] { finish(); }, context);
     findTargets();
 }
 
@@ -169,11 +171,11 @@ void DiscoverySearch::Private::openMulticastSockets()
 void DiscoverySearch::Private::findTargets()
 {
     for (const std::string &target : m_scope.targets) {
-        const GObjectPtr<GSocketConnectable> host(
+        const base::GObjectPtr<GSocketConnectable> host(
             g_network_address_parse(target.c_str(), discoveryPort, nullptr));
         if (!host)
             continue;
-        const GObjectPtr<GSocketAddressEnumerator> enumerator(
+        const base::GObjectPtr<GSocketAddressEnumerator> enumerator(
             g_socket_connectable_enumerate(host.get()));
         findNextAddress(enumerator.get());
     }
@@ -189,9 +191,9 @@ void DiscoverySearch::Private::foundAddress(GObject *enumerator, GAsyncResult *r
                                             gpointer self)
 {
     GError *error = nullptr;
-    GObjectPtr<GSocketAddress> address(g_socket_address_enumerator_next_finish(
+    base::GObjectPtr<GSocketAddress> address(g_socket_address_enumerator_next_finish(
         G_SOCKET_ADDRESS_ENUMERATOR(enumerator), result, &error));
-    const GErrorPtr failure(error);
+    const base::GErrorPtr failure(error);
     // A destroyed search has cancelled: self is not to be touched.
     if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CANCELLED) || !address)
         return;
@@ -200,7 +202,7 @@ void DiscoverySearch::Private::foundAddress(GObject *enumerator, GAsyncResult *r
     search->findNextAddress(G_SOCKET_ADDRESS_ENUMERATOR(enumerator));
 }
 
-void DiscoverySearch::Private::addTarget(GObjectPtr<GSocketAddress> address)
+void DiscoverySearch::Private::addTarget(base::GObjectPtr<GSocketAddress> address)
 {
     if (m_targets.size() >= maxTargets)
         return;
@@ -245,7 +247,7 @@ void DiscoverySearch::Private::sendRound(std::size_t round)
     for (const std::string &question : m_lastQuestions) {
         for (const Multicaster &multicaster : m_multicasters)
             multicaster.socket->send(multicaster.group.get(), question);
-        for (const GObjectPtr<GSocketAddress> &target : m_targets)
+        for (const base::GObjectPtr<GSocketAddress> &target : m_targets)
             unicastSocket(g_socket_address_get_family(target.get()))->send(target.get(), question);
     }
     if (m_scope.multicast && round >= firstRoundOfIpv6)
@@ -258,7 +260,7 @@ void DiscoverySearch::Private::sendToIpv6Groups()
     DiscoverySocket *socket = m_groups6.empty() ? nullptr : unicastSocket(G_SOCKET_FAMILY_IPV6);
     if (!socket)
         return;
-    for (const GObjectPtr<GSocketAddress> &group : m_groups6)
+    for (const base::GObjectPtr<GSocketAddress> &group : m_groups6)
         for (const std::string &question : m_lastQuestions)
             socket->send(group.get(), question);
 }
@@ -279,7 +281,8 @@ void DiscoverySearch::Private::received(std::string_view datagram, const std::st
         if (m_scope.isWanted && !m_result.wanted && m_scope.isWanted(device)) {
             m_result.wanted = device;
             // Not from here: the socket that is being read would go.
-            m_endTimer = Timer(m_context.get(), 0, [this] { finish(); });
+            m_endTimer.start(
+                std::chrono::milliseconds(0), [this] { finish(); }, m_context.get());
         }
         add(std::move(device));
     }
@@ -289,7 +292,7 @@ bool DiscoverySearch::Private::isTarget(std::string_view sender) const
 {
     return std::any_of(
         m_targets.begin(), m_targets.end(),
-        [sender](const GObjectPtr<GSocketAddress> &target) {
+        [sender](const base::GObjectPtr<GSocketAddress> &target) {
             return hostText(target.get()) == sender;
         });
 }
@@ -299,7 +302,7 @@ void DiscoverySearch::Private::add(DiscoveredDevice device)
     std::vector<DiscoveredDevice> &devices = m_result.devices;
     const auto known =
         std::find_if(devices.begin(), devices.end(), [&device](const DiscoveredDevice &other) {
-            return sameUid(other.uid, device.uid);
+            return base::sameUid(other.uid, device.uid);
         });
     if (known == devices.end()) {
         if (devices.size() < maxDevices)
@@ -328,8 +331,8 @@ void DiscoverySearch::Private::finish()
     m_multicasters.clear();
     m_unicast4.reset();
     m_unicast6.reset();
-    for (Timer &timer : m_roundTimers)
-        timer = {};
+    for (base::Timer &timer : m_roundTimers)
+        timer.stop();
     // The receiver may destroy the search.
     const Done done = std::exchange(m_done, nullptr);
     done(std::move(m_result));

@@ -15,12 +15,12 @@ namespace {
 constexpr int datagramsPerTurn = 32;
 constexpr int receiveBuffer = 2 * 1024 * 1024;
 
-GObjectPtr<GSocketAddress> localAddress(GSocketFamily family, std::optional<Ipv4> local)
+base::GObjectPtr<GSocketAddress> localAddress(GSocketFamily family, std::optional<Ipv4> local)
 {
-    GObjectPtr<GInetAddress> address(local
-                                         ? g_inet_address_new_from_string(ipv4Text(*local).c_str())
-                                         : g_inet_address_new_any(family));
-    return GObjectPtr<GSocketAddress>(g_inet_socket_address_new(address.get(), 0));
+    base::GObjectPtr<GInetAddress> address(
+        local ? g_inet_address_new_from_string(ipv4Text(*local).c_str())
+              : g_inet_address_new_any(family));
+    return base::GObjectPtr<GSocketAddress>(g_inet_socket_address_new(address.get(), 0));
 }
 
 bool setMulticastInterface(GSocket *socket, Ipv4 address)
@@ -40,7 +40,7 @@ std::string hostText(GSocketAddress *address)
         return {};
     auto *socketAddress = G_INET_SOCKET_ADDRESS(address);
     GInetAddress *host = g_inet_socket_address_get_address(socketAddress);
-    const std::string text = GTextPtr(g_inet_address_to_string(host)).get();
+    const std::string text = base::GTextPtr(g_inet_address_to_string(host)).get();
     // A link-local address says nothing without its interface (RFC 4007 11).
     const bool isScoped = g_inet_address_get_family(host) == G_SOCKET_FAMILY_IPV6 &&
                           g_inet_address_get_is_link_local(host);
@@ -51,7 +51,7 @@ std::string hostText(GSocketAddress *address)
 std::unique_ptr<DiscoverySocket> DiscoverySocket::open(GMainContext *context, GSocketFamily family,
                                                        std::optional<Ipv4> local, Received received)
 {
-    GObjectPtr<GSocket> socket(
+    base::GObjectPtr<GSocket> socket(
         g_socket_new(family, G_SOCKET_TYPE_DATAGRAM, G_SOCKET_PROTOCOL_UDP, nullptr));
     if (!socket)
         return nullptr;
@@ -86,7 +86,7 @@ gboolean DiscoverySocket::readable(GSocket *, GIOCondition, gpointer self)
 void DiscoverySocket::receiveSome()
 {
     // The receiver may destroy this object: what the loop needs is kept by value.
-    const GObjectPtr<GSocket> socket = shareObject(m_socket.get());
+    const base::GObjectPtr<GSocket> socket = base::shareObject(m_socket.get());
     GSource *source = g_source_ref(m_source.get());
     const Received received = m_received;
     std::vector<char> buffer(maxDatagram);
@@ -95,8 +95,8 @@ void DiscoverySocket::receiveSome()
         GError *error = nullptr;
         const gssize length = g_socket_receive_from(socket.get(), &from, buffer.data(),
                                                     buffer.size(), nullptr, &error);
-        const GObjectPtr<GSocketAddress> sender(from);
-        const GErrorPtr failure(error);
+        const base::GObjectPtr<GSocketAddress> sender(from);
+        const base::GErrorPtr failure(error);
         if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK))
             break;
         // A target that is not there shows as "connection refused" here; the others go on.

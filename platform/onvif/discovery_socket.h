@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/onvif/glib_ptr.h"
+#include "platform/base/glib_ptr.h"
 #include "platform/onvif/net_address.h"
 
 #include <functional>
@@ -31,8 +31,8 @@ private:
     static gboolean readable(GSocket *socket, GIOCondition condition, gpointer self);
     void receiveSome();
 
-    GObjectPtr<GSocket> m_socket;
-    GSourcePtr m_source;
+    base::GObjectPtr<GSocket> m_socket;
+    base::GSourcePtr m_source;
     Received m_received;
 };
 

@@ -1,7 +1,7 @@
 #include "platform/onvif/http_exchange.h"
 
+#include "platform/base/timer.h"
 #include "platform/onvif/net_address.h"
-#include "platform/onvif/timer.h"
 #include "platform/onvif/xml_message.h"
 
 #include <utility>
@@ -20,7 +20,7 @@ public:
     Exchange(GMainContext *context, SoupSession *session, HttpPost post,
              std::function<void(HttpAnswer)> done)
         : m_context(g_main_context_ref(context))
-        , m_session(shareObject(session))
+        , m_session(base::shareObject(session))
         , m_post(std::move(post))
         , m_done(std::move(done))
     {
@@ -32,7 +32,8 @@ public:
     void start()
     {
         const unsigned limit = m_message ? m_post.milliseconds : 0;
-        m_timeout = Timer(m_context.get(), limit, [this] { fail(); });
+        m_timeout.start(
+            std::chrono::milliseconds(limit), [this] { fail(); }, m_context.get());
         if (m_message)
             send();
     }
@@ -40,7 +41,7 @@ public:
     void cancel()
     {
         m_done = nullptr;
-        m_timeout = {};
+        m_timeout.stop();
         g_cancellable_cancel(m_cancellable.get());
     }
 
@@ -112,7 +113,7 @@ private:
         const Self self = takeReference(data);
         GError *error = nullptr;
         self->m_stream.reset(soup_session_send_finish(SOUP_SESSION(session), result, &error));
-        const GErrorPtr failure(error);
+        const base::GErrorPtr failure(error);
         if (self->m_stream)
             self->read();
         else if (self->wasClosedBefore())
@@ -149,7 +150,7 @@ private:
         const Self self = takeReference(data);
         GError *error = nullptr;
         GBytes *bytes = g_input_stream_read_bytes_finish(G_INPUT_STREAM(stream), result, &error);
-        const GErrorPtr failure(error);
+        const base::GErrorPtr failure(error);
         if (!bytes) {
             self->fail();
             return;
@@ -204,15 +205,15 @@ private:
             done(std::move(m_answer));
     }
 
-    GMainContextPtr m_context;
-    GObjectPtr<SoupSession> m_session;
+    base::GMainContextPtr m_context;
+    base::GObjectPtr<SoupSession> m_session;
     HttpPost m_post;
     std::function<void(HttpAnswer)> m_done;
-    GObjectPtr<GCancellable> m_cancellable{g_cancellable_new()};
-    GObjectPtr<SoupMessage> m_message;
-    GObjectPtr<GInputStream> m_stream;
+    base::GObjectPtr<GCancellable> m_cancellable{g_cancellable_new()};
+    base::GObjectPtr<SoupMessage> m_message;
+    base::GObjectPtr<GInputStream> m_stream;
     HttpAnswer m_answer;
-    Timer m_timeout;
+    base::Timer m_timeout;
 };
 
 class ExchangeRequest : public Request
@@ -229,10 +230,10 @@ private:
 
 } // namespace
 
-GObjectPtr<SoupSession> newHttpSession(GMainContext *context)
+base::GObjectPtr<SoupSession> newHttpSession(GMainContext *context)
 {
-    g_warn_if_fail(isThreadDefault(context));
-    GObjectPtr<SoupSession> session(soup_session_new_with_options(
+    g_warn_if_fail(base::isThreadDefault(context));
+    base::GObjectPtr<SoupSession> session(soup_session_new_with_options(
         "max-conns-per-host", connectionsPerDevice, "timeout", 0, "idle-timeout", 15, nullptr));
     soup_session_set_proxy_resolver(session.get(), nullptr);
     soup_session_remove_feature_by_type(session.get(), SOUP_TYPE_CONTENT_DECODER);

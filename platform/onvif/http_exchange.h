@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/onvif/glib_ptr.h"
+#include "platform/base/glib_ptr.h"
 #include "platform/onvif/request.h"
 
 #include <libsoup/soup.h>
@@ -39,7 +39,7 @@ struct HttpPost
 
 /// Makes the session that posts are sent through, bound to a context: no proxy, no cookies, no
 /// logins by itself, no decompression.
-GObjectPtr<SoupSession> newHttpSession(GMainContext *context);
+base::GObjectPtr<SoupSession> newHttpSession(GMainContext *context);
 
 /// Sends the post on the context given, the default of the calling thread; done is called there,
 /// never inside this call.

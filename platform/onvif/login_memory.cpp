@@ -1,6 +1,6 @@
 #include "platform/onvif/login_memory.h"
 
-#include "platform/onvif/text.h"
+#include "platform/base/text.h"
 
 namespace onvif {
 
@@ -13,13 +13,13 @@ LoginMemory &LoginMemory::instance()
 void LoginMemory::sawSecretLogin(const std::string &host)
 {
     const std::lock_guard lock(m_mutex);
-    m_hosts.insert(lowerAscii(host));
+    m_hosts.insert(base::lowerAscii(host));
 }
 
 bool LoginMemory::hasSecretLogin(const std::string &host) const
 {
     const std::lock_guard lock(m_mutex);
-    return m_hosts.contains(lowerAscii(host));
+    return m_hosts.contains(base::lowerAscii(host));
 }
 
 } // namespace onvif

@@ -1,6 +1,6 @@
 #include "platform/onvif/media_message.h"
 
-#include "platform/onvif/text.h"
+#include "platform/base/text.h"
 #include "platform/onvif/xml_message.h"
 
 #include <algorithm>
@@ -42,12 +42,12 @@ std::string buildGetStreamUri(const std::string &profileToken)
     return "<trt:GetStreamUri><trt:StreamSetup><tt:Stream>RTP-Unicast</tt:Stream>"
            "<tt:Transport><tt:Protocol>RTSP</tt:Protocol></tt:Transport></trt:StreamSetup>"
            "<trt:ProfileToken>" +
-           xmlEscape(profileToken) + "</trt:ProfileToken></trt:GetStreamUri>";
+           base::xmlEscape(profileToken) + "</trt:ProfileToken></trt:GetStreamUri>";
 }
 
 std::string buildSetSynchronizationPoint(const std::string &profileToken)
 {
-    return "<trt:SetSynchronizationPoint><trt:ProfileToken>" + xmlEscape(profileToken) +
+    return "<trt:SetSynchronizationPoint><trt:ProfileToken>" + base::xmlEscape(profileToken) +
            "</trt:ProfileToken></trt:SetSynchronizationPoint>";
 }
 
@@ -63,9 +63,9 @@ std::vector<MediaProfile> parseProfiles(const XmlMessage &message)
             continue;
         MediaProfile profile;
         profile.token = token;
-        profile.name = cleanText(textOf(child(node, "Name")), maxTokenLength);
-        profile.source = cleanText(textOf(child(node, {"VideoSourceConfiguration", "SourceToken"})),
-                                   maxTokenLength);
+        profile.name = base::cleanText(textOf(child(node, "Name")), maxTokenLength);
+        profile.source = base::cleanText(
+            textOf(child(node, {"VideoSourceConfiguration", "SourceToken"})), maxTokenLength);
         profile.width = side(child(encoder, {"Resolution", "Width"}));
         profile.height = side(child(encoder, {"Resolution", "Height"}));
         profiles.push_back(std::move(profile));

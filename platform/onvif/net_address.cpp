@@ -1,7 +1,7 @@
 #include "platform/onvif/net_address.h"
 
-#include "platform/onvif/glib_ptr.h"
-#include "platform/onvif/text.h"
+#include "platform/base/glib_ptr.h"
+#include "platform/base/text.h"
 
 #include <bit>
 #include <charconv>
@@ -53,8 +53,9 @@ std::string plainHost(std::string_view host)
     if (host.find(':') == std::string_view::npos)
         return std::string(host);
     const std::string address(host.substr(0, host.find('%')));
-    const GObjectPtr<GInetAddress> parsed(g_inet_address_new_from_string(address.c_str()));
-    return parsed ? GTextPtr(g_inet_address_to_string(parsed.get())).get() : std::string(host);
+    const base::GObjectPtr<GInetAddress> parsed(g_inet_address_new_from_string(address.c_str()));
+    return parsed ? base::GTextPtr(g_inet_address_to_string(parsed.get())).get()
+                  : std::string(host);
 }
 
 std::string pathAndQuery(GUri *uri)
@@ -67,12 +68,12 @@ std::string pathAndQuery(GUri *uri)
     return path;
 }
 
-GUriPtr parseUri(std::string_view address)
+base::GUriPtr parseUri(std::string_view address)
 {
-    address = trimmed(address);
+    address = base::trimmed(address);
     if (!isPlainAddress(address))
         return nullptr;
-    return GUriPtr(g_uri_parse(std::string(address).c_str(), uriFlags, nullptr));
+    return base::GUriPtr(g_uri_parse(std::string(address).c_str(), uriFlags, nullptr));
 }
 
 constexpr int sameHost = 2;
@@ -147,10 +148,10 @@ std::string HttpAddress::text() const
 
 std::optional<HttpAddress> parseHttpAddress(std::string_view addressText)
 {
-    const GUriPtr uri = parseUri(addressText);
+    const base::GUriPtr uri = parseUri(addressText);
     if (!uri || text(g_uri_get_host(uri.get())).empty() || g_uri_get_userinfo(uri.get()))
         return std::nullopt;
-    const std::string scheme = lowerAscii(text(g_uri_get_scheme(uri.get())));
+    const std::string scheme = base::lowerAscii(text(g_uri_get_scheme(uri.get())));
     if (scheme != "http" && scheme != "https")
         return std::nullopt;
     HttpAddress address;
@@ -217,10 +218,10 @@ std::string serviceAtDevice(std::string_view serviceAddress, const std::string &
 
 std::string streamAtHost(std::string_view streamAddress, const std::string &host)
 {
-    const GUriPtr uri = parseUri(streamAddress);
+    const base::GUriPtr uri = parseUri(streamAddress);
     if (!uri || text(g_uri_get_host(uri.get())).empty())
         return {};
-    const std::string scheme = lowerAscii(text(g_uri_get_scheme(uri.get())));
+    const std::string scheme = base::lowerAscii(text(g_uri_get_scheme(uri.get())));
     if (scheme != "rtsp" && scheme != "rtsps")
         return {};
     std::string address = scheme + "://" + bracketed(host);

@@ -1,6 +1,6 @@
 #include "platform/onvif/scopes.h"
 
-#include "platform/onvif/text.h"
+#include "platform/base/text.h"
 
 #include <glib.h>
 
@@ -19,14 +19,14 @@ struct Scope
 std::optional<Scope> parseScope(std::string_view scope)
 {
     if (scope.size() <= scopeRoot.size() ||
-        lowerAscii(scope.substr(0, scopeRoot.size())) != scopeRoot)
+        base::lowerAscii(scope.substr(0, scopeRoot.size())) != scopeRoot)
         return std::nullopt;
     scope.remove_prefix(scopeRoot.size());
     const std::size_t slash = scope.find('/');
     Scope parsed;
-    parsed.kind = lowerAscii(scope.substr(0, slash));
+    parsed.kind = base::lowerAscii(scope.substr(0, slash));
     if (slash != std::string_view::npos)
-        parsed.text = cleanText(percentDecode(scope.substr(slash + 1)), maxScopeText);
+        parsed.text = base::cleanText(base::percentDecode(scope.substr(slash + 1)), maxScopeText);
     return parsed;
 }
 
@@ -48,7 +48,7 @@ ScopeTexts textsFromScopes(const std::vector<std::string> &scopes)
         else if ((scope->kind == "mac" || scope->kind == "macaddress") && !texts.mac)
             texts.mac = parseMac(scope->text);
     }
-    texts.location = cutUtf8(texts.location, maxScopeText);
+    texts.location = base::cutUtf8(texts.location, maxScopeText);
     return texts;
 }
 
@@ -56,15 +56,15 @@ std::string scopeFor(std::string_view kind, std::string_view text)
 {
     const std::string start = std::string(scopeRoot) + std::string(kind) + '/';
     if (kind != "location")
-        return start + percentEncode(text);
+        return start + base::percentEncode(text);
     // Locations may be paths (ONVIF Core 7.3.2.2).
     std::string path;
     for (std::size_t slash = text.find('/'); slash != std::string_view::npos;
          slash = text.find('/')) {
-        path += percentEncode(text.substr(0, slash)) + '/';
+        path += base::percentEncode(text.substr(0, slash)) + '/';
         text.remove_prefix(slash + 1);
     }
-    return start + path + percentEncode(text);
+    return start + path + base::percentEncode(text);
 }
 
 bool isScopeOf(std::string_view scope, std::string_view kind)
@@ -75,7 +75,7 @@ bool isScopeOf(std::string_view scope, std::string_view kind)
 
 std::optional<MacAddress> parseMac(std::string_view text)
 {
-    text = trimmed(text);
+    text = base::trimmed(text);
     const bool hasSeparators = text.size() == 17;
     if (!hasSeparators && text.size() != 12)
         return std::nullopt;

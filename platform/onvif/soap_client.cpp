@@ -1,7 +1,7 @@
 #include "platform/onvif/soap_client.h"
 
+#include "platform/base/http_login.h"
 #include "platform/onvif/http_exchange.h"
-#include "platform/onvif/http_login.h"
 #include "platform/onvif/log.h"
 #include "platform/onvif/login_memory.h"
 #include "platform/onvif/net_address.h"
@@ -90,13 +90,13 @@ struct SoapClient::Session
     {
     }
 
-    GMainContextPtr context;
-    GObjectPtr<SoupSession> http;
+    base::GMainContextPtr context;
+    base::GObjectPtr<SoupSession> http;
     std::string deviceService;
-    Credentials credentials;
+    base::Credentials credentials;
     SoapOptions options;
     Signing signing = Signing::Http;
-    std::optional<HttpDigest> digest;        ///< answers the challenge that was accepted last
+    std::optional<base::HttpDigest> digest;  ///< answers the challenge that was accepted last
     bool wasHelpful = false;                 ///< it has answered a request successfully
     bool takesBasic = false;                 ///< it was accepted after a token was refused
     std::optional<std::int64_t> clockOffset; ///< seconds the device's clock is ahead
@@ -158,14 +158,16 @@ private:
     void httpAnswered(const HttpAnswer &answer, bool wasSigned)
     {
         const ReadReply read = readReply(answer, m_action);
-        const std::vector<HttpChallenge> challenges = parseChallenges(answer.challenges);
+        const std::vector<base::HttpChallenge> challenges =
+            base::parseChallenges(answer.challenges);
         if (answer.status == 401 && mayAnswer(challenges)) {
             sendUnsignedOrDigest();
             return;
         }
         if (answer.status == 401)
             m_session->digest.reset();
-        m_asksForBasic = offersScheme(challenges, "basic") && !offersScheme(challenges, "digest");
+        m_asksForBasic =
+            base::offersScheme(challenges, "basic") && !base::offersScheme(challenges, "digest");
         const bool isRefused =
             read.reply.status == SoapStatus::Refused || (read.isBareRefusal && !wasSigned);
         if (!isRefused || !hasUser()) {
@@ -180,10 +182,10 @@ private:
     }
 
     // Whether there is a digest for these challenges that has not been refused already.
-    bool mayAnswer(const std::vector<HttpChallenge> &challenges)
+    bool mayAnswer(const std::vector<base::HttpChallenge> &challenges)
     {
-        std::optional<HttpDigest> digest = HttpDigest::choose(challenges);
-        if (offersScheme(challenges, "digest"))
+        std::optional<base::HttpDigest> digest = base::HttpDigest::choose(challenges);
+        if (base::offersScheme(challenges, "digest"))
             LoginMemory::instance().sawSecretLogin(m_address.host);
         const bool isNew = digest && (m_answered == 0 || (digest->isStale() && m_answered == 1));
         if (!isNew || !hasUser())
@@ -281,7 +283,7 @@ private:
     {
         post(
             m_service, m_action, m_kind, buildEnvelope(m_body),
-            basicAuthorization(m_session->credentials),
+            base::basicAuthorization(m_session->credentials),
             [this](const HttpAnswer &answer) {
                 const SoapReply reply = readReply(answer, m_action).reply;
                 m_session->takesBasic = reply.status == SoapStatus::Ok;
@@ -312,8 +314,8 @@ private:
     RequestPtr m_exchange;
 };
 
-SoapClient::SoapClient(GMainContext *context, std::string deviceService, Credentials credentials,
-                       SoapOptions options)
+SoapClient::SoapClient(GMainContext *context, std::string deviceService,
+                       base::Credentials credentials, SoapOptions options)
     : m_session(std::make_shared<Session>(context))
 {
     m_session->deviceService = std::move(deviceService);

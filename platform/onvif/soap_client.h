@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/base/credentials.h"
 #include "platform/onvif/request.h"
 #include "platform/onvif/soap_status.h"
 #include "platform/onvif/xml_message.h"
@@ -58,7 +59,7 @@ public:
     using Done = std::function<void(SoapReply)>;
 
     /// deviceService: address of the device service, which also reports the device's clock.
-    SoapClient(GMainContext *context, std::string deviceService, Credentials credentials,
+    SoapClient(GMainContext *context, std::string deviceService, base::Credentials credentials,
                SoapOptions options = {});
     ~SoapClient();
     SoapClient(const SoapClient &) = delete;

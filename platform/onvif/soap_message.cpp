@@ -1,7 +1,7 @@
 #include "platform/onvif/soap_message.h"
 
-#include "platform/onvif/glib_ptr.h"
-#include "platform/onvif/text.h"
+#include "platform/base/glib_ptr.h"
+#include "platform/base/text.h"
 #include "platform/onvif/xml_message.h"
 
 #include <glib.h>
@@ -27,7 +27,7 @@ constexpr std::size_t maxFaultText = 200;
 
 std::string base64(const unsigned char *bytes, std::size_t length)
 {
-    return GTextPtr(g_base64_encode(bytes, length)).get();
+    return base::GTextPtr(g_base64_encode(bytes, length)).get();
 }
 
 // Base64(SHA-1(nonce + created + password)), UsernameToken Profile 1.0, 3.1.
@@ -44,7 +44,7 @@ std::string passwordDigest(const TokenStamp &stamp, const std::string &password)
     return base64(digest.data(), length);
 }
 
-std::string securityHeader(const Credentials &credentials, const TokenStamp &stamp)
+std::string securityHeader(const base::Credentials &credentials, const TokenStamp &stamp)
 {
     const std::string nonce =
         base64(reinterpret_cast<const unsigned char *>(stamp.nonce.data()), stamp.nonce.size());
@@ -54,7 +54,7 @@ std::string securityHeader(const Credentials &credentials, const TokenStamp &sta
            R"( xmlns:wsu="http://docs.oasis-open.org/wss/2004/01/)"
            R"(oasis-200401-wss-wssecurity-utility-1.0.xsd">)"
            R"(<wsse:UsernameToken><wsse:Username>)" +
-           xmlEscape(credentials.user) +
+           base::xmlEscape(credentials.user) +
            R"(</wsse:Username><wsse:Password Type="http://docs.oasis-open.org/wss/2004/01/)"
            R"(oasis-200401-wss-username-token-profile-1.0#PasswordDigest">)" +
            passwordDigest(stamp, credentials.password) +
@@ -66,7 +66,7 @@ std::string securityHeader(const Credentials &credentials, const TokenStamp &sta
 
 bool saysRefused(std::string_view text)
 {
-    const std::string lower = lowerAscii(text);
+    const std::string lower = base::lowerAscii(text);
     for (const char *word :
          {"notauthorized", "not authorized", "failedauthentication", "failedcheck",
           "invalidsecurity", "unauthorized", "authentication failed", "authentication failure",
@@ -131,7 +131,7 @@ TokenStamp TokenStamp::now(std::int64_t clockOffset)
     GDateTime *moment = g_date_time_new_from_unix_utc(seconds);
     if (!moment)
         moment = g_date_time_new_now_utc();
-    stamp.created = GTextPtr(g_date_time_format(moment, "%Y-%m-%dT%H:%M:%SZ")).get();
+    stamp.created = base::GTextPtr(g_date_time_format(moment, "%Y-%m-%dT%H:%M:%SZ")).get();
     g_date_time_unref(moment);
     return stamp;
 }
@@ -145,7 +145,7 @@ std::string buildEnvelope(std::string_view body)
     return text;
 }
 
-std::string buildSignedEnvelope(std::string_view body, const Credentials &credentials,
+std::string buildSignedEnvelope(std::string_view body, const base::Credentials &credentials,
                                 const TokenStamp &stamp)
 {
     std::string text(envelopeStart);
@@ -173,7 +173,7 @@ std::optional<SoapFault> faultIn(const XmlMessage &message)
     if (reason.empty())
         reason = textOf(child(fault, "faultstring"));
     found.isRefusal = saysRefused(codes) || saysRefused(reason);
-    found.text = cleanText(codes + ": " + std::string(reason), maxFaultText);
+    found.text = base::cleanText(codes + ": " + std::string(reason), maxFaultText);
     return found;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/base/credentials.h"
 #include "platform/onvif/soap_status.h"
 
 #include <cstdint>
@@ -26,7 +27,7 @@ struct TokenStamp
 std::string buildEnvelope(std::string_view body);
 
 /// The same with a WS-Security header that proves the password by its digest.
-std::string buildSignedEnvelope(std::string_view body, const Credentials &credentials,
+std::string buildSignedEnvelope(std::string_view body, const base::Credentials &credentials,
                                 const TokenStamp &stamp);
 
 /// The text of a fault, for the log; nullopt when the message is no fault.

@@ -1,6 +1,6 @@
 #include "platform/onvif/ws_discovery_message.h"
 
-#include "platform/onvif/text.h"
+#include "platform/base/text.h"
 #include "platform/onvif/xml_message.h"
 
 #include <glib.h>
@@ -78,7 +78,7 @@ bool isOnvifDevice(pugi::xml_node types, const std::vector<std::string> &scopes)
     const std::vector<std::string> names = words(textOf(types), maxTypes);
     return std::any_of(scopes.begin(), scopes.end(),
                        [](const std::string &scope) {
-                           return lowerAscii(scope).starts_with("onvif://");
+                           return base::lowerAscii(scope).starts_with("onvif://");
                        }) ||
            std::any_of(names.begin(), names.end(),
                        [types](const std::string &name) { return isOnvifType(types, name); });
@@ -87,7 +87,7 @@ bool isOnvifDevice(pugi::xml_node types, const std::vector<std::string> &scopes)
 std::optional<DiscoveredDevice> parseDevice(pugi::xml_node match)
 {
     DiscoveredDevice device;
-    device.uid = uidFromEndpoint(textOf(child(match, {"EndpointReference", "Address"})));
+    device.uid = base::uidFromEndpoint(textOf(child(match, {"EndpointReference", "Address"})));
     const std::vector<std::string> scopes = words(textOf(child(match, "Scopes")), maxScopes);
     if (device.uid.empty() || !isOnvifDevice(child(match, "Types"), scopes))
         return std::nullopt;
@@ -124,7 +124,7 @@ std::string buildResolve(std::string_view uid, std::string_view messageId)
     const std::string text(uid);
     const std::string endpoint = g_uuid_string_is_valid(text.c_str()) ? "urn:uuid:" + text : text;
     return envelope("Resolve", messageId,
-                    "<d:Resolve><a:EndpointReference><a:Address>" + xmlEscape(endpoint) +
+                    "<d:Resolve><a:EndpointReference><a:Address>" + base::xmlEscape(endpoint) +
                         "</a:Address></a:EndpointReference></d:Resolve>");
 }
 
@@ -139,7 +139,8 @@ std::optional<DiscoveryAnswer> parseDiscoveryAnswer(std::string_view datagram)
     if (matches.empty())
         return std::nullopt;
     DiscoveryAnswer answer;
-    answer.relatesTo = lowerAscii(uidFromEndpoint(textOf(child(message->header(), "RelatesTo"))));
+    answer.relatesTo =
+        base::lowerAscii(base::uidFromEndpoint(textOf(child(message->header(), "RelatesTo"))));
     for (const pugi::xml_node match : matches) {
         if (answer.devices.size() == maxDevicesInAnswer)
             break;

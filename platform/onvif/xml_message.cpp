@@ -1,6 +1,6 @@
 #include "platform/onvif/xml_message.h"
 
-#include "platform/onvif/text.h"
+#include "platform/base/text.h"
 
 #include <charconv>
 
@@ -103,7 +103,7 @@ std::string_view attribute(pugi::xml_node node, std::string_view name)
 
 std::string_view textOf(pugi::xml_node node)
 {
-    return trimmed(node.child_value());
+    return base::trimmed(node.child_value());
 }
 
 bool isTrue(pugi::xml_node node)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/cammgr/access_unit.h"
+#include "platform/media/access_unit.h"
 
 #include <gst/app/gstappsink.h>
 
@@ -23,7 +23,7 @@ struct EncodedStream
         uint64_t firstNumber = 1;
     };
 
-    static std::vector<cammgr::AccessUnit> make(const Options &options)
+    static std::vector<media::AccessUnit> make(const Options &options)
     {
         gst_init(nullptr, nullptr);
         const std::string chain =
@@ -39,19 +39,19 @@ struct EncodedStream
         GstElement *pipeline = gst_parse_launch(chain.c_str(), nullptr);
         GstElement *sink = gst_bin_get_by_name(GST_BIN(pipeline), "sink");
         gst_element_set_state(pipeline, GST_STATE_PLAYING);
-        std::vector<cammgr::AccessUnit> units;
+        std::vector<media::AccessUnit> units;
         GstClockTime first = GST_CLOCK_TIME_NONE;
         for (;;) {
             const auto sample =
-                cammgr::SampleRef::adopt(gst_app_sink_pull_sample(GST_APP_SINK(sink)));
+                media::SampleRef::adopt(gst_app_sink_pull_sample(GST_APP_SINK(sink)));
             if (!sample)
                 break;
             GstBuffer *buffer = gst_sample_get_buffer(sample.get());
             if (!GST_CLOCK_TIME_IS_VALID(first))
                 first = GST_BUFFER_PTS(buffer);
-            units.push_back(cammgr::makeAccessUnit(buffer, gst_sample_get_caps(sample.get()),
-                                                   options.start + GST_BUFFER_PTS(buffer) - first,
-                                                   options.firstNumber + units.size()));
+            units.push_back(media::makeAccessUnit(buffer, gst_sample_get_caps(sample.get()),
+                                                  options.start + GST_BUFFER_PTS(buffer) - first,
+                                                  options.firstNumber + units.size()));
         }
         gst_element_set_state(pipeline, GST_STATE_NULL);
         gst_object_unref(sink);

@@ -7,7 +7,7 @@
 #include <future>
 
 using cammgr::CommandBatch;
-using cammgr::IoThread;
+using cammgr::ioThread;
 using Connection = TinyServer::Connection;
 using Texts = std::vector<std::string>;
 using namespace std::chrono_literals;
@@ -30,14 +30,14 @@ Texts run(uint16_t port, const Texts &requests, std::chrono::milliseconds limit 
     std::promise<Texts> promise;
     std::future<Texts> replies = promise.get_future();
     std::unique_ptr<CommandBatch> batch;
-    IoThread::instance().postAndWait([&] {
+    ioThread().postAndWait([&] {
         batch = std::make_unique<CommandBatch>();
         batch->start({.host = "127.0.0.1", .port = port, .tls = false}, requests, limit,
                      [&](Texts texts) { promise.set_value(std::move(texts)); });
     });
     const bool inTime = replies.wait_for(40s) == std::future_status::ready;
     EXPECT_TRUE(inTime);
-    IoThread::instance().postAndWait([&] { batch.reset(); });
+    ioThread().postAndWait([&] { batch.reset(); });
     return inTime ? replies.get() : Texts();
 }
 

@@ -9,56 +9,14 @@
 #include <memory>
 
 using cammgr::IoServices;
-using cammgr::IoThread;
-using cammgr::Timer;
+using cammgr::ioThread;
 using namespace std::chrono_literals;
 
 namespace {
 
-TEST(IoThread, RunsWorkInOrderAndWaits)
-{
-    std::vector<int> order;
-    IoThread &thread = IoThread::instance();
-    for (int i = 0; i < 100; ++i)
-        thread.post([&order, i] { order.push_back(i); });
-    bool isThere = false;
-    thread.postAndWait([&] {
-        isThere = thread.isCurrent();
-        thread.postAndWait([&] { order.push_back(100); }); // at once, on the thread itself
-    });
-    EXPECT_TRUE(isThere);
-    EXPECT_FALSE(thread.isCurrent());
-    ASSERT_EQ(order.size(), 101u);
-    for (int i = 0; i <= 100; ++i)
-        EXPECT_EQ(order[static_cast<size_t>(i)], i);
-}
-
-TEST(IoThread, ATimerFiresOnceAndMayBeStartedAnewOrDestroyedByItsWork)
-{
-    IoThread &thread = IoThread::instance();
-    std::unique_ptr<Timer> timer;
-    std::promise<void> finished;
-    int count = 0;
-    const std::function<void()> work = [&] {
-        if (++count < 3) {
-            timer->start(1ms, work);
-        } else {
-            timer.reset();
-            finished.set_value();
-        }
-    };
-    thread.postAndWait([&] {
-        timer = std::make_unique<Timer>();
-        timer->start(1h, [&] { count = 1000; });
-        timer->start(1ms, work);
-    });
-    ASSERT_EQ(finished.get_future().wait_for(30s), std::future_status::ready);
-    EXPECT_EQ(count, 3);
-}
-
 TEST(IoServices, TellsThatTheNetworkCameBackAndNotThatItWent)
 {
-    IoThread &thread = IoThread::instance();
+    base::LoopThread &thread = ioThread();
     int first = 0;
     int second = 0;
     int firstId = 0;

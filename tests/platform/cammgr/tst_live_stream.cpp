@@ -1,6 +1,6 @@
 #include "camsim/camsim_process.h"
-#include "platform/cammgr/clip_names.h"
 #include "platform/cammgr/live_stream.h"
+#include "platform/media/clip_names.h"
 #include "tests/platform/cammgr/media_probe.h"
 #include "tests/platform/cammgr/rtsp_test_server.h"
 #include "tests/platform/cammgr/stream_listener.h"
@@ -479,7 +479,7 @@ TEST(LiveStream, FramesWhoseTimeStandsStillAreRecorded)
     stream->start(requestFor(server.url()));
     ASSERT_TRUE(listener.waitForFirstFrame());
     ASSERT_EQ(stream->beginWriting(folder.file("clip"), 0), 0);
-    const std::string clip = cammgr::clipPath(folder.file("clip"), 1);
+    const std::string clip = media::clipPath(folder.file("clip"), 1);
     constexpr int frames = 120;
     ASSERT_TRUE(waitUntil([&] { return MediaProbe::decodedFrames(clip) >= frames; }));
     stream.reset(); // which finishes the clip

@@ -9,8 +9,8 @@
 #include <vector>
 
 using cammgr::LiveStream;
-using cammgr::LoginPolicy;
 using cammgr::StreamEnd;
+using rtsp::LoginPolicy;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -41,7 +41,7 @@ public:
     }
 
     /// Plays once; what the camera received in Authorization headers.
-    std::vector<std::string> logins(const std::shared_ptr<LoginPolicy> &policy)
+    std::vector<std::string> logins(const std::shared_ptr<rtsp::LoginPolicy> &policy)
     {
         const size_t before = m_server.requests().size();
         StreamListener listener;
@@ -87,7 +87,7 @@ TEST(LoginGuard, ARefusedLoginIsTriedOnce)
 {
     for (const std::string &challenge : {digest, basic}) {
         RefusingCamera camera({challenge});
-        EXPECT_EQ(camera.logins(std::make_shared<LoginPolicy>()).size(), 1u) << challenge;
+        EXPECT_EQ(camera.logins(std::make_shared<rtsp::LoginPolicy>()).size(), 1u) << challenge;
     }
 }
 
@@ -95,7 +95,7 @@ TEST(LoginGuard, ANonceThatGrewOldIsAnsweredOnceMore)
 {
     RefusingCamera camera(
         {digest, "WWW-Authenticate: Digest realm=\"c\", nonce=\"new\", stale=true\r\n"});
-    const auto logins = camera.logins(std::make_shared<LoginPolicy>());
+    const auto logins = camera.logins(std::make_shared<rtsp::LoginPolicy>());
     ASSERT_EQ(logins.size(), 2u);
     EXPECT_THAT(logins[0], HasSubstr("nonce=\"md5\""));
     EXPECT_THAT(logins[1], HasSubstr("nonce=\"new\""));
@@ -106,7 +106,7 @@ TEST(LoginGuard, TheChallengeThatCanBeAnsweredIsTakenOutOfSeveral)
     for (const std::string &challenges :
          {digest + sha256, sha256 + digest, basic + digest, digest + basic}) {
         RefusingCamera camera({challenges});
-        const auto logins = camera.logins(std::make_shared<LoginPolicy>());
+        const auto logins = camera.logins(std::make_shared<rtsp::LoginPolicy>());
         ASSERT_EQ(logins.size(), 1u) << challenges;
         EXPECT_THAT(logins[0], StartsWith("Digest "));
         EXPECT_THAT(logins[0], HasSubstr("nonce=\"md5\"")) << challenges;
@@ -116,19 +116,19 @@ TEST(LoginGuard, TheChallengeThatCanBeAnsweredIsTakenOutOfSeveral)
 TEST(LoginGuard, APasswordIsNotSentInClearToACameraThatOfferedBetter)
 {
     RefusingCamera camera({digest, basic});
-    const auto policy = std::make_shared<LoginPolicy>();
+    const auto policy = std::make_shared<rtsp::LoginPolicy>();
     const auto first = camera.logins(policy);
     ASSERT_EQ(first.size(), 1u);
     EXPECT_THAT(first[0], StartsWith("Digest "));
     EXPECT_TRUE(camera.logins(policy).empty());
     RefusingCamera both({sha256 + basic});
-    EXPECT_TRUE(both.logins(std::make_shared<LoginPolicy>()).empty());
+    EXPECT_TRUE(both.logins(std::make_shared<rtsp::LoginPolicy>()).empty());
 }
 
 TEST(LoginGuard, APasswordIsNotSentInClearToWhoOnlyClaimsToBeTheCamera)
 {
     RefusingCamera camera({basic});
-    const auto policy = std::make_shared<LoginPolicy>();
+    const auto policy = std::make_shared<rtsp::LoginPolicy>();
     policy->distrust();
     EXPECT_TRUE(camera.logins(policy).empty());
 }

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-using cammgr::ProbeOutcome;
 using cammgr::ProbeSchedule;
+using rtsp::ProbeOutcome;
 using namespace std::chrono_literals;
 
 namespace {
@@ -14,9 +14,9 @@ namespace {
 class Client
 {
 public:
-    explicit Client(ProbeOutcome outcome) : m_outcome(outcome) {}
+    explicit Client(rtsp::ProbeOutcome outcome) : m_outcome(outcome) {}
 
-    void setOutcome(ProbeOutcome outcome) { m_outcome = outcome; }
+    void setOutcome(rtsp::ProbeOutcome outcome) { m_outcome = outcome; }
     ProbeSchedule &schedule() { return m_schedule; }
 
     /// Seconds before each of the next count real probes.
@@ -35,7 +35,7 @@ public:
     }
 
 private:
-    ProbeOutcome m_outcome;
+    rtsp::ProbeOutcome m_outcome;
     ProbeSchedule m_schedule;
     ProbeSchedule::Time m_now{1000h};
     ProbeSchedule::Time m_last = m_now;
@@ -45,14 +45,14 @@ TEST(ProbeSchedule, AsksAtOnceAtFirst)
 {
     const ProbeSchedule schedule;
     EXPECT_TRUE(schedule.isDue(ProbeSchedule::Time(1h)));
-    EXPECT_EQ(schedule.remembered(), ProbeOutcome::Silent);
+    EXPECT_EQ(schedule.remembered(), rtsp::ProbeOutcome::Silent);
 }
 
 TEST(ProbeSchedule, TriesARefusedLoginThreeTimesInHalfAnHour)
 {
-    Client client(ProbeOutcome::LoginRefused);
+    Client client(rtsp::ProbeOutcome::LoginRefused);
     EXPECT_EQ(client.pauses(7), (std::vector{3, 3, 6, 1791, 24, 48, 1728}));
-    EXPECT_EQ(client.schedule().remembered(), ProbeOutcome::LoginRefused);
+    EXPECT_EQ(client.schedule().remembered(), rtsp::ProbeOutcome::LoginRefused);
 }
 
 TEST(ProbeSchedule, ARefusalInPlayCountsBesideProbesThatNeedNoLogin)
@@ -63,22 +63,22 @@ TEST(ProbeSchedule, ARefusalInPlayCountsBesideProbesThatNeedNoLogin)
     for (ProbeSchedule::Time now(1000h); now < ProbeSchedule::Time(1000h) + 30min; now += 3s) {
         if (!schedule.isDue(now))
             continue;
-        schedule.record(ProbeOutcome::Answered, now);
-        schedule.record(ProbeOutcome::LoginRefused, now + 100ms);
+        schedule.record(rtsp::ProbeOutcome::Answered, now);
+        schedule.record(rtsp::ProbeOutcome::LoginRefused, now + 100ms);
         ++refusals;
     }
     EXPECT_EQ(refusals, 3);
-    EXPECT_EQ(schedule.remembered(), ProbeOutcome::LoginRefused);
+    EXPECT_EQ(schedule.remembered(), rtsp::ProbeOutcome::LoginRefused);
 }
 
 TEST(ProbeSchedule, TheUserMayTryOnceMore)
 {
-    Client client(ProbeOutcome::LoginRefused);
+    Client client(rtsp::ProbeOutcome::LoginRefused);
     client.pauses(3);
     client.schedule().userAsked();
     // From then on the window of the last three counts: it began at 6 s.
     EXPECT_EQ(client.pauses(2), (std::vector{3, 1791}));
-    client.setOutcome(ProbeOutcome::Silent);
+    client.setOutcome(rtsp::ProbeOutcome::Silent);
     client.pauses(6);
     client.schedule().userAsked();
     EXPECT_EQ(client.pauses(1), (std::vector{3}));
@@ -86,14 +86,15 @@ TEST(ProbeSchedule, TheUserMayTryOnceMore)
 
 TEST(ProbeSchedule, ASilentHostCostsLessAndLess)
 {
-    Client client(ProbeOutcome::Silent);
+    Client client(rtsp::ProbeOutcome::Silent);
     EXPECT_EQ(client.pauses(7), (std::vector{3, 3, 6, 12, 15, 15, 15}));
 }
 
 TEST(ProbeSchedule, AHostThatAnswersIsAskedEachTime)
 {
-    for (const ProbeOutcome outcome : {ProbeOutcome::Answered, ProbeOutcome::Rejected,
-                                       ProbeOutcome::Unusable, ProbeOutcome::NotFound}) {
+    for (const rtsp::ProbeOutcome outcome :
+         {rtsp::ProbeOutcome::Answered, rtsp::ProbeOutcome::Rejected, rtsp::ProbeOutcome::Unusable,
+          rtsp::ProbeOutcome::NotFound}) {
         Client client(outcome);
         EXPECT_EQ(client.pauses(6), (std::vector{3, 3, 3, 3, 3, 3}));
     }
@@ -101,18 +102,18 @@ TEST(ProbeSchedule, AHostThatAnswersIsAskedEachTime)
 
 TEST(ProbeSchedule, AnAnswerEndsTheBackOff)
 {
-    Client client(ProbeOutcome::LoginRefused);
+    Client client(rtsp::ProbeOutcome::LoginRefused);
     client.pauses(3);
-    client.setOutcome(ProbeOutcome::Answered);
+    client.setOutcome(rtsp::ProbeOutcome::Answered);
     EXPECT_EQ(client.pauses(3), (std::vector{1791, 3, 3}));
     client.schedule().loginAccepted();
-    client.setOutcome(ProbeOutcome::LoginRefused);
+    client.setOutcome(rtsp::ProbeOutcome::LoginRefused);
     EXPECT_EQ(client.pauses(4), (std::vector{3, 3, 6, 1791}));
 }
 
 TEST(ProbeSchedule, TheNetworkComingBackEndsTheBackOffOfASilentHost)
 {
-    Client client(ProbeOutcome::Silent);
+    Client client(rtsp::ProbeOutcome::Silent);
     client.pauses(6);
     client.schedule().networkChanged();
     EXPECT_EQ(client.pauses(3), (std::vector{3, 3, 6}));
@@ -120,7 +121,7 @@ TEST(ProbeSchedule, TheNetworkComingBackEndsTheBackOffOfASilentHost)
 
 TEST(ProbeSchedule, TheNetworkComingBackDoesNotTryARefusedLoginSooner)
 {
-    Client client(ProbeOutcome::LoginRefused);
+    Client client(rtsp::ProbeOutcome::LoginRefused);
     client.pauses(3);
     client.schedule().networkChanged();
     EXPECT_EQ(client.pauses(1), (std::vector{1791}));
@@ -128,7 +129,7 @@ TEST(ProbeSchedule, TheNetworkComingBackDoesNotTryARefusedLoginSooner)
 
 TEST(ProbeSchedule, AnotherAddressStartsAnew)
 {
-    Client client(ProbeOutcome::LoginRefused);
+    Client client(rtsp::ProbeOutcome::LoginRefused);
     client.pauses(3);
     client.schedule().reset();
     EXPECT_EQ(client.pauses(3), (std::vector{3, 3, 6}));

@@ -8,9 +8,9 @@
 
 #include <optional>
 
-using cammgr::CameraAddress;
-using cammgr::Endpoint;
-using cammgr::parseCameraAddress;
+using base::CameraAddress;
+using base::Endpoint;
+using base::parseCameraAddress;
 using cammgr::Resolver;
 
 namespace {
@@ -52,13 +52,13 @@ protected:
                                                    "</tds:GetNetworkProtocolsResponse>");
     }
 
-    Endpoint webServer(const onvif::Credentials &credentials = {})
+    base::Endpoint webServer(const base::Credentials &credentials = {})
     {
-        Resolver resolver(m_lookup, parseCameraAddress(uid), credentials);
-        std::optional<Endpoint> got;
-        resolver.findWebServer([&got](const Endpoint &endpoint) { got = endpoint; });
+        Resolver resolver(m_lookup, base::parseCameraAddress(uid), credentials);
+        std::optional<base::Endpoint> got;
+        resolver.findWebServer([&got](const base::Endpoint &endpoint) { got = endpoint; });
         EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
-        return got.value_or(Endpoint());
+        return got.value_or(base::Endpoint());
     }
 
     TestContext m_context;
@@ -72,19 +72,19 @@ protected:
 TEST_F(ResolverTest, TheWebPagesAreWhereTheCameraSays)
 {
     reportProtocols(protocol("RTSP", true, 554) + protocol("HTTP", true, 8088));
-    EXPECT_EQ(webServer(), (Endpoint{.host = "127.0.0.1", .port = 8088, .tls = false}))
+    EXPECT_EQ(webServer(), (base::Endpoint{.host = "127.0.0.1", .port = 8088, .tls = false}))
         << "not at the port of ONVIF's services";
 }
 
 TEST_F(ResolverTest, WhoServesPagesByTlsOnlyIsAskedThere)
 {
     reportProtocols(protocol("HTTP", false, 80) + protocol("HTTPS", true, 8443));
-    EXPECT_EQ(webServer(), (Endpoint{.host = "127.0.0.1", .port = 8443, .tls = true}));
+    EXPECT_EQ(webServer(), (base::Endpoint{.host = "127.0.0.1", .port = 8443, .tls = true}));
 }
 
 TEST_F(ResolverTest, TheWebPagesOfWhoDoesNotTellAreAtTheUsualPort)
 {
-    const Endpoint usual = {.host = "127.0.0.1", .port = 80, .tls = false};
+    const base::Endpoint usual = {.host = "127.0.0.1", .port = 80, .tls = false};
     m_device.answerFault("GetNetworkProtocols", "ter:ActionNotSupported");
     EXPECT_EQ(webServer(), usual);
     reportProtocols("");
@@ -98,20 +98,22 @@ TEST_F(ResolverTest, TheWebPagesOfWhoDoesNotTellAreAtTheUsualPort)
 TEST_F(ResolverTest, SeveralBatchesAtOnceAreAllAnswered)
 {
     reportProtocols(protocol("HTTP", true, 8088));
-    Resolver resolver(m_lookup, parseCameraAddress(uid), {});
+    Resolver resolver(m_lookup, base::parseCameraAddress(uid), {});
     int answers = 0;
     for (int i = 0; i < 3; ++i)
-        resolver.findWebServer(
-            [&answers](const Endpoint &endpoint) { answers += endpoint.port == 8088 ? 1 : 0; });
+        resolver.findWebServer([&answers](const base::Endpoint &endpoint) {
+            answers += endpoint.port == 8088 ? 1 : 0;
+        });
     EXPECT_TRUE(m_context.runUntil([&answers] { return answers == 3; }));
     EXPECT_EQ(m_device.seen("GetNetworkProtocols").size(), 1u);
 }
 
 TEST_F(ResolverTest, ACameraThatIsNotFoundHasNoWebServer)
 {
-    Resolver resolver(m_lookup, parseCameraAddress("00000000-8f6b-4c57-9a55-3f1d50e6a101"), {});
-    std::optional<Endpoint> got;
-    resolver.findWebServer([&got](const Endpoint &endpoint) { got = endpoint; });
+    Resolver resolver(m_lookup, base::parseCameraAddress("00000000-8f6b-4c57-9a55-3f1d50e6a101"),
+                      {});
+    std::optional<base::Endpoint> got;
+    resolver.findWebServer([&got](const base::Endpoint &endpoint) { got = endpoint; });
     EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
     EXPECT_EQ(got->port, 0);
 }

@@ -2,14 +2,14 @@
 
 #include <gtest/gtest.h>
 
-using cammgr::Endpoint;
+using base::Endpoint;
 using cammgr::StreamPaths;
 
 namespace {
 
 const std::string mainPath = "/live/0/h264.sdp";
 const std::string subPath = "/live/1/h264.sdp";
-const Endpoint camera{.host = "cam.lan", .port = 8554, .tls = false};
+const base::Endpoint camera{.host = "cam.lan", .port = 8554, .tls = false};
 
 onvif::CameraStreams profiles()
 {

@@ -31,7 +31,7 @@ void setText(char *field, const std::string &text)
 // Each test has its own device: the library remembers where it saw one.
 std::string newUid()
 {
-    return onvif::GTextPtr(g_uuid_string_random()).get();
+    return base::GTextPtr(g_uuid_string_random()).get();
 }
 
 class NdcpClientTest : public testing::Test

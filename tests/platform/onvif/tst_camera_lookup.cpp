@@ -59,7 +59,7 @@ protected:
         g_unsetenv("ZELVARO_DISCOVERY_MULTICAST");
     }
 
-    Streams streams(const Credentials &credentials = {})
+    Streams streams(const base::Credentials &credentials = {})
     {
         Streams got;
         bool isDone = false;

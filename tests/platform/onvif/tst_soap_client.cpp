@@ -37,7 +37,7 @@ protected:
         return call(client).status;
     }
 
-    SoapStatus statusFor(const SoapDevice &device, const Credentials &credentials,
+    SoapStatus statusFor(const SoapDevice &device, const base::Credentials &credentials,
                          ClearPassword clear = ClearPassword::Never)
     {
         SoapClient client(m_context.get(), device.service(), credentials,

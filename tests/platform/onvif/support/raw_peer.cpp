@@ -32,14 +32,14 @@ RawServer::RawServer(const TestContext &context, std::vector<std::string> answer
     , m_end(end)
     , m_host(std::move(host))
 {
-    EXPECT_TRUE(onvif::isThreadDefault(context.get()));
-    const onvif::GObjectPtr<GSocketAddress> any(
+    EXPECT_TRUE(base::isThreadDefault(context.get()));
+    const base::GObjectPtr<GSocketAddress> any(
         g_inet_socket_address_new_from_string(m_host.c_str(), 0));
     GSocketAddress *effective = nullptr;
     EXPECT_TRUE(g_socket_listener_add_address(G_SOCKET_LISTENER(m_service.get()), any.get(),
                                               G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_TCP, nullptr,
                                               &effective, nullptr));
-    const onvif::GObjectPtr<GSocketAddress> bound(effective);
+    const base::GObjectPtr<GSocketAddress> bound(effective);
     m_port = g_inet_socket_address_get_port(G_INET_SOCKET_ADDRESS(bound.get()));
     g_signal_connect(m_service.get(), "incoming", G_CALLBACK(incoming), this);
     g_socket_service_start(m_service.get());
@@ -64,7 +64,7 @@ gboolean RawServer::incoming(GSocketService *, GSocketConnection *connection, GO
     auto *self = static_cast<RawServer *>(data);
     auto &made = *self->m_connections.emplace_back(std::make_unique<Connection>());
     made.server = self;
-    made.stream = onvif::shareObject(connection);
+    made.stream = base::shareObject(connection);
     self->read(made);
     return TRUE;
 }
@@ -80,7 +80,7 @@ void RawServer::readSome(GObject *stream, GAsyncResult *result, gpointer data)
 {
     GError *error = nullptr;
     const gssize length = g_input_stream_read_finish(G_INPUT_STREAM(stream), result, &error);
-    const onvif::GErrorPtr failure(error);
+    const base::GErrorPtr failure(error);
     if (length <= 0)
         return;
     auto &connection = *static_cast<Connection *>(data);
@@ -118,7 +118,7 @@ UdpPeer::UdpPeer(const TestContext &context, Answer answer)
     , m_socket(g_socket_new(G_SOCKET_FAMILY_IPV4, G_SOCKET_TYPE_DATAGRAM, G_SOCKET_PROTOCOL_UDP,
                             nullptr))
 {
-    const onvif::GObjectPtr<GSocketAddress> any(
+    const base::GObjectPtr<GSocketAddress> any(
         g_inet_socket_address_new_from_string("127.0.0.1", 0));
     EXPECT_TRUE(g_socket_bind(m_socket.get(), any.get(), FALSE, nullptr));
     g_socket_set_blocking(m_socket.get(), FALSE);
@@ -144,7 +144,7 @@ gboolean UdpPeer::sendNext(gpointer data)
 
 std::string UdpPeer::target() const
 {
-    const onvif::GObjectPtr<GSocketAddress> address(
+    const base::GObjectPtr<GSocketAddress> address(
         g_socket_get_local_address(m_socket.get(), nullptr));
     return "127.0.0.1:" +
            std::to_string(g_inet_socket_address_get_port(G_INET_SOCKET_ADDRESS(address.get())));
@@ -157,13 +157,13 @@ gboolean UdpPeer::readable(GSocket *, GIOCondition, gpointer data)
     GSocketAddress *from = nullptr;
     const gssize length = g_socket_receive_from(self->m_socket.get(), &from, buffer.data(),
                                                 buffer.size(), nullptr, nullptr);
-    const onvif::GObjectPtr<GSocketAddress> sender(from);
+    const base::GObjectPtr<GSocketAddress> sender(from);
     if (length < 0 || !sender)
         return G_SOURCE_CONTINUE;
     self->m_received.emplace_back(buffer.data(), static_cast<std::size_t>(length));
     for (std::string &answer : self->m_answer(self->m_received.back()))
         self->m_pending.push_back(
-            {onvif::GObjectPtr<GSocketAddress>(G_SOCKET_ADDRESS(g_object_ref(sender.get()))),
+            {base::GObjectPtr<GSocketAddress>(G_SOCKET_ADDRESS(g_object_ref(sender.get()))),
              std::move(answer)});
     return G_SOURCE_CONTINUE;
 }

@@ -41,7 +41,7 @@ private:
     struct Connection
     {
         RawServer *server = nullptr;
-        onvif::GObjectPtr<GSocketConnection> stream;
+        base::GObjectPtr<GSocketConnection> stream;
         std::string received;
         std::array<char, 16 * 1024> buffer = {};
         int answered = 0;
@@ -53,8 +53,8 @@ private:
     void read(Connection &connection);
     void answer(Connection &connection);
 
-    onvif::GObjectPtr<GSocketService> m_service;
-    onvif::GObjectPtr<GCancellable> m_cancellable;
+    base::GObjectPtr<GSocketService> m_service;
+    base::GObjectPtr<GCancellable> m_cancellable;
     std::vector<std::string> m_answers;
     End m_end;
     std::string m_host;
@@ -85,14 +85,14 @@ private:
 
     struct Datagram
     {
-        onvif::GObjectPtr<GSocketAddress> to;
+        base::GObjectPtr<GSocketAddress> to;
         std::string text;
     };
 
     Answer m_answer;
     std::deque<Datagram> m_pending;
-    onvif::GObjectPtr<GSocket> m_socket;
-    onvif::GSourcePtr m_source;
-    onvif::GSourcePtr m_pace;
+    base::GObjectPtr<GSocket> m_socket;
+    base::GSourcePtr m_source;
+    base::GSourcePtr m_pace;
     std::vector<std::string> m_received;
 };

@@ -60,9 +60,9 @@ SoapDevice::SoapDevice(const TestContext &context, std::string host)
     : m_server(soup_server_new("server-header", "device", nullptr))
     , m_host(std::move(host))
 {
-    EXPECT_TRUE(onvif::isThreadDefault(context.get()));
+    EXPECT_TRUE(base::isThreadDefault(context.get()));
     soup_server_add_handler(m_server.get(), nullptr, handle, this, nullptr);
-    const onvif::GObjectPtr<GSocketAddress> address(
+    const base::GObjectPtr<GSocketAddress> address(
         g_inet_socket_address_new_from_string(m_host.c_str(), 0));
     EXPECT_TRUE(
         soup_server_listen(m_server.get(), address.get(), SoupServerListenOptions(0), nullptr));
@@ -90,7 +90,7 @@ void SoapDevice::guard(Guard guard, const std::string &user, const std::string &
     m_guard = guard;
     m_user = user;
     m_password = password;
-    onvif::GObjectPtr<SoupAuthDomain> domain;
+    base::GObjectPtr<SoupAuthDomain> domain;
     if (guard == Guard::Digest) {
         domain.reset(soup_auth_domain_digest_new("realm", "device", nullptr));
         soup_auth_domain_digest_set_auth_callback(domain.get(), digestPassword, this, nullptr);
@@ -162,7 +162,7 @@ void SoapDevice::handle(SoupServer *, SoupServerMessage *message, const char *, 
     const Reply reply = self->replyTo(request);
     self->m_seen.push_back(std::move(request));
     if (reply.isSilent) {
-        self->m_silenced.push_back(onvif::shareObject(message));
+        self->m_silenced.push_back(base::shareObject(message));
         soup_server_message_pause(message);
         return;
     }
@@ -173,7 +173,7 @@ void SoapDevice::handle(SoupServer *, SoupServerMessage *message, const char *, 
                                     R"(Digest realm="device", nonce="1", qop="auth")");
     }
     if (self->m_clockOffset != 0) {
-        const onvif::GTextPtr date(self->deviceTime("%a, %d %b %Y %H:%M:%S GMT", 0));
+        const base::GTextPtr date(self->deviceTime("%a, %d %b %Y %H:%M:%S GMT", 0));
         soup_message_headers_replace(answer, "Date", date.get());
     }
     soup_server_message_set_response(message, "application/soap+xml", SOUP_MEMORY_COPY,
@@ -229,7 +229,7 @@ bool SoapDevice::hasGoodToken(const std::string &envelope) const
     gsize length = digest.size();
     g_checksum_get_digest(checksum, digest.data(), &length);
     g_checksum_free(checksum);
-    const onvif::GTextPtr expected(g_base64_encode(digest.data(), length));
+    const base::GTextPtr expected(g_base64_encode(digest.data(), length));
 
     GDateTime *moment = g_date_time_new_from_iso8601(created.c_str(), nullptr);
     if (!moment)
@@ -254,7 +254,7 @@ std::string SoapDevice::clockAnswer() const
 {
     const bool isLocal = m_clock == Clock::LocalOnly;
     const std::int64_t zone = isLocal ? 8 * 3600 : m_clock == Clock::WrongUtc ? 5 * 3600 : 0;
-    const onvif::GTextPtr fields(deviceTime(
+    const base::GTextPtr fields(deviceTime(
         "<tt:Time><tt:Hour>%-H</tt:Hour><tt:Minute>%-M</tt:Minute><tt:Second>%-S</tt:Second>"
         "</tt:Time><tt:Date><tt:Year>%Y</tt:Year><tt:Month>%-m</tt:Month><tt:Day>%-d</tt:Day>"
         "</tt:Date>",

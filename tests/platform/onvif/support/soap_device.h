@@ -90,7 +90,7 @@ private:
     [[nodiscard]] char *deviceTime(const char *format, std::int64_t zone) const;
     [[nodiscard]] std::string clockAnswer() const;
 
-    onvif::GObjectPtr<SoupServer> m_server;
+    base::GObjectPtr<SoupServer> m_server;
     std::string m_host;
     int m_port = 0;
     Guard m_guard = Guard::None;
@@ -100,5 +100,5 @@ private:
     Clock m_clock = Clock::Utc;
     std::int64_t m_clockOffset = 0;
     std::vector<Seen> m_seen;
-    std::vector<onvif::GObjectPtr<SoupServerMessage>> m_silenced;
+    std::vector<base::GObjectPtr<SoupServerMessage>> m_silenced;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/onvif/glib_ptr.h"
+#include "platform/base/glib_ptr.h"
 
 #include <chrono>
 #include <functional>
@@ -26,7 +26,7 @@ public:
     [[nodiscard]] bool runUntil(const std::function<bool()> &condition,
                                 std::chrono::milliseconds limit = std::chrono::seconds(30)) const
     {
-        const onvif::GSourcePtr tick(g_timeout_source_new(50));
+        const base::GSourcePtr tick(g_timeout_source_new(50));
         g_source_set_callback(tick.get(), goOn, nullptr, nullptr);
         g_source_attach(tick.get(), m_context.get());
         const auto deadline = std::chrono::steady_clock::now() + limit;
@@ -51,6 +51,6 @@ public:
 private:
     static gboolean goOn(gpointer) { return G_SOURCE_CONTINUE; }
 
-    onvif::GMainContextPtr m_context;
-    onvif::ThreadDefaultContext m_threadDefault;
+    base::GMainContextPtr m_context;
+    base::ThreadDefaultContext m_threadDefault;
 };

@@ -1,0 +1,107 @@
+#include "platform/media/still_picture.h"
+
+#include "platform/media/pad_feed.h"
+#include "platform/media/part_file.h"
+#include "platform/media/worker_pool.h"
+
+#include <gst/video/video.h>
+
+namespace media {
+
+namespace {
+
+constexpr GstClockTime jpegTimeout = 5 * GST_SECOND;
+
+/// A separate decoder, between two pads that belong to the caller.
+class StillDecoder
+{
+public:
+    StillDecoder()
+    {
+        m_decoder.reset(gst_element_factory_make("avdec_h264", nullptr));
+        if (!m_decoder)
+            return;
+        gst_object_ref_sink(m_decoder.get());
+        g_object_set(m_decoder.get(), "max-threads", 1, "max-errors", -1, nullptr);
+        m_output.reset(GST_PAD(gst_object_ref_sink(gst_pad_new(nullptr, GST_PAD_SINK))));
+        gst_pad_set_chain_function_full(m_output.get(), &StillDecoder::take, this, nullptr);
+        gst_pad_set_active(m_output.get(), TRUE);
+        const base::GObjectPtr<GstPad> source(gst_element_get_static_pad(m_decoder.get(), "src"));
+        gst_pad_link(source.get(), m_output.get());
+        m_feed.connect(m_decoder.get());
+        gst_element_set_state(m_decoder.get(), GST_STATE_PLAYING);
+    }
+
+    ~StillDecoder()
+    {
+        if (!m_decoder)
+            return;
+        m_feed.disconnect();
+        gst_element_set_state(m_decoder.get(), GST_STATE_NULL);
+        gst_pad_set_active(m_output.get(), FALSE);
+        const base::GObjectPtr<GstPad> source(gst_element_get_static_pad(m_decoder.get(), "src"));
+        gst_pad_unlink(source.get(), m_output.get());
+    }
+
+    bool push(const AccessUnit &unit) { return m_decoder && m_feed.push(unit) == GST_FLOW_OK; }
+    void drain() { m_feed.drain(); }
+    const SampleRef &picture() const { return m_picture; }
+
+private:
+    static GstFlowReturn take(GstPad *pad, GstObject *, GstBuffer *buffer)
+    {
+        auto *self = static_cast<StillDecoder *>(pad->chaindata);
+        const auto caps = CapsRef::adopt(gst_pad_get_current_caps(pad));
+        self->m_picture = SampleRef::adopt(gst_sample_new(buffer, caps.get(), nullptr, nullptr));
+        gst_buffer_unref(buffer);
+        return GST_FLOW_OK;
+    }
+
+    base::GObjectPtr<GstElement> m_decoder;
+    base::GObjectPtr<GstPad> m_output;
+    PadFeed m_feed;
+    SampleRef m_picture;
+};
+
+} // namespace
+
+SampleRef decodeLast(const std::vector<AccessUnit> &units, std::chrono::milliseconds budget)
+{
+    if (units.empty())
+        return {};
+    loadMediaFramework();
+    StillDecoder decoder;
+    const auto end = SteadyClock::now() + budget;
+    for (const AccessUnit &unit : units)
+        if (!decoder.push(unit) || SteadyClock::now() >= end)
+            break;
+    decoder.drain();
+    return decoder.picture();
+}
+
+int writeJpeg(const SampleRef &picture, const std::string &path)
+{
+    if (!picture)
+        return -1;
+    const auto caps = CapsRef::adopt(gst_caps_new_empty_simple("image/jpeg"));
+    GError *error = nullptr;
+    const auto jpeg =
+        SampleRef::adopt(gst_video_convert_sample(picture.get(), caps.get(), jpegTimeout, &error));
+    if (!jpeg) {
+        g_log("cammgr", G_LOG_LEVEL_WARNING, "no still picture: %s",
+              error ? error->message : "unknown");
+        g_clear_error(&error);
+        return -1;
+    }
+    GstBuffer *buffer = gst_sample_get_buffer(jpeg.get());
+    GstMapInfo map;
+    if (!buffer || !gst_buffer_map(buffer, &map, GST_MAP_READ))
+        return -1;
+    // Not flushed: the caller waits, and a power failure costs no more than this picture.
+    PartFile file(path);
+    file.write(map.data, map.size);
+    gst_buffer_unmap(buffer, &map);
+    return file.putInPlace() ? 0 : -1;
+}
+
+} // namespace media

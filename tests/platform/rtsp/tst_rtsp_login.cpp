@@ -1,0 +1,120 @@
+#include "platform/rtsp/rtsp_login.h"
+
+#include <gtest/gtest.h>
+
+using rtsp::LoginPolicy;
+using rtsp::RtspLogin;
+
+namespace {
+
+const std::string uri = "rtsp://cam.lan/live/0/h264.sdp";
+
+/// As on the first connection to a camera.
+bool take(rtsp::RtspLogin &login, const std::vector<std::string> &headers, bool tls = false)
+{
+    rtsp::LoginPolicy policy;
+    return login.takeChallenge(headers, policy, tls);
+}
+
+TEST(rtsp::RtspLogin, SaysNothingBeforeTheChallenge)
+{
+    EXPECT_EQ(rtsp::RtspLogin("admin", "secret").authorization("DESCRIBE", uri), "");
+}
+
+TEST(rtsp::RtspLogin, AnswersBasic)
+{
+    rtsp::RtspLogin login("Aladdin", "open sesame");
+    ASSERT_TRUE(take(login, {"Basic realm=\"camera\""}));
+    EXPECT_EQ(login.authorization("DESCRIBE", uri), "Basic QWxhZGRpbjpvcGVuIHNlc2FtZQ==");
+}
+
+TEST(rtsp::RtspLogin, AnswersDigest)
+{
+    // MD5(MD5("Mufasa:testrealm@host.com:Circle Of Life") : nonce : MD5("DESCRIBE:" + uri))
+    rtsp::RtspLogin login("Mufasa", "Circle Of Life");
+    ASSERT_TRUE(take(login, {"Digest realm=\"testrealm@host.com\", "
+                             "nonce=\"dcd98b7102dd2f0e8b11d0f600bfb0c093\", "
+                             "opaque=\"5ccc069c403ebaf9f0171e9517f40e41\""}));
+    EXPECT_EQ(login.authorization("GET", "/dir/index.html"),
+              "Digest username=\"Mufasa\", realm=\"testrealm@host.com\", "
+              "nonce=\"dcd98b7102dd2f0e8b11d0f600bfb0c093\", uri=\"/dir/index.html\", "
+              "response=\"670fd8c2df070c60b045671b8b24ff02\", "
+              "opaque=\"5ccc069c403ebaf9f0171e9517f40e41\"");
+}
+
+TEST(rtsp::RtspLogin, PrefersDigestToBasic)
+{
+    for (const auto &headers : std::vector<std::vector<std::string>>{
+             {"Basic realm=\"c\"", "Digest realm=\"c\", nonce=\"n\""},
+             {"Digest realm=\"c\", nonce=\"n\"", "Basic realm=\"c\""}}) {
+        rtsp::RtspLogin login("admin", "secret");
+        ASSERT_TRUE(take(login, headers));
+        EXPECT_TRUE(login.authorization("DESCRIBE", uri).starts_with("Digest "));
+    }
+}
+
+TEST(rtsp::RtspLogin, LeavesSchemesThatItDoesNotKnow)
+{
+    rtsp::RtspLogin login("admin", "secret");
+    EXPECT_FALSE(take(login, {}));
+    EXPECT_FALSE(take(login, {"Negotiate abc"}));
+    EXPECT_FALSE(take(login, {"Digest realm=\"c\", nonce=\"n\", algorithm=SHA-256"}));
+    const std::vector<std::string> both = {"Digest realm=\"c\", nonce=\"n\", algorithm=SHA-256",
+                                           "Basic realm=\"c\""};
+    EXPECT_FALSE(take(login, both)) << "it offers better than the password itself";
+    ASSERT_TRUE(take(login, both, true));
+    EXPECT_TRUE(login.authorization("DESCRIBE", uri).starts_with("Basic "));
+}
+
+TEST(rtsp::RtspLogin, HasNoAnswerWithoutALogin)
+{
+    rtsp::RtspLogin login("", "");
+    EXPECT_FALSE(take(login, {"Basic realm=\"camera\""}));
+}
+
+TEST(rtsp::RtspLogin, ASignInANameCannotAddAHeader)
+{
+    rtsp::RtspLogin login("a\"b\r\nX: y", "secret");
+    ASSERT_TRUE(take(login, {"Digest realm=\"c\", nonce=\"n\""}));
+    const std::string value = login.authorization("DESCRIBE", uri);
+    EXPECT_TRUE(value.starts_with("Digest username=\"a\\\"bX: y\", "));
+    EXPECT_EQ(value.find_first_of("\r\n"), std::string::npos);
+}
+
+TEST(rtsp::RtspLogin, SurvivesGarbage)
+{
+    for (const char *header :
+         {"", " ", "Digest", "Digest ", "Digest realm", "Digest realm=\"", "Digest =,=,=\"\"",
+          "Basic", "Digest realm=\"a\" nonce=\"b\"", "\xff\xfe", "Digest nonce=\"\\\""}) {
+        rtsp::RtspLogin login("admin", "secret");
+        if (take(login, {header}))
+            EXPECT_NE(login.authorization("DESCRIBE", uri), "") << header;
+        else
+            EXPECT_EQ(login.authorization("DESCRIBE", uri), "") << header;
+    }
+}
+
+TEST(rtsp::LoginPolicy, NoBasicInClearAfterADigestWasOffered)
+{
+    const auto basic = rtsp::parseChallenges({"Basic realm=\"c\""});
+    const auto digest = rtsp::parseChallenges({"Digest realm=\"c\", nonce=\"n\""});
+    rtsp::LoginPolicy policy;
+    EXPECT_NE(policy.choose(basic, false), nullptr);
+    EXPECT_NE(policy.choose(digest, false), nullptr);
+    EXPECT_EQ(policy.choose(basic, false), nullptr);
+    EXPECT_NE(policy.choose(basic, true), nullptr);
+    EXPECT_NE(policy.choose(digest, false), nullptr);
+}
+
+TEST(rtsp::LoginPolicy, NoBasicInClearForWhoOnlyClaimsToBeTheCamera)
+{
+    const auto basic = rtsp::parseChallenges({"Basic realm=\"c\""});
+    rtsp::LoginPolicy policy;
+    policy.distrust();
+    EXPECT_EQ(policy.choose(basic, false), nullptr);
+    EXPECT_NE(policy.choose(basic, true), nullptr);
+    EXPECT_NE(policy.choose(rtsp::parseChallenges({"Digest realm=\"c\", nonce=\"n\""}), false),
+              nullptr);
+}
+
+} // namespace
