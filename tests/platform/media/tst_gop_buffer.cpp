@@ -29,7 +29,7 @@ media::AudioUnit soundAt(GstClockTime time)
 
 } // namespace
 
-TEST(media::GopBuffer, HoldsWhatCameSinceTheLastKeyFrame)
+TEST(GopBuffer, HoldsWhatCameSinceTheLastKeyFrame)
 {
     media::GopBuffer memory;
     memory.takeFrame(unitOf(1, false));
@@ -43,7 +43,7 @@ TEST(media::GopBuffer, HoldsWhatCameSinceTheLastKeyFrame)
     EXPECT_EQ(memory.frames().front().number, 4u);
 }
 
-TEST(media::GopBuffer, ForgetsAllWhenTheKeyFrameIsTooFarBack)
+TEST(GopBuffer, ForgetsAllWhenTheKeyFrameIsTooFarBack)
 {
     media::GopBuffer memory(1000);
     memory.takeFrame(unitOf(1, true, 600));
@@ -55,7 +55,7 @@ TEST(media::GopBuffer, ForgetsAllWhenTheKeyFrameIsTooFarBack)
     EXPECT_EQ(memory.frames().size(), 1u);
 }
 
-TEST(media::GopBuffer, KeepsTheAudioOfItsPictures)
+TEST(GopBuffer, KeepsTheAudioOfItsPictures)
 {
     media::GopBuffer memory;
     memory.takeAudio(soundAt(20 * GST_MSECOND));
@@ -65,7 +65,7 @@ TEST(media::GopBuffer, KeepsTheAudioOfItsPictures)
     EXPECT_EQ(memory.audio().front().time, 60 * GST_MSECOND);
 }
 
-TEST(media::StreamStats, CountsTheLastSecond)
+TEST(StreamStats, CountsTheLastSecond)
 {
     media::StreamStats stats;
     const auto start = media::SteadyClock::now();
@@ -79,7 +79,7 @@ TEST(media::StreamStats, CountsTheLastSecond)
     EXPECT_EQ(stats.bits(last + 5s), 0);
 }
 
-TEST(media::SliceFacts, ReadsReferenceAndKind)
+TEST(SliceFacts, ReadsReferenceAndKind)
 {
     // One slice NAL unit each: nal_ref_idc, then first_mb_in_slice 0 ("1") and slice_type.
     const std::array<uint8_t, 7> bSlice = {0, 0, 0, 3, 0x01, 0b10100000, 0}; // type 1 (B): 010
@@ -93,7 +93,7 @@ TEST(media::SliceFacts, ReadsReferenceAndKind)
     EXPECT_TRUE(media::readSliceFacts(iSlice.data(), iSlice.size()).reference);
 }
 
-TEST(media::SliceFacts, DamagedInputEndsQuietly)
+TEST(SliceFacts, DamagedInputEndsQuietly)
 {
     const std::array<uint8_t, 9> lengthTooLarge = {0xff, 0xff, 0xff, 0xff, 0x65, 0x88, 0, 0, 0};
     EXPECT_FALSE(media::readSliceFacts(lengthTooLarge.data(), lengthTooLarge.size()).reference);

@@ -16,7 +16,7 @@ rtsp::Reply readWhole(Protocol protocol, const std::string &text)
     return reader.take();
 }
 
-TEST(rtsp::ReplyReader, ReadsAnRtspReply)
+TEST(ReplyReader, ReadsAnRtspReply)
 {
     const rtsp::Reply reply =
         readWhole(Protocol::Rtsp, "RTSP/1.0 401 Unauthorized\r\n"
@@ -32,7 +32,7 @@ TEST(rtsp::ReplyReader, ReadsAnRtspReply)
     EXPECT_EQ(reply.body, "");
 }
 
-TEST(rtsp::ReplyReader, ReadsByteByByte)
+TEST(ReplyReader, ReadsByteByByte)
 {
     const std::string text = "HTTP/1.1 200 OK\nContent-Length: 5\n\nab\ncd";
     rtsp::ReplyReader reader(Protocol::Http);
@@ -43,7 +43,7 @@ TEST(rtsp::ReplyReader, ReadsByteByByte)
     EXPECT_FALSE(reader.hasBegun());
 }
 
-TEST(rtsp::ReplyReader, KeepsWhatBelongsToTheNextReply)
+TEST(ReplyReader, KeepsWhatBelongsToTheNextReply)
 {
     rtsp::ReplyReader reader(Protocol::Http);
     ASSERT_EQ(reader.feed("HTTP/1.1 200 OK\r\nContent-Length: 1\r\n\r\nAHTTP/1.1 404 No\r\n"
@@ -54,7 +54,7 @@ TEST(rtsp::ReplyReader, KeepsWhatBelongsToTheNextReply)
     EXPECT_EQ(reader.take().status, 404);
 }
 
-TEST(rtsp::ReplyReader, JoinsChunks)
+TEST(ReplyReader, JoinsChunks)
 {
     const rtsp::Reply reply = readWhole(Protocol::Http, "HTTP/1.1 200 OK\r\n"
                                                         "Transfer-Encoding: chunked\r\n\r\n"
@@ -64,7 +64,7 @@ TEST(rtsp::ReplyReader, JoinsChunks)
     EXPECT_TRUE(reply.keepsConnection);
 }
 
-TEST(rtsp::ReplyReader, AChunkEndsWhereItSays)
+TEST(ReplyReader, AChunkEndsWhereItSays)
 {
     for (const size_t piece : {1u, 1000u}) {
         std::string_view text = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n"
@@ -79,7 +79,7 @@ TEST(rtsp::ReplyReader, AChunkEndsWhereItSays)
     }
 }
 
-TEST(rtsp::ReplyReader, TheEndOfTheConnectionEndsABodyWithoutLength)
+TEST(ReplyReader, TheEndOfTheConnectionEndsABodyWithoutLength)
 {
     rtsp::ReplyReader reader(Protocol::Http);
     EXPECT_EQ(reader.feed("HTTP/1.1 200 OK\r\n\r\n000 Success"), State::Incomplete);
@@ -89,7 +89,7 @@ TEST(rtsp::ReplyReader, TheEndOfTheConnectionEndsABodyWithoutLength)
     EXPECT_FALSE(reply.keepsConnection);
 }
 
-TEST(rtsp::ReplyReader, AnEndInTheMiddleIsNoReply)
+TEST(ReplyReader, AnEndInTheMiddleIsNoReply)
 {
     for (const char *text : {"", "HTTP/1.1 20", "HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n000",
                              "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nab"}) {
@@ -99,7 +99,7 @@ TEST(rtsp::ReplyReader, AnEndInTheMiddleIsNoReply)
     }
 }
 
-TEST(rtsp::ReplyReader, SkipsContinue)
+TEST(ReplyReader, SkipsContinue)
 {
     EXPECT_EQ(readWhole(Protocol::Http, "HTTP/1.1 100 Continue\r\n\r\n"
                                         "HTTP/1.1 204 No Content\r\n\r\n")
@@ -107,7 +107,7 @@ TEST(rtsp::ReplyReader, SkipsContinue)
               204);
 }
 
-TEST(rtsp::ReplyReader, OldServersCloseUnlessTheySayOtherwise)
+TEST(ReplyReader, OldServersCloseUnlessTheySayOtherwise)
 {
     EXPECT_FALSE(
         readWhole(Protocol::Http, "HTTP/1.0 200 OK\r\nContent-Length: 0\r\n\r\n").keepsConnection);
@@ -119,7 +119,7 @@ TEST(rtsp::ReplyReader, OldServersCloseUnlessTheySayOtherwise)
                      .keepsConnection);
 }
 
-TEST(rtsp::ReplyReader, RefusesGarbage)
+TEST(ReplyReader, RefusesGarbage)
 {
     for (const char *text :
          {"GARBAGE\r\n\r\n", "HTTP/1.1 200 OK\r\n\r\n", "RTSP/1.0\r\n\r\n",
@@ -133,7 +133,7 @@ TEST(rtsp::ReplyReader, RefusesGarbage)
     }
 }
 
-TEST(rtsp::ReplyReader, RefusesHeadersWithoutEnd)
+TEST(ReplyReader, RefusesHeadersWithoutEnd)
 {
     rtsp::ReplyReader reader(Protocol::Rtsp);
     State state = reader.feed("RTSP/1.0 200 OK\r\n");
@@ -142,7 +142,7 @@ TEST(rtsp::ReplyReader, RefusesHeadersWithoutEnd)
     EXPECT_EQ(state, State::Broken);
 }
 
-TEST(rtsp::ReplyReader, RefusesABodyOfAMegabyteWithoutReadingIt)
+TEST(ReplyReader, RefusesABodyOfAMegabyteWithoutReadingIt)
 {
     rtsp::ReplyReader reader(Protocol::Rtsp);
     EXPECT_EQ(reader.feed("RTSP/1.0 200 OK\r\nContent-Length: 1048576\r\n\r\n"), State::Broken);
@@ -154,7 +154,7 @@ TEST(rtsp::ReplyReader, RefusesABodyOfAMegabyteWithoutReadingIt)
     EXPECT_EQ(state, State::Broken);
 }
 
-TEST(rtsp::ReplyReader, KnowsATextWithoutHead)
+TEST(ReplyReader, KnowsATextWithoutHead)
 {
     rtsp::ReplyReader reader(Protocol::Http);
     EXPECT_EQ(reader.feed("000 Success\nA=1"), State::Broken);

@@ -16,19 +16,19 @@ bool take(rtsp::RtspLogin &login, const std::vector<std::string> &headers, bool 
     return login.takeChallenge(headers, policy, tls);
 }
 
-TEST(rtsp::RtspLogin, SaysNothingBeforeTheChallenge)
+TEST(RtspLogin, SaysNothingBeforeTheChallenge)
 {
     EXPECT_EQ(rtsp::RtspLogin("admin", "secret").authorization("DESCRIBE", uri), "");
 }
 
-TEST(rtsp::RtspLogin, AnswersBasic)
+TEST(RtspLogin, AnswersBasic)
 {
     rtsp::RtspLogin login("Aladdin", "open sesame");
     ASSERT_TRUE(take(login, {"Basic realm=\"camera\""}));
     EXPECT_EQ(login.authorization("DESCRIBE", uri), "Basic QWxhZGRpbjpvcGVuIHNlc2FtZQ==");
 }
 
-TEST(rtsp::RtspLogin, AnswersDigest)
+TEST(RtspLogin, AnswersDigest)
 {
     // MD5(MD5("Mufasa:testrealm@host.com:Circle Of Life") : nonce : MD5("DESCRIBE:" + uri))
     rtsp::RtspLogin login("Mufasa", "Circle Of Life");
@@ -42,7 +42,7 @@ TEST(rtsp::RtspLogin, AnswersDigest)
               "opaque=\"5ccc069c403ebaf9f0171e9517f40e41\"");
 }
 
-TEST(rtsp::RtspLogin, PrefersDigestToBasic)
+TEST(RtspLogin, PrefersDigestToBasic)
 {
     for (const auto &headers : std::vector<std::vector<std::string>>{
              {"Basic realm=\"c\"", "Digest realm=\"c\", nonce=\"n\""},
@@ -53,7 +53,7 @@ TEST(rtsp::RtspLogin, PrefersDigestToBasic)
     }
 }
 
-TEST(rtsp::RtspLogin, LeavesSchemesThatItDoesNotKnow)
+TEST(RtspLogin, LeavesSchemesThatItDoesNotKnow)
 {
     rtsp::RtspLogin login("admin", "secret");
     EXPECT_FALSE(take(login, {}));
@@ -66,13 +66,13 @@ TEST(rtsp::RtspLogin, LeavesSchemesThatItDoesNotKnow)
     EXPECT_TRUE(login.authorization("DESCRIBE", uri).starts_with("Basic "));
 }
 
-TEST(rtsp::RtspLogin, HasNoAnswerWithoutALogin)
+TEST(RtspLogin, HasNoAnswerWithoutALogin)
 {
     rtsp::RtspLogin login("", "");
     EXPECT_FALSE(take(login, {"Basic realm=\"camera\""}));
 }
 
-TEST(rtsp::RtspLogin, ASignInANameCannotAddAHeader)
+TEST(RtspLogin, ASignInANameCannotAddAHeader)
 {
     rtsp::RtspLogin login("a\"b\r\nX: y", "secret");
     ASSERT_TRUE(take(login, {"Digest realm=\"c\", nonce=\"n\""}));
@@ -81,7 +81,7 @@ TEST(rtsp::RtspLogin, ASignInANameCannotAddAHeader)
     EXPECT_EQ(value.find_first_of("\r\n"), std::string::npos);
 }
 
-TEST(rtsp::RtspLogin, SurvivesGarbage)
+TEST(RtspLogin, SurvivesGarbage)
 {
     for (const char *header :
          {"", " ", "Digest", "Digest ", "Digest realm", "Digest realm=\"", "Digest =,=,=\"\"",
@@ -94,7 +94,7 @@ TEST(rtsp::RtspLogin, SurvivesGarbage)
     }
 }
 
-TEST(rtsp::LoginPolicy, NoBasicInClearAfterADigestWasOffered)
+TEST(LoginPolicy, NoBasicInClearAfterADigestWasOffered)
 {
     const auto basic = rtsp::parseChallenges({"Basic realm=\"c\""});
     const auto digest = rtsp::parseChallenges({"Digest realm=\"c\", nonce=\"n\""});
@@ -106,7 +106,7 @@ TEST(rtsp::LoginPolicy, NoBasicInClearAfterADigestWasOffered)
     EXPECT_NE(policy.choose(digest, false), nullptr);
 }
 
-TEST(rtsp::LoginPolicy, NoBasicInClearForWhoOnlyClaimsToBeTheCamera)
+TEST(LoginPolicy, NoBasicInClearForWhoOnlyClaimsToBeTheCamera)
 {
     const auto basic = rtsp::parseChallenges({"Basic realm=\"c\""});
     rtsp::LoginPolicy policy;

@@ -70,7 +70,7 @@ rtsp::ProbeTarget target(uint16_t port, const std::string &user = "admin",
             .password = password};
 }
 
-TEST(rtsp::RtspProbe, AsksForTheDescription)
+TEST(RtspProbe, AsksForTheDescription)
 {
     TinyServer server([](Connection &camera) {
         camera.readRequest();
@@ -86,7 +86,7 @@ TEST(rtsp::RtspProbe, AsksForTheDescription)
                   "Accept: application/sdp\r\n\r\n");
 }
 
-TEST(rtsp::RtspProbe, KeepsTheConnectionAndTheLoginForTheNextProbe)
+TEST(RtspProbe, KeepsTheConnectionAndTheLoginForTheNextProbe)
 {
     TinyServer server([](Connection &camera) {
         for (std::string request; !(request = camera.readRequest()).empty();)
@@ -106,7 +106,7 @@ TEST(rtsp::RtspProbe, KeepsTheConnectionAndTheLoginForTheNextProbe)
     EXPECT_THAT(requests[3], HasSubstr("CSeq: 4\r\n"));
 }
 
-TEST(rtsp::RtspProbe, ConnectsAnewWhenTheKeptConnectionIsGone)
+TEST(RtspProbe, ConnectsAnewWhenTheKeptConnectionIsGone)
 {
     TinyServer server([](Connection &camera) {
         camera.readRequest();
@@ -119,7 +119,7 @@ TEST(rtsp::RtspProbe, ConnectsAnewWhenTheKeptConnectionIsGone)
     }
 }
 
-TEST(rtsp::RtspProbe, ACameraThatDropsTheKeptConnectionAtTheRequestIsAskedOnceMore)
+TEST(RtspProbe, ACameraThatDropsTheKeptConnectionAtTheRequestIsAskedOnceMore)
 {
     TinyServer server([](Connection &camera) {
         camera.readRequest();
@@ -132,7 +132,7 @@ TEST(rtsp::RtspProbe, ACameraThatDropsTheKeptConnectionAtTheRequestIsAskedOnceMo
     EXPECT_EQ(server.connectionCount(), 2);
 }
 
-TEST(rtsp::RtspProbe, AWrongPasswordIsOneWrongAnswerForEachProbe)
+TEST(RtspProbe, AWrongPasswordIsOneWrongAnswerForEachProbe)
 {
     TinyServer server([](Connection &camera) {
         while (!camera.readRequest().empty())
@@ -147,7 +147,7 @@ TEST(rtsp::RtspProbe, AWrongPasswordIsOneWrongAnswerForEachProbe)
     EXPECT_EQ(logins, 2);
 }
 
-TEST(rtsp::RtspProbe, ACameraThatWantsALoginRefusesNone)
+TEST(RtspProbe, ACameraThatWantsALoginRefusesNone)
 {
     TinyServer server([](Connection &camera) {
         while (!camera.readRequest().empty())
@@ -158,7 +158,7 @@ TEST(rtsp::RtspProbe, ACameraThatWantsALoginRefusesNone)
     EXPECT_EQ(server.requests().size(), 1u);
 }
 
-TEST(rtsp::RtspProbe, AChallengeMayCloseTheConnection)
+TEST(RtspProbe, AChallengeMayCloseTheConnection)
 {
     TinyServer server([](Connection &camera) {
         const bool login = camera.readRequest().find("Authorization") != std::string::npos;
@@ -171,7 +171,7 @@ TEST(rtsp::RtspProbe, AChallengeMayCloseTheConnection)
     EXPECT_EQ(server.connectionCount(), 2);
 }
 
-TEST(rtsp::RtspProbe, AnotherLoginIsTriedAfresh)
+TEST(RtspProbe, AnotherLoginIsTriedAfresh)
 {
     TinyServer server([](Connection &camera) {
         for (std::string request; !(request = camera.readRequest()).empty();) {
@@ -185,7 +185,7 @@ TEST(rtsp::RtspProbe, AnotherLoginIsTriedAfresh)
     EXPECT_EQ(prober.probe(target(server.port(), "wrong")), rtsp::ProbeOutcome::LoginRefused);
 }
 
-TEST(rtsp::RtspProbe, TellsAnUnknownPathFromOtherAnswers)
+TEST(RtspProbe, TellsAnUnknownPathFromOtherAnswers)
 {
     TinyServer server([](Connection &camera) {
         const bool known = camera.readRequest().find("/live/0/") == std::string::npos;
@@ -201,13 +201,13 @@ TEST(rtsp::RtspProbe, TellsAnUnknownPathFromOtherAnswers)
     EXPECT_EQ(prober.probe(other), rtsp::ProbeOutcome::Unusable);
 }
 
-TEST(rtsp::RtspProbe, APortWithoutAnybodyIsRejected)
+TEST(RtspProbe, APortWithoutAnybodyIsRejected)
 {
     Prober prober;
     EXPECT_EQ(prober.probe(target(closedPort())), rtsp::ProbeOutcome::Rejected);
 }
 
-TEST(rtsp::RtspProbe, AHostThatDoesNotExistIsSilent)
+TEST(RtspProbe, AHostThatDoesNotExistIsSilent)
 {
     Prober prober;
     rtsp::ProbeTarget unknown = target(554);
@@ -215,7 +215,7 @@ TEST(rtsp::RtspProbe, AHostThatDoesNotExistIsSilent)
     EXPECT_EQ(prober.probe(unknown), rtsp::ProbeOutcome::Silent);
 }
 
-TEST(rtsp::RtspProbe, ABlackHoleIsSilentInTime)
+TEST(RtspProbe, ABlackHoleIsSilentInTime)
 {
     TinyServer server([](Connection &camera) { camera.waitForEnd(); });
     Prober prober;
@@ -224,7 +224,7 @@ TEST(rtsp::RtspProbe, ABlackHoleIsSilentInTime)
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
 }
 
-TEST(rtsp::RtspProbe, HalfAnAnswerIsNone)
+TEST(RtspProbe, HalfAnAnswerIsNone)
 {
     TinyServer server([](Connection &camera) {
         camera.readRequest();
@@ -234,7 +234,7 @@ TEST(rtsp::RtspProbe, HalfAnAnswerIsNone)
     EXPECT_EQ(prober.probe(target(server.port())), rtsp::ProbeOutcome::Unusable);
 }
 
-TEST(rtsp::RtspProbe, GarbageIsNoAnswer)
+TEST(RtspProbe, GarbageIsNoAnswer)
 {
     TinyServer server([](Connection &camera) {
         camera.readRequest();
@@ -245,7 +245,7 @@ TEST(rtsp::RtspProbe, GarbageIsNoAnswer)
     EXPECT_EQ(prober.probe(target(server.port())), rtsp::ProbeOutcome::Unusable);
 }
 
-TEST(rtsp::RtspProbe, ADescriptionOfAMegabyteIsNoAnswer)
+TEST(RtspProbe, ADescriptionOfAMegabyteIsNoAnswer)
 {
     TinyServer server([](Connection &camera) {
         camera.readRequest();
@@ -257,7 +257,7 @@ TEST(rtsp::RtspProbe, ADescriptionOfAMegabyteIsNoAnswer)
     EXPECT_EQ(prober.probe(target(server.port())), rtsp::ProbeOutcome::Unusable);
 }
 
-TEST(rtsp::RtspProbe, ACancelledProbeNeverAnswers)
+TEST(RtspProbe, ACancelledProbeNeverAnswers)
 {
     TinyServer server([](Connection &camera) {
         camera.readRequest();
@@ -274,7 +274,7 @@ TEST(rtsp::RtspProbe, ACancelledProbeNeverAnswers)
     prober.run([&](rtsp::RtspProbe &) { EXPECT_FALSE(answered); });
 }
 
-TEST(rtsp::RtspProbe, MayBeDestroyedAtAnyTime)
+TEST(RtspProbe, MayBeDestroyedAtAnyTime)
 {
     TinyServer server([](Connection &camera) { camera.waitForEnd(); });
     for (int i = 0; i < 50; ++i) {
@@ -285,7 +285,7 @@ TEST(rtsp::RtspProbe, MayBeDestroyedAtAnyTime)
     }
 }
 
-TEST(rtsp::RtspProbe, SendsNoPasswordInClearToACameraThatOfferedBetter)
+TEST(RtspProbe, SendsNoPasswordInClearToACameraThatOfferedBetter)
 {
     TinyServer server([](Connection &camera) {
         // The first connection offers a digest, the others the password itself.
