@@ -54,6 +54,22 @@ std::optional<PayloadKind> payloadKindOf(MediaKind kind, const PayloadFormat &fo
     return name->payload;
 }
 
+int clockRateOf(PayloadKind kind, const PayloadFormat &format)
+{
+    if (format.clockRate > 0)
+        return format.clockRate;
+    switch (kind) {
+    case PayloadKind::H264:
+    case PayloadKind::H265:
+    case PayloadKind::Jpeg:
+        return 90000;
+    case PayloadKind::Opus:
+        return 48000;
+    default:
+        return 8000;
+    }
+}
+
 int bitsOfG726(const PayloadFormat &format)
 {
     const Name *name = findName(format.encoding);

@@ -24,6 +24,9 @@ enum class PayloadKind
 /// What a format is, by its encoding name; nullopt when it cannot be received here.
 [[nodiscard]] std::optional<PayloadKind> payloadKindOf(MediaKind kind, const PayloadFormat &format);
 
+/// Ticks a second of its RTP clock: as told, else as usual.
+[[nodiscard]] int clockRateOf(PayloadKind kind, const PayloadFormat &format);
+
 /// Bits of a sample of a format that is G726: 2 to 5.
 [[nodiscard]] int bitsOfG726(const PayloadFormat &format);
 

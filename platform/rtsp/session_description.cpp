@@ -1,6 +1,7 @@
 #include "platform/rtsp/session_description.h"
 
-#include "platform/rtsp/payload_kinds.h"
+#include "platform/base/text.h"
+#include "platform/rtsp/depacketizer.h"
 
 #include <algorithm>
 #include <array>
@@ -52,14 +53,6 @@ constexpr std::array<StaticType, 12> staticTypes = {{
     {33, "MP2T", 90000, 1},
 }};
 
-std::string_view trim(std::string_view text)
-{
-    const std::size_t first = text.find_first_not_of(blanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
 /// Takes what stands before the first separator, or all, off the front of a text.
 std::string_view takeUntil(std::string_view &text, std::string_view separators)
 {
@@ -71,27 +64,17 @@ std::string_view takeUntil(std::string_view &text, std::string_view separators)
 
 std::string_view takeWord(std::string_view &text)
 {
-    text = trim(text);
+    text = base::trimmed(text);
     return takeUntil(text, blanks);
 }
 
-std::string withCase(std::string_view text, char first, char last)
+std::string upperAscii(std::string_view text)
 {
-    std::string changed(text);
-    for (char &c : changed)
-        if (c >= first && c <= last)
-            c = static_cast<char>(c ^ 0x20);
-    return changed;
-}
-
-std::string upperCase(std::string_view text)
-{
-    return withCase(text, 'a', 'z');
-}
-
-std::string lowerCase(std::string_view text)
-{
-    return withCase(text, 'A', 'Z');
+    std::string upper(text);
+    for (char &c : upper)
+        if (c >= 'a' && c <= 'z')
+            c = static_cast<char>(c - 0x20);
+    return upper;
 }
 
 /// A whole decimal number between 0 and max.
@@ -121,8 +104,9 @@ PayloadFormat makeFormat(int payloadType)
 /// "a=x-dimensions:1920,1080", "a=framesize:96 1920-1080".
 void readDimensions(MediaDescription &media, std::string_view text, std::string_view separator)
 {
-    const std::optional<int> width = readNumber(trim(takeUntil(text, separator)), maxDimension);
-    const std::optional<int> height = readNumber(trim(text), maxDimension);
+    const std::optional<int> width =
+        readNumber(base::trimmed(takeUntil(text, separator)), maxDimension);
+    const std::optional<int> height = readNumber(base::trimmed(text), maxDimension);
     if (!width || !height)
         return;
     media.width = *width;
@@ -157,7 +141,7 @@ bool Parser::readLine(std::string_view line)
 {
     if (line.size() < 2 || line[1] != '=')
         return false;
-    const std::string_view value = trim(line.substr(2));
+    const std::string_view value = base::trimmed(line.substr(2));
     switch (line[0]) {
     case 'm':
         readMedia(value);
@@ -180,7 +164,7 @@ void Parser::readMedia(std::string_view text)
     if (m_skipsMedium)
         return;
     MediaDescription media;
-    const std::string kind = lowerCase(takeWord(text));
+    const std::string kind = base::lowerAscii(takeWord(text));
     if (kind == "video")
         media.kind = MediaKind::Video;
     else if (kind == "audio")
@@ -211,11 +195,11 @@ void Parser::readConnection(std::string_view text)
 
 void Parser::readAttribute(std::string_view text)
 {
-    const std::string name = lowerCase(trim(takeUntil(text, ":")));
+    const std::string name = base::lowerAscii(base::trimmed(takeUntil(text, ":")));
     if (m_read.media.empty())
-        readSessionAttribute(name, trim(text));
+        readSessionAttribute(name, base::trimmed(text));
     else if (!m_skipsMedium)
-        readMediaAttribute(name, trim(text));
+        readMediaAttribute(name, base::trimmed(text));
 }
 
 std::optional<Direction> directionOf(std::string_view name)
@@ -273,13 +257,13 @@ PayloadFormat *Parser::findFormat(std::string_view payloadType)
 void Parser::readMap(std::string_view text)
 {
     PayloadFormat *format = findFormat(takeWord(text));
-    text = trim(text);
-    const std::string encoding = upperCase(trim(takeUntil(text, "/")));
+    text = base::trimmed(text);
+    const std::string encoding = upperAscii(base::trimmed(takeUntil(text, "/")));
     if (!format || encoding.empty())
         return;
     const bool isStatic = format->encoding == encoding;
-    const std::optional<int> rate = readNumber(trim(takeUntil(text, "/")), maxClockRate);
-    const std::optional<int> channels = readNumber(trim(text), maxChannels);
+    const std::optional<int> rate = readNumber(base::trimmed(takeUntil(text, "/")), maxClockRate);
+    const std::optional<int> channels = readNumber(base::trimmed(text), maxChannels);
     format->encoding = encoding;
     if (rate.value_or(0) > 0)
         format->clockRate = *rate;
@@ -299,9 +283,9 @@ void Parser::readParameters(std::string_view text)
         return;
     while (!text.empty() && format->parameters.size() < maxParameters) {
         std::string_view pair = takeUntil(text, ";");
-        const std::string name = lowerCase(trim(takeUntil(pair, "=")));
+        const std::string name = base::lowerAscii(base::trimmed(takeUntil(pair, "=")));
         if (!name.empty())
-            format->parameters.emplace_back(name, trim(pair));
+            format->parameters.emplace_back(name, base::trimmed(pair));
     }
 }
 
@@ -367,9 +351,8 @@ std::optional<SessionDescription> parseSessionDescription(std::string_view text)
 const PayloadFormat *playableFormat(const MediaDescription &media)
 {
     const auto found =
-        std::find_if(media.formats.begin(), media.formats.end(), [&](const PayloadFormat &format) {
-            return payloadKindOf(media.kind, format).has_value();
-        });
+        std::find_if(media.formats.begin(), media.formats.end(),
+                     [&](const PayloadFormat &format) { return canDepacketize(media, format); });
     return found == media.formats.end() ? nullptr : &*found;
 }
 
