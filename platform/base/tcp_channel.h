@@ -1,6 +1,9 @@
 #pragma once
 
 #include "platform/base/camera_address.h"
+#include "platform/base/glib_ptr.h"
+
+#include <gio/gio.h>
 
 #include <chrono>
 #include <functional>
@@ -19,8 +22,12 @@ enum class ChannelEnd
 };
 
 /**
- * One TCP (or TLS) connection to a camera, used and answered on the I/O thread only. Reads all the
- * time while it is open, so that a connection which the camera drops is noticed at once.
+ * One TCP (or TLS) connection to a camera, used and answered on the loop thread
+ * only. Reads all the time while it is open, so that a connection which the
+ * camera drops is noticed at once, and much at once: what has arrived is handed
+ * over in pieces of up to 256 KB. What is sent is never delayed to be sent
+ * together, and what was read is acknowledged at once, since a camera that
+ * collects its segments waits for that.
  */
 class TcpChannel
 {
@@ -29,6 +36,7 @@ public:
     struct Handlers
     {
         std::function<void()> opened;
+        /// The bytes are valid during the call.
         std::function<void(std::string_view)> received;
         std::function<void(ChannelEnd)> ended; ///< last, and at most once for each open()
     };
@@ -37,13 +45,24 @@ public:
     ~TcpChannel() { close(); }
     TcpChannel(const TcpChannel &) = delete;
     TcpChannel &operator=(const TcpChannel &) = delete;
+    TcpChannel(TcpChannel &&other) noexcept = default;
+    TcpChannel &operator=(TcpChannel &&other) noexcept;
 
-    /// Closes what was open and connects. Certificates are not checked: cameras sign their own.
+    /// Closes what was open and connects. Certificates are not checked: cameras
+    /// sign their own.
     void open(const Endpoint &endpoint, std::chrono::milliseconds timeLimit, Handlers handlers);
-    void send(std::string data);
-    /// No handler runs any more. Does nothing when closed.
+    /// Another owner goes on with an open channel.
+    void setHandlers(Handlers handlers);
+    /// Never waits; what a camera does not take is kept up to 256 KB, then the
+    /// channel ends.
+    void send(std::string_view data);
+    /// No handler runs any more. Never waits, whatever is under way. Does nothing
+    /// when closed.
     void close();
     bool isOpen() const;
+
+    /// The camera's side; null when not open.
+    GObjectPtr<GInetSocketAddress> remoteAddress() const;
 
 private:
     struct Link;
