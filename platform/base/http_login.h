@@ -44,6 +44,7 @@ public:
 
     /// The device refused the nonce, not the password.
     [[nodiscard]] bool isStale() const { return m_isStale; }
+    [[nodiscard]] const std::string &nonce() const { return m_nonce; }
 
 private:
     static std::string newNonce();

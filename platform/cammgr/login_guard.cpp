@@ -1,9 +1,11 @@
 #include "platform/cammgr/login_guard.h"
 
 #include "platform/base/glib_ptr.h"
+#include "platform/base/text.h"
 
 #include <gst/rtsp/gstrtspextension.h>
 
+#include <algorithm>
 #include <mutex>
 #include <regex>
 #include <string>
@@ -85,14 +87,40 @@ std::vector<std::string> headersOf(const GstRTSPMessage *response, GstRTSPHeader
     return headers;
 }
 
-std::string headerOf(const rtsp::LoginChallenge &challenge)
+std::string parameterOf(const base::HttpChallenge &challenge, const char *name)
 {
-    if (challenge.scheme == rtsp::LoginChallenge::Scheme::Basic)
-        return "Basic realm=\"" + challenge.realm + '"';
-    std::string text = "Digest realm=\"" + challenge.realm + "\", nonce=\"" + challenge.nonce + '"';
-    if (!challenge.opaque.empty())
-        text += ", opaque=\"" + challenge.opaque + '"';
-    return text;
+    const auto found = challenge.parameters.find(name);
+    return found == challenge.parameters.end() ? std::string() : found->second;
+}
+
+std::string headerOf(const base::HttpChallenge &challenge)
+{
+    const std::string realm = "realm=\"" + parameterOf(challenge, "realm") + '"';
+    if (challenge.scheme != "digest")
+        return "Basic " + realm;
+    const std::string opaque = parameterOf(challenge, "opaque");
+    return "Digest " + realm + ", nonce=\"" + parameterOf(challenge, "nonce") + '"' +
+           (opaque.empty() ? "" : ", opaque=\"" + opaque + '"');
+}
+
+/// The only digest that the element computes.
+bool isMd5(const base::HttpChallenge &challenge)
+{
+    const std::string algorithm = base::lowerAscii(parameterOf(challenge, "algorithm"));
+    return challenge.scheme == "digest" && (algorithm.empty() || algorithm == "md5");
+}
+
+/// The challenge that the element may and can answer; null when there is none.
+const base::HttpChallenge *choose(const std::vector<base::HttpChallenge> &challenges,
+                                  bool permitsBasic)
+{
+    const auto md5 = std::find_if(challenges.begin(), challenges.end(), isMd5);
+    if (md5 != challenges.end())
+        return &*md5;
+    const auto basic =
+        std::find_if(challenges.begin(), challenges.end(),
+                     [](const base::HttpChallenge &each) { return each.scheme == "basic"; });
+    return basic == challenges.end() || !permitsBasic ? nullptr : &*basic;
 }
 
 /// "url=rtsp://c/1;seq=0;rtptime=5" without its ";seq=0".
@@ -130,10 +158,12 @@ void LoginGuard::filter(GstRTSPMessage *response)
         return;
     }
     const std::vector<std::string> headers = headersOf(response, GST_RTSP_HDR_WWW_AUTHENTICATE);
-    const std::vector<rtsp::LoginChallenge> challenges = rtsp::parseChallenges(headers);
-    const rtsp::LoginChallenge *chosen = m_policy->choose(challenges, m_tls);
+    const std::vector<base::HttpChallenge> challenges = base::parseChallenges(headers);
+    const base::HttpChallenge *chosen =
+        choose(challenges, m_policy->permitsBasic(challenges, m_tls));
     // A nonce that grew old says nothing about the login.
-    if (m_answers++ >= (chosen && chosen->stale ? 2 : 1))
+    if (m_answers++ >=
+        (chosen && base::lowerAscii(parameterOf(*chosen, "stale")) == "true" ? 2 : 1))
         chosen = nullptr;
     if (chosen && challenges.size() == 1)
         return;

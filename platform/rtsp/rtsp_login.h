@@ -1,53 +1,58 @@
 #pragma once
 
+#include "platform/base/http_login.h"
 #include "platform/rtsp/login_policy.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace rtsp {
 
-/// Answers the login challenges of one camera (RFC 2617): digest before basic. What was learned
-/// from a challenge serves for later requests too.
+/// Answers the login challenges of one camera (RFC 2326 15.3, RFC 7616, RFC
+/// 7617): the strongest digest before Basic. What was learned from a challenge
+/// serves for later requests too.
 class RtspLogin
 {
 public:
     RtspLogin() = default;
+    /// Both in UTF-8.
     RtspLogin(std::string username, std::string password)
         : m_username(std::move(username))
         , m_password(std::move(password))
     {
     }
 
-    /// Takes the WWW-Authenticate headers of a 401; false when there is no login to answer them
-    /// with, or none that the policy lets be answered. tls: the connection is encrypted.
+    /// Takes the WWW-Authenticate headers of a 401; false when there is no login
+    /// to answer them with, or none that the policy lets be answered. tls: the
+    /// connection is encrypted.
     bool takeChallenge(const std::vector<std::string> &headers, LoginPolicy &policy, bool tls);
 
-    /// The Authorization header's value for a request; empty before the first challenge.
-    std::string authorization(const char *method, const std::string &uri) const;
+    /// What was learned is not used any more: the camera refuses it.
+    void forgetChallenge();
+
+    /// The Authorization header's value for one request; empty before the first
+    /// challenge.
+    std::string authorization(const std::string &method, const std::string &uri);
 
     /// Whether a challenge was taken: requests carry a login.
-    bool isInUse() const { return m_scheme != Scheme::None; }
+    bool isInUse() const { return m_digest || m_isBasic; }
+    /// The last challenge refused the nonce, not the password.
+    bool isStale() const { return m_digest && m_digest->isStale(); }
+    /// Of the last challenge; empty for Basic.
+    std::string nonce() const { return m_digest ? m_digest->nonce() : std::string(); }
 
+    /// The same user name and password.
     bool operator==(const RtspLogin &other) const
     {
         return m_username == other.m_username && m_password == other.m_password;
     }
 
 private:
-    enum class Scheme
-    {
-        None,
-        Basic,
-        Digest
-    };
-
     std::string m_username;
     std::string m_password;
-    Scheme m_scheme = Scheme::None;
-    std::string m_realm;
-    std::string m_nonce;
-    std::string m_opaque;
+    bool m_isBasic = false;
+    std::optional<base::HttpDigest> m_digest;
 };
 
 } // namespace rtsp
