@@ -6,61 +6,17 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace rtsp {
 namespace {
 
-bool equalNoCase(std::string_view a, std::string_view b)
+bool equalNoCase(const std::string &a, const char *b)
 {
-    return a.size() == b.size() && g_ascii_strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
-
-std::optional<size_t> parseSize(std::string_view text, unsigned base)
-{
-    if (text.empty() || text.size() > 15)
-        return std::nullopt;
-    size_t value = 0;
-    for (const char c : text) {
-        const int digit = g_ascii_xdigit_value(c);
-        if (digit < 0 || digit >= static_cast<int>(base))
-            return std::nullopt;
-        value = value * base + static_cast<size_t>(digit);
-    }
-    return value;
-}
-
-/// The end of the blank line after the headers; some cameras end lines with a bare line feed.
-size_t headEnd(std::string_view data)
-{
-    for (size_t feed = data.find('\n'); feed != std::string_view::npos;
-         feed = data.find('\n', feed + 1)) {
-        const std::string_view rest = data.substr(feed + 1);
-        if (rest.starts_with('\n'))
-            return feed + 2;
-        if (rest.starts_with("\r\n"))
-            return feed + 3;
-    }
-    return std::string_view::npos;
+    return g_ascii_strcasecmp(a.c_str(), b) == 0;
 }
 
 } // namespace
-
-std::vector<std::string> Reply::all(std::string_view name) const
-{
-    std::vector<std::string> values;
-    for (const auto &[key, value] : headers)
-        if (equalNoCase(key, name))
-            values.push_back(value);
-    return values;
-}
-
-std::string Reply::first(std::string_view name) const
-{
-    const auto found = std::find_if(headers.begin(), headers.end(), [&](const auto &header) {
-        return equalNoCase(header.first, name);
-    });
-    return found == headers.end() ? std::string() : found->second;
-}
 
 ReplyReader::State ReplyReader::feed(std::string_view data)
 {
@@ -106,13 +62,15 @@ ReplyReader::State ReplyReader::advance()
     if (m_part == Part::Head) {
         if (isBareText())
             return broken();
-        const size_t end = headEnd(m_buffer);
+        const size_t end = findHeadEnd(m_buffer);
         if (std::min(end, m_buffer.size()) > m_limits.headerBytes)
             return broken();
         if (end == std::string::npos)
             return State::Incomplete;
-        if (!parseHead(std::string_view(m_buffer).substr(0, end)))
+        std::optional<Reply> head = parseReplyHead(std::string_view(m_buffer).substr(0, end));
+        if (!head)
             return broken();
+        m_reply = std::move(*head);
         m_buffer.erase(0, end);
         if (m_protocol == Protocol::Http && m_reply.status < 200) {
             // 100 Continue and its like announce the reply proper (RFC 9110 15.2).
@@ -131,35 +89,6 @@ ReplyReader::State ReplyReader::advance()
     default:
         return m_broken ? State::Broken : State::Complete;
     }
-}
-
-bool ReplyReader::parseHead(std::string_view head)
-{
-    size_t lineEnd = head.find('\n');
-    const std::string_view statusLine = base::trimmed(head.substr(0, lineEnd));
-    const size_t blank = statusLine.find(' ');
-    if (blank == std::string_view::npos)
-        return false;
-    const std::string_view code = statusLine.substr(blank + 1, 3);
-    const std::optional<size_t> status = parseSize(code, 10);
-    if (code.size() != 3 || !status || *status < 100)
-        return false;
-    m_reply.status = static_cast<int>(*status);
-
-    while (lineEnd != std::string_view::npos) {
-        head.remove_prefix(lineEnd + 1);
-        lineEnd = head.find('\n');
-        const std::string_view line = head.substr(0, lineEnd);
-        const size_t colon = line.find(':');
-        if (colon != std::string_view::npos)
-            m_reply.headers.emplace_back(base::trimmed(line.substr(0, colon)),
-                                         base::trimmed(line.substr(colon + 1)));
-    }
-    const std::string connection = m_reply.first("Connection");
-    const bool oldHttp = statusLine.starts_with("HTTP/1.0");
-    m_reply.keepsConnection =
-        oldHttp ? equalNoCase(connection, "keep-alive") : !equalNoCase(connection, "close");
-    return true;
 }
 
 void ReplyReader::chooseBody()
@@ -206,7 +135,7 @@ ReplyReader::State ReplyReader::readChunks()
             return broken();
         if (*size == 0) {
             // Trailers are headers after the last chunk; nobody here needs them.
-            const size_t end = headEnd(std::string_view(m_buffer));
+            const size_t end = findHeadEnd(std::string_view(m_buffer));
             if (std::min(end, m_buffer.size()) > m_limits.headerBytes)
                 return broken();
             if (end == std::string::npos)

@@ -1,25 +1,11 @@
 #pragma once
 
+#include "platform/rtsp/message_head.h"
+
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 namespace rtsp {
-
-/// One answer of a camera, RTSP or HTTP.
-struct Reply
-{
-    int status = 0;
-    std::vector<std::pair<std::string, std::string>> headers; ///< in order, blanks base::trimmed
-    std::string body;
-    bool keepsConnection = false;
-
-    /// The values of all headers of that name, whatever its case.
-    std::vector<std::string> all(std::string_view name) const;
-    /// The first one, or the empty text.
-    std::string first(std::string_view name) const;
-};
 
 /**
  * Cuts what a camera sends into replies (RFC 2326 7, RFC 9112 6): status line, headers, and a body
@@ -73,7 +59,6 @@ private:
     };
 
     State advance();
-    bool parseHead(std::string_view head);
     void chooseBody();
     State readSized();
     State readChunks();
