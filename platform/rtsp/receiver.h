@@ -57,6 +57,8 @@ public:
 
 private:
     class Private;
+    Client &m_client;
+    const StreamRequest m_request;
     std::shared_ptr<Private> d;
 };
 

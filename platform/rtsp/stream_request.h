@@ -30,9 +30,9 @@ enum class Transport
 /// What to receive, and where from.
 struct StreamRequest
 {
-    std::string url;      ///< rtsp:// or rtsps://, without credentials
-    std::string username; ///< UTF-8
-    std::string password; ///< UTF-8
+    std::string url;           ///< rtsp:// or rtsps://, without credentials
+    std::string username = {}; ///< UTF-8
+    std::string password = {}; ///< UTF-8
     /// What of the password may be sent to the camera; shared with its other connections.
     std::shared_ptr<LoginPolicy> login = std::make_shared<LoginPolicy>();
     Transport transport = Transport::Automatic;

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/base/tcp_channel.h"
+
+#include <string>
+
+namespace rtsp {
+
+/// Sends the last words and closes when the camera has answered or closed, or after 100 ms. Loop
+/// thread. What comes meanwhile is read and dropped: closing a connection with unread bytes takes
+/// back what was sent.
+void closeInBackground(base::TcpChannel channel, const std::string &lastWords);
+
+} // namespace rtsp

@@ -1,0 +1,228 @@
+#include "tests/platform/rtsp/scripted_camera.h"
+#include "tests/platform/rtsp/viewer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+using rtsp::StreamEnd;
+using rtsp::StreamRequest;
+using rtsp::Transport;
+using testing::HasSubstr;
+using Behaviour = ScriptedCamera::Behaviour;
+using Connection = ScriptedCamera::Connection;
+using Request = ScriptedCamera::Request;
+
+namespace {
+
+using namespace std::chrono_literals;
+
+bool isTcp(const Request &request)
+{
+    return request.header("transport").find("/TCP") != std::string::npos;
+}
+
+bool usesTcp(const Connection &connection, const ScriptedCamera &camera)
+{
+    for (const Request &request : camera.requests("SETUP"))
+        if (request.connection == connection.number())
+            return isTcp(request);
+    return false;
+}
+
+StreamRequest over(Transport transport, const std::string &url)
+{
+    StreamRequest request{.url = url};
+    request.transport = transport;
+    return request;
+}
+
+void expectUdp(const ScriptedCamera &camera, Viewer &viewer)
+{
+    viewer.start();
+    ASSERT_TRUE(viewer.waitForFrames(10)) << viewer.text();
+    EXPECT_TRUE(viewer.receiver().isUdp());
+    EXPECT_EQ(viewer.descriptions(), 1);
+    EXPECT_EQ(viewer.playCount(), 1);
+    viewer.close();
+    EXPECT_TRUE(camera.waitFor([&] { return camera.openConnections() == 0; }));
+    EXPECT_EQ(camera.requests().back().method, "TEARDOWN");
+}
+
+TEST(ReceiverTransport, UdpAloneIsAskedForAtOnce)
+{
+    for (const bool ipv6 : {false, true}) {
+        ScriptedCamera camera({.ipv6 = ipv6});
+        Viewer viewer(over(Transport::Udp, camera.url()));
+        expectUdp(camera, viewer);
+        const std::vector<Request> requests = camera.requests("SETUP");
+        ASSERT_EQ(requests.size(), 2u);
+        const std::string transport = requests[0].header("transport");
+        ASSERT_TRUE(transport.starts_with("RTP/AVP;unicast;client_port=")) << transport;
+        int first = 0;
+        int second = 0;
+        ASSERT_EQ(sscanf(transport.c_str() + 28, "%d-%d", &first, &second), 2);
+        EXPECT_EQ(first % 2, 0);
+        EXPECT_EQ(second, first + 1);
+        EXPECT_NE(requests[1].header("transport"), transport);
+    }
+}
+
+TEST(ReceiverTransport, UdpIsTriedWhereSetupOverTcpIsRefused)
+{
+    for (const int status : {400, 403, 404, 406, 451, 454, 461, 500, 501, 503}) {
+        ScriptedCamera camera({.script = [status](const Request &request, Connection &connection) {
+            const bool refused = request.method == "SETUP" && isTcp(request);
+            if (refused)
+                connection.answer(request, std::to_string(status) + " No");
+            return refused;
+        }});
+        Viewer viewer(camera.url());
+        expectUdp(camera, viewer);
+        EXPECT_TRUE(isTcp(camera.requests("SETUP").front()));
+        EXPECT_EQ(camera.connectionCount(), 1) << status;
+    }
+}
+
+TEST(ReceiverTransport, UdpIsTriedWherePlayOverTcpIsRefused)
+{
+    for (const int status : {403, 406, 461, 501, 503}) {
+        const ScriptedCamera *self = nullptr;
+        ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
+            const bool refused = request.method == "PLAY" && usesTcp(connection, *self);
+            if (refused)
+                connection.answer(request, std::to_string(status) + " No");
+            return refused;
+        }});
+        self = &camera;
+        Viewer viewer(camera.url());
+        expectUdp(camera, viewer);
+        EXPECT_EQ(camera.connectionCount(), 2) << status;
+        EXPECT_EQ(camera.requests("TEARDOWN").size(), 2u);
+    }
+}
+
+TEST(ReceiverTransport, UdpIsTriedWhereTheCameraClosesAtSetupOrPlay)
+{
+    for (const char *method : {"SETUP", "PLAY"}) {
+        const ScriptedCamera *self = nullptr;
+        ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
+            const bool closes = request.method == method && usesTcp(connection, *self);
+            if (closes)
+                connection.close();
+            return closes;
+        }});
+        self = &camera;
+        Viewer viewer(camera.url());
+        expectUdp(camera, viewer);
+    }
+}
+
+TEST(ReceiverTransport, UdpIsTriedWhereNothingComesOverTcp)
+{
+    const ScriptedCamera *self = nullptr;
+    ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
+        if (request.method != "PLAY" || !usesTcp(connection, *self))
+            return false;
+        connection.answer(request, "200 OK", "Session: 12345678\r\n");
+        return true;
+    }});
+    self = &camera;
+    Viewer viewer(camera.url());
+    expectUdp(camera, viewer);
+    EXPECT_EQ(camera.connectionCount(), 2);
+}
+
+TEST(ReceiverTransport, ACameraThatAnswersWithUdpIsAskedForIt)
+{
+    ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
+        const bool odd = request.method == "SETUP" && isTcp(request);
+        if (odd)
+            connection.answer(request, "200 OK",
+                              "Session: 12345678\r\n"
+                              "Transport: RTP/AVP;unicast;client_port=0-1;server_port=2-3\r\n");
+        return odd;
+    }});
+    Viewer viewer(camera.url());
+    expectUdp(camera, viewer);
+}
+
+TEST(ReceiverTransport, TcpAloneIsNotLeft)
+{
+    ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
+        if (request.method == "SETUP")
+            connection.answer(request, "461 Unsupported Transport");
+        return request.method == "SETUP";
+    }});
+    Viewer viewer(over(Transport::Interleaved, camera.url()));
+    viewer.start();
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::PathRefused);
+    EXPECT_EQ(camera.requests("SETUP").size(), 1u);
+}
+
+TEST(ReceiverTransport, TheReasonIsThatOfTheFirstTransport)
+{
+    ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
+        if (request.method != "SETUP")
+            return false;
+        connection.answer(request, isTcp(request) ? "503 Unavailable" : "461 Unsupported");
+        return true;
+    }});
+    Viewer viewer(camera.url());
+    viewer.start();
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::PathRefused);
+    EXPECT_THAT(viewer.text(), HasSubstr("503"));
+}
+
+TEST(ReceiverTransport, UdpThatStopsIsAStall)
+{
+    ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
+        if (request.method != "PLAY")
+            return false;
+        connection.answer(request, "200 OK", "Session: 12345678\r\n");
+        for (int i = 0; i < 5; ++i)
+            connection.sendFrame();
+        return true;
+    }});
+    Viewer viewer(over(Transport::Udp, camera.url()));
+    viewer.start();
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Stalled);
+    EXPECT_GT(viewer.frames(), 0);
+}
+
+TEST(ReceiverTransport, PacketsOfStrangersAreNotTaken)
+{
+    int clientPort = 0;
+    ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
+        if (request.method == "SETUP" && clientPort == 0)
+            sscanf(request.header("transport").c_str() + 28, "%d", &clientPort);
+        if (request.method != "PLAY")
+            return false;
+        // 127.0.0.2 is another host.
+        const int handle = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK + 1);
+        ::bind(handle, reinterpret_cast<sockaddr *>(&address), sizeof address);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(static_cast<uint16_t>(clientPort));
+        const std::string packet("\x80\xe0\x00\x01\x00\x00\x00\x00\x00\x00\x00\x01\x65\x88\x84",
+                                 15);
+        for (int i = 0; i < 50; ++i)
+            ::sendto(handle, packet.data(), packet.size(), 0,
+                     reinterpret_cast<sockaddr *>(&address), sizeof address);
+        ::close(handle);
+        connection.answer(request, "200 OK", "Session: 12345678\r\n");
+        return true;
+    }});
+    Viewer viewer(over(Transport::Udp, camera.url()));
+    viewer.start();
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Stalled);
+    EXPECT_EQ(viewer.frames(), 0);
+    EXPECT_NE(clientPort, 0);
+}
+
+} // namespace
