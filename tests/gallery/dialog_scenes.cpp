@@ -33,6 +33,15 @@ QVector<Scene> dialogScenes()
                 QStringLiteral("Please input UID."), QMessageBox::Ok),
         message(QStringLiteral("message-question"), CMessageBox::Question,
                 QStringLiteral("Question"), QStringLiteral("Delete photo?"), both),
+        message(QStringLiteral("message-folder"), CMessageBox::Error, QStringLiteral("Error"),
+                QStringLiteral("Nothing can be written to this folder. Please choose another one."),
+                QMessageBox::Ok),
+        message(QStringLiteral("message-text-too-long"), CMessageBox::Error,
+                QStringLiteral("Error"),
+                QStringLiteral("Path: too long to be saved. Please enter a shorter text."),
+                QMessageBox::Ok),
+        message(QStringLiteral("message-not-deleted"), CMessageBox::Error, QStringLiteral("Error"),
+                QStringLiteral("\"20240305_070809_0002.mp4\" cannot be deleted."), QMessageBox::Ok),
         message(QStringLiteral("message-long"), CMessageBox::Error, QStringLiteral("Error"),
                 QStringLiteral("Set configuration failed. Please check your configuration and try "
                                "again. The camera at rtsp://camera-17.stables.long-house-name."

@@ -11,7 +11,10 @@
 #include "ui/live/select_camera_recording_form.h"
 #include "ui/live/video_frame.h"
 
+#include <QApplication>
+#include <QHelpEvent>
 #include <QToolButton>
+#include <QtTest>
 
 namespace gallery {
 
@@ -53,8 +56,53 @@ void playGrid(Stage &stage, int cameras)
 void recordGrid(Stage &stage)
 {
     ModalScript choice;
-    choice.then([](QWidget *dialog) { press(dialog, "btnOK"); });
+    choice.then([](QWidget *dialog) {
+        int number = 0;
+        for (auto *tile : dialog->findChildren<CSelectCameraItemForm *>())
+            tile->setChecked(number++ % 3 != 1);
+        press(dialog, "btnOK");
+    });
     stage.click("pageMultiLive", "btnRecord");
+}
+
+fake_cammgr::Script failing(const std::string &call, int result)
+{
+    fake_cammgr::Script script;
+    script.results[call] = result;
+    return script;
+}
+
+/// The tool tip of a widget of the page, as it comes up when the pointer rests there.
+Subject toolTipOf(Stage &stage, const char *name)
+{
+    // Whatever happens to the window takes a tool tip away.
+    stage.form().activateWindow();
+    if (!QTest::qWaitForWindowActive(&stage.form()))
+        return {};
+    QCoreApplication::processEvents();
+    auto *widget = stage.find<QWidget>("pagePlayCamera")->findChild<QWidget *>(QLatin1String(name));
+    const QPoint middle = widget->rect().center();
+    QHelpEvent rest(QEvent::ToolTip, middle, widget->mapToGlobal(middle));
+    QCoreApplication::sendEvent(widget, &rest);
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window->inherits("QTipLabel") && window->isVisible())
+            return {window, {}};
+    return {};
+}
+
+Scene toolTip(const QString &name, const char *widget, const std::function<void(Stage &)> &fill)
+{
+    return {QStringLiteral("live"), name, Scene::Kind::Other,
+            [=](Stage &stage) {
+                fill(stage);
+                return toolTipOf(stage, widget);
+            }};
+}
+
+void failToRecord(Stage &stage)
+{
+    playOne(stage, failing("RtspPlayer_BeginWriting", -1));
+    stage.click("pagePlayCamera", "btnRecord");
 }
 
 fake_cammgr::Script fullHd()
@@ -119,6 +167,13 @@ QVector<Scene> liveScenes()
                  playOne(stage);
                  stage.click("pagePlayCamera", "btnRecord");
              }),
+        page(QStringLiteral("single-recording-failed"), failToRecord),
+        toolTip(QStringLiteral("tip-recording-failed"), "labelRecording", failToRecord),
+        toolTip(QStringLiteral("tip-talk-failed"), "btnOutVolume",
+                [](Stage &stage) {
+                    playOne(stage, failing("AudioUpload_Play", CAMMGR_TALK_NO_MICROPHONE));
+                    stage.click("pagePlayCamera", "btnOutVolume");
+                }),
         page(QStringLiteral("single-muted-talking"),
              [](Stage &stage) {
                  playOne(stage);
@@ -147,6 +202,12 @@ QVector<Scene> liveScenes()
         page(QStringLiteral("grid-recording"),
              [](Stage &stage) {
                  playGrid(stage, 6);
+                 recordGrid(stage);
+             }),
+        page(QStringLiteral("grid-recording-failed"),
+             [](Stage &stage) {
+                 fake_cammgr::setDefaults(failing("RtspPlayer_BeginWriting", -1));
+                 playGrid(stage, 4);
                  recordGrid(stage);
              }),
         page(QStringLiteral("grid-connecting"),

@@ -4,6 +4,7 @@
 #include "ui/manager/add_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
+#include <QDir>
 #include <QLineEdit>
 #include <QMenu>
 #include <QToolButton>
@@ -83,6 +84,21 @@ QVector<Scene> managerScenes()
                 stage.open();
                 for (int i = 0; i < 60; i += 1 + i % 3)
                     stage.connectCamera(i);
+            }),
+        page(
+            QStringLiteral("manager-settings-trouble"),
+            [](Stage &stage) {
+                // A folder in the place of the file can be neither read nor written.
+                CameraSettings &settings = CameraSettings::instance();
+                const QString album = settings.albumPath();
+                if (!QDir().mkpath(settings.configFile()))
+                    qFatal("cannot make %s", qPrintable(settings.configFile()));
+                settings.load();
+                settings.setAlbumPath(album);
+                stage.addCameras(2);
+                settings.save();
+                stage.open();
+                stage.connectAll();
             }),
         page(
             QStringLiteral("manager-long-names"),

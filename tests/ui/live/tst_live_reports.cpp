@@ -1,5 +1,6 @@
 #include "resources/resources.h"
 #include "tests/support/tool_tip_text.h"
+#include "tests/ui/common/shown_tip.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/live/multi_live_item_form.h"
 #include "ui/live/play_camera_form.h"
@@ -33,6 +34,8 @@ private slots:
 
     void aRefusedRecordingIsToldOnce_data() { views(); }
     void aRefusedRecordingIsToldOnce();
+    void theToolTipOfTheLampIsReadable_data() { views(); }
+    void theToolTipOfTheLampIsReadable();
     void aRecordingThatStopsIsTold_data() { views(); }
     void aRecordingThatStopsIsTold();
     void aRecordingThatWaitsForTheDiskIsTold_data() { views(); }
@@ -242,6 +245,18 @@ void TestLiveReports::aRefusedRecordingIsToldOnce()
     setRecording(false);
     QCOMPARE(lampTip(), QString());
     QCOMPARE(m_live->host.statuses, (QStringList{trouble, QString()}));
+}
+
+void TestLiveReports::theToolTipOfTheLampIsReadable()
+{
+    m_live->change([](auto &script) { script.results["RtspPlayer_BeginWriting"] = -1; });
+    play();
+    setRecording(true);
+    view()->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(view()));
+    const ShownTip tip(child<QLabel>("labelRecording"));
+    QCOMPARE(tip.text(), child<QLabel>("labelRecording")->toolTip());
+    QCOMPARE(tip.picture(), ShownTip(view(), tip.text()).picture());
 }
 
 void TestLiveReports::aRecordingThatStopsIsTold()

@@ -2,6 +2,7 @@
 #include "tests/support/declared.h"
 #include "tests/support/tool_tip_text.h"
 #include "tests/ui/manager/manager_fixture.h"
+#include "ui/common/image_mark.h"
 #include "ui/common/style_url.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
@@ -166,6 +167,7 @@ void TestCameraMgrItemForm::refusedPasswordIsShown()
 
 void TestCameraMgrItemForm::statusImageFollowsTheState()
 {
+    QVERIFY(find<zelvaro::ImageMark>("labelStatusImage")); // its tool tip is readable
     m_tile->setCamera(camera());
     auto *image = find<QLabel>("labelStatusImage");
     QCOMPARE(image->styleSheet(),
