@@ -20,13 +20,16 @@
 #include <QListView>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTest>
 #include <QToolButton>
+#include <qdrawutil.h>
 
 #include <cctype>
+#include <cstdlib>
 #include <map>
 
 namespace {
@@ -133,6 +136,21 @@ private:
     QStringList m_log;
 };
 
+/// Of the colours of two pictures of one size, 0 to 255.
+double meanDifference(const QImage &one, const QImage &other)
+{
+    double sum = 0;
+    for (int y = 0; y < one.height(); ++y) {
+        for (int x = 0; x < one.width(); ++x) {
+            const QColor a = one.pixelColor(x, y);
+            const QColor b = other.pixelColor(x, y);
+            sum += std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) +
+                   std::abs(a.blue() - b.blue());
+        }
+    }
+    return sum / (3.0 * one.width() * one.height());
+}
+
 } // namespace
 
 class TestMainForm : public QObject
@@ -146,6 +164,7 @@ private slots:
 
     void startingWithNoSettingsFileShowsTheCameraPageWithNoCameras();
     void theFormHasItsNamesAndTexts();
+    void theLogoAndTheFrameAreDrawn();
     void theWindowIsFramelessAndCentred();
     void theHostPointerEndsWithTheWindow();
     void theStatusRowShowsWhatAPageTells();
@@ -331,6 +350,27 @@ void TestMainForm::theFormHasItsNamesAndTexts()
     QCOMPARE(stack->count(), pages.size());
     for (int i = 0; i < pages.size(); ++i)
         QCOMPARE(stack->widget(i)->objectName(), pages.at(i));
+}
+
+void TestMainForm::theLogoAndTheFrameAreDrawn()
+{
+    showForm();
+    auto *logo = find<QWidget>("frameLogo");
+    const QRect logoRect(logo->mapTo(m_form.get(), QPoint()), logo->size());
+    const QPixmap frame(":/images/mainframe.png");
+    QImage wanted(m_form->size(), QImage::Format_RGB32);
+    wanted.fill(Qt::magenta);
+    QPainter painter(&wanted);
+    qDrawBorderPixmap(&painter, wanted.rect(), QMargins(4, 4, 4, 4), frame, frame.rect(),
+                      QMargins(8, 8, 8, 8));
+    painter.drawPixmap(logoRect, QPixmap(":/images/title.png"));
+    painter.end();
+
+    const QImage shown = m_form->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    QVERIFY(meanDifference(shown.copy(logoRect), wanted.copy(logoRect)) < 4);
+    for (const QRect &edge :
+         {QRect(0, 0, 500, 4), QRect(0, 0, 4, 400), QRect(496, 0, 4, 400), QRect(0, 396, 500, 4)})
+        QVERIFY(meanDifference(shown.copy(edge), wanted.copy(edge)) < 4);
 }
 
 void TestMainForm::theWindowIsFramelessAndCentred()
