@@ -815,46 +815,6 @@
         <translation>動体検知の設定</translation>
     </message>
     <message>
-        <source>Detection Window: 1</source>
-        <translation>検知ウィンドウ: 1</translation>
-    </message>
-    <message>
-        <source>Left</source>
-        <translation>左</translation>
-    </message>
-    <message>
-        <source>Top</source>
-        <translation>上</translation>
-    </message>
-    <message>
-        <source>Right</source>
-        <translation>右</translation>
-    </message>
-    <message>
-        <source>Bottom</source>
-        <translation>下</translation>
-    </message>
-    <message>
-        <source>Threshold</source>
-        <translation>しきい値</translation>
-    </message>
-    <message>
-        <source>Sensitivity</source>
-        <translation>感度</translation>
-    </message>
-    <message>
-        <source>Detection Window: 2</source>
-        <translation>検知ウィンドウ: 2</translation>
-    </message>
-    <message>
-        <source>Detection Window: 3</source>
-        <translation>検知ウィンドウ: 3</translation>
-    </message>
-    <message>
-        <source>Detection Window: 4</source>
-        <translation>検知ウィンドウ: 4</translation>
-    </message>
-    <message>
         <source>Query</source>
         <translation>読み込み</translation>
     </message>
@@ -881,6 +841,37 @@
     <message>
         <source>Some error happens. Please wait a few minutes and re-try.</source>
         <translation>エラーが発生しました。数分待ってからもう一度お試しください。</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::MotionWindowBox</name>
+    <message>
+        <source>Detection Window: %1</source>
+        <translation>検知ウィンドウ: %1</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>左</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>上</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>右</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>下</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>しきい値</translation>
+    </message>
+    <message>
+        <source>Sensitivity</source>
+        <translation>感度</translation>
     </message>
 </context>
 <context>

@@ -815,46 +815,6 @@
         <translation>移动侦测设置</translation>
     </message>
     <message>
-        <source>Detection Window: 1</source>
-        <translation>侦测窗口：1</translation>
-    </message>
-    <message>
-        <source>Left</source>
-        <translation>左</translation>
-    </message>
-    <message>
-        <source>Top</source>
-        <translation>上</translation>
-    </message>
-    <message>
-        <source>Right</source>
-        <translation>右</translation>
-    </message>
-    <message>
-        <source>Bottom</source>
-        <translation>下</translation>
-    </message>
-    <message>
-        <source>Threshold</source>
-        <translation>阈值</translation>
-    </message>
-    <message>
-        <source>Sensitivity</source>
-        <translation>灵敏度</translation>
-    </message>
-    <message>
-        <source>Detection Window: 2</source>
-        <translation>侦测窗口：2</translation>
-    </message>
-    <message>
-        <source>Detection Window: 3</source>
-        <translation>侦测窗口：3</translation>
-    </message>
-    <message>
-        <source>Detection Window: 4</source>
-        <translation>侦测窗口：4</translation>
-    </message>
-    <message>
         <source>Query</source>
         <translation>查询</translation>
     </message>
@@ -881,6 +841,37 @@
     <message>
         <source>Some error happens. Please wait a few minutes and re-try.</source>
         <translation>发生错误。请等待几分钟后重试。</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::MotionWindowBox</name>
+    <message>
+        <source>Detection Window: %1</source>
+        <translation>侦测窗口：%1</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>左</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>上</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>右</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>下</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>阈值</translation>
+    </message>
+    <message>
+        <source>Sensitivity</source>
+        <translation>灵敏度</translation>
     </message>
 </context>
 <context>

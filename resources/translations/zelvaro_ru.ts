@@ -815,46 +815,6 @@
         <translation>Параметры детектора движения</translation>
     </message>
     <message>
-        <source>Detection Window: 1</source>
-        <translation>Окно обнаружения: 1</translation>
-    </message>
-    <message>
-        <source>Left</source>
-        <translation>Слева</translation>
-    </message>
-    <message>
-        <source>Top</source>
-        <translation>Сверху</translation>
-    </message>
-    <message>
-        <source>Right</source>
-        <translation>Справа</translation>
-    </message>
-    <message>
-        <source>Bottom</source>
-        <translation>Снизу</translation>
-    </message>
-    <message>
-        <source>Threshold</source>
-        <translation>Порог</translation>
-    </message>
-    <message>
-        <source>Sensitivity</source>
-        <translation>Чувствительность</translation>
-    </message>
-    <message>
-        <source>Detection Window: 2</source>
-        <translation>Окно обнаружения: 2</translation>
-    </message>
-    <message>
-        <source>Detection Window: 3</source>
-        <translation>Окно обнаружения: 3</translation>
-    </message>
-    <message>
-        <source>Detection Window: 4</source>
-        <translation>Окно обнаружения: 4</translation>
-    </message>
-    <message>
         <source>Query</source>
         <translation>Запросить</translation>
     </message>
@@ -881,6 +841,37 @@
     <message>
         <source>Some error happens. Please wait a few minutes and re-try.</source>
         <translation>Произошла ошибка. Подождите несколько минут и повторите попытку.</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::MotionWindowBox</name>
+    <message>
+        <source>Detection Window: %1</source>
+        <translation>Окно обнаружения: %1</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>Слева</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>Сверху</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>Справа</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>Снизу</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>Порог</translation>
+    </message>
+    <message>
+        <source>Sensitivity</source>
+        <translation>Чувствительность</translation>
     </message>
 </context>
 <context>

@@ -5,6 +5,7 @@
 #include "settings/camera_record.h"
 #include "ui/common/command_wait.h"
 #include "ui/common/message_box.h"
+#include "ui/manager/motion_window_box.h"
 #include "ui/manager/range_validator.h"
 #include "ui_motion_dialog.h"
 
@@ -12,18 +13,13 @@
 
 namespace {
 
-struct Defaults
-{
-    bool enabled;
-    const char *texts[6];
-};
-
-/// The first window is the whole picture of 640x480; the others are the remaining quarters, and
-/// off.
-constexpr Defaults windowDefaults[] = {{true, {"0", "0", "639", "479", "60", "70"}},
-                                       {false, {"320", "0", "639", "240", "60", "70"}},
-                                       {false, {"0", "240", "320", "479", "60", "70"}},
-                                       {false, {"320", "240", "639", "479", "60", "70"}}};
+/// On or off, then the fields: the first window is the whole picture of 640x480; the others are the
+/// remaining quarters, and off.
+constexpr const char *windowDefaults[][1 + zelvaro::MotionWindowBox::fieldCount] = {
+    {"1", "0", "0", "639", "479", "60", "70"},
+    {"0", "320", "0", "639", "240", "60", "70"},
+    {"0", "0", "240", "320", "479", "60", "70"},
+    {"0", "320", "240", "639", "479", "60", "70"}};
 
 } // namespace
 
@@ -38,33 +34,24 @@ Motion_Dialog::Motion_Dialog(QWidget *parent, CCamera *camera)
     connect(m_ui->btnQuery, &QPushButton::clicked, this, &Motion_Dialog::slotQuery);
     connect(m_ui->btnApply, &QPushButton::clicked, this, &Motion_Dialog::slotApply);
     connect(m_ui->btnExit, &QPushButton::clicked, this, &Motion_Dialog::slotExit);
-    setUpControls();
+    setUpWindows();
     slotQuery();
 }
 
 Motion_Dialog::~Motion_Dialog() = default;
 
-void Motion_Dialog::setUpControls()
+void Motion_Dialog::setUpWindows()
 {
-    Ui::Motion_Dialog &ui = *m_ui;
-    m_windows = {{{ui.window1, {ui.left1, ui.top1, ui.right1, ui.bottom1, ui.thres1, ui.sens1}},
-                  {ui.window2, {ui.left2, ui.top2, ui.right2, ui.bottom2, ui.thres2, ui.sens2}},
-                  {ui.window3, {ui.left3, ui.top3, ui.right3, ui.bottom3, ui.thres3, ui.sens3}},
-                  {ui.window4, {ui.left4, ui.top4, ui.right4, ui.bottom4, ui.thres4, ui.sens4}}}};
-
-    auto *const x = new zelvaro::RangeValidator(0, 639, this);
-    auto *const y = new zelvaro::RangeValidator(0, 479, this);
-    auto *const percent = new zelvaro::RangeValidator(1, 100, this);
-    const std::array<zelvaro::RangeValidator *, 6> validators{x, y, x, y, percent, percent};
-
-    for (int i = 0; i < windowCount; ++i) {
-        m_windows[i].enabled->setChecked(windowDefaults[i].enabled);
-        for (size_t field = 0; field < validators.size(); ++field) {
-            QLineEdit *const edit = m_windows[i].edits[field];
-            edit->setValidator(validators[field]);
-            new zelvaro::RangeGuard(edit);
-            edit->setText(QLatin1String(windowDefaults[i].texts[field]));
-        }
+    const zelvaro::MotionValidators validators = {new zelvaro::RangeValidator(0, 639, this),
+                                                  new zelvaro::RangeValidator(0, 479, this),
+                                                  new zelvaro::RangeValidator(1, 100, this)};
+    m_windows = {m_ui->window1, m_ui->window2, m_ui->window3, m_ui->window4};
+    for (std::size_t i = 0; i < m_windows.size(); ++i) {
+        QStringList values;
+        for (const char *value : windowDefaults[i])
+            values << QLatin1String(value);
+        m_windows[i]->setUp(int(i) + 1, validators);
+        m_windows[i]->setValues(values);
     }
 }
 
@@ -87,17 +74,8 @@ void Motion_Dialog::slotQuery()
         return;
     for (int i = 0; i < windowCount; ++i)
         if (m_camera->command_codes().value(i, -1) == 0)
-            fill(m_windows[i], m_camera->command_values().value(i));
-}
-
-void Motion_Dialog::fill(const Controls &controls, const QStringList &values)
-{
-    // The window's number, whether it is on, and the six edits.
-    if (values.length() < 2 + int(controls.edits.size()))
-        return;
-    controls.enabled->setChecked(values[1] == QLatin1String("1"));
-    for (size_t field = 0; field < controls.edits.size(); ++field)
-        controls.edits[field]->setText(values[2 + int(field)]);
+            // The first value is the window's number.
+            m_windows[std::size_t(i)]->setValues(m_camera->command_values().value(i).mid(1));
 }
 
 void Motion_Dialog::slotApply()
@@ -107,12 +85,8 @@ void Motion_Dialog::slotApply()
     const CameraRecord &record = *m_camera->get_info();
     QStringList requests;
     for (int i = 0; i < windowCount; ++i) {
-        const Controls &controls = m_windows[i];
-        QStringList values{QString::number(i + 1), controls.enabled->isChecked()
-                                                       ? QStringLiteral("1")
-                                                       : QStringLiteral("0")};
-        for (const QLineEdit *edit : controls.edits)
-            values << edit->text();
+        const QStringList values =
+            QStringList(QString::number(i + 1)) + m_windows[std::size_t(i)]->values();
         requests << zelvaro::set_motion_request(record.username, record.password, values);
     }
     if (!run(tr("Please wait for apply motion settings..."), requests))

@@ -7,10 +7,11 @@
 #include <memory>
 
 class CCamera;
-class QGroupBox;
-class QLineEdit;
 namespace Ui {
 class Motion_Dialog;
+}
+namespace zelvaro {
+class MotionWindowBox;
 }
 
 /// Modal dialog that reads and changes the four motion detection windows of a camera. The
@@ -37,21 +38,11 @@ private slots:
 private:
     static constexpr int windowCount = 4;
 
-    /// The controls of one detection window.
-    struct Controls
-    {
-        QGroupBox *enabled;
-        /// Left, top, right, bottom, threshold, sensitivity: the order on the wire.
-        std::array<QLineEdit *, 6> edits;
-    };
-
-    void setUpControls();
+    void setUpWindows();
     /// Sends one request for each window. False when the session no longer exists.
     bool run(const QString &text, const QStringList &requests);
-    /// Takes over a reply's values; does nothing when there are too few.
-    static void fill(const Controls &controls, const QStringList &values);
 
     std::unique_ptr<Ui::Motion_Dialog> m_ui;
     QPointer<CCamera> m_camera;
-    std::array<Controls, windowCount> m_windows;
+    std::array<zelvaro::MotionWindowBox *, windowCount> m_windows{};
 };

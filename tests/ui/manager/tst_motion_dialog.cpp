@@ -499,6 +499,8 @@ void TestMotionDialog::theFormHasItsNamesAndTexts()
         QStringList labels;
         for (const QLabel *label : box->findChildren<QLabel *>())
             labels << label->text();
+        for (const QLabel *label : box->findChildren<QLabel *>())
+            QCOMPARE(label->buddy()->objectName().left(3), label->text().left(3).toLower());
         labels.sort();
         QCOMPARE(labels,
                  QStringList({"Bottom", "Left", "Right", "Sensitivity", "Threshold", "Top"}));
