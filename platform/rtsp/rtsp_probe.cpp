@@ -47,6 +47,18 @@ void RtspProbe::disconnect()
         m_channel.close();
 }
 
+std::optional<OpenSession> RtspProbe::takeSession(const std::string &url)
+{
+    if (m_done || !m_channel.isOpen() || m_description.body.empty() || m_target.url != url)
+        return std::nullopt;
+    return OpenSession{.channel = std::exchange(m_channel, base::TcpChannel()),
+                       .endpoint = m_target.endpoint,
+                       .url = m_target.url,
+                       .sequence = m_sequence,
+                       .login = m_login,
+                       .description = std::exchange(m_description, Reply())};
+}
+
 void RtspProbe::connect()
 {
     m_connectionUsed = false;
@@ -59,6 +71,7 @@ void RtspProbe::connect()
 void RtspProbe::describe()
 {
     m_reader = ReplyReader(ReplyReader::Protocol::Rtsp);
+    m_description = {};
     std::string request = "DESCRIBE " + m_target.url +
                           " RTSP/1.0\r\nCSeq: " + std::to_string(++m_sequence) +
                           "\r\nUser-Agent: Zelvaro\r\nAccept: application/sdp\r\n";
@@ -106,6 +119,8 @@ void RtspProbe::answered(const Reply &reply)
         return;
     }
     // A redirection (RFC 2326 11.3) is followed by the stream itself.
+    if (reply.status == 200)
+        m_description = reply;
     if (reply.status >= 200 && reply.status < 400)
         finish(ProbeOutcome::Answered);
     else

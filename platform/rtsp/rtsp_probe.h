@@ -3,11 +3,13 @@
 #include "platform/base/camera_address.h"
 #include "platform/base/tcp_channel.h"
 #include "platform/base/timer.h"
+#include "platform/rtsp/open_session.h"
 #include "platform/rtsp/reply_reader.h"
 #include "platform/rtsp/rtsp_login.h"
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace rtsp {
@@ -51,6 +53,10 @@ public:
     bool usedLogin() const { return m_login.isInUse(); }
     /// Gives up the idle connection, for cameras that allow few.
     void disconnect();
+    /// Hands over the idle connection with the description that it has brought, so that a stream
+    /// can go on from there; the next probe connects anew. nullopt while there is none, or when it
+    /// is of another stream.
+    std::optional<OpenSession> takeSession(const std::string &url);
 
 private:
     void connect();
@@ -66,6 +72,7 @@ private:
     ReplyReader m_reader{ReplyReader::Protocol::Rtsp};
     base::Timer m_limit;
     Done m_done;
+    Reply m_description; ///< the last answer, of status 200, over the open connection
     unsigned m_sequence = 0;
     bool m_challenged = false;     ///< the first 401 is the challenge, the second the refusal
     bool m_connectionUsed = false; ///< has carried a reply: may have been dropped since

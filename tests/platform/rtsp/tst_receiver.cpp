@@ -1,3 +1,5 @@
+#include "platform/rtsp/open_session.h"
+#include "platform/rtsp/rtsp_probe.h"
 #include "tests/platform/rtsp/scripted_camera.h"
 #include "tests/platform/rtsp/viewer.h"
 
@@ -5,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <future>
 
 using rtsp::StreamEnd;
 using rtsp::StreamRequest;
@@ -610,6 +613,87 @@ TEST(Receiver, ReportsWhatItReceives)
         ASSERT_GE(report.size(), 8u);
         EXPECT_EQ(static_cast<uint8_t>(report[1]), 201); // RR (RFC 3550 12.1)
     }
+}
+
+/// A probe of the camera, and a viewer that goes on over its connection.
+class HandOverTest : public testing::Test
+{
+protected:
+    ~HandOverTest() override
+    {
+        Viewer::run([&] { m_probe.reset(); });
+    }
+    void probe(const ScriptedCamera &camera)
+    {
+        std::promise<rtsp::ProbeOutcome> outcome;
+        const rtsp::ProbeTarget target{
+            .endpoint = {.host = "127.0.0.1", .port = static_cast<uint16_t>(camera.port())},
+            .url = camera.url(),
+            .username = "admin",
+            .password = "secret"};
+        Viewer::run([&] {
+            m_probe->start(target, [&](rtsp::ProbeOutcome value) { outcome.set_value(value); });
+        });
+        EXPECT_EQ(outcome.get_future().get(), rtsp::ProbeOutcome::Answered);
+    }
+    void startOver(Viewer &viewer, const std::string &url)
+    {
+        Viewer::run([&] {
+            std::optional<rtsp::OpenSession> session = m_probe->takeSession(url);
+            ASSERT_TRUE(session);
+            viewer.receiver().start(std::move(*session));
+        });
+    }
+
+    std::unique_ptr<rtsp::RtspProbe> m_probe = std::make_unique<rtsp::RtspProbe>();
+};
+
+TEST_F(HandOverTest, GoesOnOverTheConnectionOfAProbe)
+{
+    ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
+        const bool proven =
+            request.header("authorization").find("nonce=\"n1\"") != std::string::npos;
+        if (!proven)
+            connection.answer(request, "401 Unauthorized",
+                              "WWW-Authenticate: Digest realm=\"c\", nonce=\"n1\"\r\n");
+        return !proven;
+    }});
+    probe(camera);
+    Viewer viewer(camera.url(), "admin", "secret");
+    startOver(viewer, camera.url());
+    ASSERT_TRUE(viewer.waitForFrames(10)) << viewer.text();
+    EXPECT_THAT(camera.methods(), ElementsAre("DESCRIBE", "DESCRIBE", "SETUP", "SETUP", "PLAY"));
+    EXPECT_EQ(camera.connectionCount(), 1);
+    EXPECT_EQ(camera.requests().back().header("cseq"), "5");
+    EXPECT_EQ(viewer.descriptions(), 1);
+    Viewer::run([&] { EXPECT_FALSE(m_probe->takeSession(camera.url())); });
+    probe(camera);
+    EXPECT_EQ(camera.connectionCount(), 2);
+}
+
+TEST_F(HandOverTest, ConnectsAnewWhenTheConnectionIsGone)
+{
+    ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
+        const bool closes = request.method == "SETUP" && connection.number() == 1;
+        if (closes)
+            connection.close();
+        return closes;
+    }});
+    probe(camera);
+    Viewer viewer(camera.url(), "admin", "secret");
+    startOver(viewer, camera.url());
+    ASSERT_TRUE(viewer.waitForFrames(10)) << viewer.text();
+    EXPECT_EQ(camera.connectionCount(), 2);
+    EXPECT_EQ(viewer.descriptions(), 1);
+    EXPECT_FALSE(viewer.receiver().isUdp());
+}
+
+TEST_F(HandOverTest, AnotherStreamHasNoConnectionYet)
+{
+    ScriptedCamera camera;
+    Viewer::run([&] { EXPECT_FALSE(m_probe->takeSession(camera.url())); });
+    probe(camera);
+    Viewer::run([&] { EXPECT_FALSE(m_probe->takeSession(camera.url("/other"))); });
 }
 
 } // namespace
