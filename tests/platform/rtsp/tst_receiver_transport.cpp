@@ -1,4 +1,5 @@
 #include "tests/platform/rtsp/scripted_camera.h"
+#include "tests/platform/rtsp/tls_front.h"
 #include "tests/platform/rtsp/viewer.h"
 
 #include <gmock/gmock.h>
@@ -191,6 +192,34 @@ TEST(ReceiverTransport, UdpThatStopsIsAStall)
     viewer.start();
     EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Stalled);
     EXPECT_GT(viewer.frames(), 0);
+}
+
+TEST(ReceiverTransport, PlaysOverTls)
+{
+    ScriptedCamera camera;
+    TlsFront front(camera.port());
+    const std::string url = "rtsps://127.0.0.1:" + std::to_string(front.port()) + "/live";
+    Viewer viewer(url);
+    viewer.start();
+    ASSERT_TRUE(viewer.waitForFrames(20)) << viewer.text();
+    viewer.close();
+    ASSERT_TRUE(camera.waitFor([&] { return camera.openConnections() == 0; }));
+    for (const Request &request : camera.requests())
+        EXPECT_TRUE(request.url.starts_with(url)) << request.url;
+    EXPECT_EQ(camera.methods().back(), "TEARDOWN");
+}
+
+TEST(ReceiverTransport, ARedirectionDoesNotLeaveTls)
+{
+    ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
+        connection.answer(request, "302 Moved", "Location: rtsp://127.0.0.1:1/live\r\n");
+        return true;
+    }});
+    TlsFront front(camera.port());
+    Viewer viewer("rtsps://127.0.0.1:" + std::to_string(front.port()) + "/live");
+    viewer.start();
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::PathRefused);
+    EXPECT_THAT(viewer.text(), HasSubstr("unencrypted"));
 }
 
 TEST(ReceiverTransport, PacketsOfStrangersAreNotTaken)
