@@ -180,13 +180,13 @@ void JpegDepacketizer::appendHeaders(const Header &header)
     append(m_frame, static_cast<uint64_t>(m_height), 2);
     append(m_frame, static_cast<uint64_t>(m_width), 2);
     const uint8_t lumaSampling = header.type % 64 == 0 ? 0x21 : 0x22;
-    const std::array<uint8_t, 10> components = {3,           0, lumaSampling, 0,          1, 0x11,
-                                                chromaTable, 2, 0x11,         chromaTable};
+    const std::array<uint8_t, 10> components = {3,           1, lumaSampling, 0,          2, 0x11,
+                                                chromaTable, 3, 0x11,         chromaTable};
     append(m_frame, components);
     append(m_frame, jpegHuffmanSegments());
     // SOS: all components, in one scan
-    constexpr std::array<uint8_t, 14> scan = {0xff, 0xda, 0, 12,   3, 0,  0,
-                                              1,    0x11, 2, 0x11, 0, 63, 0};
+    constexpr std::array<uint8_t, 14> scan = {0xff, 0xda, 0, 12,   3, 1,  0,
+                                              2,    0x11, 3, 0x11, 0, 63, 0};
     append(m_frame, scan);
 }
 
