@@ -1,25 +1,13 @@
 #include "fuzz/expect.h"
-#include "platform/cammgr/stream_description.h"
+#include "platform/rtsp/depacketizer.h"
+#include "platform/rtsp/session_description.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
-#include <memory>
 #include <string>
 
 namespace {
-
-struct FreeMessage
-{
-    void operator()(GstSDPMessage *message) const { gst_sdp_message_free(message); }
-};
-
-std::unique_ptr<GstSDPMessage, FreeMessage> newMessage()
-{
-    GstSDPMessage *message = nullptr;
-    gst_sdp_message_new(&message);
-    return std::unique_ptr<GstSDPMessage, FreeMessage>(message);
-}
 
 bool mentions(std::string text, const char *word)
 {
@@ -30,25 +18,20 @@ bool mentions(std::string text, const char *word)
 
 } // namespace
 
-// GLib keeps, on purpose, each table of interned names that it has outgrown, and the names of a
-// description's attributes are interned.
-extern "C" const char *__lsan_default_suppressions() // NOLINT(bugprone-reserved-identifier)
-{
-    return "leak:libglib-2.0.so\n";
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    static const bool isReady = gst_init_check(nullptr, nullptr, nullptr) != FALSE;
-    FUZZ_EXPECT(isReady);
-    if (size == 0)
-        return 0;
-    const auto message = newMessage();
-    if (gst_sdp_message_parse_buffer(data, static_cast<guint>(size), message.get()) != GST_SDP_OK)
-        return 0;
-    const cammgr::OfferedMedia offered = cammgr::readOfferedMedia(message.get());
     const std::string text(reinterpret_cast<const char *>(data), size);
-    FUZZ_EXPECT(!offered.hasVideo || mentions(text, "h264"));
-    FUZZ_EXPECT((!offered.hasVideo && !offered.hasAudio) || mentions(text, "m="));
+    const auto description = rtsp::parseSessionDescription(text);
+    if (!description)
+        return 0;
+    FUZZ_EXPECT(description->media.empty() || mentions(text, "m="));
+    for (const rtsp::MediaDescription &medium : description->media) {
+        FUZZ_EXPECT(medium.control.size() <= size && medium.connection.size() <= size);
+        FUZZ_EXPECT(!rtsp::isPlayable(medium) || !medium.backChannel);
+        const rtsp::PayloadFormat *format = rtsp::playableFormat(medium);
+        FUZZ_EXPECT(!format || rtsp::canDepacketize(medium, *format));
+        FUZZ_EXPECT(!format || (format->payloadType >= 0 && format->payloadType <= 127));
+        FUZZ_EXPECT(!format || !format->encoding.empty());
+    }
     return 0;
 }
