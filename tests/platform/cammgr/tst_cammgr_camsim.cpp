@@ -2,7 +2,7 @@
 
 #include "camsim/camsim_process.h"
 #include "tests/platform/cammgr/player_messages.h"
-#include "tests/platform/cammgr/tiny_server.h"
+#include "tests/support/tiny_server.h"
 #include "tests/platform/cammgr/wait_until.h"
 
 #include <glib.h>

@@ -1,6 +1,6 @@
 #include "platform/cammgr/command_batch.h"
 
-#include "tests/platform/cammgr/tiny_server.h"
+#include "tests/support/tiny_server.h"
 
 #include <gtest/gtest.h>
 

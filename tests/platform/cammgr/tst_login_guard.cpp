@@ -1,6 +1,6 @@
 #include "platform/cammgr/live_stream.h"
 #include "tests/platform/cammgr/stream_listener.h"
-#include "tests/platform/cammgr/tiny_server.h"
+#include "tests/support/tiny_server.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

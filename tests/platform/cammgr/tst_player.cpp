@@ -1,7 +1,7 @@
 #include "platform/cammgr/cammgr.h"
 
 #include "tests/platform/cammgr/player_messages.h"
-#include "tests/platform/cammgr/tiny_server.h"
+#include "tests/support/tiny_server.h"
 
 #include <glib.h>
 #include <gtest/gtest.h>

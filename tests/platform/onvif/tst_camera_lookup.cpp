@@ -131,8 +131,7 @@ TEST_F(CameraLookupTest, ResolvesAUid)
 
 TEST_F(CameraLookupTest, NeverTellsThePasswordInClearToWhoeverClaimsAUid)
 {
-    RawServer thief(m_context,
-                    "HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"r\"\r\n"
+    RawServer thief("HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Basic realm=\"r\"\r\n"
                     "Content-Length: 0\r\n\r\n",
                     RawServer::End::StayOpen, "127.0.0.31");
     UdpPeer peer(m_context, [&thief](const std::string &question) {
@@ -152,10 +151,10 @@ TEST_F(CameraLookupTest, NeverTellsThePasswordInClearToWhoeverClaimsAUid)
         return got.value_or(SoapStatus::NoAnswer);
     };
     const auto tellsPassword = [&thief] {
-        return std::any_of(thief.requests().begin(), thief.requests().end(),
-                           [](const std::string &request) {
-                               return request.find("Basic YW") != std::string::npos;
-                           });
+        const std::vector<std::string> requests = thief.requests();
+        return std::any_of(requests.begin(), requests.end(), [](const std::string &request) {
+            return request.find("Basic YW") != std::string::npos;
+        });
     };
     EXPECT_EQ(statusOf(location->xaddr), SoapStatus::Refused);
     EXPECT_FALSE(thief.requests().empty());

@@ -94,8 +94,7 @@ TEST_F(SoapClientTest, SignsWithDigest)
 
 TEST_F(SoapClientTest, SignsLaterRequestsWithoutBeingAsked)
 {
-    RawServer server(m_context,
-                     {"HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", "
+    RawServer server({"HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", "
                       "nonce=\"n\", qop=\"auth\"\r\nContent-Length: 0\r\n\r\n",
                       okAnswer()},
                      RawServer::End::StayOpen);
@@ -112,7 +111,6 @@ TEST_F(SoapClientTest, AnswersANonceThatHasRunOut)
 {
     const std::string head = "HTTP/1.1 401 Unauthorized\r\nContent-Length: 0\r\n";
     RawServer server(
-        m_context,
         {head + "WWW-Authenticate: Digest realm=\"r\", nonce=\"first\"\r\n\r\n", okAnswer(),
          head + "WWW-Authenticate: Digest realm=\"r\", nonce=\"second\"\r\n\r\n", okAnswer()},
         RawServer::End::StayOpen);
@@ -125,7 +123,7 @@ TEST_F(SoapClientTest, AnswersANonceThatHasRunOut)
 
 TEST_F(SoapClientTest, AsksOnceMoreWhenAKeptConnectionWasClosed)
 {
-    RawServer server(m_context, okAnswer(), RawServer::End::CloseAtSecond);
+    RawServer server(okAnswer(), RawServer::End::CloseAtSecond);
     SoapClient client(m_context.get(), server.service(), {});
     EXPECT_EQ(call(client).status, SoapStatus::Ok);
     EXPECT_EQ(call(client).status, SoapStatus::Ok);
@@ -135,8 +133,7 @@ TEST_F(SoapClientTest, AsksOnceMoreWhenAKeptConnectionWasClosed)
 
 TEST_F(SoapClientTest, SignsOverANewConnectionWhenTheRefusalClosedTheFirst)
 {
-    RawServer server(m_context,
-                     {"HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", "
+    RawServer server({"HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", "
                       "nonce=\"n\"\r\nContent-Length: 0\r\n\r\n",
                       okAnswer()},
                      RawServer::End::CloseAtSecond);
@@ -146,7 +143,7 @@ TEST_F(SoapClientTest, SignsOverANewConnectionWhenTheRefusalClosedTheFirst)
 
 TEST_F(SoapClientTest, NeverSendsAChangeTwiceByItself)
 {
-    RawServer server(m_context, okAnswer(), RawServer::End::CloseAtSecond);
+    RawServer server(okAnswer(), RawServer::End::CloseAtSecond);
     SoapClient client(m_context.get(), server.service(), {});
     EXPECT_EQ(call(client).status, SoapStatus::Ok);
     std::optional<SoapReply> got;
@@ -163,7 +160,7 @@ TEST_F(SoapClientTest, NeverSendsAChangeTwiceByItself)
 // needs its own host.
 TEST_F(SoapClientTest, TellsThePasswordInClearOnlyWhereNothingElseWasEverOffered)
 {
-    RawServer server(m_context, {basicChallenge(), basicChallenge(), basicChallenge(), okAnswer()},
+    RawServer server({basicChallenge(), basicChallenge(), basicChallenge(), okAnswer()},
                      RawServer::End::StayOpen, "127.0.0.21");
     const std::string service = server.service();
     SoapClient client(m_context.get(), service, {"admin", "secret"},
@@ -179,7 +176,7 @@ TEST_F(SoapClientTest, TellsThePasswordInClearOnlyWhereNothingElseWasEverOffered
 
 TEST_F(SoapClientTest, NeverTellsThePasswordInClearToOneThatMayBeAnybody)
 {
-    RawServer server(m_context, basicChallenge(), RawServer::End::StayOpen, "127.0.0.22");
+    RawServer server(basicChallenge(), RawServer::End::StayOpen, "127.0.0.22");
     SoapClient client(m_context.get(), server.service(), {"admin", "secret"});
     EXPECT_EQ(call(client).status, SoapStatus::Refused);
     for (const std::string &seen : server.requests())
@@ -188,8 +185,7 @@ TEST_F(SoapClientTest, NeverTellsThePasswordInClearToOneThatMayBeAnybody)
 
 TEST_F(SoapClientTest, NeverTellsThePasswordInClearToOneThatHasOfferedMore)
 {
-    RawServer server(m_context,
-                     {"HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", "
+    RawServer server({"HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", "
                       "nonce=\"n\"\r\nContent-Length: 0\r\n\r\n",
                       okAnswer(), basicChallenge()},
                      RawServer::End::StayOpen, "127.0.0.23");
@@ -363,7 +359,7 @@ TEST_F(SoapClientTest, TellsFaultsApart)
     EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
     device.answerRaw(request, 200, "");
     EXPECT_EQ(statusFor(device, {}), SoapStatus::Fault);
-    RawServer brokenChunks(m_context, "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n",
+    RawServer brokenChunks("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n",
                            RawServer::End::Close);
     EXPECT_EQ(statusFrom(brokenChunks.service()), SoapStatus::Fault);
     device.answerRaw(request, 500, SoapDevice::envelope(response));
@@ -396,8 +392,7 @@ TEST_F(SoapClientTest, DoesNotFollowRedirections)
 {
     SoapDevice other(m_context);
     other.answer(request, response);
-    RawServer server(m_context,
-                     "HTTP/1.1 307 Temporary Redirect\r\nLocation: " + other.service() +
+    RawServer server("HTTP/1.1 307 Temporary Redirect\r\nLocation: " + other.service() +
                          "\r\nContent-Length: 0\r\n\r\n",
                      RawServer::End::Close);
     EXPECT_EQ(statusFrom(server.service()), SoapStatus::Fault);
@@ -409,16 +404,16 @@ TEST_F(SoapClientTest, OfABrokenServerHasNoAnswer)
     for (const char *answer :
          {"", "garbage garbage\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nshort",
           "HTTP/9.9 abc\r\n\r\n", "\x16\x03\x01\x02"}) {
-        RawServer server(m_context, answer, RawServer::End::Close);
+        RawServer server(answer, RawServer::End::Close);
         EXPECT_EQ(statusFrom(server.service()), SoapStatus::NoAnswer) << answer;
     }
 }
 
 TEST_F(SoapClientTest, WaitsNoLongerThanItsLimit)
 {
-    RawServer silent(m_context, "", RawServer::End::StayOpen);
+    RawServer silent("", RawServer::End::StayOpen);
     EXPECT_EQ(statusFrom(silent.service(), 100), SoapStatus::NoAnswer);
-    RawServer half(m_context, "HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n<Envel",
+    RawServer half("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n<Envel",
                    RawServer::End::StayOpen);
     EXPECT_EQ(statusFrom(half.service(), 100), SoapStatus::NoAnswer);
 }

@@ -1,7 +1,7 @@
 #include "platform/rtsp/rtsp_probe.h"
 
 #include "platform/base/loop_thread.h"
-#include "tests/platform/cammgr/tiny_server.h"
+#include "tests/support/tiny_server.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

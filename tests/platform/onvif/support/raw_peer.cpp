@@ -4,113 +4,53 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 
 namespace {
 
 constexpr guint millisecondsBetweenDatagrams = 10;
 
-// Whether head and body of an HTTP request are there.
-bool isWhole(const std::string &request)
-{
-    const std::size_t head = request.find("\r\n\r\n");
-    if (head == std::string::npos)
-        return false;
-    const std::size_t length = request.find("Content-Length: ");
-    const std::size_t body =
-        length < head ? std::strtoul(request.c_str() + length + 16, nullptr, 10) : 0;
-    return request.size() >= head + 4 + body;
-}
-
 } // namespace
 
-RawServer::RawServer(const TestContext &context, std::vector<std::string> answers, End end,
-                     std::string host)
-    : m_service(g_socket_service_new())
-    , m_cancellable(g_cancellable_new())
-    , m_answers(std::move(answers))
+RawServer::RawServer(std::vector<std::string> answers, End end, const std::string &host)
+    : m_answers(std::move(answers))
     , m_end(end)
-    , m_host(std::move(host))
+    , m_server([this](TinyServer::Connection &connection) { serve(connection); }, host)
 {
-    EXPECT_TRUE(base::isThreadDefault(context.get()));
-    const base::GObjectPtr<GSocketAddress> any(
-        g_inet_socket_address_new_from_string(m_host.c_str(), 0));
-    GSocketAddress *effective = nullptr;
-    EXPECT_TRUE(g_socket_listener_add_address(G_SOCKET_LISTENER(m_service.get()), any.get(),
-                                              G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_TCP, nullptr,
-                                              &effective, nullptr));
-    const base::GObjectPtr<GSocketAddress> bound(effective);
-    m_port = g_inet_socket_address_get_port(G_INET_SOCKET_ADDRESS(bound.get()));
-    g_signal_connect(m_service.get(), "incoming", G_CALLBACK(incoming), this);
-    g_socket_service_start(m_service.get());
-}
-
-RawServer::~RawServer()
-{
-    g_cancellable_cancel(m_cancellable.get());
-    g_socket_service_stop(m_service.get());
-    g_socket_listener_close(G_SOCKET_LISTENER(m_service.get()));
-    g_signal_handlers_disconnect_by_data(m_service.get(), this);
 }
 
 std::string RawServer::service() const
 {
-    return "http://" + m_host + ':' + std::to_string(m_port) + "/onvif/device_service";
+    return "http://" + m_server.address() + "/onvif/device_service";
 }
 
-gboolean RawServer::incoming(GSocketService *, GSocketConnection *connection, GObject *,
-                             gpointer data)
+std::vector<std::string> RawServer::requests() const
 {
-    auto *self = static_cast<RawServer *>(data);
-    auto &made = *self->m_connections.emplace_back(std::make_unique<Connection>());
-    made.server = self;
-    made.stream = base::shareObject(connection);
-    self->read(made);
-    return TRUE;
+    const std::lock_guard lock(m_mutex);
+    return m_requests;
 }
 
-void RawServer::read(Connection &connection)
+const std::string &RawServer::nextAnswer(const std::string &request)
 {
-    g_input_stream_read_async(g_io_stream_get_input_stream(G_IO_STREAM(connection.stream.get())),
-                              connection.buffer.data(), connection.buffer.size(),
-                              G_PRIORITY_DEFAULT, m_cancellable.get(), readSome, &connection);
-}
-
-void RawServer::readSome(GObject *stream, GAsyncResult *result, gpointer data)
-{
-    GError *error = nullptr;
-    const gssize length = g_input_stream_read_finish(G_INPUT_STREAM(stream), result, &error);
-    const base::GErrorPtr failure(error);
-    if (length <= 0)
-        return;
-    auto &connection = *static_cast<Connection *>(data);
-    connection.received.append(connection.buffer.data(), static_cast<std::size_t>(length));
-    // What is no HTTP request is answered as well.
-    const bool isHttp = connection.received.starts_with("POST ");
-    if (!isHttp || isWhole(connection.received))
-        connection.server->answer(connection);
-    else
-        connection.server->read(connection);
-}
-
-void RawServer::answer(Connection &connection)
-{
-    // The other end may close before it has all of it.
-    GSocket *socket = g_socket_connection_get_socket(connection.stream.get());
-    g_socket_set_blocking(socket, FALSE);
-    if (m_end == End::CloseAtSecond && connection.answered == 1) {
-        g_socket_close(socket, nullptr);
-        return;
-    }
+    const std::lock_guard lock(m_mutex);
     const std::string &answer = m_answers[std::min(m_requests.size(), m_answers.size() - 1)];
-    m_requests.push_back(std::move(connection.received));
-    connection.received.clear();
-    ++connection.answered;
-    g_socket_send(socket, answer.data(), answer.size(), nullptr, nullptr);
-    if (m_end == End::Close)
-        g_socket_shutdown(socket, FALSE, TRUE, nullptr);
-    else
-        read(connection);
+    m_requests.push_back(request);
+    return answer;
+}
+
+/// On the thread of the connection.
+void RawServer::serve(TinyServer::Connection &connection)
+{
+    for (int answered = 0;; ++answered) {
+        const std::string request = connection.readRequest();
+        if (request.empty() || (m_end == End::CloseAtSecond && answered == 1))
+            return;
+        connection.write(nextAnswer(request));
+        if (m_end == End::Close) {
+            connection.endSending();
+            connection.waitForEnd();
+            return;
+        }
+    }
 }
 
 UdpPeer::UdpPeer(const TestContext &context, Answer answer)

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "tests/platform/onvif/support/test_context.h"
+#include "tests/support/tiny_server.h"
 
-#include <array>
 #include <deque>
 #include <functional>
-#include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -21,46 +21,26 @@ public:
         StayOpen
     };
 
-    RawServer(const TestContext &context, std::vector<std::string> answers, End end,
-              std::string host = "127.0.0.1");
-    RawServer(const TestContext &context, const std::string &answer, End end,
-              std::string host = "127.0.0.1")
-        : RawServer(context, std::vector<std::string>{answer}, end, std::move(host))
+    RawServer(std::vector<std::string> answers, End end, const std::string &host = "127.0.0.1");
+    RawServer(const std::string &answer, End end, const std::string &host = "127.0.0.1")
+        : RawServer(std::vector<std::string>{answer}, end, host)
     {
     }
-    ~RawServer();
-    RawServer(const RawServer &) = delete;
-    RawServer &operator=(const RawServer &) = delete;
 
     [[nodiscard]] std::string service() const;
-    [[nodiscard]] int connections() const { return static_cast<int>(m_connections.size()); }
+    [[nodiscard]] int connections() const { return m_server.connectionCount(); }
     /// Head and body of each request that was answered.
-    [[nodiscard]] const std::vector<std::string> &requests() const { return m_requests; }
+    [[nodiscard]] std::vector<std::string> requests() const;
 
 private:
-    struct Connection
-    {
-        RawServer *server = nullptr;
-        base::GObjectPtr<GSocketConnection> stream;
-        std::string received;
-        std::array<char, 16 * 1024> buffer = {};
-        int answered = 0;
-    };
+    void serve(TinyServer::Connection &connection);
+    const std::string &nextAnswer(const std::string &request);
 
-    static gboolean incoming(GSocketService *, GSocketConnection *connection, GObject *,
-                             gpointer self);
-    static void readSome(GObject *stream, GAsyncResult *result, gpointer connection);
-    void read(Connection &connection);
-    void answer(Connection &connection);
-
-    base::GObjectPtr<GSocketService> m_service;
-    base::GObjectPtr<GCancellable> m_cancellable;
-    std::vector<std::string> m_answers;
-    End m_end;
-    std::string m_host;
-    guint16 m_port = 0;
-    std::vector<std::unique_ptr<Connection>> m_connections;
+    const std::vector<std::string> m_answers;
+    const End m_end;
+    mutable std::mutex m_mutex; ///< protects m_requests
     std::vector<std::string> m_requests;
+    TinyServer m_server; // its threads end before the rest is destroyed
 };
 
 /// A UDP socket on 127.0.0.1 that hands each datagram to a function, which answers with any number

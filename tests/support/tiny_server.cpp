@@ -1,4 +1,4 @@
-#include "tests/platform/cammgr/tiny_server.h"
+#include "tests/support/tiny_server.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -6,29 +6,47 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <stdexcept>
 
 namespace {
 
-int boundSocket(uint16_t &port)
+int boundSocket(const std::string &host, uint16_t &port)
 {
     const int handle = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_addr.s_addr = inet_addr(host.c_str());
     socklen_t size = sizeof address;
     if (::bind(handle, reinterpret_cast<sockaddr *>(&address), size) != 0 ||
         ::getsockname(handle, reinterpret_cast<sockaddr *>(&address), &size) != 0)
-        throw std::runtime_error("no port on 127.0.0.1");
+        throw std::runtime_error("no port on " + host);
     port = ntohs(address.sin_port);
     return handle;
 }
 
+/// Bytes of the first request in what was received, by its blank line and its Content-Length;
+/// 0 while some of it is missing.
+size_t wholeRequest(const std::string &received)
+{
+    const size_t head = received.find("\r\n\r\n");
+    if (head == std::string::npos)
+        return 0;
+    constexpr std::string_view name = "Content-Length: ";
+    const size_t length = received.find(name);
+    const size_t body =
+        length < head ? std::strtoul(received.c_str() + length + name.size(), nullptr, 10) : 0;
+    const size_t size = head + 4 + body;
+    return received.size() >= size ? size : 0;
+}
+
 } // namespace
 
-TinyServer::TinyServer(Handler handler) : m_handler(std::move(handler))
+TinyServer::TinyServer(Handler handler, std::string host)
+    : m_handler(std::move(handler))
+    , m_host(std::move(host))
 {
-    m_listener = boundSocket(m_port);
+    m_listener = boundSocket(m_host, m_port);
     if (::listen(m_listener, 64) != 0)
         throw std::runtime_error("cannot listen");
     m_acceptor = std::thread([this] { accept(); });
@@ -73,7 +91,7 @@ void TinyServer::accept()
 
 std::string TinyServer::address() const
 {
-    return "127.0.0.1:" + std::to_string(m_port);
+    return m_host + ":" + std::to_string(m_port);
 }
 
 int TinyServer::connectionCount() const
@@ -91,10 +109,9 @@ std::vector<std::string> TinyServer::requests() const
 std::string TinyServer::Connection::readRequest()
 {
     for (;;) {
-        const size_t end = m_buffer.find("\r\n\r\n");
-        if (end != std::string::npos) {
-            const std::string request = m_buffer.substr(0, end + 4);
-            m_buffer.erase(0, end + 4);
+        if (const size_t size = wholeRequest(m_buffer)) {
+            const std::string request = m_buffer.substr(0, size);
+            m_buffer.erase(0, size);
             const std::lock_guard lock(m_server.m_mutex);
             m_server.m_requests.push_back(request);
             return request;
@@ -117,6 +134,11 @@ void TinyServer::Connection::write(std::string_view data) const
     }
 }
 
+void TinyServer::Connection::endSending() const
+{
+    ::shutdown(m_handle, SHUT_WR);
+}
+
 void TinyServer::Connection::waitForEnd()
 {
     char data[4096];
@@ -127,6 +149,6 @@ void TinyServer::Connection::waitForEnd()
 uint16_t closedPort()
 {
     uint16_t port = 0;
-    ::close(boundSocket(port));
+    ::close(boundSocket("127.0.0.1", port));
     return port;
 }

@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
-/// A TCP server on 127.0.0.1 whose answers a test writes as plain code: the handler runs once for
-/// each connection, on its own thread, and the connection closes when it returns.
+/// A TCP server on a loopback address whose answers a test writes as plain code: the handler runs
+/// once for each connection, on its own thread, and the connection closes when it returns.
 class TinyServer
 {
 public:
@@ -23,9 +23,11 @@ public:
             , m_number(number)
         {
         }
-        /// The next request up to its blank line; empty when the client has disconnected.
+        /// The next request, head and body; empty when the client has disconnected.
         std::string readRequest();
         void write(std::string_view data) const;
+        /// Tells the client that no more comes.
+        void endSending() const;
         /// Returns when the client closed the connection, or the server ends.
         void waitForEnd();
         /// 1 for the server's first connection.
@@ -39,13 +41,13 @@ public:
     };
     using Handler = std::function<void(Connection &)>;
 
-    explicit TinyServer(Handler handler);
+    explicit TinyServer(Handler handler, std::string host = "127.0.0.1");
     ~TinyServer();
     TinyServer(const TinyServer &) = delete;
     TinyServer &operator=(const TinyServer &) = delete;
 
     uint16_t port() const { return m_port; }
-    /// "127.0.0.1:port"
+    /// "host:port"
     std::string address() const;
     int connectionCount() const;
     /// Every request read so far, in order.
@@ -54,7 +56,8 @@ public:
 private:
     void accept();
 
-    Handler m_handler;
+    const Handler m_handler;
+    const std::string m_host;
     int m_listener = -1;
     uint16_t m_port = 0;
     mutable std::mutex m_mutex; ///< for what follows
