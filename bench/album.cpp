@@ -4,8 +4,8 @@
 //
 // bench_album [COUNT...]: how many photos, and as many recordings (10 200 2000).
 
-#include "bench/child_process.h"
-#include "bench/client_home.h"
+#include "bench/measured_process.h"
+#include "tests/support/client_home.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -29,7 +29,7 @@ using Figures = std::map<std::string, double>;
 
 Figures run(const std::string &program, const std::string &kind, const std::string &folder)
 {
-    bench::ChildProcess process({BENCH_ALBUM_PROGRAM, program, kind, folder}, true);
+    bench::MeasuredProcess process({BENCH_ALBUM_PROGRAM, program, kind, folder}, true);
     Figures told;
     while (told.count("scrolled") == 0) {
         const std::string line = process.readLine(lineDeadline);
@@ -46,7 +46,8 @@ Figures run(const std::string &program, const std::string &kind, const std::stri
 
 void fill(const std::string &folder, int count)
 {
-    bench::ChildProcess process({BENCH_ALBUM_PROGRAM, "fill", folder, std::to_string(count)}, true);
+    bench::MeasuredProcess process({BENCH_ALBUM_PROGRAM, "fill", folder, std::to_string(count)},
+                                   true);
     if (process.readLine(lineDeadline).empty())
         throw std::runtime_error("the files could not be made");
 }
@@ -61,7 +62,7 @@ void print(const char *program, const Figures &figures)
 
 void measure(int count)
 {
-    bench::ClientHome home;
+    zelvaro::test::ClientHome home;
     zelvaro::test::SimulatedCamera camera;
     camera.name = "Front door";
     camera.uid = "ALBUM-1"; // nobody answers to it

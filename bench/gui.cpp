@@ -3,9 +3,9 @@
 //
 // bench_gui [--rounds N] [TILES...]: how often (1; the quickest counts), which grids (16 36).
 
-#include "bench/child_process.h"
-#include "bench/client_home.h"
 #include "bench/dead_ports.h"
+#include "bench/measured_process.h"
+#include "tests/support/client_home.h"
 
 #include <X11/Xlib.h>
 
@@ -39,7 +39,7 @@ double millisecondsOf(Clock::duration duration)
 
 Figures runOnce(const std::string &scenario)
 {
-    bench::ChildProcess client({BENCH_GUI_PROGRAM, scenario}, true);
+    bench::MeasuredProcess client({BENCH_GUI_PROGRAM, scenario}, true);
     Figures told;
     while (told.count("quit") == 0) {
         const std::string line = client.readLine(lineDeadline);
@@ -93,7 +93,7 @@ void printBlock(const char *what, const std::string &phase, Figures &figures)
 void measureDead(int rounds)
 {
     const bench::DeadPorts dead(deadCameras);
-    bench::ClientHome home;
+    zelvaro::test::ClientHome home;
     std::vector<zelvaro::test::SimulatedCamera> cameras;
     for (const int port : dead.ports()) {
         zelvaro::test::SimulatedCamera camera;
@@ -124,7 +124,7 @@ void measureGrid(int tiles, int rounds)
     const zelvaro::test::CamsimProcess cameras({"--count", std::to_string(tiles), "--canned",
                                                 "--sub-size", "640x360", "--sub-fps",
                                                 std::to_string(gridRate)});
-    bench::ClientHome home;
+    zelvaro::test::ClientHome home;
     home.registerCameras(cameras.cameras());
     Figures client = run("grid", rounds);
     std::printf("Grid of %d, 640x360 at %d fps, with sound\n", tiles, gridRate);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bench/child_process.h"
+#include "bench/measured_process.h"
 #include "bench/screen_reader.h"
 
 #include <optional>

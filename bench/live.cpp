@@ -4,8 +4,8 @@
 // bench_live [SECONDS]: how long each player is measured (default 20).
 // bench_live --growth MINUTES: plays our engine alone for that long; whether its delay grows.
 
-#include "bench/child_process.h"
 #include "bench/latency_probe.h"
+#include "bench/measured_process.h"
 #include "bench/peers.h"
 #include "bench/screen_reader.h"
 #include "bench/statistics.h"
@@ -66,7 +66,7 @@ double milliseconds(Clock::duration duration)
 }
 
 /// When the player requested the stream: printed by those that report it, else its start.
-Clock::time_point playMoment(const Player &player, bench::ChildProcess &process)
+Clock::time_point playMoment(const Player &player, bench::MeasuredProcess &process)
 {
     if (!player.tellsPlay)
         return process.started();
@@ -83,7 +83,7 @@ bool measure(const Player &player, std::chrono::seconds duration, bench::ScreenR
     std::vector<double> fromStart, fromCall;
     for (int start = 1; start <= starts; ++start) {
         screen.clear();
-        bench::ChildProcess process(player.command, player.tellsPlay);
+        bench::MeasuredProcess process(player.command, player.tellsPlay);
         const auto asked = playMoment(player, process);
         const auto seen = probe.waitForPicture(asked, firstPictureDeadline);
         if (!seen)
@@ -132,7 +132,7 @@ int runGrowth(int minutes)
                 player.name.c_str(), width, height, "minute", "median", "95 %", "frames", "memory",
                 "threads");
     screen.clear();
-    bench::ChildProcess process(player.command, player.tellsPlay);
+    bench::MeasuredProcess process(player.command, player.tellsPlay);
     if (!probe.waitForPicture(playMoment(player, process), firstPictureDeadline)) {
         std::printf("showed no picture\n");
         return 1;

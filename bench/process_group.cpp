@@ -6,7 +6,7 @@ namespace bench {
 
 void ProcessGroup::start(const std::vector<std::string> &command, bool wantOutput)
 {
-    m_processes.push_back(std::make_unique<ChildProcess>(command, wantOutput));
+    m_processes.push_back(std::make_unique<MeasuredProcess>(command, wantOutput));
 }
 
 ProcessGroup::~ProcessGroup()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bench/child_process.h"
+#include "bench/measured_process.h"
 
 #include <memory>
 
@@ -10,21 +10,21 @@ namespace bench {
 class ProcessGroup
 {
 public:
-    /// See ChildProcess.
+    /// See MeasuredProcess.
     void start(const std::vector<std::string> &command, bool wantOutput = false);
     /// Asks all to end at once, and waits for them.
     ~ProcessGroup();
 
-    ChildProcess &at(std::size_t index) { return *m_processes.at(index); }
+    MeasuredProcess &at(std::size_t index) { return *m_processes.at(index); }
     std::size_t size() const { return m_processes.size(); }
 
-    /// As of ChildProcess.
+    /// As of MeasuredProcess.
     double cpuSeconds() const;
     double memoryMegabytes() const;
     int threads() const;
 
 private:
-    std::vector<std::unique_ptr<ChildProcess>> m_processes;
+    std::vector<std::unique_ptr<MeasuredProcess>> m_processes;
 };
 
 } // namespace bench

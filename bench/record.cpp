@@ -4,7 +4,7 @@
 //
 // bench_record [--kills N]: recordings of each kind (default 100).
 
-#include "bench/child_process.h"
+#include "bench/measured_process.h"
 #include "bench/statistics.h"
 #include "camsim/camsim_process.h"
 #include "camsim/timecode.h"
@@ -20,8 +20,8 @@
 #include <random>
 
 using namespace std::chrono_literals;
-using bench::ChildProcess;
 using bench::Clock;
+using bench::MeasuredProcess;
 
 namespace {
 
@@ -74,7 +74,7 @@ void pause(std::chrono::milliseconds time)
 }
 
 /// Whether pictures are on their way into the file.
-bool waitUntilRecording(const Recorder &recorder, ChildProcess &process)
+bool waitUntilRecording(const Recorder &recorder, MeasuredProcess &process)
 {
     if (recorder.tellsBegin)
         return !process.readLine(patience).empty();
@@ -129,9 +129,10 @@ void examine(Recorder &recorder, std::uint32_t killed)
 /// All recorders record the same time and die at the same moment.
 void recordAndKill(std::vector<Recorder> &recorders, std::chrono::milliseconds length)
 {
-    std::vector<std::unique_ptr<ChildProcess>> processes;
+    std::vector<std::unique_ptr<MeasuredProcess>> processes;
     for (const Recorder &recorder : recorders)
-        processes.push_back(std::make_unique<ChildProcess>(recorder.command, recorder.tellsBegin));
+        processes.push_back(
+            std::make_unique<MeasuredProcess>(recorder.command, recorder.tellsBegin));
     for (std::size_t i = 0; i < recorders.size(); ++i)
         if (!waitUntilRecording(recorders[i], *processes[i]))
             throw std::runtime_error(recorders[i].name + " does not record");

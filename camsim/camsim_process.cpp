@@ -1,27 +1,16 @@
 #include "camsim/camsim_process.h"
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
-#include <poll.h>
-#include <spawn.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
-#include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <stdexcept>
-
-extern char **environ;
 
 namespace zelvaro::test {
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 [[noreturn]] void fail(const std::string &what)
 {
@@ -108,94 +97,46 @@ std::string SimulatedCamera::urlWithLogin(const std::string &url) const
 CamsimProcess::CamsimProcess(const std::vector<std::string> &arguments,
                              std::chrono::milliseconds deadline)
 {
-    start(arguments);
-    try {
-        const Clock::time_point end = Clock::now() + deadline;
-        for (std::size_t i = 0; i < countOf(arguments); ++i) {
-            const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-            const auto fields = parseFlatJson(readLine(m_output, m_pendingOutput, left));
-            m_controlPort = toInt(fields.at("control_port"));
-            m_cameras.push_back(parseCamera(fields));
-        }
-        if (!m_cameras.empty())
-            connectControl();
-    } catch (...) {
-        end(SIGKILL);
-        throw;
+    std::vector<std::string> command{CAMSIM_PATH, "--exit-with-stdin"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    m_process = std::make_unique<ChildProcess>(
+        command,
+        ChildProcess::Options{.readsOutput = true, .holdsInput = true, .showsErrors = true});
+    const auto end = std::chrono::steady_clock::now() + deadline;
+    int controlPort = 0;
+    for (std::size_t i = 0; i < countOf(arguments); ++i) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        const std::string line = m_process->readLine(left);
+        if (line.empty())
+            fail("a camera did not come up");
+        const auto fields = parseFlatJson(line);
+        controlPort = toInt(fields.at("control_port"));
+        m_cameras.push_back(parseCamera(fields));
     }
+    if (!m_cameras.empty())
+        connectControl(controlPort);
 }
 
 CamsimProcess::~CamsimProcess()
 {
-    end(SIGTERM);
+    if (m_control >= 0)
+        close(m_control);
 }
 
-void CamsimProcess::start(const std::vector<std::string> &arguments)
+void CamsimProcess::connectControl(int port)
 {
-    std::array<int, 2> input{};
-    std::array<int, 2> output{};
-    // Closed in every other process that this one starts, or camsim would outlive us.
-    if (pipe2(input.data(), O_CLOEXEC) != 0 || pipe2(output.data(), O_CLOEXEC) != 0)
-        fail("no pipe");
-    m_input = input[1];
-    m_output = output[0];
-
-    std::vector<std::string> words{CAMSIM_PATH, "--exit-with-stdin"};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::vector<char *> argv;
-    for (std::string &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-    const int error = posix_spawn(&m_pid, CAMSIM_PATH, &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    close(input[0]);
-    close(output[1]);
-    if (error != 0) {
-        m_pid = -1;
-        fail("cannot start " CAMSIM_PATH);
-    }
-}
-
-std::string CamsimProcess::readLine(int handle, std::string &pending,
-                                    std::chrono::milliseconds deadline)
-{
-    const Clock::time_point end = Clock::now() + deadline;
-    while (true) {
-        const std::size_t newline = pending.find('\n');
-        if (newline != std::string::npos) {
-            std::string line = pending.substr(0, newline);
-            pending.erase(0, newline + 1);
-            return line;
-        }
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-        pollfd wait{handle, POLLIN, 0};
-        const int ready = left.count() > 0 ? poll(&wait, 1, static_cast<int>(left.count())) : 0;
-        if (ready < 0 && errno == EINTR)
-            continue;
-        if (ready <= 0)
-            fail("no answer in time");
-        std::array<char, 4096> buffer;
-        const ssize_t count = read(handle, buffer.data(), buffer.size());
-        if (count <= 0)
-            fail("ended early");
-        pending.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-}
-
-void CamsimProcess::connectControl()
-{
-    m_control = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int handle = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in name{};
     name.sin_family = AF_INET;
-    name.sin_port = htons(static_cast<std::uint16_t>(m_controlPort));
+    name.sin_port = htons(static_cast<std::uint16_t>(port));
     name.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    if (connect(m_control, reinterpret_cast<const sockaddr *>(&name), sizeof name) != 0)
+    if (connect(handle, reinterpret_cast<const sockaddr *>(&name), sizeof name) != 0) {
+        close(handle);
         fail("no control connection");
+    }
+    m_control = handle;
+    m_answers = LineReader(handle);
 }
 
 std::string CamsimProcess::control(const std::string &line)
@@ -204,7 +145,10 @@ std::string CamsimProcess::control(const std::string &line)
     if (send(m_control, text.data(), text.size(), MSG_NOSIGNAL) !=
         static_cast<ssize_t>(text.size()))
         fail("control connection lost");
-    return readLine(m_control, m_pendingControl, std::chrono::seconds(60));
+    std::string answer = m_answers.next(std::chrono::seconds(60));
+    if (answer.empty())
+        fail("no answer");
+    return answer;
 }
 
 bool CamsimProcess::tell(int camera, const std::string &command)
@@ -224,31 +168,8 @@ long CamsimProcess::statusNumber(const std::string &key, int camera)
 
 void CamsimProcess::kill()
 {
-    end(SIGKILL);
-}
-
-void CamsimProcess::end(int signal)
-{
-    if (m_pid > 0) {
-        ::kill(m_pid, signal);
-        // A process that does not end must not block the test.
-        const Clock::time_point limit = Clock::now() + std::chrono::seconds(20);
-        int status = 0;
-        while (waitpid(m_pid, &status, WNOHANG) == 0) {
-            if (Clock::now() > limit) {
-                ::kill(m_pid, SIGKILL);
-                waitpid(m_pid, &status, 0);
-                break;
-            }
-            poll(nullptr, 0, 5);
-        }
-        m_pid = -1;
-    }
-    for (int *handle : {&m_input, &m_output, &m_control}) {
-        if (*handle >= 0)
-            close(*handle);
-        *handle = -1;
-    }
+    m_process->kill();
+    m_process.reset();
 }
 
 } // namespace zelvaro::test

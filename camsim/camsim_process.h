@@ -1,9 +1,11 @@
 #pragma once
 
+#include "camsim/child_process.h"
+
 #include <chrono>
 #include <map>
+#include <memory>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace zelvaro::test {
@@ -54,24 +56,16 @@ public:
     std::map<std::string, std::string> status(int camera = 0);
     long statusNumber(const std::string &key, int camera = 0);
 
-    pid_t pid() const { return m_pid; }
     /// Ends the process at once, as a power failure would.
     void kill();
 
 private:
-    void start(const std::vector<std::string> &arguments);
-    std::string readLine(int handle, std::string &pending, std::chrono::milliseconds deadline);
-    void connectControl();
-    void end(int signal);
+    void connectControl(int port);
 
     std::vector<SimulatedCamera> m_cameras;
-    pid_t m_pid = -1;
-    int m_input = -1;  ///< its standard input: it ends when this closes
-    int m_output = -1; ///< its standard output
+    std::unique_ptr<ChildProcess> m_process; ///< ends when its input does; null after kill()
     int m_control = -1;
-    int m_controlPort = 0;
-    std::string m_pendingOutput;
-    std::string m_pendingControl;
+    LineReader m_answers{-1};
 };
 
 /// The keys and values of one line with a flat JSON object; values without quotation marks.

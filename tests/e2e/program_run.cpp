@@ -9,25 +9,14 @@
 #include <QRegularExpression>
 #include <QTimer>
 
-ProgramRun::ProgramRun()
-{
-    qputenv("XDG_DATA_HOME", m_folder.filePath("data").toUtf8());
-    qputenv("XDG_CONFIG_HOME", m_folder.filePath("config").toUtf8());
-    qputenv("ZELVARO_DISCOVERY_MULTICAST", "0");
-    QDir().mkpath(m_folder.filePath("data/Zelvaro"));
-    QFile file(settingsFile());
-    if (file.open(QIODevice::WriteOnly))
-        file.write("ALBUMPATH=" + albumFolder().toUtf8() + "\n");
-}
-
 QString ProgramRun::settingsFile() const
 {
-    return m_folder.filePath("data/Zelvaro/Zelvaro.cfg");
+    return QString::fromStdString(m_home.settingsFile());
 }
 
 QString ProgramRun::albumFolder() const
 {
-    return m_folder.filePath("Album");
+    return QString::fromStdString(m_home.albumFolder());
 }
 
 QByteArray ProgramRun::settings() const
@@ -52,29 +41,12 @@ QStringList ProgramRun::albumFiles(const std::string &uid, const QString &patter
 
 void ProgramRun::makeFindable(const zelvaro::test::CamsimProcess &cameras)
 {
-    QByteArrayList targets;
-    for (const auto &camera : cameras.cameras())
-        targets += QByteArray::fromStdString(camera.discovery);
-    qputenv("ZELVARO_DISCOVERY_TARGETS", targets.join(','));
+    zelvaro::test::ClientHome::makeFindable(cameras.cameras());
 }
 
-void ProgramRun::registerCameras(const zelvaro::test::CamsimProcess &cameras, bool multiLive)
+void ProgramRun::registerCameras(const zelvaro::test::CamsimProcess &cameras, bool multiLive) const
 {
-    makeFindable(cameras);
-    QFile file(settingsFile());
-    if (!file.open(QIODevice::Append))
-        return;
-    int index = 0;
-    for (const auto &camera : cameras.cameras()) {
-        file.write(QStringLiteral("[%1]\nTYPE=P2P\nHOSTNAME=%2\nUSERNAME=%3\nPASSWORD=%4\n"
-                                  "NAME=\"%5\"\nMULTILIVE=%6\n")
-                       .arg(index++)
-                       .arg(QString::fromStdString(camera.uid), QString::fromStdString(camera.user),
-                            QString::fromStdString(camera.password),
-                            QString::fromStdString(camera.name))
-                       .arg(int(multiLive))
-                       .toUtf8());
-    }
+    m_home.registerCameras(cameras.cameras(), multiLive);
 }
 
 int ProgramRun::run(const std::function<void(CMainForm &)> &steps)

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "camsim/camsim_process.h"
 #include "tests/e2e/real_input.h"
 #include "tests/e2e/screen.h"
+#include "tests/support/client_home.h"
 
 #include <QString>
-#include <QTemporaryDir>
 #include <QWidget>
 
 #include <functional>
@@ -16,12 +15,10 @@ class CMainForm;
 class ProgramRun
 {
 public:
-    ProgramRun();
-
     /// Writes the settings file with these cameras and lets the libraries find them. All network
     /// traffic stays on loopback.
     /// multiLive: the grid of live pictures shows them.
-    void registerCameras(const zelvaro::test::CamsimProcess &cameras, bool multiLive = true);
+    void registerCameras(const zelvaro::test::CamsimProcess &cameras, bool multiLive = true) const;
     /// Lets the libraries find these cameras; none is registered.
     static void makeFindable(const zelvaro::test::CamsimProcess &cameras);
 
@@ -39,7 +36,7 @@ public:
     int run(const std::function<void(CMainForm &)> &steps);
 
 private:
-    QTemporaryDir m_folder;
+    const zelvaro::test::ClientHome m_home;
 };
 
 /// The one child of a type with this object name that can be seen; null for none.

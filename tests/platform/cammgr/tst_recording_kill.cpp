@@ -5,61 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <sys/wait.h>
-#include <unistd.h>
-
-namespace {
-
-/// A process that records, started and killed by this test.
-class RecordingChild
-{
-public:
-    RecordingChild(const zelvaro::test::SimulatedCamera &camera, const std::string &base)
-    {
-        int output[2];
-        if (pipe(output) != 0)
-            return;
-        m_pid = fork();
-        if (m_pid == 0) {
-            dup2(output[1], STDOUT_FILENO);
-            execl(RECORDING_CHILD, RECORDING_CHILD, camera.mainUrl.c_str(), camera.user.c_str(),
-                  camera.password.c_str(), base.c_str(), nullptr);
-            _exit(127);
-        }
-        close(output[1]);
-        m_output = output[0];
-    }
-    ~RecordingChild()
-    {
-        kill();
-        close(m_output);
-    }
-    RecordingChild(const RecordingChild &) = delete;
-    RecordingChild &operator=(const RecordingChild &) = delete;
-
-    /// Returns when it says that it records; false when it ended instead.
-    bool waitUntilWriting()
-    {
-        char text[8];
-        return read(m_output, text, sizeof text) == sizeof text;
-    }
-    void kill()
-    {
-        if (m_pid <= 0)
-            return;
-        ::kill(m_pid, SIGKILL);
-        waitpid(m_pid, nullptr, 0);
-        m_pid = -1;
-    }
-
-private:
-    pid_t m_pid = -1;
-    int m_output = -1;
-};
-
-} // namespace
-
 TEST(RecordingKill, WhatIsOnTheDiskPlaysAndSeeksEverywhere)
 {
     zelvaro::test::CamsimProcess camsim({"--warm", "--key-interval", "2"});
@@ -67,8 +12,11 @@ TEST(RecordingKill, WhatIsOnTheDiskPlaysAndSeeksEverywhere)
     for (const double length : {1.0, 2.5, 6.0}) {
         TemporaryFolder folder;
         const auto path = folder.file("a.mp4");
-        RecordingChild child(camsim.camera(), folder.file("a"));
-        ASSERT_TRUE(child.waitUntilWriting());
+        const zelvaro::test::SimulatedCamera &camera = camsim.camera();
+        zelvaro::test::ChildProcess child(
+            {RECORDING_CHILD, camera.mainUrl, camera.user, camera.password, folder.file("a")},
+            {.readsOutput = true, .showsErrors = true});
+        ASSERT_EQ(child.readLine(60s), "writing");
         // Other players see it grow. How far it is behind the camera is measured, not tested: a
         // busy machine takes its time.
         ASSERT_TRUE(waitUntil([&] { return MediaProbe::duration(path) >= length; }, 60s));
