@@ -56,12 +56,18 @@ struct RealInput::Private
         return true;
     }
 
+    /// Nobody moves a window from here to send(): a window manager under load is still about to
+    /// move what it has given its size.
     QPoint aim(const QWidget *widget, QPoint point) const
     {
         QPoint global;
         const auto found = [&] {
+            XGrabServer(display);
             global = globalPoint(widget, point);
-            return isOnTop(widget, global);
+            if (isOnTop(widget, global))
+                return true;
+            release();
+            return false;
         };
         if (!QTest::qWaitFor(found, patience)) {
             QTest::qFail(qPrintable("nobody can point at " + widget->objectName()), __FILE__,
@@ -104,7 +110,17 @@ struct RealInput::Private
     }
 
     /// Sends what is queued; the server has taken it when this returns.
-    void send() { XSync(display, False); }
+    void send() const
+    {
+        XSync(display, False);
+        release();
+    }
+
+    void release() const
+    {
+        XUngrabServer(display);
+        XSync(display, False);
+    }
 };
 
 RealInput::RealInput() : d(std::make_unique<Private>())
