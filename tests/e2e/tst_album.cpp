@@ -430,7 +430,9 @@ void TestAlbum::seek()
         constexpr int margin = 8; // half of the handle
         return QPoint(margin + int(share * (slider->width() - 2 * margin)), slider->height() / 2);
     };
-    const double before = double(media()->currentTime()) / media()->totalTime();
+    // Where the handle is: it follows the time now and then only.
+    const double before =
+        double(slider->value() - slider->minimum()) / (slider->maximum() - slider->minimum());
     const QImage picture = pictureOnScreen(*videoSurface());
     const double target = before < 0.5 ? 0.8 : 0.1;
     settledInput().drag(slider, handleAt(before), handleAt(target));
