@@ -5,6 +5,7 @@
 
 #include <glib.h>
 
+#include <algorithm>
 #include <array>
 
 namespace camsim {
@@ -168,6 +169,8 @@ std::string Camera::status() const
         .add("rtsp_requests", m_faults->requests.load())
         .add("video_frames", m_faults->videoFrames.load())
         .add("key_frame_requests", m_http->onvif().keyFrameRequests())
+        .add("longest_frame_gap_ms",
+             std::max(m_mainVideo->takeLongestGap(), m_subVideo->takeLongestGap()).count())
         .add("back_channel_packets", heard.packets)
         .add("back_channel_bytes", heard.bytes)
         .add("back_channel_level", heard.level)

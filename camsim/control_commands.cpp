@@ -207,7 +207,7 @@ const std::map<std::string, Command> &commands()
           commandFault(CommandForms::Fault::Silent)}},
         {"heal", {": ends all faults but a changed password, size or address", plain(heal)}},
         {"status",
-         {": a line of JSON",
+         {": a line of JSON; the longest time between two frames since the last one",
           [](Camera &camera, const Arguments &) -> std::optional<std::string> {
               return camera.status();
           }}},

@@ -51,6 +51,7 @@ void Feed::push(GstBuffer *buffer)
     auto *appsrc = static_cast<GstElement *>(g_weak_ref_get(&m_appsrc));
     GstFlowReturn taken = GST_FLOW_FLUSHING;
     if (appsrc) {
+        noteGap(before);
         GstBuffer *copy = gst_buffer_copy(buffer); // shares the memory
         GST_BUFFER_PTS(copy) = GST_BUFFER_DTS(copy) = GST_CLOCK_TIME_NONE;
         taken = gst_app_src_push_buffer(GST_APP_SRC(appsrc), copy);
@@ -58,6 +59,20 @@ void Feed::push(GstBuffer *buffer)
     }
     // A restart in between stays a restart.
     m_state.compare_exchange_strong(before, taken == GST_FLOW_OK ? State::Running : State::Idle);
+}
+
+void Feed::noteGap(State before)
+{
+    const auto now = Clock::now();
+    if (before == State::Running && now - m_lastPush > m_longestGap.load())
+        m_longestGap = now - m_lastPush;
+    m_lastPush = now;
+}
+
+std::chrono::milliseconds Feed::takeLongestGap()
+{
+    return std::chrono::ceil<std::chrono::milliseconds>(
+        m_longestGap.exchange(Clock::duration::zero()));
 }
 
 FeedList::FeedList(std::function<void()> onStart) : m_onStart(std::move(onStart)) {}
@@ -85,6 +100,14 @@ FeedList::Feeds FeedList::active()
         if (feed->state() != Feed::State::Idle)
             result.push_back(feed);
     return result;
+}
+
+std::chrono::milliseconds FeedList::takeLongestGap()
+{
+    std::chrono::milliseconds longest{0};
+    for (const auto &feed : active())
+        longest = std::max(longest, feed->takeLongestGap());
+    return longest;
 }
 
 bool FeedList::isWatched(const Feeds &feeds)

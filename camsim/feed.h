@@ -3,6 +3,7 @@
 #include <gst/gst.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -34,12 +35,20 @@ public:
     void push(GstBuffer *buffer);
     /// The media is destroyed.
     bool isDead() const;
+    /// The longest time from one push to the next, without a restart between, since the last call.
+    std::chrono::milliseconds takeLongestGap();
 
     std::size_t position = 0; ///< in a recorded loop; used by the ticker's thread only
 
 private:
+    using Clock = std::chrono::steady_clock;
+
+    void noteGap(State before);
+
     mutable GWeakRef m_appsrc;
     std::atomic<State> m_state{State::Idle};
+    Clock::time_point m_lastPush; // of the thread that pushes
+    std::atomic<Clock::duration> m_longestGap{Clock::duration::zero()};
 };
 
 /// All feeds of one stream.
@@ -57,6 +66,8 @@ public:
     void attach(GstElement *appsrc);
     /// The feeds that take data now.
     Feeds active();
+    /// Of all feeds that take data, see Feed::takeLongestGap().
+    std::chrono::milliseconds takeLongestGap();
 
 private:
     std::function<void()> m_onStart;

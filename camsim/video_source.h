@@ -39,6 +39,8 @@ public:
     VideoSettings settings() const;
     /// Some media takes frames. Any thread.
     bool isFeeding() { return !m_feeds.active().empty(); }
+    /// The longest time from one frame to the next since the last call. Any thread.
+    std::chrono::milliseconds takeLongestGap() { return m_feeds.takeLongestGap(); }
 
 protected:
     VideoSource(Ticker &ticker, const VideoSettings &settings);

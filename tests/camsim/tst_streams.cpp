@@ -142,6 +142,17 @@ TEST(Streams, ACameraMayOfferOneTransportOnly)
     EXPECT_EQ(run(decode(camera.urlWithLogin(camera.subUrl), 5, "udp")).exitCode, 0);
 }
 
+TEST(Streams, StatusTellsTheLongestTimeBetweenTwoFrames)
+{
+    CamsimProcess camsim({"--sub-fps", "5", "--canned"});
+    const SimulatedCamera &camera = camsim.camera();
+    EXPECT_EQ(camsim.statusNumber("longest_frame_gap_ms"), 0);
+    RawRtsp client(camera.address, camera.rtspPort, "/live/1/h264.sdp", camera.user,
+                   camera.password);
+    ASSERT_TRUE(client.play());
+    EXPECT_TRUE(eventually([&] { return camsim.statusNumber("longest_frame_gap_ms") >= 200; }));
+}
+
 TEST(Streams, TheEncoderRestsWhenNobodyWatches)
 {
     CamsimProcess camsim;

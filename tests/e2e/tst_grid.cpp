@@ -24,6 +24,7 @@
 #include <X11/keysym.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <numeric>
 
 using zelvaro::test::CamsimProcess;
@@ -35,9 +36,7 @@ constexpr int cameraCount = 16;
 constexpr int frameRate = 10;
 constexpr int recorded = 10'000; // milliseconds
 
-// Two frames; but a simulated camera stamps a frame when its turn comes, and late on a busy
-// machine.
-constexpr double longestGap = 4.0 / frameRate;
+constexpr double longestGap = 4.0 / frameRate; // seconds from a frame to the next
 
 const QString stamp = QStringLiteral("\\d{8}_\\d{6}");
 const QSize pictureSize(320, 180);
@@ -260,6 +259,8 @@ void TestGrid::takePhotos()
 
 void TestGrid::beginRecording()
 {
+    for (int i = 0; i < cameraCount; ++i)
+        m_cameras->status(i); // from here on the cameras tell how late they send their frames
     ModalScript script([this](CSelectCameraRecordingForm *dialog) {
         tick(dialog, m_recorded);
         m_recording.start();
@@ -343,11 +344,17 @@ void TestGrid::judgeClips()
             qPrintable(
                 QString("%1 s of %2 to %3 s").arg(facts.seconds).arg(m_atLeast).arg(m_atMost)));
         QCOMPARE(QSet<QString>(facts.contents.begin(), facts.contents.end()).size(), 2 * frameRate);
+        auto status = m_cameras->status(i);
         const long asked =
-            m_cameras->statusNumber("key_frame_requests", i) - m_keyFramesBefore.at(i);
+            std::atol(status["key_frame_requests"].c_str()) - m_keyFramesBefore.at(i);
+        const double cameraGap = seconds(std::atol(status["longest_frame_gap_ms"].c_str()));
         const QStringList breaks = breaksInOrder(facts.contents);
         QVERIFY2(breaks.size() <= asked, qPrintable(breaks.join(", ")));
-        QVERIFY2(facts.longestGap < longestGap, qPrintable(QString::number(facts.longestGap)));
+        // A simulated camera stamps a frame when its turn comes, and late on a busy machine.
+        const double late = std::max(0.0, cameraGap - 1.0 / frameRate);
+        QVERIFY2(
+            facts.longestGap < longestGap + late,
+            qPrintable(QString("%1 s, of the camera %2 s").arg(facts.longestGap).arg(cameraGap)));
         if (isInstalled("mpv"))
             QVERIFY(playsInMpv(clip, 5 * frameRate));
     }
