@@ -15,11 +15,11 @@ constexpr size_t maxOutgoing = size_t{256} * 1024;
 // their turn.
 constexpr int maxReads = 16;
 
-/// One for all channels: they are read one after the other.
+/// One for all channels of a thread: they are read one after the other.
 std::vector<char> &readBuffer()
 {
-    static std::vector<char> *const buffer = new std::vector<char>(readSize);
-    return *buffer;
+    thread_local std::vector<char> buffer(readSize);
+    return buffer;
 }
 
 void acceptAnyCertificate(GSocketClient *, GSocketClientEvent event, GSocketConnectable *,

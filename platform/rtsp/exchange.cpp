@@ -87,7 +87,7 @@ void Exchange::reset()
         m_splitter->stop();
     m_splitter = std::make_shared<StreamSplitter>(*this);
     m_pending.clear();
-    m_isAnsweringChallenge = m_hasAnswered = false;
+    m_isAnsweringChallenge = m_hasAnswered = m_wasLastAnswer = false;
 }
 
 base::TcpChannel::Handlers Exchange::handlers(std::function<void()> opened)
@@ -203,6 +203,7 @@ void Exchange::reply(Reply reply)
         return;
     }
     m_isAnsweringChallenge = false;
+    m_wasLastAnswer = !reply.keepsConnection;
     m_loginAccepted = m_loginAccepted || (pending->withLogin && !isChallenge);
     if (isChallenge)
         m_login.forgetChallenge(); // or the farewell would be one more wrong answer

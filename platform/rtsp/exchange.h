@@ -72,6 +72,8 @@ public:
     bool isAnsweringChallenge() const { return m_isAnsweringChallenge; }
     /// Whether the connection has brought anything since it was opened or adopted.
     bool hasAnswered() const { return m_hasAnswered; }
+    /// The last answer said that it is: the camera closes the connection behind it.
+    bool wasLastAnswer() const { return m_wasLastAnswer; }
     /// Whether an answer has begun and not ended.
     bool hasBegunAnswer() const { return m_splitter && m_splitter->hasBegun(); }
 
@@ -112,6 +114,7 @@ private:
     bool m_loginAccepted = false; ///< a request with the login was not refused
     bool m_gaveSecondChance = false;
     bool m_hasAnswered = false;
+    bool m_wasLastAnswer = false;
 };
 
 } // namespace rtsp

@@ -49,10 +49,10 @@ void KeepAlive::send()
 {
     arm();
     const bool parameter = m_usesParameter;
-    m_exchange->send({.method = parameter ? "GET_PARAMETER" : "OPTIONS",
-                      .url = m_url,
-                      .headers = {{"Session", m_session.id}}},
-                     periodOf(m_session),
+    Request request{.method = parameter ? "GET_PARAMETER" : "OPTIONS", .url = m_url, .headers = {}};
+    if (!m_session.id.empty())
+        request.headers.emplace_back("Session", m_session.id);
+    m_exchange->send(std::move(request), periodOf(m_session),
                      [this, parameter](const Reply *reply) { answered(reply, parameter); });
 }
 

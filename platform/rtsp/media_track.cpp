@@ -45,12 +45,19 @@ bool MediaTrack::usePorts(GInetSocketAddress *camera, const TransportAnswer &ans
     return true;
 }
 
-bool MediaTrack::takePacket(uint8_t channel, std::span<const uint8_t> data)
+bool MediaTrack::describes(std::span<const uint8_t> packet) const
 {
-    if (!m_channels || (channel != m_channels->first && channel != m_channels->second))
-        return false;
+    constexpr uint8_t typeMask = 0x7f; // the other bit is the marker
+    return packet.size() > 1 &&
+           std::any_of(m_description.formats.begin(), m_description.formats.end(),
+                       [type = packet[1] & typeMask](const PayloadFormat &format) {
+                           return format.payloadType == type;
+                       });
+}
+
+void MediaTrack::takePacket(uint8_t channel, std::span<const uint8_t> data)
+{
     take(channel != m_channels->first, data);
-    return true;
 }
 
 void MediaTrack::start(SendRtcp sendRtcp)

@@ -37,8 +37,18 @@ public:
     /// The camera chose UDP. False when the medium cannot be played.
     bool usePorts(GInetSocketAddress *camera, const TransportAnswer &answer);
 
-    /// Whether an interleaved packet on that channel is of this medium; takes it then.
-    bool takePacket(uint8_t channel, std::span<const uint8_t> data);
+    /// Whether the medium comes on that channel.
+    bool usesChannel(uint8_t channel) const
+    {
+        return m_channels && (channel == m_channels->first || channel == m_channels->second);
+    }
+    /// Whether an RTP packet is of a payload type of this medium.
+    bool describes(std::span<const uint8_t> packet) const;
+    /// Where the camera does not keep to what it has answered.
+    void moveTo(uint8_t channel) { m_channels = NumberPair(channel, channel + 1); }
+    bool isInterleaved() const { return m_channels.has_value(); }
+    /// A packet on a channel of this medium.
+    void takePacket(uint8_t channel, std::span<const uint8_t> data);
 
     /// PLAY is about to be asked for.
     void start(SendRtcp sendRtcp);

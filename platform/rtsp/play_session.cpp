@@ -311,9 +311,25 @@ void PlaySession::playAnswered(const Reply *reply)
 
 void PlaySession::takePacket(uint8_t channel, std::span<const uint8_t> data)
 {
+    if (MediaTrack *track = trackOf(channel, data))
+        track->takePacket(channel, data);
+}
+
+/// The medium that a packet belongs to; null when there is none.
+MediaTrack *PlaySession::trackOf(uint8_t channel, std::span<const uint8_t> data)
+{
+    MediaTrack *found = nullptr;
+    MediaTrack *stranger = nullptr;
     for (const std::unique_ptr<MediaTrack> &track : m_tracks)
-        if (track->takePacket(channel, data))
-            return;
+        if (track->usesChannel(channel) && (!found || track->describes(data)))
+            // Some cameras answer with the same channels for both media.
+            found = track.get();
+        else if (track->isInterleaved() && !track->hasReceived() && track->describes(data))
+            stranger = track.get();
+    if (!found && stranger)
+        // Others send on other channels than those of their answer.
+        stranger->moveTo(channel);
+    return found ? found : stranger;
 }
 
 std::optional<Request> PlaySession::teardown()

@@ -106,6 +106,7 @@ private:
     bool takeTransport(MediaTrack &track, const TransportAnswer &answer);
     void setUpRefused(int status);
     void setUpNext();
+    MediaTrack *trackOf(uint8_t channel, std::span<const uint8_t> data);
     void play();
     void playAnswered(const Reply *reply);
     void ask(Step step, Request request, std::chrono::milliseconds limit,

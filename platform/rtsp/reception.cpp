@@ -195,7 +195,8 @@ void Receiver::Private::disconnected(ChannelEnd reason)
     if (reason != ChannelEnd::Closed) {
         end(StreamEnd::Failed, reason == ChannelEnd::Rejected ? "the camera refuses the connection"
                                                               : "the camera cannot be reached");
-    } else if (m_exchange.isAnsweringChallenge()) {
+    } else if (m_exchange.isAnsweringChallenge() || (m_exchange.wasLastAnswer() && !m_isPlaying)) {
+        // The request that is not answered goes over a new connection.
         m_repeats = true;
         connect();
     } else if (m_isAdopted && !m_exchange.hasAnswered()) {

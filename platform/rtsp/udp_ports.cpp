@@ -39,7 +39,7 @@ uint16_t portOf(GSocket *socket)
     return address ? g_inet_socket_address_get_port(G_INET_SOCKET_ADDRESS(address.get())) : 0;
 }
 
-/// Memory for one batch, the same for all sockets: they are read one after the other.
+/// Memory for one batch, the same for all sockets of a thread: they are read one after the other.
 struct Batch
 {
     Batch()
@@ -61,7 +61,7 @@ struct Batch
 
 Batch &sharedBatch()
 {
-    static Batch *const shared = new Batch;
+    thread_local const std::unique_ptr<Batch> shared = std::make_unique<Batch>();
     return *shared;
 }
 

@@ -602,6 +602,16 @@ TEST(Receiver, ChangesTheKeepAliveThatIsRefusedOrIgnored)
     }
 }
 
+TEST(Receiver, ASessionWithoutANameIsKeptAliveToo)
+{
+    ScriptedCamera camera({.session = ";timeout=2"});
+    Viewer viewer(camera.url());
+    viewer.start();
+    ASSERT_TRUE(camera.waitFor([&] { return !camera.requests("GET_PARAMETER").empty(); }));
+    const std::string text = camera.requests("GET_PARAMETER").front().text;
+    EXPECT_THAT(text, Not(HasSubstr("Session")));
+}
+
 TEST(Receiver, ReportsWhatItReceives)
 {
     ScriptedCamera camera;
@@ -613,6 +623,66 @@ TEST(Receiver, ReportsWhatItReceives)
         ASSERT_GE(report.size(), 8u);
         EXPECT_EQ(static_cast<uint8_t>(report[1]), 201); // RR (RFC 3550 12.1)
     }
+}
+
+TEST(Receiver, TheConnectionMayEndBehindEachAnswer)
+{
+    ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
+        if (request.method != "DESCRIBE" && request.method != "OPTIONS")
+            return false;
+        connection.answer(request, "200 OK", "Connection: close\r\n",
+                          request.method == "DESCRIBE" ? ScriptedCamera::goodDescription() : "");
+        connection.close();
+        return true;
+    }});
+    Viewer viewer(camera.url());
+    playAndClose(camera, viewer);
+    EXPECT_THAT(camera.methods(),
+                ElementsAre("OPTIONS", "DESCRIBE", "SETUP", "SETUP", "PLAY", "TEARDOWN"));
+    EXPECT_EQ(camera.connectionCount(), 3);
+    EXPECT_FALSE(viewer.receiver().isUdp());
+}
+
+TEST(Receiver, MediaMayShareAChannelOrComeOnOthers)
+{
+    for (const bool shared : {true, false}) {
+        ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
+            if (request.method != "SETUP")
+                return false;
+            const bool video = request.url.ends_with("track1");
+            connection.setChannel(shared ? 0 : 10);
+            connection.answer(request, "200 OK",
+                              "Session: 1\r\nTransport: RTP/AVP/TCP;unicast;interleaved=" +
+                                  std::string(video || shared ? "0-1" : "2-3") + "\r\n");
+            return true;
+        }});
+        Viewer viewer(camera.url());
+        viewer.start();
+        EXPECT_TRUE(viewer.waitForFrames(5)) << viewer.text();
+    }
+}
+
+TEST(Receiver, AGoodbyeEndsTheStream)
+{
+    ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
+        if (request.method != "PLAY")
+            return false;
+        connection.answer(request, "200 OK", "Session: 12345678\r\n");
+        for (int i = 0; i < 5; ++i)
+            connection.sendFrame();
+        // A sender report must come first (RFC 3550 6.1).
+        connection.sendPacket(1, {"\x80\xc8\x00\x06\x00\x00\x12\x34"
+                                  "\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00\x00"
+                                  "\x00\x00\x00\x00\x00\x00\x00\x00"
+                                  "\x81\xcb\x00\x01\x00\x00\x12\x34",
+                                  36});
+        return true;
+    }});
+    Viewer viewer(camera.url());
+    const auto begin = std::chrono::steady_clock::now();
+    viewer.start();
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Closed);
+    EXPECT_LT(since(begin), 4s);
 }
 
 /// A probe of the camera, and a viewer that goes on over its connection.
