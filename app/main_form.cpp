@@ -51,6 +51,7 @@ CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<U
     const QSize largest = QGuiApplication::primaryScreen()->availableSize();
     m_ui->setupUi(this);
     m_ui->frameTitle->attach(this, true);
+    m_ui->frameTitle->installEventFilter(this);
     m_ui->pageCameraMgr->fill();
 
     buildSystemButtons();
@@ -347,6 +348,16 @@ void CMainForm::closeEvent(QCloseEvent *event)
 {
     event->accept();
     slotClose();
+}
+
+// A double click on the title does what it does in windows with a title of the system.
+bool CMainForm::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_ui->frameTitle || event->type() != QEvent::MouseButtonDblClick ||
+        static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton)
+        return QWidget::eventFilter(watched, event);
+    slotMaximized();
+    return true;
 }
 
 void CMainForm::moveEvent(QMoveEvent *event)

@@ -198,6 +198,8 @@ private slots:
 
     void aLowWindowLeavesItsHeightToThePage();
     void maximizeTogglesGeometryAndButton();
+    void aDoubleClickOnTheTitleMaximizes_data();
+    void aDoubleClickOnTheTitleMaximizes();
     void whileMaximizedEdgesAndTitleBarDoNothing();
     void titleBarMovesTheWindow();
     void draggingEdgesResizes_data();
@@ -853,6 +855,28 @@ void TestMainForm::maximizeTogglesGeometryAndButton()
     QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), normal, deadline);
     QVERIFY(button->styleSheet().contains(":/images/sysbtn/maxbtn_default.png"));
     QCOMPARE(says(), QStringList({"Maximize", "Maximize", "Maximize"}));
+}
+
+void TestMainForm::aDoubleClickOnTheTitleMaximizes_data()
+{
+    QTest::addColumn<QString>("place");
+    QTest::newRow("strip") << "frameTitle";
+    QTest::newRow("logo") << "frameLogo";
+}
+
+void TestMainForm::aDoubleClickOnTheTitleMaximizes()
+{
+    QFETCH(QString, place);
+    showForm();
+    const QRect normal = m_form->geometry();
+    auto *title = m_form->findChild<QWidget *>(place);
+    QTest::mouseDClick(title, Qt::RightButton);
+    QCOMPARE(m_form->geometry(), normal);
+    QTest::mouseDClick(title, Qt::LeftButton);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), m_form->screen()->availableGeometry(), deadline);
+    QCOMPARE(find<QToolButton>("btnMax")->text(), QString("Restore"));
+    QTest::mouseDClick(title, Qt::LeftButton);
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), normal, deadline);
 }
 
 void TestMainForm::whileMaximizedEdgesAndTitleBarDoNothing()
