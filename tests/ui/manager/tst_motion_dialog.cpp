@@ -505,6 +505,21 @@ void TestMotionDialog::theFormHasItsNamesAndTexts()
         QCOMPARE(labels,
                  QStringList({"Bottom", "Left", "Right", "Sensitivity", "Threshold", "Top"}));
     }
+    // Three validators serve the edits of all windows.
+    const auto validator = [&dialog](const QString &edit) {
+        return dialog->findChild<QLineEdit *>(edit)->validator();
+    };
+    for (int i = 1; i <= 4; ++i) {
+        for (const auto &[edit, like] : {std::pair{"left%1", "right1"},
+                                         {"right%1", "right1"},
+                                         {"top%1", "bottom1"},
+                                         {"bottom%1", "bottom1"},
+                                         {"thres%1", "sens1"},
+                                         {"sens%1", "sens1"}}) {
+            QVERIFY2(validator(QString(edit).arg(i)), edit);
+            QCOMPARE(validator(QString(edit).arg(i)), validator(like));
+        }
+    }
     QCOMPARE(dialog->findChild<QPushButton *>("btnQuery")->text(), QString("Query"));
     QCOMPARE(dialog->findChild<QPushButton *>("btnApply")->text(), QString("Apply"));
     QCOMPARE(dialog->findChild<QPushButton *>("btnExit")->text(), QString("Exit"));
