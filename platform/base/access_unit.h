@@ -56,16 +56,16 @@ struct AudioFormat
 /// copies may be read on any thread.
 struct AccessUnit
 {
-    /// H.264 and H.265: NAL units, each behind a big-endian length of 4 bytes, in decoding order;
-    /// Jpeg: a whole JFIF file.
+    /// H.264 and H.265: NAL units, each behind a big-endian length of 4 bytes, in decoding order,
+    /// without the parameter sets, which are in the format; Jpeg: a whole JFIF file.
     std::shared_ptr<const Bytes> payload;
     std::shared_ptr<const VideoFormat> format; ///< another object when something of it changed
     uint64_t number = 0;                       ///< counts from 1 within a stream
-    uint64_t time = 0;         ///< presentation time since the start of the stream, ns
-    bool key = false;          ///< decoding can start here
-    bool reference = false;    ///< other frames are predicted from this one
-    bool bipredictive = false; ///< holds B slices: presentation order is not decoding order
-    SteadyClock::time_point arrived;
+    uint64_t time = 0;               ///< presentation time since the start of the stream, ns
+    bool key = false;                ///< decoding can start here
+    bool reference = false;          ///< other frames are predicted from this one
+    bool bipredictive = false;       ///< holds B slices: presentation order is not decoding order
+    SteadyClock::time_point arrived; ///< its last packet
 
     std::size_t size() const { return payload ? payload->size() : 0; }
 };

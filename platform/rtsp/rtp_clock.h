@@ -10,7 +10,7 @@ namespace rtsp {
  *
  * It begins at the arrival of the first unit and goes on by RTP times, over their wraps. Where they
  * cannot be believed it goes on by arrival: times that jump by more than 10 s, that go back where
- * nothing is reordered, and that stand still.
+ * nothing is reordered, that stand still, and that have run at another rate than told for 15 s.
  */
 class RtpClock
 {
@@ -36,6 +36,14 @@ public:
 private:
     [[nodiscard]] int64_t nanoseconds(int64_t ticks) const;
     int64_t goOnByArrival(int64_t arrived);
+    void measureRate(int64_t step, int64_t arrived);
+
+    enum class Rate
+    {
+        Right,
+        Slow,
+        Fast
+    };
 
     const int m_rate;
     bool m_started = false;
@@ -47,6 +55,12 @@ private:
     int64_t m_highest = 0;
     int64_t m_lastArrived = 0;
     unsigned m_epoch = 0;
+    // The rate is measured over seconds, since packets come in bursts.
+    int64_t m_windowBegan = 0; ///< by arrival
+    int64_t m_windowSteps = 0; ///< of RTP times since then, ns
+    Rate m_measured = Rate::Right;
+    unsigned m_sameMeasured = 0; ///< windows in a row
+    bool m_rateIsWrong = false;
 };
 
 } // namespace rtsp

@@ -97,6 +97,47 @@ TEST(RtpClock, GoesBackForReorderedFramesOnly)
     EXPECT_EQ(clock.next(90000 - 5 * 90000, 7 * frame, true), 9 * frame);
 }
 
+TEST(RtpClock, GoesByArrivalWhereTheRateIsWrong)
+{
+    // Times of 1/16000 s where 1/8000 is told, and the other way round
+    for (const uint32_t ticks : {640u, 160u}) {
+        RtpClock clock(8000);
+        uint32_t time = 0;
+        int64_t last = 0;
+        for (int i = 0; i < 1000; ++i, time += ticks)
+            last = clock.next(time, i * frame, false);
+        const int64_t told = clock.next(time, 1000 * frame, false);
+        EXPECT_EQ(told - last, frame) << ticks;
+        EXPECT_FALSE(clock.at(time));
+        // Right again, it is believed again.
+        for (int i = 1001; i < 1300; ++i)
+            static_cast<void>(clock.next(time += 320, i * frame, false));
+        EXPECT_TRUE(clock.at(time)) << ticks;
+    }
+}
+
+TEST(RtpClock, BurstsAreNoOtherRate)
+{
+    RtpClock clock(90000);
+    uint32_t time = 0;
+    int64_t expected = 0;
+    const auto next = [&](int64_t arrived) {
+        EXPECT_EQ(clock.next(time, arrived, false), expected);
+        time += frameTicks;
+        expected += frame;
+    };
+    // What the camera had kept comes at once, then life; a stall of 8 s, and what had piled up.
+    for (int i = 0; i < 200; ++i)
+        next(i);
+    for (int i = 0; i < 500; ++i)
+        next(i * frame);
+    for (int i = 0; i < 200; ++i)
+        next(28000 * millisecond + i);
+    for (int i = 0; i < 1000; ++i)
+        next(28000 * millisecond + i * frame);
+    EXPECT_EQ(clock.epoch(), 1u);
+}
+
 TEST(RtpClock, TellsOtherMomentsNearby)
 {
     RtpClock clock(90000);
