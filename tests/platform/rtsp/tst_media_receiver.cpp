@@ -254,7 +254,7 @@ TEST_F(MediaReceiverTest, TheTimeOfSoundNeverGoesBack)
     const auto sound = MediaReceiver::create(audio(), m_timeline, m_sink, true);
     RtpStream rtp = {.payloadType = 0};
     uint64_t last = 0;
-    std::mt19937 random(1); // NOLINT(cert-msc51-cpp): the same each time
+    std::mt19937 random(1); // the same each time
     for (int i = 0; i < 1000; ++i) {
         rtp.time = random() % 10 == 0 ? static_cast<uint32_t>(random()) : rtp.time + 160;
         sound->takeRtp(rtp.packet(Bytes(160, 0xff)), at(20 * i));
@@ -266,7 +266,7 @@ TEST_F(MediaReceiverTest, TheTimeOfSoundNeverGoesBack)
 
 TEST_F(UdpReceiverTest, BringsPacketsIntoOrder)
 {
-    std::mt19937 random(7); // NOLINT(cert-msc51-cpp): the same each time
+    std::mt19937 random(7); // the same each time
     int swapped = 0;
     for (int i = 0; i < 500; ++i) {
         if (random() % 50 == 0) {

@@ -154,7 +154,7 @@ TEST_F(ReorderWindowTest, AStrayPacketEndsNothing)
 
 TEST_F(ReorderWindowTest, BringsAnyOrderOfNeighboursIntoOrder)
 {
-    std::mt19937 random(1); // NOLINT(cert-msc51-cpp): the same each time
+    std::mt19937 random(1); // the same each time
     std::vector<int> numbers(5000);
     std::iota(numbers.begin(), numbers.end(), 65000);
     for (std::size_t from = 1; from + 8 <= numbers.size(); from += 8)
