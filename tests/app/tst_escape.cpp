@@ -2,7 +2,7 @@
 #include "camera/camera.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
-#include "tests/ui/manager/manager_fixture.h"
+#include "tests/support/registry.h"
 #include "ui/common/desktop.h"
 #include "ui/live/select_camera_recording_form.h"
 #include "ui/live/video_frame.h"

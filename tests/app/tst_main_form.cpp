@@ -2,7 +2,7 @@
 #include "camera/camera.h"
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
-#include "tests/ui/manager/manager_fixture.h"
+#include "tests/support/registry.h"
 #include "ui/album/photo_mgr_form.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/common/desktop.h"

@@ -1,6 +1,6 @@
 #include "app/main_form.h"
 #include "resources/resources.h"
-#include "tests/ui/manager/manager_fixture.h"
+#include "tests/support/registry.h"
 
 #include <QApplication>
 #include <QSignalSpy>

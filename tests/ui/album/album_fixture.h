@@ -16,12 +16,6 @@ class AlbumFixture : public SessionsFixture
 public:
     static constexpr int deadline = 30000; // ms
 
-    ~AlbumFixture()
-    {
-        endSessions();
-        fake_cammgr::reset();
-    }
-
     QString root() const { return CameraSettings::instance().albumPath(); }
     QString path(const QString &hostname, const QString &name) const
     {

@@ -3,7 +3,7 @@
 #include "camera/camera.h"
 #include "resources/resources.h"
 #include "tests/support/page_recorder.h"
-#include "tests/ui/manager/manager_fixture.h"
+#include "tests/support/registry.h"
 #include "ui/manager/add_button_form.h"
 #include "ui/manager/camera_mgr_frame.h"
 #include "ui/manager/camera_mgr_item_form.h"

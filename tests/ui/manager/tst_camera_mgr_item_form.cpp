@@ -1,7 +1,7 @@
 #include "camera/camera.h"
 #include "tests/support/declared.h"
+#include "tests/support/registry.h"
 #include "tests/support/tool_tip_text.h"
-#include "tests/ui/manager/manager_fixture.h"
 #include "ui/common/image_mark.h"
 #include "ui/common/style_url.h"
 #include "ui/manager/camera_mgr_item_form.h"

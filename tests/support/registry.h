@@ -5,45 +5,52 @@
 #include "tests/fakes/fake_cammgr.h"
 #include "tests/settings/settings_home.h"
 
-/// A settings folder of the test's own, with sessions over the scripted camera library.
+/// Registered cameras with their sessions over the scripted library, settings and an album of the
+/// test's own. Pages and dialogs must be destroyed before it.
 class Registry
 {
 public:
     Registry()
     {
         fake_cammgr::reset();
-        fake_cammgr::setDefaults({});
         settings().load();
+        // The document folder of a test is the one of its home only where the system says so.
         settings().setAlbumPath(path("album"));
     }
-
     ~Registry()
     {
-        cameras().closing();
-        cameras().destroyAll();
+        endSessions();
         fake_cammgr::reset();
     }
+    Registry(const Registry &) = delete;
+    Registry &operator=(const Registry &) = delete;
 
     static CameraSettings &settings() { return CameraSettings::instance(); }
     static CCameraList &cameras() { return CCameraList::instance(); }
 
     QString path(const QString &name) const { return m_home.path() + "/" + name; }
 
-    void add(const QString &uid, const QString &name = {}, bool multiLive = false)
+    static void add(const QString &uid, const QString &name = {}, bool multiLive = false)
     {
         settings().addRecord(CAMERA_TYPE_P2P, uid, "admin", "secret", name, multiLive);
     }
 
-    void addMany(int count)
+    static void addMany(int count)
     {
         for (int i = 0; i < count; ++i)
             add(QString("UID-%1").arg(i, 3, 10, QChar('0')), QString("Camera %1").arg(i));
     }
 
-    void start()
+    static void start()
     {
         settings().save();
         cameras().startSessions(settings());
+    }
+
+    static void endSessions()
+    {
+        cameras().closing();
+        cameras().destroyAll();
     }
 
     static QStringList uids()
