@@ -45,7 +45,10 @@ bool closeByWindowManager(xcb_window_t window)
     xcb_send_event(display, 0, root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char *>(&message));
-    return xcb_flush(display) > 0;
+    // The server drops what it has not read of a client that is gone: an answer shows that it has.
+    const std::unique_ptr<xcb_get_input_focus_reply_t, Free> taken(
+        xcb_get_input_focus_reply(display, xcb_get_input_focus(display), nullptr));
+    return taken != nullptr;
 }
 
 } // namespace
