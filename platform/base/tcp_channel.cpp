@@ -137,8 +137,9 @@ void TcpChannel::Link::connected(GSocketConnection *made, const GError *error)
     }
     sendWithoutDelay(g_socket_connection_get_socket(made));
     watchInput();
-    if (handlers.opened)
-        handlers.opened();
+    // Copies, here and below, because a handler may set others.
+    if (const auto opened = handlers.opened)
+        opened();
 }
 
 void TcpChannel::Link::watchInput()
@@ -170,7 +171,6 @@ void TcpChannel::Link::read()
             return;
         }
         acknowledgeNow(g_socket_connection_get_socket(connection.get()));
-        // A copy, because the handler may be replaced meanwhile.
         const auto received = handlers.received;
         received({buffer.data(), static_cast<size_t>(size)});
         if (!isTls && static_cast<size_t>(size) < buffer.size())
@@ -212,7 +212,8 @@ void TcpChannel::Link::end(ChannelEnd reason)
 {
     const std::shared_ptr<Link> alive = shared_from_this();
     abandon();
-    handlers.ended(reason);
+    const auto ended = handlers.ended;
+    ended(reason);
 }
 
 void TcpChannel::Link::abandon()

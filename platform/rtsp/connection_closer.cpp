@@ -16,7 +16,11 @@ constexpr auto farewell = 100ms;
 class Closer : public std::enable_shared_from_this<Closer>, private StreamSplitter::Sink
 {
 public:
-    explicit Closer(base::TcpChannel channel) : m_channel(std::move(channel)) {}
+    Closer(base::TcpChannel channel, std::optional<base::TcpChannel> toCamera)
+        : m_channel(std::move(channel))
+        , m_toCamera(std::move(toCamera))
+    {
+    }
 
     void run(const std::string &lastWords)
     {
@@ -26,7 +30,11 @@ public:
         m_channel.setHandlers({.opened = nullptr,
                                .received = [this](std::string_view data) { received(data); },
                                .ended = [this](base::ChannelEnd) { end(); }});
-        m_channel.send(lastWords);
+        if (m_toCamera)
+            m_toCamera->setHandlers({.opened = nullptr,
+                                     .received = [](std::string_view) {},
+                                     .ended = [](base::ChannelEnd) {}});
+        (m_toCamera ? *m_toCamera : m_channel).send(lastWords);
     }
 
 private:
@@ -45,9 +53,11 @@ private:
         m_splitter.stop();
         m_limit.stop();
         m_channel.close();
+        m_toCamera.reset();
     }
 
     base::TcpChannel m_channel;
+    std::optional<base::TcpChannel> m_toCamera;
     StreamSplitter m_splitter{*this};
     base::Timer m_limit;
     std::shared_ptr<Closer> m_self;
@@ -55,9 +65,10 @@ private:
 
 } // namespace
 
-void closeInBackground(base::TcpChannel channel, const std::string &lastWords)
+void closeInBackground(base::TcpChannel channel, std::optional<base::TcpChannel> toCamera,
+                       const std::string &lastWords)
 {
-    std::make_shared<Closer>(std::move(channel))->run(lastWords);
+    std::make_shared<Closer>(std::move(channel), std::move(toCamera))->run(lastWords);
 }
 
 } // namespace rtsp

@@ -2,6 +2,7 @@
 
 #include "platform/base/tcp_channel.h"
 
+#include <optional>
 #include <string>
 
 namespace rtsp {
@@ -9,6 +10,8 @@ namespace rtsp {
 /// Sends the last words and closes when the camera has answered or closed, or after 100 ms. Loop
 /// thread. What comes meanwhile is read and dropped: closing a connection with unread bytes takes
 /// back what was sent.
-void closeInBackground(base::TcpChannel channel, const std::string &lastWords);
+/// @param toCamera the other end of a tunnel, which takes the words; nullopt for none
+void closeInBackground(base::TcpChannel channel, std::optional<base::TcpChannel> toCamera,
+                       const std::string &lastWords);
 
 } // namespace rtsp

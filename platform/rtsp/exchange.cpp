@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace rtsp {
 namespace {
@@ -52,14 +53,37 @@ void Exchange::setLogin(RtspLogin login, std::shared_ptr<LoginPolicy> policy)
 void Exchange::open(const base::Endpoint &endpoint, std::chrono::milliseconds limit,
                     std::function<void()> opened)
 {
-    reset();
+    close();
     m_tls = endpoint.tls;
     m_channel.open(endpoint, limit, handlers(std::move(opened)));
 }
 
+void Exchange::openTunnel(const base::Endpoint &endpoint, const std::string &path,
+                          std::chrono::milliseconds limit, std::function<void()> opened)
+{
+    close();
+    m_tls = endpoint.tls;
+    const HttpTunnel::Handlers handling{
+        .opened =
+            [this, opened = std::move(opened)](TunnelEnds ends) {
+                m_channel = std::move(ends.fromCamera);
+                m_channel.setHandlers(handlers(nullptr));
+                m_toCamera = std::move(ends.toCamera);
+                m_toCamera->setHandlers({.opened = nullptr,
+                                         .received = [](std::string_view) {},
+                                         .ended = [](base::ChannelEnd) {}});
+                opened();
+                if (m_channel.isOpen() && !ends.firstBytes.empty())
+                    received(ends.firstBytes);
+            },
+        .ended = [this](base::ChannelEnd reason) { ended(reason); },
+        .refused = [this](int status) { m_client.tunnelRefused(status); }};
+    m_tunnel = std::make_shared<HttpTunnel>(endpoint, path, m_login, m_policy, limit, handling);
+}
+
 void Exchange::adopt(base::TcpChannel channel, bool tls, unsigned sequence)
 {
-    reset();
+    close();
     m_tls = tls;
     m_sequence = sequence;
     m_channel = std::move(channel);
@@ -70,15 +94,19 @@ void Exchange::close()
 {
     reset();
     m_channel.close();
+    m_toCamera.reset();
+    if (m_tunnel)
+        m_tunnel->cancel();
 }
 
 void Exchange::closeWith(Request request)
 {
-    const std::string text = textOf(request, ++m_sequence);
-    reset();
+    std::string text = textOf(request, ++m_sequence);
+    if (m_toCamera)
+        text = HttpTunnel::encoded(text);
     if (m_channel.isOpen())
-        closeInBackground(std::move(m_channel), text);
-    m_channel.close();
+        closeInBackground(std::move(m_channel), std::exchange(m_toCamera, std::nullopt), text);
+    close();
 }
 
 void Exchange::reset()
@@ -111,7 +139,7 @@ void Exchange::write(Pending &pending)
 {
     pending.sequence = ++m_sequence;
     pending.withLogin = m_login.isInUse();
-    m_channel.send(textOf(pending.request, pending.sequence));
+    transmit(textOf(pending.request, pending.sequence));
 }
 
 std::string Exchange::textOf(const Request &request, unsigned sequence)
@@ -136,7 +164,15 @@ void Exchange::sendPacket(uint8_t channel, std::span<const uint8_t> data)
                                       static_cast<char>(data.size() & 0xff)};
     std::string packet(head.data(), head.size());
     packet.append(reinterpret_cast<const char *>(data.data()), data.size());
-    m_channel.send(packet);
+    transmit(packet);
+}
+
+void Exchange::transmit(const std::string &text)
+{
+    if (m_toCamera)
+        m_toCamera->send(HttpTunnel::encoded(text));
+    else
+        m_channel.send(text);
 }
 
 void Exchange::received(std::string_view data)
@@ -166,8 +202,8 @@ void Exchange::packet(uint8_t channel, std::span<const uint8_t> data)
 void Exchange::request(const ServerRequest &request)
 {
     const std::string sequence = request.first("CSeq");
-    m_channel.send(std::string("RTSP/1.0 ") + answerTo(request.method) +
-                   (sequence.empty() ? "" : "\r\nCSeq: " + sequence) + "\r\n\r\n");
+    transmit(std::string("RTSP/1.0 ") + answerTo(request.method) +
+             (sequence.empty() ? "" : "\r\nCSeq: " + sequence) + "\r\n\r\n");
 }
 
 std::list<Exchange::Pending>::iterator Exchange::findPending(const std::string &sequence)

@@ -2,6 +2,7 @@
 
 #include "platform/base/tcp_channel.h"
 #include "platform/base/timer.h"
+#include "platform/rtsp/http_tunnel.h"
 #include "platform/rtsp/rtsp_login.h"
 #include "platform/rtsp/stream_splitter.h"
 
@@ -10,6 +11,7 @@
 #include <functional>
 #include <list>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -41,6 +43,8 @@ public:
         /// By the camera, by the network, or because what came is no RTSP. Requests that are not
         /// answered will not be.
         virtual void disconnected(base::ChannelEnd reason) = 0;
+        /// The web server in front of the camera answered with that status, and is left.
+        virtual void tunnelRefused(int status) = 0;
     };
     /// Runs once: with the answer, or with null when there was none in time. Never after close().
     using Done = std::function<void(const Reply *)>;
@@ -55,6 +59,9 @@ public:
     /// Connects; a connection that was open is closed.
     void open(const base::Endpoint &endpoint, std::chrono::milliseconds limit,
               std::function<void()> opened);
+    /// Connects through the web server there.
+    void openTunnel(const base::Endpoint &endpoint, const std::string &path,
+                    std::chrono::milliseconds limit, std::function<void()> opened);
     /// Goes on with a connection on which everything that was asked is answered.
     void adopt(base::TcpChannel channel, bool tls, unsigned sequence);
     void send(Request request, std::chrono::milliseconds limit, Done done);
@@ -93,6 +100,7 @@ private:
     void request(const ServerRequest &request) override;
 
     void received(std::string_view data);
+    void transmit(const std::string &text);
     void ended(base::ChannelEnd reason);
     base::TcpChannel::Handlers handlers(std::function<void()> opened);
     void reset();
@@ -104,6 +112,8 @@ private:
 
     Client &m_client;
     base::TcpChannel m_channel;
+    std::optional<base::TcpChannel> m_toCamera; ///< of a tunnel; the other is from the camera
+    std::shared_ptr<HttpTunnel> m_tunnel;       ///< while it is being opened
     std::shared_ptr<StreamSplitter> m_splitter; ///< shared with the call that feeds it
     RtspLogin m_login;
     std::shared_ptr<LoginPolicy> m_policy;

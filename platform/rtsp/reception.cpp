@@ -25,6 +25,7 @@ constexpr auto silenceLimit = 5s;
 constexpr auto watchPeriod = 1s;
 constexpr int maxRedirections = 5;
 constexpr int maxAttempts = 8;
+constexpr uint16_t rtspPort = 554;
 constexpr int statusUnauthorized = 401;
 constexpr int statusNotFound = 404;
 
@@ -120,7 +121,10 @@ void Receiver::Private::connect()
     }
     m_isAdopted = false;
     startLimit();
-    m_exchange.open(m_endpoint, connectLimit, [this] { opened(); });
+    if (m_tunnelPath.empty())
+        m_exchange.open(m_endpoint, connectLimit, [this] { opened(); });
+    else
+        m_exchange.openTunnel(m_endpoint, m_tunnelPath, connectLimit, [this] { opened(); });
 }
 
 void Receiver::Private::opened()
@@ -129,8 +133,11 @@ void Receiver::Private::opened()
         m_session->repeat();
         return;
     }
+    SessionPlan plan = m_plan;
+    if (!m_tunnelPath.empty())
+        plan.mayUseUdp = false;
     m_session = std::make_unique<PlaySession>(*this, m_exchange, *this);
-    m_session->start(m_url, m_plan);
+    m_session->start(m_url, plan);
 }
 
 /// Ends the session and the connection, if there are any.
@@ -167,7 +174,7 @@ void Receiver::Private::end(StreamEnd reason, std::string text)
 /// Over UDP, once, where that is allowed.
 void Receiver::Private::tryAnotherWay(StreamEnd reason, const std::string &text)
 {
-    if (m_session->isUdp() || !m_plan.mayUseUdp) {
+    if (m_session->isUdp() || !m_plan.mayUseUdp || !m_tunnelPath.empty()) {
         end(reason, text);
         return;
     }
@@ -204,9 +211,22 @@ void Receiver::Private::disconnected(ChannelEnd reason)
         connect();
     } else if (m_isPlaying && m_session->video()->hasReceived()) {
         end(StreamEnd::Closed, "the camera closed the connection");
+    } else if (!m_session) {
+        end(StreamEnd::PathRefused, "the web server closed the connection");
     } else {
         closedAt(m_session->step());
     }
+}
+
+void Receiver::Private::tunnelRefused(int status)
+{
+    if (m_isClosed)
+        return;
+    const StreamEnd reason = status == statusUnauthorized ? StreamEnd::Refused
+                             : status == statusNotFound   ? StreamEnd::NotFound
+                                                          : StreamEnd::PathRefused;
+    end(reason, status == 0 ? "there is no web server"
+                            : "the web server answered with " + std::to_string(status));
 }
 
 /// The camera closed the connection instead of answering.
@@ -371,11 +391,21 @@ void Receiver::Private::onPacketsLost()
 bool Receiver::Private::takeUrl(const std::string &text)
 {
     const base::CameraAddress url = base::parseUrl(text);
-    if (url.kind != base::CameraAddress::Kind::Host || !isRtsp(text))
+    if (url.kind != base::CameraAddress::Kind::Host)
         return false;
     m_endpoint = url.endpoint;
+    m_tunnelPath.clear();
     const bool hasLogin = !url.username.empty() || !url.password.empty();
-    m_url = hasLogin ? base::rtspOrigin(url.endpoint) + url.path : text;
+    if (isRtsp(text)) {
+        m_url = hasLogin ? base::rtspOrigin(url.endpoint) + url.path : text;
+        return true;
+    }
+    // Inside the tunnel it is plain RTSP.
+    m_tunnelPath = url.path.empty() ? "/" : url.path;
+    m_url = base::rtspOrigin({.host = url.endpoint.host,
+                              .port = url.hasPort ? url.endpoint.port : rtspPort,
+                              .tls = false}) +
+            url.path;
     return true;
 }
 

@@ -33,6 +33,7 @@ private:
 
     void packet(uint8_t channel, std::span<const uint8_t> data) override;
     void disconnected(base::ChannelEnd reason) override;
+    void tunnelRefused(int status) override;
     void sessionDescribed(bool hasVideo, bool hasAudio) override;
     void sessionDone(const SessionResult &result) override;
     void onVideo(const base::AccessUnit &unit) override;
@@ -57,6 +58,7 @@ private:
     const StreamRequest m_request;
     std::string m_url; ///< follows redirections
     base::Endpoint m_endpoint;
+    std::string m_tunnelPath; ///< empty when there is no tunnel
     SessionPlan m_plan;
     Exchange m_exchange{*this};
     std::unique_ptr<PlaySession> m_session;

@@ -30,7 +30,8 @@ enum class Transport
 /// What to receive, and where from.
 struct StreamRequest
 {
-    std::string url;           ///< rtsp:// or rtsps://, without credentials
+    /// rtsp:// or rtsps://; http:// or https:// for RTSP through a web server. Without credentials.
+    std::string url;
     std::string username = {}; ///< UTF-8
     std::string password = {}; ///< UTF-8
     /// What of the password may be sent to the camera; shared with its other connections.

@@ -1,3 +1,4 @@
+#include "tests/platform/rtsp/http_front.h"
 #include "tests/platform/rtsp/scripted_camera.h"
 #include "tests/platform/rtsp/tls_front.h"
 #include "tests/platform/rtsp/viewer.h"
@@ -220,6 +221,64 @@ TEST(ReceiverTransport, ARedirectionDoesNotLeaveTls)
     viewer.start();
     EXPECT_EQ(viewer.waitForEnd(), StreamEnd::PathRefused);
     EXPECT_THAT(viewer.text(), HasSubstr("unencrypted"));
+}
+
+void expectTunnel(const ScriptedCamera &camera, const HttpFront &front, Viewer &viewer)
+{
+    viewer.start();
+    ASSERT_TRUE(viewer.waitForFrames(10)) << viewer.text();
+    viewer.close();
+    ASSERT_TRUE(camera.waitFor([&] { return camera.openConnections() == 0; }));
+    EXPECT_EQ(camera.methods(), (std::vector<std::string>{"OPTIONS", "DESCRIBE", "SETUP", "SETUP",
+                                                          "PLAY", "TEARDOWN"}));
+    const std::string url = "rtsp://127.0.0.1:" + std::to_string(front.port()) + "/live?x=1";
+    EXPECT_EQ(camera.requests().front().url, url);
+    EXPECT_THAT(camera.requests("SETUP").front().header("transport"), HasSubstr("/TCP"));
+    const std::vector<std::string> requests = front.requests();
+    const std::string &get = requests[requests.size() - 2];
+    const std::string &post = requests.back();
+    EXPECT_TRUE(get.starts_with("GET /live?x=1 HTTP/1.0\r\n")) << get;
+    EXPECT_TRUE(post.starts_with("POST /live?x=1 HTTP/1.0\r\n")) << post;
+    EXPECT_THAT(get, HasSubstr("\r\nAccept: application/x-rtsp-tunnelled\r\n"));
+    EXPECT_THAT(post, HasSubstr("\r\nContent-Type: application/x-rtsp-tunnelled\r\n"));
+}
+
+TEST(ReceiverTransport, PlaysThroughAWebServer)
+{
+    ScriptedCamera camera;
+    HttpFront front(camera.port());
+    Viewer viewer("http://127.0.0.1:" + std::to_string(front.port()) + "/live?x=1");
+    expectTunnel(camera, front, viewer);
+    EXPECT_EQ(front.requests().size(), 2u);
+}
+
+TEST(ReceiverTransport, PlaysThroughAWebServerWithALogin)
+{
+    ScriptedCamera camera;
+    HttpFront front(camera.port(), "Basic YWRtaW46c2VjcmV0");
+    const std::string url = "http://127.0.0.1:" + std::to_string(front.port()) + "/live?x=1";
+    Viewer viewer(url, "admin", "secret");
+    expectTunnel(camera, front, viewer);
+    EXPECT_EQ(front.requests().size(), 3u);
+    Viewer stranger(url, "admin", "wrong");
+    stranger.start();
+    EXPECT_EQ(stranger.waitForEnd(), StreamEnd::Refused);
+    EXPECT_EQ(front.requests().size(), 5u);
+}
+
+TEST(ReceiverTransport, AWebServerMayCloseOrBeNone)
+{
+    ScriptedCamera camera; // knows no HTTP
+    Viewer viewer("http://127.0.0.1:" + std::to_string(camera.port()) + "/live");
+    ScriptedCamera closing({.script = [](const Request &, Connection &connection) {
+        connection.close();
+        return true;
+    }});
+    Viewer other("http://127.0.0.1:" + std::to_string(closing.port()) + "/live");
+    viewer.start();
+    other.start();
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::PathRefused);
+    EXPECT_EQ(other.waitForEnd(), StreamEnd::PathRefused);
 }
 
 TEST(ReceiverTransport, PacketsOfStrangersAreNotTaken)
