@@ -1,6 +1,7 @@
 #include "app/settings_notice.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QStringList>
 
 namespace zelvaro {
@@ -25,6 +26,17 @@ constexpr Wording wordings[] = {
      QT_TRANSLATE_NOOP("SettingsNotice", "Some texts cannot be saved whole in %1.")},
 };
 
+// The row is short: a file of the user's is named as in a shell.
+QString shownPath(const QString &file)
+{
+#ifdef Q_OS_UNIX
+    const QString home = QDir::homePath();
+    if (file.startsWith(home + QLatin1Char('/')))
+        return QLatin1Char('~') + file.mid(home.size());
+#endif
+    return file;
+}
+
 } // namespace
 
 QString settingsNotice(const CameraSettings &settings)
@@ -33,7 +45,7 @@ QString settingsNotice(const CameraSettings &settings)
     for (const Wording &wording : wordings) {
         if (settings.fileTroubles().testFlag(wording.trouble))
             texts << QCoreApplication::translate("SettingsNotice", wording.text)
-                         .arg(settings.configFile());
+                         .arg(shownPath(settings.configFile()));
     }
     return texts.join(QLatin1Char(' '));
 }
