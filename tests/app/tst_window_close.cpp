@@ -3,6 +3,7 @@
 #include "tests/support/registry.h"
 
 #include <QApplication>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>

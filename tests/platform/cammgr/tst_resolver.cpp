@@ -8,7 +8,6 @@
 
 #include <optional>
 
-using base::CameraAddress;
 using base::Endpoint;
 using base::parseCameraAddress;
 using cammgr::Resolver;
@@ -54,7 +53,7 @@ protected:
 
     base::Endpoint webServer(const base::Credentials &credentials = {})
     {
-        Resolver resolver(m_lookup, base::parseCameraAddress(uid), credentials);
+        Resolver resolver(m_lookup, parseCameraAddress(uid), credentials);
         std::optional<base::Endpoint> got;
         resolver.findWebServer([&got](const base::Endpoint &endpoint) { got = endpoint; });
         EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
@@ -98,7 +97,7 @@ TEST_F(ResolverTest, TheWebPagesOfWhoDoesNotTellAreAtTheUsualPort)
 TEST_F(ResolverTest, SeveralBatchesAtOnceAreAllAnswered)
 {
     reportProtocols(protocol("HTTP", true, 8088));
-    Resolver resolver(m_lookup, base::parseCameraAddress(uid), {});
+    Resolver resolver(m_lookup, parseCameraAddress(uid), {});
     int answers = 0;
     for (int i = 0; i < 3; ++i)
         resolver.findWebServer([&answers](const base::Endpoint &endpoint) {
@@ -110,8 +109,7 @@ TEST_F(ResolverTest, SeveralBatchesAtOnceAreAllAnswered)
 
 TEST_F(ResolverTest, ACameraThatIsNotFoundHasNoWebServer)
 {
-    Resolver resolver(m_lookup, base::parseCameraAddress("00000000-8f6b-4c57-9a55-3f1d50e6a101"),
-                      {});
+    Resolver resolver(m_lookup, parseCameraAddress("00000000-8f6b-4c57-9a55-3f1d50e6a101"), {});
     std::optional<base::Endpoint> got;
     resolver.findWebServer([&got](const base::Endpoint &endpoint) { got = endpoint; });
     EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));

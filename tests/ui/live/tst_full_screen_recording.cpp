@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QToolButton>
 #include <QtTest>
