@@ -24,7 +24,7 @@ struct VideoFormat
     VideoCodec codec = VideoCodec::H264;
     /// H.264: AVCDecoderConfigurationRecord, H.265: HEVCDecoderConfigurationRecord (ISO/IEC
     /// 14496-15 5.3.3, 8.3.3), both with length fields of 4 bytes; Jpeg: empty.
-    Bytes configuration;
+    Bytes configuration = {};
     int width = 0;  ///< pixels, cropped; 0 while unknown
     int height = 0; ///< pixels, cropped; 0 while unknown
 
@@ -46,8 +46,8 @@ struct AudioFormat
     AudioCodec codec = AudioCodec::Pcmu;
     int rate = 8000; ///< samples a second, at least 1
     int channels = 1;
-    int bitsPerSample = 0; ///< of G726
-    Bytes configuration;   ///< Aac: AudioSpecificConfig (ISO/IEC 14496-3 1.6.2.1), never empty
+    int bitsPerSample = 0;    ///< of G726
+    Bytes configuration = {}; ///< Aac: AudioSpecificConfig (ISO/IEC 14496-3 1.6.2.1), never empty
 
     bool operator==(const AudioFormat &) const = default;
 };

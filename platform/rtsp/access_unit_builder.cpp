@@ -182,6 +182,10 @@ void AccessUnitBuilder::keepNal(std::size_t start)
     case NalRole::Ignored:
         m_payload.resize(start);
         break;
+    case NalRole::Broken:
+        m_payload.resize(start);
+        m_unit.damaged = true;
+        break;
     case NalRole::ParameterSet: // the format holds it
         m_payload.resize(start);
         m_sequenceSet |= facts.sequenceSet;

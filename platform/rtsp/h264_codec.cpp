@@ -19,6 +19,15 @@ bool isSame(const base::Bytes &a, std::span<const uint8_t> b)
     return std::equal(a.begin(), a.end(), b.begin(), b.end());
 }
 
+unsigned macroblocksOf(const H264Sps &sps)
+{
+    constexpr int side = 16;
+    const auto columns = static_cast<unsigned>((sps.width + side - 1) / side);
+    const auto rows = static_cast<unsigned>((sps.height + side - 1) / side);
+    // Cropped away at the most: what a row and a column of macroblocks, or of pairs of them, hold.
+    return (columns + 1) * (rows + 3);
+}
+
 void appendSet(base::Bytes &bytes, const base::Bytes &nal)
 {
     append(bytes, nal.size(), 2);
@@ -76,11 +85,18 @@ NalFacts H264Codec::inspect(std::span<const uint8_t> nal)
 NalFacts H264Codec::inspectSlice(std::span<const uint8_t> nal)
 {
     NalFacts facts;
+    facts.role = NalRole::Broken;
     const std::optional<H264SliceHeader> header = parseH264Slice(nal);
     if (!header)
         return facts;
+    // Without its parameter sets nothing can be decoded of it, and random bytes rarely name them.
+    const bool forbiddenBit = (nal[0] & 0x80) != 0;
+    if (forbiddenBit || (!m_pps.empty() && !m_pps.contains(header->ppsId)))
+        return facts;
     m_activePps = header->ppsId;
     const Sps *sps = activeSps();
+    if (sps && header->firstMacroblock >= macroblocksOf(sps->read))
+        return facts;
     facts.role = NalRole::Slice;
     facts.key = h264TypeOf(nal) == H264Nal::IdrSlice;
     facts.intra = header->isIntra();

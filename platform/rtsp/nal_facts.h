@@ -17,7 +17,8 @@ struct SliceFacts
 
 enum class NalRole
 {
-    Ignored,      ///< of no use to a decoder, or broken
+    Ignored,      ///< of no use to a decoder
+    Broken,       ///< a slice that cannot be decoded
     ParameterSet, ///< kept by the codec, part of the format
     Prefix,       ///< begins an access unit when it follows a slice
     Slice,

@@ -65,13 +65,18 @@ int64_t RtpClock::next(uint32_t rtpTime, int64_t arrived, bool mayGoBack)
     if (!m_started || !m_believed) {
         m_last = goOnByArrival(arrived);
         m_believed = true;
-    } else if (ticks == 0 || m_rateIsWrong) {
+    } else if (m_rateIsWrong) {
         m_last = goOnByArrival(arrived);
+    } else if (ticks == 0) {
+        m_last = std::max(m_highest + shortestStep, m_last + (arrived - m_lastArrived));
     } else if (step > longestStep || step < (mayGoBack ? -longestReordering : 0)) {
         m_last = goOnByArrival(arrived);
     } else {
         m_ticks += ticks;
         m_last = m_anchor + nanoseconds(m_ticks);
+        // After a while in which it stood still the camera's clock may catch up, or go on from there.
+        if (!mayGoBack && m_last <= m_highest)
+            m_last = goOnByArrival(arrived);
     }
     m_started = true;
     m_lastRtp = rtpTime;
