@@ -14,4 +14,8 @@ std::string audioDecoderFor(GstCaps *caps);
 /// all else encoded as AAC. Empty when that is not possible.
 std::string audioForMp4(GstCaps *caps);
 
+/// 20 ms of silence as a camera with these caps would send it; empty for codecs that have no fixed
+/// code for silence.
+[[nodiscard]] BufferRef silentPiece(GstCaps *caps);
+
 } // namespace media

@@ -19,8 +19,8 @@ namespace {
 using namespace std::chrono_literals;
 
 // The muxer takes video only as far as it knows the audio; a camera that falls silent would hold
-// the video back.
-constexpr GstClockTime longestAudioGap = 2 * GST_SECOND;
+// the video back. From here on the clip is told that nothing comes.
+constexpr GstClockTime longestAudioGap = 500 * GST_MSECOND;
 // When none came within this time, the file gets no audio track.
 constexpr GstClockTime longestAudioWait = 700 * GST_MSECOND;
 // Backlog at which the disk is treated as failed.
@@ -35,13 +35,25 @@ constexpr GstClockTime shortestPicture = GST_MSECOND;
 // picture in order: together less than a second.
 constexpr GstClockTime indexPeriod = 500 * GST_MSECOND;
 
-GstBuffer *copyAt(GstBuffer *original, GstClockTime time)
+GstBuffer *copyAt(GstBuffer *original, GstClockTime time,
+                  GstClockTime duration = GST_CLOCK_TIME_NONE)
 {
     GstBuffer *buffer = gst_buffer_copy(original);
     GST_BUFFER_PTS(buffer) = time;
     GST_BUFFER_DTS(buffer) = GST_CLOCK_TIME_NONE;
-    GST_BUFFER_DURATION(buffer) = GST_CLOCK_TIME_NONE;
+    GST_BUFFER_DURATION(buffer) = duration;
     return buffer;
+}
+
+/// Parser (that for JPEG loses the last frame) and muxer for a video. The file format of QuickTime,
+/// of which MP4 is a descendant, is the one of the two in which the framework writes JPEG.
+std::string videoForMp4(GstCaps *caps, bool isReordered)
+{
+    const GstStructure *format = gst_caps_get_structure(caps, 0);
+    if (gst_structure_has_name(format, "image/jpeg"))
+        return "image/jpeg ! qtmux";
+    const std::string codec = gst_structure_has_name(format, "video/x-h265") ? "h265" : "h264";
+    return codec + "parse ! " + (isReordered ? codec + "timestamper ! " : "") + "mp4mux";
 }
 
 } // namespace
@@ -171,16 +183,18 @@ void ClipWriter::push(const AudioUnit &unit)
 /// On a media worker, with the state lock.
 bool ClipWriter::build()
 {
-    std::string chain = "appsrc name=video format=time max-bytes=0 ! h264parse ! ";
-    if (m_reordered)
-        chain += "h264timestamper ! ";
-    chain += "mp4mux name=mux ! filesink name=file async=false";
-    bool withAudio = false;
+    std::string chain = "appsrc name=video format=time max-bytes=0 ! " +
+                        videoForMp4(m_format.video.get(), m_reordered) +
+                        " name=mux ! filesink name=file async=false";
+    std::string audio = m_format.audio ? audioForMp4(m_format.audio.get()) : std::string();
+    BufferRef silence;
     {
         std::lock_guard lock(m_mutex);
-        withAudio = !m_waitingAudio.empty();
+        if (m_waitingAudio.empty() && !audio.empty())
+            silence = silentPiece(m_format.audio.get());
+        if (m_waitingAudio.empty() && !silence)
+            audio.clear();
     }
-    const std::string audio = withAudio ? audioForMp4(m_format.audio.get()) : std::string();
     if (!audio.empty())
         chain += " appsrc name=audio format=time max-bytes=0 ! " + audio + " ! mux.";
 
@@ -218,6 +232,8 @@ bool ClipWriter::build()
     std::lock_guard lock(m_mutex);
     m_pipeline = std::move(fresh);
     m_audioEnded = !m_pipeline->audio;
+    if (silence)
+        sendAudio({silence, m_format.audio, m_start});
     for (const AudioUnit &unit : m_waitingAudio)
         sendAudio(unit);
     m_waitingAudio.clear();
@@ -247,12 +263,17 @@ void ClipWriter::sendVideo(const AccessUnit &unit)
 {
     // B frames may be shown before the key frame that they follow: time never goes below 0.
     GstClockTime time = unit.time > m_start ? unit.time - m_start : 0;
-    if (!m_reordered)
+    GstClockTime duration = GST_CLOCK_TIME_NONE;
+    if (!m_reordered) {
         time = std::max(time, m_nextVideo);
+        // The last frame is shown as long as the one before: without a duration players skip it.
+        if (m_nextVideo > 0)
+            duration = time - m_nextVideo + shortestPicture;
+    }
     m_nextVideo = time + shortestPicture;
     auto *source = GST_APP_SRC(m_pipeline->video.get());
-    endAudioThatStopped(time);
-    gst_app_src_push_buffer(source, copyAt(unit.buffer.get(), time));
+    bridgeAudioGap(time);
+    gst_app_src_push_buffer(source, copyAt(unit.buffer.get(), time, duration));
     if (gst_app_src_get_current_level_bytes(source) > longestQueueBytes)
         fail();
 }
@@ -269,12 +290,13 @@ void ClipWriter::sendAudio(const AudioUnit &unit)
 }
 
 /// Called with the lock.
-void ClipWriter::endAudioThatStopped(GstClockTime now)
+void ClipWriter::bridgeAudioGap(GstClockTime now)
 {
     if (m_audioEnded || now < m_nextAudio + longestAudioGap)
         return;
-    gst_app_src_end_of_stream(GST_APP_SRC(m_pipeline->audio.get()));
-    m_audioEnded = true;
+    gst_element_send_event(m_pipeline->audio.get(),
+                           gst_event_new_gap(m_nextAudio, now - m_nextAudio));
+    m_nextAudio = now;
 }
 
 /// On a media worker, with the state lock.

@@ -58,6 +58,7 @@ public:
 
     /// Takes and keeps; never waits. Any thread. The file is made in the background as soon as it
     /// is known whether there is audio for it: a track without a sample makes a file unreadable.
+    /// Holes in the sound become silence.
     void push(const AccessUnit &unit);
     void push(const AudioUnit &unit);
     /// Finishes the file in the background.
@@ -84,7 +85,7 @@ private:
     void fail();
     void sendVideo(const AccessUnit &unit);
     void sendAudio(const AudioUnit &unit);
-    void endAudioThatStopped(GstClockTime now);
+    void bridgeAudioGap(GstClockTime now);
     static GstBusSyncReply readMessage(GstBus *, GstMessage *message, gpointer self);
 
     const ClipClaim m_claim;

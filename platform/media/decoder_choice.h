@@ -9,4 +9,7 @@ namespace media {
 /// when no decoder is installed.
 GstElement *makeDecoder(GstCaps *caps, bool allowHardware, bool &isHardware);
 
+/// The same in software, on one thread, for single pictures.
+GstElement *makeStillDecoder(GstCaps *caps);
+
 } // namespace media

@@ -27,8 +27,6 @@ constexpr int shortestReserve = 60;
 // What the muxer needs for one frame: its size, its duration, a share of the chunk table.
 constexpr int indexBytesPerFrame = 20;
 constexpr int indexBytesPerSecondAtLeast = 550;
-// Audio that is older than this is not flowing.
-constexpr GstClockTime audioFlows = GST_SECOND;
 // After a clip failed: how often to look for room, how much makes a new clip worth while, and how
 // long that clip has to last before it counts.
 constexpr auto roomCheckPeriod = 5s;
@@ -79,10 +77,8 @@ int Recorder::begin(const std::string &basePath, int limitBytes, bool withAudio)
         m_gopBytes = m_largestGop = 0;
         m_askedForKey = false;
         const auto audio = m_memory.audio();
-        if (!audio.empty()) {
+        if (!audio.empty())
             m_audioCaps = audio.back().caps;
-            m_lastAudioTime = audio.back().time;
-        }
         const auto frames = m_memory.frames();
         needKey = frames.empty();
         for (const AccessUnit &unit : frames) {
@@ -156,7 +152,6 @@ void Recorder::takeAudio(const AudioUnit &unit)
 {
     std::lock_guard lock(m_mutex);
     m_audioCaps = unit.caps;
-    m_lastAudioTime = unit.time;
     if (m_writing && m_clip)
         m_clip->push(unit);
 }
@@ -222,15 +217,15 @@ ClipFormat Recorder::formatFor(const AccessUnit &first) const
     format.video = first.caps;
     format.reordered = m_sawReordering;
     format.isOrderKnown = m_sawReordering || m_framesSeen >= framesThatTell;
-    const bool audioNow = m_withAudio && m_audioCaps && m_lastAudioTime + audioFlows >= first.time;
-    if (audioNow)
+    const bool hasSound = m_withAudio && m_audioCaps;
+    if (hasSound)
         format.audio = m_audioCaps;
     const int framesPerSecond =
         m_meanInterval == 0 ? 25 : static_cast<int>(GST_SECOND / m_meanInterval) + 1;
     format.indexBytesPerSecond =
         std::clamp(framesPerSecond * indexBytesPerFrame, indexBytesPerSecondAtLeast, 10'000);
 
-    const uint64_t perSecond = uint64_t{2} * (audioNow ? 2 : 1) * format.indexBytesPerSecond;
+    const uint64_t perSecond = uint64_t{2} * (hasSound ? 2 : 1) * format.indexBytesPerSecond;
     uint64_t seconds = largestIndex / perSecond;
     if (m_limit != 0) {
         const double rate = m_bytesPerSecond > 0 ? m_bytesPerSecond : guessedBytesPerSecond;

@@ -66,7 +66,6 @@ private:
     // Of the stream, whether recorded or not.
     GstClockTime m_lastTime = 0;
     GstClockTime m_meanInterval = 0;
-    GstClockTime m_lastAudioTime = 0;
     double m_bytesPerSecond = 0;
     uint64_t m_framesSeen = 0;
     bool m_sawReordering = false;

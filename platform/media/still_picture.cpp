@@ -1,5 +1,6 @@
 #include "platform/media/still_picture.h"
 
+#include "platform/media/decoder_choice.h"
 #include "platform/media/pad_feed.h"
 #include "platform/media/part_file.h"
 #include "platform/media/worker_pool.h"
@@ -16,13 +17,12 @@ constexpr GstClockTime jpegTimeout = 5 * GST_SECOND;
 class StillDecoder
 {
 public:
-    StillDecoder()
+    explicit StillDecoder(GstCaps *caps)
     {
-        m_decoder.reset(gst_element_factory_make("avdec_h264", nullptr));
+        m_decoder.reset(makeStillDecoder(caps));
         if (!m_decoder)
             return;
         gst_object_ref_sink(m_decoder.get());
-        g_object_set(m_decoder.get(), "max-threads", 1, "max-errors", -1, nullptr);
         m_output.reset(GST_PAD(gst_object_ref_sink(gst_pad_new(nullptr, GST_PAD_SINK))));
         gst_pad_set_chain_function_full(m_output.get(), &StillDecoder::take, this, nullptr);
         gst_pad_set_active(m_output.get(), TRUE);
@@ -70,7 +70,7 @@ SampleRef decodeLast(const std::vector<AccessUnit> &units, std::chrono::millisec
     if (units.empty())
         return {};
     loadMediaFramework();
-    StillDecoder decoder;
+    StillDecoder decoder(units.front().caps.get());
     const auto end = SteadyClock::now() + budget;
     for (const AccessUnit &unit : units)
         if (!decoder.push(unit) || SteadyClock::now() >= end)

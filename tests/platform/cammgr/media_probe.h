@@ -2,6 +2,7 @@
 
 #include <gst/pbutils/pbutils.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -34,6 +35,25 @@ struct MediaProbe
         const auto found = numbers("ffprobe -v error -show_entries format=duration -of csv=p=0 '" +
                                    path + "' 2>/dev/null");
         return found.empty() ? 0 : found.front();
+    }
+    /// Of the sound track, in seconds; 0 without one.
+    static double audioDuration(const std::string &path)
+    {
+        const auto found = numbers("ffprobe -v error -select_streams a -show_entries "
+                                   "stream=duration -of csv=p=0 '" +
+                                   path + "'");
+        return found.empty() ? 0 : found.front();
+    }
+    /// The longest time between the packets of the sound track, in seconds.
+    static double longestAudioGap(const std::string &path)
+    {
+        const auto times = numbers("ffprobe -v error -select_streams a -show_entries "
+                                   "packet=pts_time -of csv=p=0 '" +
+                                   path + "'");
+        double longest = 0;
+        for (size_t i = 1; i < times.size(); ++i)
+            longest = std::max(longest, times[i] - times[i - 1]);
+        return longest;
     }
     /// Codec names of all streams, separated by spaces.
     static std::string codecs(const std::string &path)

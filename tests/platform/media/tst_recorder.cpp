@@ -165,6 +165,46 @@ TEST_F(RecorderTest, CameraThatFallsSilentDoesNotHoldTheVideoBack)
     EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 250);
 }
 
+TEST_F(RecorderTest, HolesInTheSoundAreSilence)
+{
+    const auto units = EncodedStream::make({.frames = 250});
+    feed({units.begin(), units.begin() + 1});
+    feedAudio(0, 2);
+    m_recorder->begin(m_base, 0, true);
+    for (size_t i = 1; i < units.size(); ++i) {
+        feed({units[i]});
+        // From 2 to 6 s there is none, and none in the last 2 s.
+        if (i < 50 || (i >= 150 && i < 200))
+            feedAudio(units[i].time, 2);
+    }
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::codecs(clip(1)), "h264 aac");
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 250);
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+    EXPECT_LT(MediaProbe::longestAudioGap(clip(1)), 0.2);
+    EXPECT_GT(MediaProbe::audioDuration(clip(1)), 9.0);
+    EXPECT_LT(MediaProbe::audioDuration(clip(1)), 10.2);
+}
+
+TEST_F(RecorderTest, SoundThatBeginsLateIsHeard)
+{
+    const auto units = EncodedStream::make({.frames = 200});
+    feed({units.begin(), units.begin() + 1});
+    feedAudio(0, 1); // what the camera's sound is, then nothing for 5 s
+    m_recorder->begin(m_base, 0, true);
+    for (size_t i = 1; i < units.size(); ++i) {
+        feed({units[i]});
+        if (i >= 125)
+            feedAudio(units[i].time, 2);
+    }
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::codecs(clip(1)), "h264 aac");
+    EXPECT_LT(MediaProbe::longestAudioGap(clip(1)), 0.2);
+    EXPECT_NEAR(MediaProbe::audioDuration(clip(1)), 8.0, 0.3);
+}
+
 TEST_F(RecorderTest, AudioThatNeverComesAgainDoesNotHoldTheVideoBack)
 {
     const auto units = EncodedStream::make({.frames = 250, .start = 2 * GST_SECOND});
@@ -174,6 +214,7 @@ TEST_F(RecorderTest, AudioThatNeverComesAgainDoesNotHoldTheVideoBack)
     feed({units.begin() + 10, units.end()});
     m_recorder->end();
     ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::codecs(clip(1)), "h264 aac");
     EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 250);
     EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
 }
