@@ -240,12 +240,11 @@ const std::shared_ptr<rtsp::LoginPolicy> &CameraSession::loginPolicy() const
     return m_login;
 }
 
-StreamRequest CameraSession::request(const std::string &path, uintptr_t window) const
+rtsp::StreamRequest CameraSession::request(const std::string &path) const
 {
     return {.url = m_paths.url(m_resolver->endpoint(), path),
             .username = m_info.username,
             .password = m_info.password,
-            .window = window,
             .login = loginPolicy()};
 }
 
@@ -264,7 +263,7 @@ void CameraSession::play(const StreamOrder &order)
 
 void CameraSession::startStream()
 {
-    m_control.startStream(m_order.ticket, request(m_order.path, m_order.window));
+    m_control.startStream(m_order.ticket, {request(m_order.path), m_order.window});
 }
 
 void CameraSession::streamEnded(StreamEnd reason)
@@ -290,7 +289,7 @@ void CameraSession::keyFrameWanted()
 void CameraSession::talk(uint64_t ticket)
 {
     m_resolver->find([this, ticket](bool found) {
-        const StreamRequest stream = request(StreamPaths::path(StreamPlace::Main), 0);
+        const rtsp::StreamRequest stream = request(StreamPaths::path(StreamPlace::Main));
         m_control.startTalk(ticket, found ? &stream : nullptr);
     });
 }

@@ -44,7 +44,7 @@ public:
     /// Starts the stream when ticket is still the last one.
     virtual void startStream(uint64_t ticket, const StreamRequest &request) = 0;
     /// Starts talking when ticket is still the last one; gives up without a request.
-    virtual void startTalk(uint64_t ticket, const StreamRequest *request) = 0;
+    virtual void startTalk(uint64_t ticket, const rtsp::StreamRequest *request) = 0;
 
 protected:
     ~StreamControl() = default;
@@ -113,7 +113,7 @@ private:
     void moved();
     void reportReplies(const std::vector<std::string> &replies);
     const std::shared_ptr<rtsp::LoginPolicy> &loginPolicy() const;
-    StreamRequest request(const std::string &path, uintptr_t window) const;
+    rtsp::StreamRequest request(const std::string &path) const;
 
     const SessionInfo m_info;
     const std::shared_ptr<rtsp::LoginPolicy> m_login = std::make_shared<rtsp::LoginPolicy>();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/rtsp/login_policy.h"
+#include "platform/rtsp/stream_request.h"
 
 #include <cstdint>
 #include <functional>
@@ -9,27 +9,13 @@
 
 namespace cammgr {
 
-/// Why a stream ended by itself.
-enum class StreamEnd
-{
-    Failed,      ///< no connection, a protocol error, a stream that cannot be decoded
-    Refused,     ///< the camera did not accept the user name or password (401)
-    NotFound,    ///< the camera does not know the path (404)
-    PathRefused, ///< the camera does not play the path for another reason (400, 403, 454, 500 ...)
-    Closed,      ///< the camera ended a stream that was playing
-    Stalled,     ///< no video for 5 s
-    NoVideo      ///< the camera's description holds no H.264 video
-};
+using rtsp::StreamEnd;
 
 /// What to play, and where.
 struct StreamRequest
 {
-    std::string url; ///< rtsp:// or rtsps://, without credentials
-    std::string username;
-    std::string password;
+    rtsp::StreamRequest source;
     uintptr_t window = 0; ///< native window to draw on; 0 plays without drawing
-    /// What of the password may be sent to the camera; shared with its other connections.
-    std::shared_ptr<rtsp::LoginPolicy> login = std::make_shared<rtsp::LoginPolicy>();
 };
 
 /**

@@ -182,7 +182,7 @@ void RtspPlayer::stopTalk()
     m_talkBack.stop();
 }
 
-void RtspPlayer::startTalk(uint64_t ticket, const StreamRequest *request)
+void RtspPlayer::startTalk(uint64_t ticket, const rtsp::StreamRequest *request)
 {
     if (ticket != m_talkTicket)
         return;

@@ -1,8 +1,11 @@
 #include "platform/cammgr/stream_session.h"
 
+#include "platform/cammgr/io_thread.h"
 #include "platform/media/left_overs.h"
 #include "platform/media/still_picture.h"
 #include "platform/media/worker_pool.h"
+
+#include <utility>
 
 namespace cammgr {
 
@@ -11,11 +14,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto silenceLimit = 5s;
-// Connecting, describing and setting up each have their own time-out; this is the upper bound for
-// all of them together.
-constexpr auto connectLimit = 20s;
-// Half of the shortest session time-out that is usual (RFC 2326 12.37: 60 s when none is said).
-constexpr auto keepAlivePeriod = 10s;
 constexpr auto keyFramePause = 1s;
 // Limit for decoding a frame for a snapshot of a stream that is not shown.
 constexpr auto stillBudget = 60ms;
@@ -34,7 +32,7 @@ LiveStream::Session::Session(const StreamRequest &request, const Listener &liste
                                        request.window, m_memory, [this] { wantKeyFrame(); },
                                        [this] { checkFirstPicture(); }))
 {
-    m_started = m_lastSign = m_lastKeepAlive = media::SteadyClock::now();
+    m_lastSign = media::SteadyClock::now();
 }
 
 LiveStream::Session::~Session()
@@ -47,9 +45,10 @@ void LiveStream::Session::start(int volume)
     m_audio->setVolume(volume);
     if (m_view)
         media::mediaWorkers().run([self = shared_from_this()] { self->m_view->open(); });
-    media::mediaWorkers().run(
-        [self = shared_from_this()] { self->openSource(Transport::Interleaved); });
-    media::Housekeeper::instance().add(weak_from_this());
+    // The media framework is loaded on a media worker, which may take long.
+    media::mediaWorkers().run([self = shared_from_this()] {
+        ioThread().post([self] { self->openReceiver(); });
+    });
 }
 
 void LiveStream::Session::stop()
@@ -60,7 +59,7 @@ void LiveStream::Session::stop()
     }
     m_state = State::Ended;
     release();
-    media::mediaWorkers().run([self = shared_from_this()] { self->closeSource(); });
+    closeReceiver();
 }
 
 bool LiveStream::Session::isPlaying() const
@@ -87,29 +86,18 @@ int LiveStream::Session::beginWriting(const std::string &basePath, int limitByte
     return isPlaying() ? m_recorder->begin(basePath, limitBytes, m_hasAudio) : -1;
 }
 
-void LiveStream::Session::openSource(Transport transport)
+void LiveStream::Session::openReceiver()
 {
-    std::lock_guard lock(m_sourceMutex);
-    if (m_stopped)
+    if (m_state == State::Ended)
         return;
-    m_transport = transport;
-    m_source = std::make_unique<RtspSource>(*this, m_request, transport);
-    if (!m_source->open())
-        sourceEnded(StreamEnd::Failed);
+    m_receiver = std::make_unique<rtsp::Receiver>(*this, m_request.source);
+    m_receiver->start();
 }
 
-void LiveStream::Session::closeSource()
+/// Any thread. Nothing waits for the camera.
+void LiveStream::Session::closeReceiver()
 {
-    std::lock_guard lock(m_sourceMutex);
-    m_stopped = true;
-    m_source.reset();
-}
-
-void LiveStream::Session::keepAlive()
-{
-    std::lock_guard lock(m_sourceMutex);
-    if (m_source)
-        m_source->keepAlive();
+    ioThread().post([self = shared_from_this()] { self->m_receiver.reset(); });
 }
 
 /// Nothing is drawn, recorded or heard any more when it returns.
@@ -121,32 +109,36 @@ void LiveStream::Session::release()
     m_audio->close();
 }
 
-void LiveStream::Session::sourceDescribed(bool hasVideo, bool hasAudio)
+void LiveStream::Session::described(bool hasVideo, bool hasAudio)
 {
     m_hasVideo = hasVideo;
     m_hasAudio = hasAudio;
 }
 
-void LiveStream::Session::sourcePlays()
+void LiveStream::Session::plays()
 {
-    m_playAnswered = true;
     m_lastSign = media::SteadyClock::now();
     wantKeyFrame();
 }
 
-void LiveStream::Session::sourceVideo(const media::AccessUnit &unit)
+void LiveStream::Session::video(const base::AccessUnit &unit)
 {
     if (m_state == State::Ended)
         return;
-    m_lastSign = unit.arrived;
-    m_memory.takeFrame(unit);
+    // Of a stream that is garbage a frame gets through now and then.
+    const bool followsLoss = std::exchange(m_lossBefore, false);
+    if (unit.key || !followsLoss)
+        m_lastSign = unit.arrived;
+    const media::AccessUnit wrapped = m_wrapper.wrap(unit);
+    m_memory.takeFrame(wrapped);
     if (m_view)
-        m_view->takeFrame(unit);
-    m_recorder->takeFrame(unit);
-    m_stats.takeFrame(unit);
-    if (unit.caps.get() != m_caps.get()) {
-        m_caps = unit.caps;
-        readSize(unit.caps.get());
+        m_view->takeFrame(wrapped);
+    m_recorder->takeFrame(wrapped);
+    m_stats.takeFrame(wrapped);
+    if (unit.format != m_format) {
+        m_format = unit.format;
+        m_width = unit.format->width;
+        m_height = unit.format->height;
     }
     if (unit.key && !m_keyReceived.exchange(true))
         checkFirstPicture();
@@ -163,78 +155,34 @@ void LiveStream::Session::checkFirstPicture()
         tell(m_listener.firstFrame);
 }
 
-void LiveStream::Session::sourceAudio(const media::AudioUnit &unit)
+void LiveStream::Session::lostPackets()
+{
+    m_lossBefore = true;
+    wantKeyFrame();
+}
+
+void LiveStream::Session::audio(const base::AudioUnit &unit)
 {
     if (m_state == State::Ended)
         return;
-    m_memory.takeAudio(unit);
-    m_recorder->takeAudio(unit);
-    m_audio->takeAudio(unit);
+    const media::AudioUnit wrapped = m_wrapper.wrap(unit);
+    m_memory.takeAudio(wrapped);
+    m_recorder->takeAudio(wrapped);
+    m_audio->takeAudio(wrapped);
 }
 
-void LiveStream::Session::sourceEnded(StreamEnd reason)
+void LiveStream::Session::ended(StreamEnd reason, const std::string &text)
 {
+    g_log("cammgr", G_LOG_LEVEL_INFO, "%s: %s", m_request.source.url.c_str(), text.c_str());
     if (m_state.exchange(State::Ended) == State::Ended)
         return;
-    // Not here: this is a thread of the pipeline that has to be closed.
+    closeReceiver();
+    // Not here: to let go of a window may take until a frame is decoded.
     media::mediaWorkers().run([self = shared_from_this(), reason] {
         self->release();
-        self->closeSource();
         if (self->m_listener.ended)
             self->tell([&] { self->m_listener.ended(reason); });
     });
-}
-
-void LiveStream::Session::sourceTransportRefused()
-{
-    media::mediaWorkers().run([self = shared_from_this()] {
-        bool again = false;
-        {
-            std::lock_guard lock(self->m_sourceMutex);
-            again = self->m_source && self->m_transport == Transport::Interleaved;
-            if (again)
-                self->m_source.reset();
-        }
-        if (again)
-            self->openSource(Transport::Udp);
-        else
-            self->sourceEnded(StreamEnd::Failed);
-    });
-}
-
-void LiveStream::Session::tick()
-{
-    const auto now = media::SteadyClock::now();
-    if (m_state == State::Ended)
-        return;
-    if (!m_playAnswered) {
-        if (now - m_started.load() > connectLimit)
-            sourceEnded(StreamEnd::Failed);
-        return;
-    }
-    if (now - m_lastSign.load() > silenceLimit) {
-        sourceEnded(StreamEnd::Stalled);
-        return;
-    }
-    if (now - m_lastKeepAlive >= keepAlivePeriod) {
-        m_lastKeepAlive = now;
-        media::mediaWorkers().run([weak = weak_from_this()] {
-            if (const auto self = weak.lock())
-                self->keepAlive();
-        });
-    }
-}
-
-void LiveStream::Session::readSize(GstCaps *caps)
-{
-    int width = 0;
-    int height = 0;
-    const GstStructure *format = gst_caps_get_structure(caps, 0);
-    if (gst_structure_get_int(format, "width", &width) &&
-        gst_structure_get_int(format, "height", &height)) {
-        m_width = width;
-        m_height = height;
-    }
 }
 
 /// Any thread. Limited to what a camera answers without trouble.

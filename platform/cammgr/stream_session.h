@@ -1,13 +1,13 @@
 #pragma once
 
 #include "platform/cammgr/live_stream.h"
-#include "platform/cammgr/rtsp_source.h"
 #include "platform/media/audio_output.h"
 #include "platform/media/gop_buffer.h"
-#include "platform/media/housekeeper.h"
 #include "platform/media/live_view.h"
 #include "platform/media/recorder.h"
 #include "platform/media/stream_stats.h"
+#include "platform/media/unit_wrapper.h"
+#include "platform/rtsp/receiver.h"
 
 #include <atomic>
 #include <memory>
@@ -16,11 +16,10 @@
 namespace cammgr {
 
 /**
- * One stream from start to stop: the source, and the takers of its frames. It lives on behind
+ * One stream from start to stop: the receiver, and the sinks of its frames. It lives on behind
  * stop() until its pipelines are destroyed.
  */
-class LiveStream::Session : public RtspSource::Client,
-                            public media::Housekeeper::Charge,
+class LiveStream::Session : public rtsp::Receiver::Client,
                             public std::enable_shared_from_this<LiveStream::Session>
 {
 public:
@@ -55,20 +54,16 @@ private:
         Ended
     };
 
-    void sourceDescribed(bool hasVideo, bool hasAudio) override;
-    void sourcePlays() override;
-    void sourceVideo(const media::AccessUnit &unit) override;
-    void sourceAudio(const media::AudioUnit &unit) override;
-    void sourceLostPackets() override { wantKeyFrame(); }
-    void sourceEnded(StreamEnd reason) override;
-    void sourceTransportRefused() override;
-    void tick() override;
+    void described(bool hasVideo, bool hasAudio) override;
+    void plays() override;
+    void video(const base::AccessUnit &unit) override;
+    void audio(const base::AudioUnit &unit) override;
+    void lostPackets() override;
+    void ended(StreamEnd reason, const std::string &text) override;
 
-    void openSource(Transport transport);
-    void closeSource();
-    void keepAlive();
+    void openReceiver();
+    void closeReceiver();
     void release();
-    void readSize(GstCaps *caps);
     void wantKeyFrame();
     void checkFirstPicture();
     void tell(const std::function<void()> &callback);
@@ -79,23 +74,20 @@ private:
     std::mutex m_callbackMutex; ///< held while a callback runs; protects m_muted
     bool m_muted = false;
 
-    std::mutex m_sourceMutex; ///< taken by media workers only; protects the three below
-    std::unique_ptr<RtspSource> m_source;
-    Transport m_transport = Transport::Interleaved;
-    bool m_stopped = false;
+    // The loop thread.
+    std::unique_ptr<rtsp::Receiver> m_receiver;
+    media::UnitWrapper m_wrapper;
+    std::shared_ptr<const base::VideoFormat> m_format;
+    bool m_lossBefore = false; ///< the next frame follows a loss
 
     std::atomic<State> m_state = State::Starting;
     std::atomic<bool> m_hasVideo = false;
     std::atomic<bool> m_hasAudio = false;
-    std::atomic<bool> m_playAnswered = false;
     std::atomic<bool> m_keyReceived = false;
     std::atomic<int> m_width = 0;
     std::atomic<int> m_height = 0;
-    std::atomic<media::SteadyClock::time_point> m_started;
     std::atomic<media::SteadyClock::time_point> m_lastSign; ///< PLAY was answered, or a frame came
     std::atomic<media::SteadyClock::time_point> m_lastKeyAsked;
-    media::SteadyClock::time_point m_lastKeepAlive; ///< housekeeper's thread
-    media::CapsRef m_caps;                          ///< the thread that receives video
 
     media::StreamStats m_stats;
     media::GopBuffer m_memory;

@@ -185,7 +185,7 @@ RunningElement makeMicrophone(const GstCaps *packets)
 class TalkBack::Run
 {
 public:
-    Run(StreamRequest camera, std::shared_ptr<Run> before)
+    Run(rtsp::StreamRequest camera, std::shared_ptr<Run> before)
         : m_camera(std::move(camera))
         , m_before(std::move(before))
     {
@@ -231,7 +231,7 @@ private:
         return m_stopWanted;
     }
 
-    const StreamRequest m_camera;
+    const rtsp::StreamRequest m_camera;
     std::shared_ptr<Run> m_before; ///< the talk before this one; cameras take one at a time
 
     mutable std::mutex m_mutex;
@@ -337,7 +337,7 @@ int TalkBack::Run::talk()
     return CAMMGR_TALK_FAILED;
 }
 
-void TalkBack::start(const StreamRequest &camera)
+void TalkBack::start(const rtsp::StreamRequest &camera)
 {
     if (isRunning() || failure() != 0)
         return;

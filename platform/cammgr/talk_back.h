@@ -24,7 +24,7 @@ public:
     TalkBack &operator=(const TalkBack &) = delete;
 
     /// Talks to the camera of a stream; does nothing while that runs, or shortly after it failed.
-    void start(const StreamRequest &camera);
+    void start(const rtsp::StreamRequest &camera);
     /// Also forgets why a talk failed: the next start() tries again.
     void stop();
     /// Why the last talk failed: a CAMMGR_TALK_ value, for as long as start() does not try again;

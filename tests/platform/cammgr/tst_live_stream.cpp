@@ -31,7 +31,7 @@ constexpr bool addressSanitizer = false;
 
 StreamRequest requestFor(const std::string &url, uintptr_t window = 0)
 {
-    return {url, {}, {}, window};
+    return {{.url = url}, window};
 }
 
 /// A port on which nobody listens.
@@ -59,7 +59,8 @@ protected:
     StreamRequest request(uintptr_t window = 0) const
     {
         const auto &camera = m_camsim.camera();
-        return {camera.subUrl, camera.user, camera.password, window};
+        return {{.url = camera.subUrl, .username = camera.user, .password = camera.password},
+                window};
     }
     void play(uintptr_t window = 0)
     {
@@ -153,13 +154,13 @@ TEST(LiveStream, WrongPasswordIsRefusedAndTheRightOnePlays)
     RtspTestServer server({RtspTestServer::testPicture(), GST_RTSP_LOWER_TRANS_TCP, "me", "mine"});
     StreamListener refused;
     LiveStream stream(refused.callbacks());
-    stream.start({server.url(), "me", "yours", 0});
+    stream.start({{.url = server.url(), .username = "me", .password = "yours"}, 0});
     ASSERT_TRUE(refused.waitForEnd());
     EXPECT_EQ(refused.ends().front(), StreamEnd::Refused);
 
     StreamListener accepted;
     LiveStream second(accepted.callbacks());
-    second.start({server.url(), "me", "mine", 0});
+    second.start({{.url = server.url(), .username = "me", .password = "mine"}, 0});
     EXPECT_TRUE(accepted.waitForFirstFrame());
 }
 
@@ -204,7 +205,7 @@ TEST_F(CameraTest, FrozenCameraStallsAfterFiveSeconds)
 TEST_F(CameraTest, WrongPasswordIsRefused)
 {
     auto wrong = request();
-    wrong.password = "wrong";
+    wrong.source.password = "wrong";
     m_stream.start(wrong);
     expectEnd(StreamEnd::Refused);
     EXPECT_EQ(m_listener.firstFrames(), 0);
