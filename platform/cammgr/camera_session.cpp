@@ -263,7 +263,15 @@ void CameraSession::play(const StreamOrder &order)
 
 void CameraSession::startStream()
 {
-    m_control.startStream(m_order.ticket, {request(m_order.path), m_order.window});
+    StreamRequest stream{request(m_order.path), m_order.window};
+    if (auto session = m_probe.takeSession(stream.source.url)) {
+        // Whoever drops it does not do so on the thread to which its connection belongs.
+        const auto closeOnLoop = [](rtsp::OpenSession *open) {
+            ioThread().post([held = std::shared_ptr<rtsp::OpenSession>(open)] {});
+        };
+        stream.session = {new rtsp::OpenSession(std::move(*session)), closeOnLoop};
+    }
+    m_control.startStream(m_order.ticket, stream);
 }
 
 void CameraSession::streamEnded(StreamEnd reason)

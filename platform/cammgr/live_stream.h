@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/rtsp/open_session.h"
 #include "platform/rtsp/stream_request.h"
 
 #include <cstdint>
@@ -16,6 +17,9 @@ struct StreamRequest
 {
     rtsp::StreamRequest source;
     uintptr_t window = 0; ///< native window to draw on; 0 plays without drawing
+    /// A connection that has brought the stream's description; may be null. Used up by the first
+    /// start, on the loop thread.
+    std::shared_ptr<rtsp::OpenSession> session = {};
 };
 
 /**

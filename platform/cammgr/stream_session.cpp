@@ -91,7 +91,10 @@ void LiveStream::Session::openReceiver()
     if (m_state == State::Ended)
         return;
     m_receiver = std::make_unique<rtsp::Receiver>(*this, m_request.source);
-    m_receiver->start();
+    if (m_request.session)
+        m_receiver->start(std::move(*m_request.session));
+    else
+        m_receiver->start();
 }
 
 /// Any thread. Nothing waits for the camera.
