@@ -56,8 +56,7 @@ struct RealInput::Private
         return true;
     }
 
-    /// Nobody moves a window from here to send(): a window manager under load is still about to
-    /// move what it has given its size.
+    /// Nobody moves a window from here to send().
     QPoint aim(const QWidget *widget, QPoint point) const
     {
         QPoint global;
@@ -143,6 +142,17 @@ RealInput::~RealInput()
 bool RealInput::isValid() const
 {
     return d->display != nullptr;
+}
+
+bool RealInput::isSettled(const QWidget *window) const
+{
+    Window root = 0, unused = 0;
+    int x = 0, y = 0;
+    unsigned width = 0, height = 0, border = 0, depth = 0;
+    return XGetGeometry(d->display, window->winId(), &root, &x, &y, &width, &height, &border,
+                        &depth) &&
+           XTranslateCoordinates(d->display, window->winId(), root, 0, 0, &x, &y, &unused) &&
+           QRect(x, y, int(width), int(height)) == window->geometry();
 }
 
 void RealInput::moveTo(const QWidget *widget, QPoint point)

@@ -22,6 +22,10 @@ public:
     /// False when the display has no XTEST extension.
     bool isValid() const;
 
+    /// Whether the server has the window where Qt has it: the window manager moves what the program
+    /// has moved when it comes to it, and replays a press that it holds meanwhile elsewhere.
+    bool isSettled(const QWidget *window) const;
+
     /// Points are in the widget's coordinates; a negative point means its centre.
     void moveTo(const QWidget *widget, QPoint point = QPoint(-1, -1));
     void click(const QWidget *widget, QPoint point = QPoint(-1, -1));

@@ -183,6 +183,7 @@ void TestGrid::choose()
     QVERIFY(QTest::qWaitForWindowActive(m_window, patience));
     click(m_window, "btnMax");
     QTRY_COMPARE_WITH_TIMEOUT(m_window->size(), m_window->screen()->availableSize(), patience);
+    QTRY_VERIFY_WITH_TIMEOUT(m_input->isSettled(m_window), patience);
     click(m_window, "btnMultiLive");
     QTRY_COMPARE_WITH_TIMEOUT(
         m_window->findChild<QStackedWidget *>("stackedWidget")->currentIndex(),
