@@ -1,6 +1,7 @@
 #pragma once
 
-#include "platform/media/access_unit.h"
+#include "platform/media/unit_wrapper.h"
+#include "platform/rtsp/h264_bitstream.h"
 
 #include <gst/app/gstappsink.h>
 
@@ -40,6 +41,8 @@ struct EncodedStream
         GstElement *sink = gst_bin_get_by_name(GST_BIN(pipeline), "sink");
         gst_element_set_state(pipeline, GST_STATE_PLAYING);
         std::vector<media::AccessUnit> units;
+        media::UnitWrapper wrapper;
+        std::shared_ptr<const base::VideoFormat> format;
         GstClockTime first = GST_CLOCK_TIME_NONE;
         for (;;) {
             const auto sample =
@@ -49,13 +52,42 @@ struct EncodedStream
             GstBuffer *buffer = gst_sample_get_buffer(sample.get());
             if (!GST_CLOCK_TIME_IS_VALID(first))
                 first = GST_BUFFER_PTS(buffer);
-            units.push_back(media::makeAccessUnit(buffer, gst_sample_get_caps(sample.get()),
-                                                  options.start + GST_BUFFER_PTS(buffer) - first,
-                                                  options.firstNumber + units.size()));
+            if (!format)
+                format = formatOf(gst_sample_get_caps(sample.get()), options);
+            base::AccessUnit unit;
+            const auto payload = std::make_shared<const base::Bytes>(bytesOf(buffer));
+            const rtsp::SliceFacts facts = rtsp::readSliceFacts(*payload);
+            unit.payload = payload;
+            unit.format = format;
+            unit.number = options.firstNumber + units.size();
+            unit.time = options.start + GST_BUFFER_PTS(buffer) - first;
+            unit.key = !GST_BUFFER_FLAG_IS_SET(buffer, GST_BUFFER_FLAG_DELTA_UNIT);
+            unit.reference = facts.reference;
+            unit.bipredictive = facts.bipredictive;
+            unit.arrived = base::SteadyClock::now();
+            units.push_back(wrapper.wrap(unit));
         }
         gst_element_set_state(pipeline, GST_STATE_NULL);
         gst_object_unref(sink);
         gst_object_unref(pipeline);
         return units;
+    }
+
+private:
+    static base::Bytes bytesOf(GstBuffer *buffer)
+    {
+        base::Bytes bytes(gst_buffer_get_size(buffer));
+        gst_buffer_extract(buffer, 0, bytes.data(), bytes.size());
+        return bytes;
+    }
+
+    static std::shared_ptr<const base::VideoFormat> formatOf(GstCaps *caps, const Options &options)
+    {
+        const GValue *data = gst_structure_get_value(gst_caps_get_structure(caps, 0), "codec_data");
+        base::VideoFormat format;
+        format.configuration = bytesOf(gst_value_get_buffer(data));
+        format.width = options.width;
+        format.height = options.height;
+        return std::make_shared<const base::VideoFormat>(std::move(format));
     }
 };

@@ -1,15 +1,15 @@
-#include "platform/cammgr/live_stream.h"
-#include "tests/platform/cammgr/stream_listener.h"
+#include "platform/cammgr/talk_back.h"
+#include "tests/platform/cammgr/wait_until.h"
 #include "tests/support/tiny_server.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 
-using cammgr::LiveStream;
-using cammgr::StreamEnd;
+using cammgr::TalkBack;
 using rtsp::LoginPolicy;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -38,19 +38,21 @@ public:
         : m_challenges(std::move(challenges))
         , m_server([this](TinyServer::Connection &connection) { serve(connection); })
     {
+        setenv("ZELVARO_TALKBACK_SOURCE", "audiotestsrc is-live=true", 1);
     }
 
-    /// Plays once; what the camera received in Authorization headers.
+    /// Talks once; what the camera received in Authorization headers.
     std::vector<std::string> logins(const std::shared_ptr<rtsp::LoginPolicy> &policy)
     {
         const size_t before = m_server.requests().size();
-        StreamListener listener;
-        LiveStream stream(listener.callbacks());
-        stream.start(
-            {"rtsp://" + m_server.address() + "/live/0/h264.sdp", "admin", "secret", 0, policy});
-        EXPECT_TRUE(listener.waitForEnd());
-        EXPECT_EQ(listener.ends(), std::vector{StreamEnd::Refused});
-        stream.stop();
+        TalkBack talk;
+        talk.start({.url = "rtsp://" + m_server.address() + "/live/0/h264.sdp",
+                    .username = "admin",
+                    .password = "secret",
+                    .login = policy});
+        EXPECT_TRUE(waitUntil([&] { return !talk.isRunning(); }));
+        EXPECT_NE(talk.failure(), 0);
+        talk.stop();
         std::vector<std::string> logins;
         const std::vector<std::string> requests = m_server.requests();
         for (size_t i = before; i < requests.size(); ++i) {

@@ -1,10 +1,7 @@
-#include "platform/media/access_unit.h"
 #include "platform/media/gop_buffer.h"
 #include "platform/media/stream_stats.h"
 
 #include <gtest/gtest.h>
-
-#include <array>
 
 using namespace media;
 using namespace std::chrono_literals;
@@ -77,29 +74,4 @@ TEST(StreamStats, CountsTheLastSecond)
     EXPECT_EQ(stats.frames(last + 500ms), 13);
     EXPECT_EQ(stats.frames(last + 5s), 0);
     EXPECT_EQ(stats.bits(last + 5s), 0);
-}
-
-TEST(SliceFacts, ReadsReferenceAndKind)
-{
-    // One slice NAL unit each: nal_ref_idc, then first_mb_in_slice 0 ("1") and slice_type.
-    const std::array<uint8_t, 7> bSlice = {0, 0, 0, 3, 0x01, 0b10100000, 0}; // type 1 (B): 010
-    const std::array<uint8_t, 7> pSlice = {0, 0, 0, 3, 0x61, 0b11000000, 0}; // type 0 (P): 1
-    const std::array<uint8_t, 7> iSlice = {0, 0, 0, 3, 0x65, 0b10001000, 0}; // type 7 (I): 0001000
-    EXPECT_TRUE(media::readSliceFacts(bSlice.data(), bSlice.size()).bipredictive);
-    EXPECT_FALSE(media::readSliceFacts(bSlice.data(), bSlice.size()).reference);
-    EXPECT_FALSE(media::readSliceFacts(pSlice.data(), pSlice.size()).bipredictive);
-    EXPECT_TRUE(media::readSliceFacts(pSlice.data(), pSlice.size()).reference);
-    EXPECT_FALSE(media::readSliceFacts(iSlice.data(), iSlice.size()).bipredictive);
-    EXPECT_TRUE(media::readSliceFacts(iSlice.data(), iSlice.size()).reference);
-}
-
-TEST(SliceFacts, DamagedInputEndsQuietly)
-{
-    const std::array<uint8_t, 9> lengthTooLarge = {0xff, 0xff, 0xff, 0xff, 0x65, 0x88, 0, 0, 0};
-    EXPECT_FALSE(media::readSliceFacts(lengthTooLarge.data(), lengthTooLarge.size()).reference);
-    const std::array<uint8_t, 9> empty = {};
-    for (size_t size = 0; size <= empty.size(); ++size)
-        EXPECT_FALSE(media::readSliceFacts(empty.data(), size).reference);
-    const std::array<uint8_t, 5> bare = {0, 0, 0, 1, 0x65};
-    EXPECT_TRUE(media::readSliceFacts(bare.data(), bare.size()).reference);
 }
