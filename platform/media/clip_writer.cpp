@@ -102,6 +102,7 @@ ClipWriter::ClipWriter(std::string path, ClipFormat format, GstClockTime start,
     , m_start(start)
     , m_closing(std::move(closing))
     , m_failed(std::move(failed))
+    , m_audioCaps(m_format.audio)
 {
     m_closing->begin();
     m_bytes = indexBytes();
@@ -159,13 +160,13 @@ void ClipWriter::push(const AccessUnit &unit)
         m_reordered = m_reordered || unit.bipredictive;
     const bool orderTold =
         m_format.isOrderKnown || m_reordered || m_waitingVideo.size() >= framesThatTellOrder;
-    if ((!m_format.audio && orderTold) || unit.time >= m_start + longestAudioWait)
+    if ((!m_format.withAudio && orderTold) || unit.time >= m_start + longestAudioWait)
         open();
 }
 
 void ClipWriter::push(const AudioUnit &unit)
 {
-    if (!m_format.audio || unit.time < m_start)
+    if (!m_format.withAudio || unit.time < m_start)
         return;
     m_bytes += gst_buffer_get_size(unit.buffer.get());
     std::lock_guard lock(m_mutex);
@@ -175,6 +176,8 @@ void ClipWriter::push(const AudioUnit &unit)
         sendAudio(unit);
         return;
     }
+    if (!m_audioCaps)
+        m_audioCaps = unit.caps;
     m_waitingAudio.push_back(unit);
     if (m_format.isOrderKnown || m_reordered || m_waitingVideo.size() >= framesThatTellOrder)
         open();
@@ -186,15 +189,18 @@ bool ClipWriter::build()
     std::string chain = "appsrc name=video format=time max-bytes=0 ! " +
                         videoForMp4(m_format.video.get(), m_reordered) +
                         " name=mux ! filesink name=file async=false";
-    std::string audio = m_format.audio ? audioForMp4(m_format.audio.get()) : std::string();
+    CapsRef audioCaps;
     BufferRef silence;
     {
         std::lock_guard lock(m_mutex);
-        if (m_waitingAudio.empty() && !audio.empty())
-            silence = silentPiece(m_format.audio.get());
-        if (m_waitingAudio.empty() && !silence)
-            audio.clear();
+        audioCaps = m_audioCaps;
+        if (audioCaps && m_waitingAudio.empty()) {
+            silence = silentPiece(audioCaps.get());
+            if (!silence)
+                audioCaps = {};
+        }
     }
+    const std::string audio = audioCaps ? audioForMp4(audioCaps.get()) : std::string();
     if (!audio.empty())
         chain += " appsrc name=audio format=time max-bytes=0 ! " + audio + " ! mux.";
 
@@ -214,7 +220,7 @@ bool ClipWriter::build()
     fresh->audio.reset(audio.empty() ? nullptr : gst_bin_get_by_name(bin, "audio"));
     g_object_set(fresh->video.get(), "caps", m_format.video.get(), nullptr);
     if (fresh->audio)
-        g_object_set(fresh->audio.get(), "caps", m_format.audio.get(), nullptr);
+        g_object_set(fresh->audio.get(), "caps", audioCaps.get(), nullptr);
     const base::GObjectPtr<GstElement> file(gst_bin_get_by_name(bin, "file"));
     g_object_set(file.get(), "location", path().c_str(), nullptr);
     const base::GObjectPtr<GstElement> mux(gst_bin_get_by_name(bin, "mux"));
@@ -233,7 +239,7 @@ bool ClipWriter::build()
     m_pipeline = std::move(fresh);
     m_audioEnded = !m_pipeline->audio;
     if (silence)
-        sendAudio({silence, m_format.audio, m_start});
+        sendAudio({silence, audioCaps, m_start});
     for (const AudioUnit &unit : m_waitingAudio)
         sendAudio(unit);
     m_waitingAudio.clear();
@@ -324,7 +330,7 @@ void ClipWriter::finish()
 uint64_t ClipWriter::indexBytes() const
 {
     // The muxer keeps two copies of the index, so that one is whole at any moment.
-    const int tracks = m_format.audio ? 2 : 1;
+    const int tracks = m_format.withAudio ? 2 : 1;
     return uint64_t{2} * tracks * m_format.reserveSeconds * m_format.indexBytesPerSecond;
 }
 

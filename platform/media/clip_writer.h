@@ -33,7 +33,8 @@ private:
 struct ClipFormat
 {
     CapsRef video;
-    CapsRef audio;            ///< empty: no audio track
+    bool withAudio = false;   ///< sound is expected
+    CapsRef audio;            ///< of it; empty while nothing has come
     bool withStill = false;   ///< writes a still of the clip, from its first frame
     bool reordered = false;   ///< presentation order differs from decoding order
     bool isOrderKnown = true; ///< false: the first frames decide it, and the file waits for them
@@ -106,6 +107,7 @@ private:
     std::unique_ptr<Pipeline> m_pipeline;
     std::vector<AccessUnit> m_waitingVideo; ///< came before the file was open
     std::vector<AudioUnit> m_waitingAudio;
+    CapsRef m_audioCaps;          ///< empty until the first sound when the format did not tell
     GstClockTime m_nextVideo = 0; ///< in the file, at the earliest
     GstClockTime m_nextAudio = 0;
     bool m_opening = false;

@@ -217,15 +217,15 @@ ClipFormat Recorder::formatFor(const AccessUnit &first) const
     format.video = first.caps;
     format.reordered = m_sawReordering;
     format.isOrderKnown = m_sawReordering || m_framesSeen >= framesThatTell;
-    const bool hasSound = m_withAudio && m_audioCaps;
-    if (hasSound)
+    format.withAudio = m_withAudio;
+    if (m_withAudio)
         format.audio = m_audioCaps;
     const int framesPerSecond =
         m_meanInterval == 0 ? 25 : static_cast<int>(GST_SECOND / m_meanInterval) + 1;
     format.indexBytesPerSecond =
         std::clamp(framesPerSecond * indexBytesPerFrame, indexBytesPerSecondAtLeast, 10'000);
 
-    const uint64_t perSecond = uint64_t{2} * (hasSound ? 2 : 1) * format.indexBytesPerSecond;
+    const uint64_t perSecond = uint64_t{2} * (m_withAudio ? 2 : 1) * format.indexBytesPerSecond;
     uint64_t seconds = largestIndex / perSecond;
     if (m_limit != 0) {
         const double rate = m_bytesPerSecond > 0 ? m_bytesPerSecond : guessedBytesPerSecond;

@@ -187,6 +187,24 @@ TEST_F(RecorderTest, HolesInTheSoundAreSilence)
     EXPECT_LT(MediaProbe::audioDuration(clip(1)), 10.2);
 }
 
+TEST_F(RecorderTest, SoundMayComeAfterTheButton)
+{
+    const auto units = EncodedStream::make({.frames = 100});
+    feed({units.begin(), units.begin() + 1});
+    m_recorder->begin(m_base, 0, true);
+    for (size_t i = 1; i < units.size(); ++i) {
+        feed({units[i]});
+        if (i >= 8)
+            feedAudio(units[i].time, 2);
+    }
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::codecs(clip(1)), "h264 aac");
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 100);
+    EXPECT_NEAR(MediaProbe::audioDuration(clip(1)), 4.0, 0.4);
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+}
+
 TEST_F(RecorderTest, SoundThatBeginsLateIsHeard)
 {
     const auto units = EncodedStream::make({.frames = 200});
