@@ -6,8 +6,6 @@
 #include <cstdint>
 #include <string>
 
-using base::CameraAddress;
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     const std::string raw(reinterpret_cast<const char *>(data), size);

@@ -5,9 +5,6 @@
 
 #include <cstdint>
 
-using rtsp::Reply;
-using rtsp::ReplyReader;
-
 namespace {
 
 constexpr rtsp::ReplyReader::Limits limits{.headerBytes = 512, .bodyBytes = 2048};

@@ -11,7 +11,6 @@
 #include <map>
 #include <thread>
 
-using base::hasNoWhitespace;
 using cammgr::ioThread;
 using cammgr::LiveStream;
 

@@ -46,9 +46,8 @@ void LiveStream::Session::start(int volume)
     if (m_view)
         media::mediaWorkers().run([self = shared_from_this()] { self->m_view->open(); });
     // The media framework is loaded on a media worker, which may take long.
-    media::mediaWorkers().run([self = shared_from_this()] {
-        ioThread().post([self] { self->openReceiver(); });
-    });
+    media::mediaWorkers().run(
+        [self = shared_from_this()] { ioThread().post([self] { self->openReceiver(); }); });
 }
 
 void LiveStream::Session::stop()

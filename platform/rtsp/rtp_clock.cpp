@@ -74,7 +74,8 @@ int64_t RtpClock::next(uint32_t rtpTime, int64_t arrived, bool mayGoBack)
     } else {
         m_ticks += ticks;
         m_last = m_anchor + nanoseconds(m_ticks);
-        // After a while in which it stood still the camera's clock may catch up, or go on from there.
+        // After a while in which it stood still the camera's clock may catch up, or go on from
+        // there.
         if (!mayGoBack && m_last <= m_highest)
             m_last = goOnByArrival(arrived);
     }

@@ -22,8 +22,7 @@ int main(int count, char **arguments)
                                [](cammgr::StreamEnd) { _exit(3); },
                                {}});
     stream.setVolume(0);
-    stream.start(
-        {{.url = arguments[1], .username = arguments[2], .password = arguments[3]}, 0});
+    stream.start({{.url = arguments[1], .username = arguments[2], .password = arguments[3]}, 0});
     std::unique_lock held(lock);
     changed.wait(held, [&] { return plays; });
     if (stream.beginWriting(arguments[4], 104857600) != 0)

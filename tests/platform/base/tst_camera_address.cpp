@@ -2,12 +2,6 @@
 
 #include <gtest/gtest.h>
 
-using base::CameraAddress;
-using base::Endpoint;
-using base::hasNoWhitespace;
-using base::parseCameraAddress;
-using base::parseUrl;
-using base::rtspOrigin;
 using Kind = base::CameraAddress::Kind;
 
 namespace {

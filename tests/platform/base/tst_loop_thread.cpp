@@ -9,8 +9,6 @@
 #include <memory>
 #include <vector>
 
-using base::LoopThread;
-using base::Timer;
 using namespace std::chrono_literals;
 
 namespace {

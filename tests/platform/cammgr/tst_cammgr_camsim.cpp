@@ -2,8 +2,8 @@
 
 #include "camsim/camsim_process.h"
 #include "tests/platform/cammgr/player_messages.h"
-#include "tests/support/tiny_server.h"
 #include "tests/platform/cammgr/wait_until.h"
+#include "tests/support/tiny_server.h"
 
 #include <glib.h>
 #include <gmock/gmock.h>

@@ -10,7 +10,6 @@
 #include <vector>
 
 using cammgr::TalkBack;
-using rtsp::LoginPolicy;
 using testing::HasSubstr;
 using testing::StartsWith;
 

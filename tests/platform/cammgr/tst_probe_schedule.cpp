@@ -5,7 +5,6 @@
 #include <vector>
 
 using cammgr::ProbeSchedule;
-using rtsp::ProbeOutcome;
 using namespace std::chrono_literals;
 
 namespace {

@@ -8,7 +8,6 @@
 
 #include <optional>
 
-using base::Endpoint;
 using base::parseCameraAddress;
 using cammgr::Resolver;
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-using base::Endpoint;
 using cammgr::StreamPaths;
 
 namespace {

@@ -15,8 +15,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-using media::giveBackIndexRoom;
-
 namespace {
 
 std::string contents(const std::string &path)

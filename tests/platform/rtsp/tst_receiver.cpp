@@ -11,7 +11,6 @@
 
 using rtsp::StreamEnd;
 using rtsp::StreamRequest;
-using rtsp::Transport;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;

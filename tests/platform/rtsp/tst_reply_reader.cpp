@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-using rtsp::Reply;
-using rtsp::ReplyReader;
 using Protocol = rtsp::ReplyReader::Protocol;
 using State = rtsp::ReplyReader::State;
 

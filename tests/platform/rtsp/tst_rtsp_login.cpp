@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-using rtsp::LoginPolicy;
-using rtsp::RtspLogin;
-
 namespace {
 
 const std::string uri = "rtsp://cam.lan/live/0/h264.sdp";

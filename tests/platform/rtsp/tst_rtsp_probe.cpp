@@ -9,9 +9,6 @@
 #include <future>
 #include <optional>
 
-using rtsp::ProbeOutcome;
-using rtsp::ProbeTarget;
-using rtsp::RtspProbe;
 using Connection = TinyServer::Connection;
 using testing::HasSubstr;
 using testing::Not;
