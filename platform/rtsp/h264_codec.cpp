@@ -135,7 +135,7 @@ bool H264Codec::keepSps(std::span<const uint8_t> nal)
     Sps &kept = m_sps[read->id];
     if (!isSame(kept.nal, nal)) {
         kept = {base::Bytes(nal.begin(), nal.end()), *read};
-        m_changed = true;
+        m_format.noteChange();
     }
     return true;
 }
@@ -148,7 +148,7 @@ bool H264Codec::keepPps(std::span<const uint8_t> nal)
     Pps &kept = m_pps[read->id];
     if (!isSame(kept.nal, nal)) {
         kept = {base::Bytes(nal.begin(), nal.end()), *read};
-        m_changed = true;
+        m_format.noteChange();
     }
     return true;
 }
@@ -189,20 +189,12 @@ base::Bytes H264Codec::configuration(const Sps &active) const
 std::shared_ptr<const base::VideoFormat> H264Codec::format()
 {
     const Sps *active = activeSps();
-    if (!active)
-        return nullptr;
-    if (m_format && !m_changed && active == m_formatSps)
-        return m_format;
-    auto made = std::make_shared<base::VideoFormat>();
-    made->codec = base::VideoCodec::H264;
-    made->configuration = configuration(*active);
-    made->width = active->read.width;
-    made->height = active->read.height;
-    if (!m_format || *m_format != *made)
-        m_format = std::move(made);
-    m_formatSps = active;
-    m_changed = false;
-    return m_format;
+    return m_format.current(active, [&] {
+        return base::VideoFormat{.codec = base::VideoCodec::H264,
+                                 .configuration = configuration(*active),
+                                 .width = active->read.width,
+                                 .height = active->read.height};
+    });
 }
 
 } // namespace rtsp

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/rtsp/h264_bitstream.h"
+#include "platform/rtsp/kept_format.h"
 #include "platform/rtsp/nal_facts.h"
 
 #include <map>
@@ -41,11 +42,9 @@ private:
     std::map<unsigned, Sps> m_sps;
     std::map<unsigned, Pps> m_pps;
     unsigned m_activePps = 0;
-    const Sps *m_formatSps = nullptr;
-    bool m_changed = false; ///< a set, since m_format was made
     bool m_idrSeen = false;
     H264FieldHeader m_field; ///< the first of a frame whose second is awaited, if it is one
-    std::shared_ptr<const base::VideoFormat> m_format;
+    KeptFormat m_format;
 };
 
 } // namespace rtsp

@@ -104,7 +104,7 @@ bool H265Codec::replace(base::Bytes &kept, std::span<const uint8_t> nal)
     if (std::equal(kept.begin(), kept.end(), nal.begin(), nal.end()))
         return false;
     kept.assign(nal.begin(), nal.end());
-    m_changed = true;
+    m_format.noteChange();
     return true;
 }
 
@@ -180,20 +180,12 @@ base::Bytes H265Codec::configuration(const Sps &active) const
 std::shared_ptr<const base::VideoFormat> H265Codec::format()
 {
     const Sps *active = activeSps();
-    if (!active)
-        return nullptr;
-    if (m_format && !m_changed && active == m_formatSps)
-        return m_format;
-    auto made = std::make_shared<base::VideoFormat>();
-    made->codec = base::VideoCodec::H265;
-    made->configuration = configuration(*active);
-    made->width = active->read.width;
-    made->height = active->read.height;
-    if (!m_format || *m_format != *made)
-        m_format = std::move(made);
-    m_formatSps = active;
-    m_changed = false;
-    return m_format;
+    return m_format.current(active, [&] {
+        return base::VideoFormat{.codec = base::VideoCodec::H265,
+                                 .configuration = configuration(*active),
+                                 .width = active->read.width,
+                                 .height = active->read.height};
+    });
 }
 
 } // namespace rtsp
