@@ -8,6 +8,9 @@ target_link_libraries(tsan_glib PUBLIC PkgConfig::GIO ${CMAKE_DL_LIBS})
 # Programs under the address sanitizer keep what they load, so that a leak can be told by its module.
 add_library(keep_modules OBJECT EXCLUDE_FROM_ALL ${PROJECT_SOURCE_DIR}/tests/support/keep_modules.c)
 
+# For tests that need further options of the address sanitizer in their environment.
+set(ZELVARO_ASAN_OPTIONS "allocator_may_return_null=1:detect_odr_violation=0:quarantine_size_mb=32")
+
 function(zelvaro_own_code target)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Werror
@@ -172,7 +175,7 @@ function(zelvaro_register_test name label timeout)
     list(APPEND tests ${name}_soak)
   endif()
   set_property(TEST ${tests} APPEND PROPERTY ENVIRONMENT
-    "ASAN_OPTIONS=allocator_may_return_null=1:detect_odr_violation=0:quarantine_size_mb=32"
+    "ASAN_OPTIONS=${ZELVARO_ASAN_OPTIONS}"
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/leaks_of_libraries.txt:print_suppressions=0"
     "UBSAN_OPTIONS=print_stacktrace=1" "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1")
 endfunction()
