@@ -43,7 +43,7 @@ struct ClipFormat
 };
 
 /**
- * One MP4 file: the camera's H.264 untouched, its audio as AAC. The index at the head of the file
+ * One MP4 file: the camera's video untouched, its audio as AAC. The index at the head of the file
  * is brought up to date each second, so that what is on the disk plays at any moment. A separate
  * pipeline: its errors do not affect the stream.
  */
