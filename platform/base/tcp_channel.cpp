@@ -1,5 +1,7 @@
 #include "platform/base/tcp_channel.h"
 
+#include "platform/base/certificate_key.h"
+#include "platform/base/known_keys.h"
 #include "platform/base/tcp_options.h"
 #include "platform/base/timer.h"
 
@@ -20,17 +22,6 @@ std::vector<char> &readBuffer()
 {
     thread_local std::vector<char> buffer(readSize);
     return buffer;
-}
-
-void acceptAnyCertificate(GSocketClient *, GSocketClientEvent event, GSocketConnectable *,
-                          GIOStream *stream, gpointer)
-{
-    if (event != G_SOCKET_CLIENT_TLS_HANDSHAKING)
-        return;
-    g_tls_connection_set_require_close_notify(G_TLS_CONNECTION(stream), FALSE);
-    const auto accept = +[](GTlsConnection *, GTlsCertificate *, GTlsCertificateFlags,
-                            gpointer) -> gboolean { return TRUE; };
-    g_signal_connect(stream, "accept-certificate", G_CALLBACK(accept), nullptr);
 }
 
 /// A source of the loop thread, removed with this object.
@@ -78,6 +69,10 @@ struct TcpChannel::Link : std::enable_shared_from_this<Link>
     ~Link() { abandon(); }
 
     void connect(const Endpoint &endpoint, std::chrono::milliseconds timeLimit);
+    static void clientEvent(GSocketClient *, GSocketClientEvent event, GSocketConnectable *,
+                            GIOStream *stream, gpointer link);
+    static gboolean acceptCertificate(GTlsConnection *, GTlsCertificate *certificate,
+                                      GTlsCertificateFlags, gpointer link);
     void connected(GSocketConnection *made, const GError *error);
     void watchInput();
     void read();
@@ -92,19 +87,20 @@ struct TcpChannel::Link : std::enable_shared_from_this<Link>
     Watch readable;
     Watch writable;
     std::string outgoing; ///< what the system did not take yet
-    bool isTls = false;
+    Endpoint service;
+    bool keyChanged = false;
     bool closed = false;
 };
 
 void TcpChannel::Link::connect(const Endpoint &endpoint, std::chrono::milliseconds timeLimit)
 {
     const GObjectPtr<GSocketClient> client(g_socket_client_new());
-    isTls = endpoint.tls;
+    service = endpoint;
     // Cameras are on this network: a proxy of the desktop's settings is never on
     // the way.
     g_socket_client_set_enable_proxy(client.get(), FALSE);
     g_socket_client_set_tls(client.get(), endpoint.tls);
-    g_signal_connect(client.get(), "event", G_CALLBACK(acceptAnyCertificate), nullptr);
+    g_signal_connect(client.get(), "event", G_CALLBACK(clientEvent), this);
     const GObjectPtr<GSocketConnectable> address(
         g_network_address_new(endpoint.host.c_str(), endpoint.port));
     connectLimit.start(timeLimit, [this] { end(ChannelEnd::Unreachable); });
@@ -122,6 +118,37 @@ void TcpChannel::Link::connect(const Endpoint &endpoint, std::chrono::millisecon
         new std::shared_ptr<Link>(shared_from_this()));
 }
 
+/// While it connects, for which this object is kept.
+void TcpChannel::Link::clientEvent(GSocketClient *, GSocketClientEvent event, GSocketConnectable *,
+                                   GIOStream *stream, gpointer link)
+{
+    if (event != G_SOCKET_CLIENT_TLS_HANDSHAKING)
+        return;
+    auto *tls = G_TLS_CONNECTION(stream);
+    g_tls_connection_set_require_close_notify(tls, FALSE);
+    // Without authorities each certificate is to be decided on here.
+    g_tls_connection_set_database(tls, nullptr);
+    const std::weak_ptr<Link> self = static_cast<Link *>(link)->weak_from_this();
+    g_signal_connect_data(
+        stream, "accept-certificate", G_CALLBACK(acceptCertificate), new std::weak_ptr(self),
+        [](gpointer data, GClosure *) {
+            std::default_delete<std::weak_ptr<Link>>()(static_cast<std::weak_ptr<Link> *>(data));
+        },
+        G_CONNECT_DEFAULT);
+}
+
+gboolean TcpChannel::Link::acceptCertificate(GTlsConnection *, GTlsCertificate *certificate,
+                                             GTlsCertificateFlags, gpointer link)
+{
+    const std::shared_ptr<Link> self = static_cast<std::weak_ptr<Link> *>(link)->lock();
+    if (!self)
+        return FALSE;
+    const KnownKeys::Verdict verdict =
+        KnownKeys::instance().check(self->service, publicKeyDigest(certificate));
+    self->keyChanged = verdict == KnownKeys::Verdict::Changed;
+    return !self->keyChanged;
+}
+
 void TcpChannel::Link::connected(GSocketConnection *made, const GError *error)
 {
     connection.reset(made);
@@ -132,7 +159,10 @@ void TcpChannel::Link::connected(GSocketConnection *made, const GError *error)
     connectLimit.stop();
     if (!made) {
         const bool rejected = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED);
-        end(rejected ? ChannelEnd::Rejected : ChannelEnd::Unreachable);
+        if (keyChanged)
+            end(ChannelEnd::KeyChanged);
+        else
+            end(rejected ? ChannelEnd::Rejected : ChannelEnd::Unreachable);
         return;
     }
     sendWithoutDelay(g_socket_connection_get_socket(made));
@@ -173,7 +203,7 @@ void TcpChannel::Link::read()
         acknowledgeNow(g_socket_connection_get_socket(connection.get()));
         const auto received = handlers.received;
         received({buffer.data(), static_cast<size_t>(size)});
-        if (!isTls && static_cast<size_t>(size) < buffer.size())
+        if (!service.tls && static_cast<size_t>(size) < buffer.size())
             return;
     }
 }

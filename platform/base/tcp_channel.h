@@ -18,6 +18,7 @@ enum class ChannelEnd
 {
     Rejected,    ///< the host answered, the port is closed
     Unreachable, ///< no answer in time, no route, no name, TLS failed
+    KeyChanged,  ///< its TLS key is another one than the one that is known, see KnownKeys
     Closed       ///< it was open and is not any more
 };
 
@@ -48,8 +49,8 @@ public:
     TcpChannel(TcpChannel &&other) noexcept = default;
     TcpChannel &operator=(TcpChannel &&other) noexcept;
 
-    /// Closes what was open and connects. Certificates are not checked: cameras
-    /// sign their own.
+    /// Closes what was open and connects. Cameras sign their own certificates: no
+    /// authority is asked about them, but a camera has to keep its key.
     void open(const Endpoint &endpoint, std::chrono::milliseconds timeLimit, Handlers handlers);
     /// Another owner goes on with an open channel.
     void setHandlers(Handlers handlers);

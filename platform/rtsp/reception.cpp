@@ -199,7 +199,9 @@ void Receiver::Private::disconnected(ChannelEnd reason)
 {
     if (m_isClosed)
         return;
-    if (reason != ChannelEnd::Closed) {
+    if (reason == ChannelEnd::KeyChanged) {
+        end(StreamEnd::KeyChanged, "the key of the camera has changed");
+    } else if (reason != ChannelEnd::Closed) {
         end(StreamEnd::Failed, reason == ChannelEnd::Rejected ? "the camera refuses the connection"
                                                               : "the camera cannot be reached");
     } else if (m_exchange.isAnsweringChallenge() || (m_exchange.wasLastAnswer() && !m_isPlaying)) {

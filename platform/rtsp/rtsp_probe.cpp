@@ -140,6 +140,9 @@ void RtspProbe::ended(base::ChannelEnd reason)
     case base::ChannelEnd::Rejected:
         finish(ProbeOutcome::Rejected);
         return;
+    case base::ChannelEnd::KeyChanged:
+        finish(ProbeOutcome::KeyChanged);
+        return;
     case base::ChannelEnd::Unreachable:
         finish(ProbeOutcome::Silent);
         return;

@@ -19,6 +19,7 @@ enum class ProbeOutcome
 {
     Answered,
     LoginRefused, ///< the user name or password is wrong
+    KeyChanged,   ///< its TLS key is another one than before (base::KnownKeys)
     NotFound,     ///< the camera does not know the stream's path
     Unusable,     ///< an answer, but none that a stream could come from
     Rejected,     ///< the host answered, the port is closed

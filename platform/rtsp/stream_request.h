@@ -11,6 +11,7 @@ namespace rtsp {
 enum class StreamEnd
 {
     Failed,      ///< no connection, a protocol error, no answer in time
+    KeyChanged,  ///< the camera's TLS key is another one than before (base::KnownKeys)
     Refused,     ///< the camera did not accept the user name or password (401)
     NotFound,    ///< the camera does not know the path (404)
     PathRefused, ///< the camera does not play the path for another reason (400, 403, 454, 500 ...)

@@ -8,7 +8,14 @@
 class TlsFront
 {
 public:
-    explicit TlsFront(int targetPort);
+    enum class Key
+    {
+        First,
+        Second
+    };
+
+    /// port: 0 for any.
+    explicit TlsFront(int targetPort, Key key = Key::First, int port = 0);
     ~TlsFront();
     TlsFront(const TlsFront &) = delete;
     TlsFront &operator=(const TlsFront &) = delete;

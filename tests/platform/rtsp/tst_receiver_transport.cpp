@@ -1,3 +1,4 @@
+#include "platform/base/known_keys.h"
 #include "tests/platform/rtsp/http_front.h"
 #include "tests/platform/rtsp/scripted_camera.h"
 #include "tests/platform/rtsp/tls_front.h"
@@ -208,6 +209,34 @@ TEST(ReceiverTransport, PlaysOverTls)
     for (const Request &request : camera.requests())
         EXPECT_TRUE(request.url.starts_with(url)) << request.url;
     EXPECT_EQ(camera.methods().back(), "TEARDOWN");
+}
+
+TEST(ReceiverTransport, AnotherKeyIsRefusedUntilItIsTrusted)
+{
+    ScriptedCamera camera;
+    auto front = std::make_unique<TlsFront>(camera.port());
+    const int port = front->port();
+    const std::string url = "rtsps://127.0.0.1:" + std::to_string(port) + "/live";
+    Viewer viewer(url);
+    viewer.start();
+    ASSERT_TRUE(viewer.waitForFrames(5)) << viewer.text();
+    viewer.close();
+    ASSERT_TRUE(camera.waitFor([&] { return camera.openConnections() == 0; }));
+    front.reset();
+    const size_t asked = camera.requests().size();
+
+    front = std::make_unique<TlsFront>(camera.port(), TlsFront::Key::Second, port);
+    Viewer careful(url, "user", "secret");
+    careful.start();
+    EXPECT_EQ(careful.waitForEnd(), StreamEnd::KeyChanged);
+    EXPECT_THAT(careful.text(), HasSubstr("key"));
+    EXPECT_EQ(camera.requests().size(), asked) << "nothing is told to a stranger";
+
+    EXPECT_TRUE(base::KnownKeys::instance().hasChanged("127.0.0.1"));
+    EXPECT_TRUE(base::KnownKeys::instance().trustChanged("127.0.0.1"));
+    Viewer trusting(url);
+    trusting.start();
+    EXPECT_TRUE(trusting.waitForFrames(5)) << trusting.text();
 }
 
 TEST(ReceiverTransport, ARedirectionDoesNotLeaveTls)
