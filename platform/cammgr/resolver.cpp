@@ -1,5 +1,8 @@
 #include "platform/cammgr/resolver.h"
 
+#include "platform/base/known_keys.h"
+
+#include <algorithm>
 #include <utility>
 
 namespace cammgr {
@@ -174,6 +177,30 @@ void Resolver::requestKeyFrame(const std::string &profileToken)
         return;
     m_keyFrameRequest =
         m_lookup.requestKeyFrame(m_xaddr, profileToken, m_credentials, [](onvif::SoapStatus) {});
+}
+
+/// At which the camera's services are reached.
+std::vector<std::string> Resolver::hosts() const
+{
+    std::vector<std::string> hosts = {m_endpoint.host};
+    const base::CameraAddress service = base::parseUrl(m_xaddr);
+    if (service.kind == base::CameraAddress::Kind::Host && service.endpoint.host != hosts.front())
+        hosts.push_back(service.endpoint.host);
+    return hosts;
+}
+
+bool Resolver::hasChangedKey() const
+{
+    const std::vector<std::string> all = hosts();
+    return std::any_of(all.begin(), all.end(), [](const std::string &host) {
+        return base::KnownKeys::instance().hasChanged(host);
+    });
+}
+
+void Resolver::trustKey()
+{
+    for (const std::string &host : hosts())
+        base::KnownKeys::instance().trustChanged(host);
 }
 
 } // namespace cammgr

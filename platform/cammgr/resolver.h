@@ -42,10 +42,16 @@ public:
     /// Asks for a key frame now; does nothing while the camera's ONVIF address is not known.
     void requestKeyFrame(const std::string &profileToken);
 
+    /// Whether a service of the camera has shown another TLS key than before.
+    bool hasChangedKey() const;
+    /// Trusts the keys of the camera's services that were refused. See base::KnownKeys.
+    void trustKey();
+
     /// Called when a camera was found at another address than before. May be empty.
     std::function<void()> onMoved;
 
 private:
+    std::vector<std::string> hosts() const;
     void lookUp();
     void located(const onvif::CameraLocation &location);
     void finishFind(bool found);

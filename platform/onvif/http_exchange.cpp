@@ -1,6 +1,9 @@
 #include "platform/onvif/http_exchange.h"
 
+#include "platform/base/certificate_key.h"
+#include "platform/base/known_keys.h"
 #include "platform/base/timer.h"
+#include "platform/onvif/log.h"
 #include "platform/onvif/net_address.h"
 #include "platform/onvif/xml_message.h"
 
@@ -79,7 +82,7 @@ private:
         // The body is used up when libsoup sends the message a second time.
         g_signal_connect(m_message.get(), "restarted", G_CALLBACK(setBody), this);
         g_signal_connect(m_message.get(), "accept-certificate", G_CALLBACK(acceptCertificate),
-                         nullptr);
+                         this);
     }
 
     void disconnect()
@@ -102,10 +105,19 @@ private:
         g_bytes_unref(body);
     }
 
-    static gboolean acceptCertificate(SoupMessage *, GTlsCertificate *, GTlsCertificateFlags,
-                                      gpointer)
+    static gboolean acceptCertificate(SoupMessage *, GTlsCertificate *certificate,
+                                      GTlsCertificateFlags, gpointer self)
     {
-        return TRUE;
+        const HttpPost &post = static_cast<Exchange *>(self)->m_post;
+        const HttpAddress address = parseHttpAddress(post.address).value_or(HttpAddress());
+        const base::Endpoint service = {
+            .host = address.host, .port = static_cast<std::uint16_t>(address.port), .tls = true};
+        const bool accepts =
+            base::KnownKeys::instance().check(service, base::publicKeyDigest(certificate)) !=
+            base::KnownKeys::Verdict::Changed;
+        if (!accepts)
+            g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: the key has changed", post.address.c_str());
+        return accepts;
     }
 
     static void sent(GObject *session, GAsyncResult *result, gpointer data)
@@ -236,6 +248,8 @@ base::GObjectPtr<SoupSession> newHttpSession(GMainContext *context)
     base::GObjectPtr<SoupSession> session(soup_session_new_with_options(
         "max-conns-per-host", connectionsPerDevice, "timeout", 0, "idle-timeout", 15, nullptr));
     soup_session_set_proxy_resolver(session.get(), nullptr);
+    // Without authorities each certificate is to be decided on here.
+    soup_session_set_tls_database(session.get(), nullptr);
     soup_session_remove_feature_by_type(session.get(), SOUP_TYPE_CONTENT_DECODER);
     // libsoup would answer any Basic challenge in clear, and knows MD5 digests only.
     soup_session_remove_feature_by_type(session.get(), SOUP_TYPE_AUTH_MANAGER);

@@ -49,7 +49,7 @@ struct SoapOptions
 /// refuses otherwise, or takes no digest, gets a WS-Security UsernameToken, dated by its own clock;
 /// never both in one message. HTTP basic comes last: over TLS, or where ClearPassword allows it.
 /// The way that worked and the nonce are kept. Wrong credentials reach the device at most three
-/// times a call. Certificates are not checked: cameras make their own. Answers are limited to
+/// times a call. Over TLS a device has to keep its key, see base::KnownKeys. Answers are limited to
 /// XmlMessage::maxBytes; redirections are not followed.
 ///
 /// Belongs to the thread that runs the context as its default.

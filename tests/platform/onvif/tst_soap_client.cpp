@@ -1,7 +1,9 @@
 #include "platform/onvif/soap_client.h"
 
+#include "platform/base/known_keys.h"
 #include "tests/platform/onvif/support/raw_peer.h"
 #include "tests/platform/onvif/support/soap_device.h"
+#include "tests/platform/rtsp/tls_front.h"
 
 #include <gtest/gtest.h>
 
@@ -465,6 +467,26 @@ TEST_F(SoapClientTest, LetsTheReceiverAskAgain)
     running = client.call(client.deviceService(), "a", body, SoapKind::Question, next);
     EXPECT_TRUE(m_context.runUntil([&answers] { return answers == 3; }));
     EXPECT_FALSE(running);
+}
+
+TEST_F(SoapClientTest, OverTlsADeviceHasToKeepItsKey)
+{
+    SoapDevice device(m_context);
+    device.answer(request, response);
+    auto front = std::make_unique<TlsFront>(device.port());
+    const int port = front->port();
+    const std::string service = "https://127.0.0.1:" + std::to_string(port) + "/onvif";
+    EXPECT_EQ(statusFrom(service), SoapStatus::Ok);
+    EXPECT_EQ(statusFrom(service), SoapStatus::Ok);
+    front.reset();
+    const std::size_t asked = device.seen().size();
+    EXPECT_EQ(asked, 2U);
+
+    front = std::make_unique<TlsFront>(device.port(), TlsFront::Key::Second, port);
+    EXPECT_EQ(statusFrom(service), SoapStatus::NoAnswer);
+    EXPECT_EQ(device.seen().size(), asked) << "nothing is told to a stranger";
+    EXPECT_TRUE(base::KnownKeys::instance().trustChanged("127.0.0.1"));
+    EXPECT_EQ(statusFrom(service), SoapStatus::Ok);
 }
 
 } // namespace onvif
