@@ -2,6 +2,8 @@
 
 #include "camsim/json.h"
 #include "camsim/net.h"
+#include "camsim/scene.h"
+#include "camsim/timecode.h"
 
 #include <glib.h>
 
@@ -45,7 +47,7 @@ int portInRow(int base, int index)
 Camera::Camera(const Shared &shared, const Options &options, int index)
     : m_options(options)
     , m_index(index)
-    , m_password(options.password)
+    , m_account(options.user, options.password, options.lockAfter)
     , m_faults(std::make_shared<RtspFaults>())
     , m_discovery(*this, options.neighbour)
 {
@@ -66,21 +68,22 @@ Camera::Camera(const Shared &shared, const Options &options, int index)
     }
     if (options.backChannel)
         m_backChannel = std::make_shared<BackChannel>();
-    m_rtsp = std::make_unique<RtspServer>(
-        RtspServer::Login{options.user, options.password}, options.transport,
-        options.sessionTimeout,
-        StreamSet{m_mainVideo.get(), m_subVideo.get(), m_audio.get(), m_backChannel.get()},
-        options.altPaths ? "/cam/main" : "/live/0/h264.sdp",
-        options.altPaths ? "/cam/sub" : "/live/1/h264.sdp");
+    m_rtsp = std::make_unique<RtspServer>(RtspServer::Login{options.user, options.password},
+                                          options.transport, options.rtsp.sessionTimeout,
+                                          StreamSet{m_mainVideo.get(), m_subVideo.get(),
+                                                    m_audio.get(), m_backChannel.get(),
+                                                    options.codec, options.audioCodec},
+                                          options.altPaths ? "/cam/main" : "/live/0/h264.sdp",
+                                          options.altPaths ? "/cam/sub" : "/live/1/h264.sdp");
     m_rtsp->setUnknownPathStatus(options.unknownPathStatus);
-    m_http = std::make_unique<HttpServer>(*this, options.onvif);
+    m_http = std::make_unique<HttpServer>(*this, m_account, options.onvif);
 
-    const std::chrono::seconds timeout{options.sessionTimeout};
     m_rtspFront = std::make_unique<TcpFront>(
         shared.reactor, m_rtsp->port(),
-        [&reactor = shared.reactor, faults = m_faults, timeout] {
-            return std::make_unique<RtspPolicy>(reactor, faults, timeout);
-        });
+        [this, &reactor = shared.reactor] {
+            return std::make_unique<RtspPolicy>(reactor, m_faults, m_account, m_options.rtsp);
+        },
+        options.rtsp.nagle ? TcpFront::Segments::Nagle : TcpFront::Segments::AtOnce);
     const auto httpFront = [&](HttpPolicy::Front front) {
         return std::make_unique<TcpFront>(shared.reactor, m_http->port(),
                                           [front, closes = options.onvif.closesAfter401] {
@@ -97,8 +100,9 @@ Camera::~Camera() = default;
 
 std::unique_ptr<VideoSource> Camera::makeVideo(const Shared &shared, const StreamOptions &stream)
 {
-    const VideoSettings settings{stream.width, stream.height, stream.fps, stream.bitrate,
-                                 m_options.keyInterval};
+    const VideoSettings settings{stream.width,      stream.height,         stream.fps,
+                                 stream.bitrate,    m_options.keyInterval, m_options.codec,
+                                 m_options.profile, m_options.bFrames};
     if (m_options.canned)
         return std::make_unique<CannedVideo>(shared.ticker, settings, m_index);
     return std::make_unique<LiveVideo>(
@@ -144,7 +148,7 @@ std::string Camera::describe(int controlPort) const
         .add("main", streamUri(StreamKind::Main))
         .add("sub", streamUri(StreamKind::Sub))
         .add("user", m_options.user)
-        .add("password", m_password)
+        .add("password", m_account.password())
         .add("mac", m_identity.mac)
         .add("control_port", controlPort)
         .text();
@@ -169,6 +173,9 @@ std::string Camera::status() const
         .add("rtsp_requests", m_faults->requests.load())
         .add("video_frames", m_faults->videoFrames.load())
         .add("key_frame_requests", m_http->onvif().keyFrameRequests())
+        .add("wrong_logins", m_account.wrongLogins())
+        .add("locked", int{m_account.isLocked()})
+        .add("snapshots", m_http->snapshots())
         .add("longest_frame_gap_ms",
              std::max(m_mainVideo->takeLongestGap(), m_subVideo->takeLongestGap()).count())
         .add("back_channel_packets", heard.packets)
@@ -192,6 +199,25 @@ VideoSettings Camera::video(StreamKind stream) const
 void Camera::requestKeyFrame(StreamKind stream)
 {
     source(stream).forceKeyFrame();
+}
+
+std::string Camera::snapshot(StreamKind stream) const
+{
+    VideoSettings settings = video(stream);
+    settings.codec = VideoCodec::Mjpeg;
+    std::string picture;
+    Encoder encoder(settings, [&picture](GstBuffer *unit, bool) {
+        picture.resize(gst_buffer_get_size(unit));
+        gst_buffer_extract(unit, 0, picture.data(), picture.size());
+    });
+    Scene scene(m_index, m_identity.name, settings.width, settings.height, m_options.timeCode);
+    encoder.encode([&](const PictureView &view) {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        scene.draw(view, std::chrono::duration<double>(now).count(), std::time(nullptr),
+                   timecode::now());
+    });
+    encoder.finish();
+    return picture;
 }
 
 std::string Camera::streamUri(StreamKind stream) const
@@ -307,7 +333,7 @@ void Camera::goDownFor(double seconds)
 
 void Camera::setPassword(const std::string &password)
 {
-    m_password = password;
+    m_account.setPassword(password);
     m_rtsp->setPassword(password);
 }
 

@@ -45,17 +45,19 @@ public:
     Change setNetwork(const NetworkState &wanted) override;
     std::string dhcpAddress() const override { return m_options.bind; }
     std::string user() const override { return m_options.user; }
-    std::string password() const override { return m_password; }
+    std::string password() const override { return m_account.password(); }
     std::time_t clock() const override { return std::time(nullptr) + m_clockSkew; }
     void reboot() override;
     VideoSettings video(StreamKind stream) const override;
     bool hasAudio() const override { return m_audio != nullptr; }
     std::string streamUri(StreamKind stream) const override;
     void requestKeyFrame(StreamKind stream) override;
+    std::string snapshot(StreamKind stream) const override;
     std::string serviceUri(const std::string &service) const override;
 
     // What the control connection does to it
     RtspFaults &faults() { return *m_faults; }
+    Account &account() { return m_account; }
     CommandForms &forms() { return m_http->forms(); }
     void setPassword(const std::string &password);
     void setClockSkew(int seconds) { m_clockSkew = seconds; }
@@ -83,7 +85,7 @@ private:
     const Options m_options;
     const int m_index;
     Identity m_identity;
-    std::string m_password;
+    Account m_account;
     NetworkState m_network; ///< as written last
     NetworkState m_active;  ///< where the camera answers
     int m_clockSkew = 0;

@@ -76,6 +76,8 @@ public:
     virtual bool hasAudio() const = 0;
     virtual std::string streamUri(StreamKind stream) const = 0;
     virtual void requestKeyFrame(StreamKind stream) = 0;
+    /// What the stream shows now, as a JPEG; empty when it cannot be made.
+    virtual std::string snapshot(StreamKind stream) const = 0;
     /// "http://address:port/onvif/" and the service's name, where the camera answers now.
     virtual std::string serviceUri(const std::string &service) const = 0;
 };

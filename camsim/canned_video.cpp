@@ -23,12 +23,13 @@ struct CannedVideo::Clip
 
 namespace {
 
-using ClipKey = std::tuple<int, int, int, int, int, int>;
+using ClipKey = std::tuple<int, int, int, int, int, int, VideoCodec, H264Profile, int>;
 
 ClipKey keyOf(const VideoSettings &settings, int scene)
 {
-    return {scene,        settings.width,   settings.height,
-            settings.fps, settings.bitrate, settings.keyDistance()};
+    return {scene,          settings.width,   settings.height,
+            settings.fps,   settings.bitrate, settings.keyDistance(),
+            settings.codec, settings.profile, settings.bFrames};
 }
 
 std::shared_ptr<const CannedVideo::Clip> encodeClip(const VideoSettings &settings, int scene)

@@ -114,14 +114,16 @@ std::optional<std::string> keyFrame(Camera &camera, const Arguments &arguments)
     return done;
 }
 
-std::optional<std::string> halfAnswer(Camera &camera, const Arguments &arguments)
+/// A command that cuts the next of something, and then says nothing or closes.
+Run half(std::atomic<RtspFaults::Half> RtspFaults::*what)
 {
-    const bool close = arguments == Arguments{"close"};
-    if (!arguments.empty() && !close)
-        return wrong;
-    camera.faults().halfAnswer =
-        close ? RtspFaults::HalfAnswer::ThenClose : RtspFaults::HalfAnswer::ThenSilent;
-    return done;
+    return [what](Camera &camera, const Arguments &arguments) {
+        const bool close = arguments == Arguments{"close"};
+        if (!arguments.empty() && !close)
+            return wrong;
+        camera.faults().*what = close ? RtspFaults::Half::ThenClose : RtspFaults::Half::ThenSilent;
+        return done;
+    };
 }
 
 void heal(Camera &camera)
@@ -130,11 +132,13 @@ void heal(Camera &camera)
     faults.frozen = false;
     faults.garbage = false;
     faults.hugeDescription = false;
-    faults.halfAnswer = RtspFaults::HalfAnswer::No;
+    faults.halfAnswer = RtspFaults::Half::No;
+    faults.halfPacket = RtspFaults::Half::No;
     faults.lossPercent = 0;
     faults.slowMs = 0;
     camera.forms().setFault(CommandForms::Fault::None);
     camera.setClockSkew(0);
+    camera.account().unlock();
     camera.setPower(true);
 }
 
@@ -156,7 +160,14 @@ const std::map<std::string, Command> &commands()
                     })}},
         {"thaw", {": ends freeze", plain([](Camera &camera) { camera.faults().frozen = false; })}},
         {"half-answer",
-         {"[close]: the next RTSP answer stops in the middle of a word", halfAnswer}},
+         {"[close]: the next RTSP answer stops in the middle of a word",
+          half(&RtspFaults::halfAnswer)}},
+        {"half-packet",
+         {"[close]: the next interleaved packet stops in its middle",
+          half(&RtspFaults::halfPacket)}},
+        {"unlock", {": the account may log in again", plain([](Camera &camera) {
+                        camera.account().unlock();
+                    })}},
         {"garbage",
          {"[on|off]: random bytes in place of picture and sound",
           withSwitch([](Camera &camera, bool on) { camera.faults().garbage = on; })}},

@@ -11,14 +11,58 @@ namespace camsim {
 
 namespace {
 
+std::string rateAndDistance(const VideoSettings &settings)
+{
+    return "bitrate=" + std::to_string(std::max(1, settings.bitrate / 1000)) +
+           " key-int-max=" + std::to_string(settings.keyDistance());
+}
+
+std::string describeH264(const VideoSettings &settings)
+{
+    std::string encoder = "x264enc name=encoder threads=1 byte-stream=true ";
+    // Without B frames nothing has to wait for a later frame.
+    if (settings.bFrames == 0)
+        encoder += "tune=zerolatency ";
+    else
+        encoder += "b-adapt=false rc-lookahead=0 sync-lookahead=0 mb-tree=false bframes=" +
+                   std::to_string(settings.bFrames) + ' ';
+    encoder += "speed-preset=ultrafast " + rateAndDistance(settings);
+    std::string format = "video/x-h264,stream-format=byte-stream,alignment=au";
+    if (settings.profile == H264Profile::Main) {
+        encoder += " option-string=cabac=1";
+        format += ",profile=main";
+    } else if (settings.profile == H264Profile::High) {
+        encoder += " option-string=cabac=1:8x8dct=1";
+        format += ",profile=high";
+    }
+    return encoder + " ! " + format;
+}
+
+std::string describeH265(const VideoSettings &settings)
+{
+    // Its pool would have a thread for each processor and camera.
+    return "x265enc name=encoder tune=zerolatency speed-preset=ultrafast "
+           "option-string=pools=none:frame-threads=1:repeat-headers=1:log-level=0 " +
+           rateAndDistance(settings) + " ! video/x-h265,stream-format=byte-stream,alignment=au";
+}
+
+std::string describeEncoder(const VideoSettings &settings)
+{
+    switch (settings.codec) {
+    case VideoCodec::H265:
+        return describeH265(settings);
+    case VideoCodec::Mjpeg:
+        return "jpegenc name=encoder quality=60";
+    case VideoCodec::H264:
+        break;
+    }
+    return describeH264(settings);
+}
+
 std::string describePipeline(const VideoSettings &settings)
 {
-    return "appsrc name=source format=time block=true max-buffers=4 "
-           "! x264enc name=encoder tune=zerolatency speed-preset=ultrafast threads=1 "
-           "byte-stream=true bitrate=" +
-           std::to_string(std::max(1, settings.bitrate / 1000)) +
-           " key-int-max=" + std::to_string(settings.keyDistance()) +
-           " ! video/x-h264,stream-format=byte-stream,alignment=au"
+    return "appsrc name=source format=time block=true max-buffers=4 ! " +
+           describeEncoder(settings) +
            " ! appsink name=sink sync=false async=false emit-signals=false";
 }
 
@@ -36,7 +80,7 @@ Encoder::Encoder(const VideoSettings &settings, Output output)
     GError *error = nullptr;
     m_pipeline = gst_parse_launch(describePipeline(settings).c_str(), &error);
     if (error) {
-        g_warning("no H.264 encoder: %s", error->message);
+        g_warning("no video encoder: %s", error->message);
         g_clear_error(&error);
         gst_clear_object(&m_pipeline);
         return;

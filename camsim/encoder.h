@@ -1,5 +1,6 @@
 #pragma once
 
+#include "camsim/codecs.h"
 #include "camsim/picture.h"
 
 #include <gst/gst.h>
@@ -16,12 +17,16 @@ struct VideoSettings
     int fps = 15;
     int bitrate = 512'000;    ///< bits per second
     double keyInterval = 1.0; ///< seconds
+    VideoCodec codec = VideoCodec::H264;
+    H264Profile profile = H264Profile::Baseline;
+    int bFrames = 0; ///< between two other frames; of H.264, not with Baseline
 
     int keyDistance() const; ///< frames
 };
 
-/// H.264 encoder without delay. Frames go in on one thread; access units (byte stream, parameter
-/// sets before each key frame) come out on the encoder's own streaming thread.
+/// Video encoder without delay, but for B frames. Frames go in on one thread; access units (byte
+/// stream with parameter sets before each key frame, or JPEG) come out on the encoder's own
+/// streaming thread. The presentation time of a unit less its decoding time tells its reordering.
 class Encoder
 {
 public:

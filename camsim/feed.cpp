@@ -24,6 +24,24 @@ GstPadProbeReturn onEvent(GstPad *, GstPadProbeInfo *info, gpointer data)
     return GST_PAD_PROBE_OK;
 }
 
+/// With the time of now, later by what its presentation comes after its decoding (B frames); the
+/// element itself stamps what has no time.
+void stamp(GstBuffer *unit, GstElement *appsrc)
+{
+    const GstClockTime shown = GST_BUFFER_PTS(unit);
+    const GstClockTime decoded = GST_BUFFER_DTS(unit);
+    GST_BUFFER_PTS(unit) = GST_BUFFER_DTS(unit) = GST_CLOCK_TIME_NONE;
+    const bool isReordered =
+        GST_CLOCK_TIME_IS_VALID(shown) && GST_CLOCK_TIME_IS_VALID(decoded) && shown > decoded;
+    if (!isReordered)
+        return;
+    const GstClockTime now = gst_element_get_current_running_time(appsrc);
+    if (!GST_CLOCK_TIME_IS_VALID(now))
+        return;
+    GST_BUFFER_DTS(unit) = now;
+    GST_BUFFER_PTS(unit) = now + (shown - decoded);
+}
+
 } // namespace
 
 Feed::Feed(GstElement *appsrc)
@@ -53,7 +71,7 @@ void Feed::push(GstBuffer *buffer)
     if (appsrc) {
         noteGap(before);
         GstBuffer *copy = gst_buffer_copy(buffer); // shares the memory
-        GST_BUFFER_PTS(copy) = GST_BUFFER_DTS(copy) = GST_CLOCK_TIME_NONE;
+        stamp(copy, appsrc);
         taken = gst_app_src_push_buffer(GST_APP_SRC(appsrc), copy);
         gst_object_unref(appsrc);
     }

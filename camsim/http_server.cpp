@@ -10,6 +10,7 @@ namespace {
 
 constexpr const char *realm = "camsim";
 constexpr const char *soapType = "application/soap+xml; charset=utf-8";
+constexpr const char *snapshotPath = "/onvif/snapshot/";
 // Names the port that a request came to.
 constexpr const char *frontHeader = "X-Front";
 constexpr int maxSkew = 10; ///< seconds that a UsernameToken may be away from the camera's clock
@@ -18,6 +19,13 @@ void respond(SoupServerMessage *message, guint status, const char *type, const s
 {
     soup_server_message_set_status(message, status, nullptr);
     soup_server_message_set_response(message, type, SOUP_MEMORY_COPY, text.data(), text.size());
+}
+
+/// Of the profile whose still picture is asked for: "…/profile_main.jpg".
+std::string tokenOf(std::string_view path)
+{
+    path.remove_prefix(std::string_view(snapshotPath).size());
+    return std::string(path.substr(0, path.rfind('.')));
 }
 
 std::string htmlEscaped(const std::string &text)
@@ -50,8 +58,9 @@ void sendGarbage(SoupServerMessage *message)
 
 } // namespace
 
-HttpServer::HttpServer(CameraModel &camera, const OnvifOptions &options)
+HttpServer::HttpServer(CameraModel &camera, Account &account, const OnvifOptions &options)
     : m_camera(camera)
+    , m_account(account)
     , m_options(options)
     , m_onvif(camera, options)
     , m_forms(camera)
@@ -81,6 +90,8 @@ HttpServer::HttpServer(CameraModel &camera, const OnvifOptions &options)
         const bool isOnvif = g_str_has_prefix(path, "/onvif/");
         if (!self->isServedAt(message, isOnvif))
             respond(message, 404, "text/plain", "404 Not Found\n");
+        else if (g_str_has_prefix(path, snapshotPath) && g_str_has_suffix(path, ".jpg"))
+            self->onSnapshot(message, tokenOf(path));
         else if (isOnvif)
             self->onOnvif(message);
         else if (g_str_has_prefix(path, "/form/"))
@@ -114,7 +125,7 @@ HttpServer::~HttpServer()
 bool HttpServer::isProven(SoupServerMessage *message, SoupAuthDomain *domain) const
 {
     char *user = soup_auth_domain_accepts(domain, message);
-    const bool proven = user != nullptr;
+    const bool proven = user != nullptr && !m_account.isLocked();
     g_free(user);
     return proven;
 }
@@ -133,6 +144,15 @@ bool HttpServer::isProven(SoupServerMessage *message) const
     const bool takesBasic = takesDigest || login == OnvifLogin::BasicOnly;
     return (takesDigest && isProven(message, m_digest)) ||
            (takesBasic && isProven(message, m_basic));
+}
+
+void HttpServer::noteRefusal(SoupServerMessage *message, bool hadToken)
+{
+    SoupMessageHeaders *headers = soup_server_message_get_request_headers(message);
+    if (m_account.isLocked())
+        return; // also the right login is refused
+    if (hadToken || soup_message_headers_get_one(headers, "Authorization"))
+        m_account.noteWrong();
 }
 
 void HttpServer::refuse(SoupServerMessage *message)
@@ -159,7 +179,7 @@ bool HttpServer::mayAsk(SoupServerMessage *message, const soap::Request &request
     const std::optional<soap::UsernameToken> token = request.token();
     const OnvifLogin login = m_options.login;
     const bool takesTokens = login != OnvifLogin::HttpOnly && login != OnvifLogin::BasicOnly;
-    return takesTokens && token && token->user == m_camera.user() &&
+    return takesTokens && token && !m_account.isLocked() && token->user == m_camera.user() &&
            token->proves(m_camera.password(), m_camera.clock(), maxSkew);
 }
 
@@ -171,6 +191,7 @@ void HttpServer::onOnvif(SoupServerMessage *message)
         request.parse(std::string_view(body->data, static_cast<std::size_t>(body->length)));
     // A client may send an empty request first to learn how to log in.
     if (!(parsed ? mayAsk(message, request) : isProven(message))) {
+        noteRefusal(message, parsed && request.token());
         refuse(message);
         return;
     }
@@ -189,6 +210,24 @@ void HttpServer::onOnvif(SoupServerMessage *message)
     respond(message, static_cast<guint>(answer.status), soapType, answer.text);
 }
 
+void HttpServer::onSnapshot(SoupServerMessage *message, const std::string &token)
+{
+    const std::optional<StreamKind> stream = m_onvif.snapshotStream(token);
+    if (!stream) {
+        respond(message, 404, "text/plain", "404 Not Found\n");
+        return;
+    }
+    // A token of WS-Security has no place in such a request.
+    if (!isProven(message, m_digest)) {
+        noteRefusal(message, false);
+        respond(message, 401, "text/plain", "401 Unauthorized\n");
+        soup_auth_domain_challenge(m_digest, message);
+        return;
+    }
+    ++m_snapshots;
+    respond(message, 200, "image/jpeg", m_camera.snapshot(*stream));
+}
+
 void HttpServer::onForm(SoupServerMessage *message, const char *path)
 {
     if (m_forms.fault() == CommandForms::Fault::Silent) {
@@ -200,6 +239,7 @@ void HttpServer::onForm(SoupServerMessage *message, const char *path)
         return;
     }
     if (!isProven(message, m_basic)) {
+        noteRefusal(message, false);
         respond(message, 401, "text/plain", "401 Unauthorized\n");
         soup_auth_domain_challenge(m_basic, message);
         return;

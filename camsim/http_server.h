@@ -3,6 +3,7 @@
 #include "camsim/camera_model.h"
 #include "camsim/command_forms.h"
 #include "camsim/link.h"
+#include "camsim/login_gate.h"
 #include "camsim/message_splitter.h"
 #include "camsim/onvif_server.h"
 #include "camsim/options.h"
@@ -19,7 +20,7 @@ namespace camsim {
 class HttpServer
 {
 public:
-    HttpServer(CameraModel &camera, const OnvifOptions &options);
+    HttpServer(CameraModel &camera, Account &account, const OnvifOptions &options);
     ~HttpServer();
     HttpServer(const HttpServer &) = delete;
     HttpServer &operator=(const HttpServer &) = delete;
@@ -27,18 +28,22 @@ public:
     int port() const { return m_port; }
     CommandForms &forms() { return m_forms; }
     const OnvifServer &onvif() const { return m_onvif; }
+    int snapshots() const { return m_snapshots; }
 
 private:
     bool isServedAt(SoupServerMessage *message, bool isOnvif) const;
     bool isProven(SoupServerMessage *message, SoupAuthDomain *domain) const;
     bool isProven(SoupServerMessage *message) const;
     void refuse(SoupServerMessage *message);
+    void noteRefusal(SoupServerMessage *message, bool hadToken);
     void onOnvif(SoupServerMessage *message);
     bool mayAsk(SoupServerMessage *message, const soap::Request &request) const;
     void onForm(SoupServerMessage *message, const char *path);
+    void onSnapshot(SoupServerMessage *message, const std::string &token);
     void onPage(SoupServerMessage *message);
 
     CameraModel &m_camera;
+    Account &m_account;
     const OnvifOptions m_options;
     OnvifServer m_onvif;
     CommandForms m_forms;
@@ -46,6 +51,7 @@ private:
     SoupAuthDomain *m_digest;
     SoupAuthDomain *m_basic;
     int m_port = 0;
+    int m_snapshots = 0;
 };
 
 /// Relays HTTP. Command requests carry no Host header, which HTTP/1.1 demands and libsoup insists

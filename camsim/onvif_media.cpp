@@ -4,17 +4,9 @@
 namespace camsim {
 
 using soap::add;
+using soap::addNamed;
 
 namespace {
-
-pugi::xml_node addNamed(pugi::xml_node parent, const char *element, const std::string &token)
-{
-    pugi::xml_node node = add(parent, element);
-    node.append_attribute("token") = token.c_str();
-    add(node, "tt:Name", token);
-    add(node, "tt:UseCount", "2");
-    return node;
-}
 
 void addMulticast(pugi::xml_node parent)
 {
@@ -25,6 +17,54 @@ void addMulticast(pugi::xml_node parent)
     add(node, "tt:Port", "0");
     add(node, "tt:TTL", "1");
     add(node, "tt:AutoStart", "false");
+}
+
+void addMediaUri(pugi::xml_node out, const std::string &uri)
+{
+    const pugi::xml_node media = add(out, "trt:MediaUri");
+    add(media, "tt:Uri", uri);
+    add(media, "tt:InvalidAfterConnect", "false");
+    add(media, "tt:InvalidAfterReboot", "false");
+    add(media, "tt:Timeout", "PT0S");
+}
+
+const char *profileName(H264Profile profile)
+{
+    switch (profile) {
+    case H264Profile::Main:
+        return "Main";
+    case H264Profile::High:
+        return "High";
+    case H264Profile::Baseline:
+        break;
+    }
+    return "Baseline";
+}
+
+void addEncoder(pugi::xml_node profile, const std::string &token, const VideoSettings &video)
+{
+    // Media 1 has no word for H.265: such a profile comes without its encoder.
+    if (video.codec == VideoCodec::H265)
+        return;
+    const pugi::xml_node encoder =
+        addNamed(profile, "tt:VideoEncoderConfiguration", token + "_encoder");
+    const bool isH264 = video.codec == VideoCodec::H264;
+    add(encoder, "tt:Encoding", isH264 ? "H264" : "JPEG");
+    const pugi::xml_node size = add(encoder, "tt:Resolution");
+    add(size, "tt:Width", std::to_string(video.width));
+    add(size, "tt:Height", std::to_string(video.height));
+    add(encoder, "tt:Quality", "5");
+    const pugi::xml_node rate = add(encoder, "tt:RateControl");
+    add(rate, "tt:FrameRateLimit", std::to_string(video.fps));
+    add(rate, "tt:EncodingInterval", "1");
+    add(rate, "tt:BitrateLimit", std::to_string(video.bitrate / 1000));
+    if (isH264) {
+        const pugi::xml_node h264 = add(encoder, "tt:H264");
+        add(h264, "tt:GovLength", std::to_string(video.keyDistance()));
+        add(h264, "tt:H264Profile", profileName(video.profile));
+    }
+    addMulticast(encoder);
+    add(encoder, "tt:SessionTimeout", "PT60S");
 }
 
 } // namespace
@@ -53,7 +93,7 @@ OnvifServer::Profile OnvifServer::profileOf(pugi::xml_node in) const
     throw OnvifFault{"ter:NoProfile", "There is no such profile"};
 }
 
-void OnvifServer::fillProfile(pugi::xml_node node, const Profile &profile) const
+VideoSettings OnvifServer::videoOf(const Profile &profile) const
 {
     VideoSettings video = m_camera.video(profile.stream);
     // The picture of the second lens is larger, its sub stream smaller than those of the first.
@@ -62,6 +102,32 @@ void OnvifServer::fillProfile(pugi::xml_node node, const Profile &profile) const
         video.width = isMain ? 2 * video.width : 320;
         video.height = isMain ? 2 * video.height : 180;
     }
+    return video;
+}
+
+std::string OnvifServer::streamUriOf(const Profile &profile) const
+{
+    // Only the first lens is served.
+    const std::string lens = profile.lens == 1 ? "" : "?lens=" + std::to_string(profile.lens);
+    return m_camera.streamUri(profile.stream) + lens;
+}
+
+std::string OnvifServer::snapshotUriOf(const Profile &profile) const
+{
+    return m_camera.serviceUri("snapshot/" + profile.token() + ".jpg");
+}
+
+std::optional<StreamKind> OnvifServer::snapshotStream(const std::string &token) const
+{
+    for (const Profile &profile : profiles())
+        if (m_options.snapshots && profile.token() == token)
+            return profile.stream;
+    return std::nullopt;
+}
+
+void OnvifServer::fillProfile(pugi::xml_node node, const Profile &profile) const
+{
+    const VideoSettings video = videoOf(profile);
     const std::string token = profile.token();
     node.append_attribute("token") = token.c_str();
     node.append_attribute("fixed") = "true";
@@ -84,22 +150,7 @@ void OnvifServer::fillProfile(pugi::xml_node node, const Profile &profile) const
         add(sound, "tt:SourceToken", "audio_source");
     }
 
-    const pugi::xml_node encoder =
-        addNamed(node, "tt:VideoEncoderConfiguration", token + "_encoder");
-    add(encoder, "tt:Encoding", "H264");
-    const pugi::xml_node size = add(encoder, "tt:Resolution");
-    add(size, "tt:Width", std::to_string(video.width));
-    add(size, "tt:Height", std::to_string(video.height));
-    add(encoder, "tt:Quality", "5");
-    const pugi::xml_node rate = add(encoder, "tt:RateControl");
-    add(rate, "tt:FrameRateLimit", std::to_string(video.fps));
-    add(rate, "tt:EncodingInterval", "1");
-    add(rate, "tt:BitrateLimit", std::to_string(video.bitrate / 1000));
-    const pugi::xml_node h264 = add(encoder, "tt:H264");
-    add(h264, "tt:GovLength", std::to_string(video.keyDistance()));
-    add(h264, "tt:H264Profile", "Baseline");
-    addMulticast(encoder);
-    add(encoder, "tt:SessionTimeout", "PT60S");
+    addEncoder(node, token, video);
 
     if (m_camera.hasAudio()) {
         const pugi::xml_node sound =
@@ -125,14 +176,12 @@ void OnvifServer::getProfile(pugi::xml_node in, pugi::xml_node out)
 
 void OnvifServer::getStreamUri(pugi::xml_node in, pugi::xml_node out)
 {
-    const Profile profile = profileOf(in);
-    const pugi::xml_node media = add(out, "trt:MediaUri");
-    // Only the first lens is served.
-    const std::string lens = profile.lens == 1 ? "" : "?lens=" + std::to_string(profile.lens);
-    add(media, "tt:Uri", m_camera.streamUri(profile.stream) + lens);
-    add(media, "tt:InvalidAfterConnect", "false");
-    add(media, "tt:InvalidAfterReboot", "false");
-    add(media, "tt:Timeout", "PT0S");
+    addMediaUri(out, streamUriOf(profileOf(in)));
+}
+
+void OnvifServer::getSnapshotUri(pugi::xml_node in, pugi::xml_node out)
+{
+    addMediaUri(out, snapshotUriOf(profileOf(in)));
 }
 
 void OnvifServer::setSynchronizationPoint(pugi::xml_node in, pugi::xml_node)

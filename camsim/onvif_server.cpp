@@ -12,6 +12,8 @@ using soap::add;
 
 namespace {
 
+constexpr const char *media1 = "http://www.onvif.org/ver10/media/wsdl";
+constexpr const char *media2 = "http://www.onvif.org/ver20/media/wsdl";
 constexpr std::string_view scopeRoot = "onvif://www.onvif.org/";
 
 std::string escape(const std::string &text)
@@ -85,20 +87,35 @@ const std::map<std::string, OnvifServer::Entry> &OnvifServer::operations()
         {"GetStreamUri", {"trt:GetStreamUriResponse", &S::getStreamUri}},
         {"SetSynchronizationPoint",
          {"trt:SetSynchronizationPointResponse", &S::setSynchronizationPoint}},
+        {"GetSnapshotUri", {"trt:GetSnapshotUriResponse", &S::getSnapshotUri}},
     };
     return table;
 }
 
+const OnvifServer::Entry *OnvifServer::find(const soap::Request &request) const
+{
+    const std::string service = request.service();
+    const std::string name = request.name();
+    const bool isUnserved = (service == media1 && !hasMedia1()) ||
+                            (service == media2 && !hasMedia2()) ||
+                            (name == "GetSnapshotUri" && !m_options.snapshots);
+    if (isUnserved)
+        return nullptr;
+    const Table &table = service == media2 ? media2Operations() : operations();
+    const auto found = table.find(name);
+    return found == table.end() ? nullptr : &found->second;
+}
+
 OnvifServer::Answer OnvifServer::answer(const soap::Request &request)
 {
-    const auto found = operations().find(request.name());
-    if (found == operations().end()) {
+    const Entry *entry = find(request);
+    if (!entry) {
         return {500, soap::fault("Receiver", "ter:ActionNotSupported", nullptr,
                                  "Optional action not implemented")};
     }
     soap::Reply reply;
     try {
-        (this->*found->second.run)(request.operation(), add(reply.body(), found->second.response));
+        (this->*entry->run)(request.operation(), add(reply.body(), entry->response));
     } catch (const OnvifFault &fault) {
         return {400, soap::fault("Sender", "ter:InvalidArgVal", fault.code, fault.reason)};
     }
@@ -147,6 +164,8 @@ void OnvifServer::getCapabilities(pugi::xml_node, pugi::xml_node out)
     add(network, "tt:ZeroConfiguration", "false");
     add(network, "tt:IPVersion6", "false");
     add(network, "tt:DynDNS", "false");
+    if (!hasMedia1()) // Media 2 is named by GetServices alone
+        return;
     const pugi::xml_node media = add(all, "tt:Media");
     add(media, "tt:XAddr", m_camera.serviceUri("media_service"));
     const pugi::xml_node streaming = add(media, "tt:StreamingCapabilities");
@@ -157,10 +176,13 @@ void OnvifServer::getCapabilities(pugi::xml_node, pugi::xml_node out)
 
 void OnvifServer::getServices(pugi::xml_node, pugi::xml_node out)
 {
-    static constexpr const char *kServices[][2] = {
-        {"http://www.onvif.org/ver10/device/wsdl", "device_service"},
-        {"http://www.onvif.org/ver10/media/wsdl", "media_service"}};
-    for (const auto &[uri, path] : kServices) {
+    std::vector<std::pair<const char *, const char *>> services = {
+        {"http://www.onvif.org/ver10/device/wsdl", "device_service"}};
+    if (hasMedia1())
+        services.emplace_back(media1, "media_service");
+    if (hasMedia2())
+        services.emplace_back(media2, "media2_service");
+    for (const auto &[uri, path] : services) {
         const pugi::xml_node service = add(out, "tds:Service");
         add(service, "tds:Namespace", uri);
         add(service, "tds:XAddr", m_camera.serviceUri(path));

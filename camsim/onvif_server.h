@@ -6,13 +6,14 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace camsim {
 
-/// The ONVIF device and media services of one camera (ONVIF Core and Media,
-/// version 1 services): SOAP text in, SOAP text out. Main thread.
+/// The ONVIF device and media services of one camera (ONVIF Core, Media and Media 2): SOAP text in,
+/// SOAP text out. Main thread.
 class OnvifServer
 {
 public:
@@ -28,6 +29,8 @@ public:
     bool isPublic(const std::string &operation) const;
     Answer answer(const soap::Request &request);
     int keyFrameRequests() const { return m_keyFrameRequests; }
+    /// Of a profile by its token; nullopt when there is none or it gives no still pictures.
+    std::optional<StreamKind> snapshotStream(const std::string &token) const;
 
 private:
     using Operation = void (OnvifServer::*)(pugi::xml_node in, pugi::xml_node out);
@@ -36,7 +39,13 @@ private:
         const char *response; ///< qualified name of the answer's element
         Operation run;
     };
-    static const std::map<std::string, Entry> &operations();
+    using Table = std::map<std::string, Entry>;
+    static const Table &operations();
+    static const Table &media2Operations();
+    bool hasMedia1() const { return m_options.media != OnvifMedia::Two; }
+    bool hasMedia2() const { return m_options.media != OnvifMedia::One; }
+    /// Null when the camera does not know the operation.
+    const Entry *find(const soap::Request &request) const;
 
     // Device service
     void getSystemDateAndTime(pugi::xml_node in, pugi::xml_node out);
@@ -62,6 +71,11 @@ private:
     void getProfile(pugi::xml_node in, pugi::xml_node out);
     void getStreamUri(pugi::xml_node in, pugi::xml_node out);
     void setSynchronizationPoint(pugi::xml_node in, pugi::xml_node out);
+    void getSnapshotUri(pugi::xml_node in, pugi::xml_node out);
+    // Media 2 service
+    void getProfiles2(pugi::xml_node in, pugi::xml_node out);
+    void getStreamUri2(pugi::xml_node in, pugi::xml_node out);
+    void getSnapshotUri2(pugi::xml_node in, pugi::xml_node out);
     /// One stream of one lens, as a profile.
     struct Profile
     {
@@ -70,6 +84,9 @@ private:
         std::string token() const;
     };
     std::vector<Profile> profiles() const;
+    VideoSettings videoOf(const Profile &profile) const;
+    std::string streamUriOf(const Profile &profile) const;
+    std::string snapshotUriOf(const Profile &profile) const;
     void fillProfile(pugi::xml_node node, const Profile &profile) const;
     Profile profileOf(pugi::xml_node in) const; ///< throws when there is no such profile
 

@@ -24,17 +24,30 @@ Starts simulated network cameras and prints one line of JSON for each when it is
   --control-port PORT     control connection, one for the process; 0: any free port (0)
   --main-size WxH, --main-fps N, --main-bitrate BITS    (1280x720, 25, 2000000)
   --sub-size WxH, --sub-fps N, --sub-bitrate BITS       (640x360, 15, 512000)
+  --codec h264|h265|mjpeg (h264)
+  --profile baseline|main|high, --b-frames N            of H.264 (baseline, 0)
+  --audio pcmu|pcma|g726|aac|latm|l16|opus              (pcmu)
   --key-interval SECONDS  distance of key frames (1)
   --canned                encode two seconds once and play them in a loop: costs nearly nothing
   --warm                  encode all the time, so that a client joins between two key frames
   --alt-paths             serve /cam/main and /cam/sub instead of /live/0 and /live/1
   --unknown-path N        RTSP status of a DESCRIBE for any other path (404)
   --transport tcp|udp|both (both)
+  --rtsp-login any|digest|qop|sha256  (any)
+                          digest: MD5 without qop; qop: MD5 with qop=auth and counted nonces
+  --lock-after N          lock the account at the Nth wrong login, of streams, services and
+                          command requests together (0: never)
+  --no-get-parameter      not in Public, and refused
+  --first-packet-after S  seconds from PLAY to the first packet (0)
+  --markers right|slices|sets|never  which RTP packets of H.264 have the marker (right)
+  --nagle                 segments of 1448 bytes and Nagle's algorithm, as on an Ethernet
   --onvif-login http|basic|token|bare-token|digest-token|both  (both)
                           bare-token: refused with 400 and no fault; digest-token: challenges for
                           a digest, accepts tokens only
   --onvif-port BASE       ONVIF services on ports other than the web pages
   --onvif-clock utc|local|none  (utc): local: local time only; none: not without a login
+  --onvif-media 1|2|both  the media services it has (1)
+  --no-snapshots          no address for still pictures
   --lenses N              video sources, 1 or 2 (1)
   --strict-gateway        refuse a gateway outside the subnet, and any while DHCP is on
   --lost-answers          change address and ports without answering the request
@@ -71,7 +84,7 @@ public:
         number("--onvif-port", options.onvif.port, 0, 65535);
         number("--lenses", options.onvif.lenses, 1, 2);
         number("--control-port", options.controlPort, 0, 65535);
-        number("--session-timeout", options.sessionTimeout, 0, 86400);
+        number("--session-timeout", options.rtsp.sessionTimeout, 0, 86400);
         stream("--main", options.main);
         stream("--sub", options.sub);
         seconds("--key-interval", options.keyInterval);
@@ -85,9 +98,40 @@ public:
         number("--unknown-path", options.unknownPathStatus, 400, 599);
         flag("--no-audio", options.audio, false);
         flag("--no-back-channel", options.backChannel, false);
+        flag("--no-get-parameter", options.rtsp.getParameter, false);
+        flag("--nagle", options.rtsp.nagle, true);
+        number("--lock-after", options.lockAfter, 0, 100);
+        number("--b-frames", options.bFrames, 0, 4);
+        seconds("--first-packet-after", options.rtsp.firstPacketAfter);
+        choice(
+            "--codec", options.codec,
+            {{"h264", VideoCodec::H264}, {"h265", VideoCodec::H265}, {"mjpeg", VideoCodec::Mjpeg}});
+        choice("--profile", options.profile,
+               {{"baseline", H264Profile::Baseline},
+                {"main", H264Profile::Main},
+                {"high", H264Profile::High}});
+        choice("--audio", options.audioCodec,
+               {{"pcmu", AudioCodec::Pcmu},
+                {"pcma", AudioCodec::Pcma},
+                {"g726", AudioCodec::G726},
+                {"aac", AudioCodec::Aac},
+                {"latm", AudioCodec::Latm},
+                {"l16", AudioCodec::L16},
+                {"opus", AudioCodec::Opus}});
+        choice("--rtsp-login", options.rtsp.login,
+               {{"any", RtspLogin::Any},
+                {"digest", RtspLogin::Digest},
+                {"qop", RtspLogin::Qop},
+                {"sha256", RtspLogin::Sha256}});
+        choice("--markers", options.rtsp.markers,
+               {{"right", Markers::Right},
+                {"slices", Markers::EachSlice},
+                {"sets", Markers::Sets},
+                {"never", Markers::Never}});
         flag("--no-timecode", options.timeCode, false);
         flag("--reboot-needed", options.rebootNeeded, true);
         flag("--strict-gateway", options.onvif.strictGateway, true);
+        flag("--no-snapshots", options.onvif.snapshots, false);
         flag("--lost-answers", options.onvif.lostAnswers, true);
         flag("--close-after-401", options.onvif.closesAfter401, true);
         flag("--multicast", options.multicast, true);
@@ -105,6 +149,8 @@ public:
         choice(
             "--onvif-clock", options.onvif.clock,
             {{"utc", OnvifClock::Utc}, {"local", OnvifClock::Local}, {"none", OnvifClock::None}});
+        choice("--onvif-media", options.onvif.media,
+               {{"1", OnvifMedia::One}, {"2", OnvifMedia::Two}, {"both", OnvifMedia::Both}});
         choice("--neighbour", options.neighbour,
                {{"before", Neighbour::Before}, {"after", Neighbour::After}});
     }
@@ -222,7 +268,9 @@ CommandLine parseCommandLine(const std::vector<std::string> &arguments)
         }
     }
     Options options;
-    const std::string wrong = Reader(options).read(arguments);
+    std::string wrong = Reader(options).read(arguments);
+    if (wrong.empty() && options.bFrames > 0 && options.profile == H264Profile::Baseline)
+        wrong = "--b-frames needs --profile main or high";
     if (wrong.empty()) {
         result.options = options;
     } else {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "camsim/codecs.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -44,6 +46,14 @@ enum class OnvifClock
     None   ///< GetSystemDateAndTime needs a login
 };
 
+/// Which media services the camera has (ONVIF Media and Media 2).
+enum class OnvifMedia
+{
+    One,
+    Two,
+    Both
+};
+
 /// The place of a second device in a discovery answer.
 enum class Neighbour
 {
@@ -57,11 +67,42 @@ struct OnvifOptions
 {
     OnvifLogin login = OnvifLogin::Both;
     OnvifClock clock = OnvifClock::Utc;
-    int port = -1;              ///< as the other ports; negative: the HTTP port
+    int port = -1; ///< as the other ports; negative: the HTTP port
+    OnvifMedia media = OnvifMedia::One;
+    bool snapshots = true;      ///< still pictures over HTTP
     int lenses = 1;             ///< video sources
     bool strictGateway = false; ///< refuses one that is not in the subnet
     bool lostAnswers = false;   ///< closes the connection instead of answering a move
     bool closesAfter401 = false;
+};
+
+/// Which logins the streams take.
+enum class RtspLogin
+{
+    Any,    ///< Basic, and digest with MD5 and without qop
+    Digest, ///< MD5 without qop only (RFC 2069)
+    Qop,    ///< MD5 with qop=auth only; each nonce count once
+    Sha256  ///< SHA-256 with qop=auth only (RFC 7616)
+};
+
+/// Where the RTP markers of the video are, which belong on the last packet of a picture.
+enum class Markers
+{
+    Right,
+    EachSlice, ///< on the last packet of each NAL unit
+    Sets,      ///< on parameter sets too
+    Never
+};
+
+/// The ways in which the RTSP side of cameras differs, for interleaved streams.
+struct RtspOptions
+{
+    RtspLogin login = RtspLogin::Any;
+    Markers markers = Markers::Right;
+    bool getParameter = true;    ///< in Public, and answered
+    double firstPacketAfter = 0; ///< seconds after PLAY
+    int sessionTimeout = 0;      ///< seconds without a request until the session ends; 0: never
+    bool nagle = false;          ///< segments of an Ethernet, and Nagle's algorithm
 };
 
 /// The options of the command line. Ports of 0 are chosen by the system; other ports are the first
@@ -87,7 +128,12 @@ struct Options
     Neighbour neighbour = Neighbour::None;
     double rebootSeconds = 2.0;
     double moveSeconds = 0; ///< without network when address or port change
-    int sessionTimeout = 0; ///< seconds without a request until the session ends; 0: never
+    RtspOptions rtsp;
+    int lockAfter = 0; ///< wrong logins until the account is locked; 0: never
+    VideoCodec codec = VideoCodec::H264;
+    H264Profile profile = H264Profile::Baseline;
+    int bFrames = 0;
+    AudioCodec audioCodec = AudioCodec::Pcmu;
     bool rebootNeeded = false;
     bool altPaths = false;
     int unknownPathStatus = 404;

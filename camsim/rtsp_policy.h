@@ -1,11 +1,13 @@
 #pragma once
 
 #include "camsim/link.h"
+#include "camsim/login_gate.h"
 #include "camsim/message_splitter.h"
 
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 
@@ -14,7 +16,7 @@ namespace camsim {
 /// How the RTSP side of one camera misbehaves. Every field may be set from any thread.
 struct RtspFaults
 {
-    enum class HalfAnswer
+    enum class Half
     {
         No,
         ThenSilent,
@@ -24,7 +26,8 @@ struct RtspFaults
     std::atomic<bool> frozen{false};  ///< nothing is answered or sent
     std::atomic<bool> garbage{false}; ///< random bytes in place of picture and sound
     std::atomic<bool> hugeDescription{false};
-    std::atomic<HalfAnswer> halfAnswer{HalfAnswer::No}; ///< the next answer only
+    std::atomic<Half> halfAnswer{Half::No}; ///< the next answer only
+    std::atomic<Half> halfPacket{Half::No}; ///< the next interleaved packet only
     std::atomic<int> lossPercent{0};
     std::atomic<int> slowMs{0};
 
@@ -37,16 +40,21 @@ struct RtspFaults
 class RtspPolicy : public LinkPolicy
 {
 public:
-    /// sessionTimeout: a connection without a request for so long is closed; 0: never.
-    RtspPolicy(Reactor &reactor, std::shared_ptr<RtspFaults> faults,
-               std::chrono::seconds sessionTimeout);
+    /// The account outlives it.
+    RtspPolicy(Reactor &reactor, std::shared_ptr<RtspFaults> faults, Account &account,
+               const RtspOptions &options);
     ~RtspPolicy() override;
 
     void fromClient(std::string_view bytes, Link &link) override;
     void fromServer(std::string_view bytes, Link &link) override;
 
 private:
-    void onRequest(const std::string &message, Link &link);
+    using Clock = std::chrono::steady_clock;
+
+    void onRequest(std::string message, Link &link);
+    /// Not relayed.
+    void answer(const std::string &request, const std::string &status, const std::string &headers,
+                Link &link);
     void onAnswer(std::string message, Link &link);
     void onPacket(std::string packet, Link &link);
     void setWatching(bool watching);
@@ -54,12 +62,14 @@ private:
 
     Reactor &m_reactor;
     const std::shared_ptr<RtspFaults> m_faults;
-    const std::chrono::seconds m_sessionTimeout;
-    Link *m_link = nullptr; ///< whose bytes are being looked at
+    const RtspOptions m_options;
+    std::optional<LoginGate> m_gate; ///< unless the server behind looks at the logins
+    Link *m_link = nullptr;          ///< whose bytes are being looked at
     MessageSplitter m_fromClient;
     MessageSplitter m_fromServer;
     std::minstd_rand m_random;
     int m_requests = 0;
+    Clock::time_point m_firstPacket; ///< from when on packets are sent
     bool m_watching = false;
     bool m_silent = false;
 };

@@ -1,5 +1,6 @@
 #include "camsim/rtsp_server.h"
 
+#include "camsim/media_lines.h"
 #include "camsim/rtsp_client.h"
 
 #include <gst/rtsp-server/rtsp-onvif-media-factory.h>
@@ -12,20 +13,6 @@ namespace camsim {
 namespace {
 
 constexpr const char *role = "viewer";
-
-// A media that is prepared and not watched lets old data go instead of piling it up.
-constexpr const char *videoLine =
-    "appsrc name=video is-live=true format=time do-timestamp=true max-buffers=60 max-bytes=0 "
-    "leaky-type=downstream caps=video/x-h264,stream-format=byte-stream,alignment=au "
-    "! rtph264pay name=pay0 pt=96 ";
-constexpr const char *audioLine =
-    "appsrc name=audio is-live=true format=time do-timestamp=true max-buffers=25 max-bytes=0 "
-    "leaky-type=downstream caps=audio/x-mulaw,rate=8000,channels=1 "
-    "! rtppcmupay pt=0 name=";
-constexpr const char *backChannelLine =
-    "( capsfilter caps=\"application/x-rtp,media=audio,payload=0,clock-rate=8000,"
-    "encoding-name=PCMU\" name=depay_backchannel ! rtppcmudepay "
-    "! appsink name=heard sync=false async=false )";
 
 GstRTSPLowerTrans lowerTransport(Transport transport)
 {
@@ -160,9 +147,9 @@ std::string RtspServer::launchLine(bool video) const
 {
     std::string line = "( ";
     if (video)
-        line += videoLine;
+        line += videoLine(m_streams.videoCodec);
     if (m_streams.audio)
-        line += std::string(audioLine) + (video ? "pay1 " : "pay0 ");
+        line += audioLine(m_streams.audioCodec, video ? 1 : 0);
     return line + ")";
 }
 
@@ -183,7 +170,7 @@ void RtspServer::mount(Stream &stream, bool video)
     gst_rtsp_media_factory_set_launch(factory, launchLine(video).c_str());
     if (m_streams.backChannel) {
         gst_rtsp_onvif_media_factory_set_backchannel_launch(GST_RTSP_ONVIF_MEDIA_FACTORY(factory),
-                                                            backChannelLine);
+                                                            backChannelLine().c_str());
     }
     gst_rtsp_media_factory_set_media_gtype(factory, GST_TYPE_RTSP_ONVIF_MEDIA);
     gst_rtsp_media_factory_set_shared(factory, TRUE);

@@ -2,6 +2,7 @@
 
 #include "camsim/audio_source.h"
 #include "camsim/back_channel.h"
+#include "camsim/codecs.h"
 #include "camsim/options.h"
 #include "camsim/video_source.h"
 
@@ -20,6 +21,8 @@ struct StreamSet
     VideoSource *subVideo = nullptr;
     AudioSource *audio = nullptr;       ///< null: a camera without a microphone
     BackChannel *backChannel = nullptr; ///< null: a camera without a loudspeaker
+    VideoCodec videoCodec = VideoCodec::H264;
+    AudioCodec audioCodec = AudioCodec::Pcmu;
 };
 
 /// The RTSP server of one camera, on its own port on loopback. Takes connections on the default

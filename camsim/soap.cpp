@@ -95,6 +95,18 @@ std::string Request::name() const
     return std::string(localName(m_operation));
 }
 
+std::string Request::service() const
+{
+    const std::string name = m_operation.name();
+    const auto colon = name.find(':');
+    const std::string declaration =
+        colon == std::string::npos ? "xmlns" : "xmlns:" + name.substr(0, colon);
+    for (pugi::xml_node node = m_operation; node; node = node.parent())
+        if (const pugi::xml_attribute found = node.attribute(declaration.c_str()))
+            return found.value();
+    return {};
+}
+
 std::string Request::header(const char *name) const
 {
     return textAt(m_header, name);
@@ -115,17 +127,18 @@ Reply::Reply()
     declaration.append_attribute("version") = "1.0";
     declaration.append_attribute("encoding") = "UTF-8";
     m_envelope = m_document.append_child("s:Envelope");
-    static constexpr const char *kNamespaces[][2] = {
+    static constexpr const char *namespaces[][2] = {
         {"xmlns:s", "http://www.w3.org/2003/05/soap-envelope"},
         {"xmlns:a", "http://schemas.xmlsoap.org/ws/2004/08/addressing"},
         {"xmlns:d", "http://schemas.xmlsoap.org/ws/2005/04/discovery"},
         {"xmlns:dn", "http://www.onvif.org/ver10/network/wsdl"},
         {"xmlns:tds", "http://www.onvif.org/ver10/device/wsdl"},
         {"xmlns:trt", "http://www.onvif.org/ver10/media/wsdl"},
+        {"xmlns:tr2", "http://www.onvif.org/ver20/media/wsdl"},
         {"xmlns:tt", "http://www.onvif.org/ver10/schema"},
         {"xmlns:ter", "http://www.onvif.org/ver10/error"},
     };
-    for (const auto &[prefix, uri] : kNamespaces)
+    for (const auto &[prefix, uri] : namespaces)
         m_envelope.append_attribute(prefix) = uri;
     m_header = m_envelope.append_child("s:Header");
     m_body = m_envelope.append_child("s:Body");
@@ -147,6 +160,15 @@ pugi::xml_node add(pugi::xml_node parent, const char *name, const std::string &t
 {
     pugi::xml_node node = parent.append_child(name);
     node.text() = text.c_str();
+    return node;
+}
+
+pugi::xml_node addNamed(pugi::xml_node parent, const char *element, const std::string &token)
+{
+    pugi::xml_node node = add(parent, element);
+    node.append_attribute("token") = token.c_str();
+    add(node, "tt:Name", token);
+    add(node, "tt:UseCount", "2");
     return node;
 }
 

@@ -29,6 +29,8 @@ public:
     bool parse(std::string_view text);
 
     std::string name() const; ///< local name of the operation
+    /// The namespace of the operation, which names the service; empty when it has none.
+    std::string service() const;
     pugi::xml_node operation() const { return m_operation; }
     std::optional<UsernameToken> token() const;
     /// Text of a header block by its local name, for instance "MessageID".
@@ -65,6 +67,8 @@ private:
 
 pugi::xml_node add(pugi::xml_node parent, const char *name);
 pugi::xml_node add(pugi::xml_node parent, const char *name, const std::string &text);
+/// A configuration of the media services: an element with a token, named by it.
+pugi::xml_node addNamed(pugi::xml_node parent, const char *element, const std::string &token);
 /// A fault with the code's first part ("Sender", "Receiver") and ONVIF subcodes ("ter:...").
 std::string fault(const char *code, const char *subcode, const char *detailCode,
                   const char *reason);

@@ -10,10 +10,11 @@
 
 namespace camsim {
 
-TcpFront::TcpFront(Reactor &reactor, int serverPort, MakePolicy makePolicy)
+TcpFront::TcpFront(Reactor &reactor, int serverPort, MakePolicy makePolicy, Segments segments)
     : m_reactor(reactor)
     , m_serverPort(serverPort)
     , m_makePolicy(std::move(makePolicy))
+    , m_segments(segments)
 {
 }
 
@@ -85,6 +86,10 @@ void TcpFront::stopListening()
 bool TcpFront::startListening(int handle)
 {
     m_listener = handle;
+    if (m_segments == Segments::Nagle) {
+        const int size = 1448; // an Ethernet's, with time stamps
+        setsockopt(handle, IPPROTO_TCP, TCP_MAXSEG, &size, sizeof size);
+    }
     m_listening = ::listen(handle, 64) == 0;
     if (m_listening)
         m_reactor.watch(handle, EPOLLIN, [this](std::uint32_t) { accept(); });
@@ -104,8 +109,8 @@ void TcpFront::accept()
     const int client = accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
     if (client < 0)
         return;
-    const int on = 1;
-    setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    const int atOnce = m_segments == Segments::AtOnce ? 1 : 0;
+    setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &atOnce, sizeof atOnce);
     const int server = net::connectTcp("127.0.0.1", m_serverPort);
     if (server < 0) {
         close(client);

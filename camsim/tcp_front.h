@@ -19,8 +19,16 @@ class TcpFront
 public:
     using MakePolicy = std::function<std::unique_ptr<LinkPolicy>()>;
 
+    /// How bytes go to the clients.
+    enum class Segments
+    {
+        AtOnce,
+        Nagle ///< 1448 bytes at most; a smaller one waits until all before it are acknowledged
+    };
+
     /// makePolicy runs on the relay's thread, for each connection.
-    TcpFront(Reactor &reactor, int serverPort, MakePolicy makePolicy);
+    TcpFront(Reactor &reactor, int serverPort, MakePolicy makePolicy,
+             Segments segments = Segments::AtOnce);
     ~TcpFront();
     TcpFront(const TcpFront &) = delete;
     TcpFront &operator=(const TcpFront &) = delete;
@@ -46,6 +54,7 @@ private:
     Reactor &m_reactor;
     const int m_serverPort;
     const MakePolicy m_makePolicy;
+    const Segments m_segments;
     std::string m_address; // of the calling thread, as m_port
     int m_port = 0;
     std::atomic<int> m_connections{0};

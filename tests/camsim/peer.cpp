@@ -4,6 +4,8 @@
 #include "camsim/net.h"
 
 #include <glib.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -84,6 +86,14 @@ bool RawConnection::send(const std::string &bytes)
 {
     const ssize_t count = ::send(m_handle, bytes.data(), bytes.size(), MSG_NOSIGNAL);
     return count == static_cast<ssize_t>(bytes.size());
+}
+
+int RawConnection::maximumSegment() const
+{
+    int size = 0;
+    socklen_t length = sizeof size;
+    getsockopt(m_handle, IPPROTO_TCP, TCP_MAXSEG, &size, &length);
+    return size;
 }
 
 const std::string &RawConnection::readUntil(const std::function<bool(const std::string &)> &enough,

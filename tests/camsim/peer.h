@@ -39,6 +39,8 @@ public:
     /// The peer closed the connection.
     bool isClosed() const { return m_closed; }
     void forget() { m_received.clear(); }
+    /// Of the segments that the peer may send, in bytes.
+    int maximumSegment() const;
 
 private:
     int m_handle;

@@ -56,6 +56,27 @@ TEST_F(Faults, DropClosesTheConnection)
     EXPECT_TRUE(describe(connect()).starts_with("RTSP/1.0 200"));
 }
 
+TEST_F(Faults, APacketMayStopInItsMiddle)
+{
+    EXPECT_TRUE(m_camsim.tell(0, "half-packet close"));
+    m_client.connection().readUntil([](const std::string &) { return false; });
+    EXPECT_TRUE(m_client.connection().isClosed());
+
+    RawRtsp client = connect();
+    ASSERT_TRUE(client.play() && client.receivesData(5'000));
+    EXPECT_TRUE(m_camsim.tell(0, "half-packet"));
+    // The packets that come after it, of the picture and of the sound, are not sent on.
+    client.connection().readUntil([](const std::string &) { return false; },
+                                  std::chrono::milliseconds(500));
+    client.connection().forget();
+    RawRtsp other = connect();
+    ASSERT_TRUE(other.play());
+    EXPECT_TRUE(other.receivesData(5'000));
+    client.connection().readUntil([](const std::string &) { return true; });
+    EXPECT_EQ(client.connection().received(), "");
+    EXPECT_FALSE(client.connection().isClosed());
+}
+
 TEST_F(Faults, FreezeSendsNothingAndThawGoesOn)
 {
     EXPECT_TRUE(m_camsim.tell(0, "freeze"));

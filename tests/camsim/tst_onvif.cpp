@@ -12,6 +12,7 @@ namespace {
 
 const std::string device = "http://www.onvif.org/ver10/device/wsdl";
 const std::string media = "http://www.onvif.org/ver10/media/wsdl";
+const std::string media2 = "http://www.onvif.org/ver20/media/wsdl";
 
 std::string envelope(const std::string &body, const std::string &header = {})
 {
@@ -143,6 +144,83 @@ TEST(Onvif, TellsItsProfilesAndWhereTheStreamsAre)
     EXPECT_TRUE(has(uri("profile_other"), "ter:NoProfile"));
     EXPECT_TRUE(has(ask(camera, "GetServices"), "/onvif/media_service"));
     EXPECT_TRUE(has(ask(camera, "GetCapabilities"), "/onvif/media_service"));
+}
+
+TEST(Onvif, Media2TellsTheConfigurationsThatAreAskedFor)
+{
+    const CamsimProcess camsim(
+        {"--onvif-media", "2", "--codec", "h265", "--canned", "--main-size", "320x180"});
+    const SimulatedCamera &camera = camsim.camera();
+    const std::string services = ask(camera, "GetServices");
+    EXPECT_TRUE(has(services, ">" + media2)) << services;
+    EXPECT_FALSE(has(services, ">" + media)) << services;
+    EXPECT_FALSE(has(ask(camera, "GetCapabilities"), "tt:Media"));
+    EXPECT_TRUE(has(ask(camera, "GetProfiles", "", media), "ter:ActionNotSupported"));
+
+    const std::string bare = ask(camera, "GetProfiles", "", media2);
+    EXPECT_TRUE(has(bare, "token=\"profile_sub\"")) << bare;
+    EXPECT_FALSE(has(bare, "tr2:Configurations")) << bare;
+    const std::string profiles =
+        ask(camera, "GetProfiles", "<Type>VideoSource</Type><Type>VideoEncoder</Type>", media2);
+    EXPECT_TRUE(has(profiles, "<tt:Encoding>H265</tt:Encoding>")) << profiles;
+    EXPECT_TRUE(has(profiles, "<tt:Width>320</tt:Width><tt:Height>180</tt:Height>"));
+    EXPECT_TRUE(has(profiles, "<tt:SourceToken>video_source</tt:SourceToken>"));
+
+    const auto uri = [&](const std::string &protocol) {
+        return ask(camera, "GetStreamUri",
+                   "<Protocol>" + protocol + "</Protocol><ProfileToken>profile_sub</ProfileToken>",
+                   media2);
+    };
+    EXPECT_TRUE(has(uri("RtspUnicast"), "<tr2:Uri>" + camera.subUrl + "</tr2:Uri>"));
+    EXPECT_TRUE(has(uri("RTP-Unicast"), "ter:InvalidStreamSetup"));
+    EXPECT_TRUE(has(
+        ask(camera, "SetSynchronizationPoint", "<ProfileToken>profile_sub</ProfileToken>", media2),
+        "status 200"));
+}
+
+TEST(Onvif, BothMediaServicesTellTheSameStreams)
+{
+    const CamsimProcess camsim({"--onvif-media", "both"});
+    const SimulatedCamera &camera = camsim.camera();
+    const std::string services = ask(camera, "GetServices");
+    EXPECT_TRUE(has(services, ">" + media2)) << services;
+    EXPECT_TRUE(has(services, ">" + media)) << services;
+    EXPECT_TRUE(has(ask(camera, "GetProfiles", "", media), "<trt:Profiles token=\"profile_main\""));
+    EXPECT_TRUE(has(ask(camera, "GetProfiles", "<Type>All</Type>", media2),
+                    "<tr2:Profiles token=\"profile_main\""));
+}
+
+TEST(Onvif, AStillPictureIsFetchedWithADigest)
+{
+    CamsimProcess camsim({"--onvif-media", "both", "--sub-size", "320x180", "--onvif-port", "0"});
+    SimulatedCamera camera = camsim.camera();
+    camera.httpPort = camera.onvifPort;
+    const std::string profile = "<ProfileToken>profile_sub</ProfileToken>";
+    const std::string address =
+        "http://127.0.0.1:" + std::to_string(camera.onvifPort) + "/onvif/snapshot/profile_sub.jpg";
+    EXPECT_TRUE(
+        has(ask(camera, "GetSnapshotUri", profile, media), "<tt:Uri>" + address + "</tt:Uri>"));
+    EXPECT_TRUE(
+        has(ask(camera, "GetSnapshotUri", profile, media2), "<tr2:Uri>" + address + "</tr2:Uri>"));
+    const auto fetch = [&](const std::string &login) {
+        return run("curl -s -m 30 -o /dev/stderr -w '\\nstatus %{http_code} %{content_type}' " +
+                   login + " " + address)
+            .output;
+    };
+    EXPECT_TRUE(has(fetch(""), "status 401"));
+    EXPECT_TRUE(has(fetch("--basic -u admin:camsim"), "status 401"));
+    const std::string picture = fetch(digest(camera));
+    EXPECT_TRUE(has(picture, "status 200 image/jpeg"));
+    EXPECT_TRUE(has(picture, "\xff\xd8\xff")) << "no JPEG";
+    EXPECT_EQ(camsim.statusNumber("snapshots"), 1);
+}
+
+TEST(Onvif, ACameraMayHaveNoStillPictures)
+{
+    const CamsimProcess camsim({"--no-snapshots"});
+    EXPECT_TRUE(has(
+        ask(camsim.camera(), "GetSnapshotUri", "<ProfileToken>profile_sub</ProfileToken>", media),
+        "ter:ActionNotSupported"));
 }
 
 TEST(Onvif, ASynchronizationPointIsAKeyFrame)

@@ -121,6 +121,71 @@ TEST_F(CamsimSessionTest, TheSessionStaysAlive)
     EXPECT_EQ(viewer.ends(), 0);
 }
 
+/// Plays some frames of a camera with these options.
+void playWith(std::vector<std::string> arguments, bool withSound = true)
+{
+    arguments.insert(arguments.end(), {"--sub-size", "320x180"});
+    zelvaro::test::CamsimProcess camsim(arguments);
+    const auto &camera = camsim.camera();
+    Viewer viewer({.url = camera.subUrl, .username = camera.user, .password = camera.password});
+    viewer.start();
+    EXPECT_TRUE(viewer.waitForFrames(15)) << arguments[1] << viewer.text();
+    EXPECT_TRUE(!withSound || viewer.waitForSounds(3)) << arguments[1];
+    EXPECT_EQ(viewer.ends(), 0);
+    EXPECT_EQ(camsim.statusNumber("wrong_logins"), 0);
+}
+
+TEST(CamsimOptions, EachCodecOfThePicturePlays)
+{
+    playWith({"--codec", "h265"});
+    playWith({"--codec", "mjpeg"});
+    playWith({"--profile", "main"});
+    playWith({"--profile", "high", "--b-frames", "2"});
+}
+
+TEST(CamsimOptions, EachCodecOfTheSoundPlays)
+{
+    for (const char *codec : {"pcma", "g726", "aac", "latm", "l16", "opus"})
+        playWith({"--audio", codec});
+}
+
+TEST(CamsimOptions, EachStrictLoginIsMetAtTheFirstTry)
+{
+    for (const char *login : {"any", "digest", "qop", "sha256"})
+        playWith({"--rtsp-login", login, "--lock-after", "1"});
+}
+
+TEST(CamsimOptions, MarkersThatLieSegmentsAndALateFirstPacketDoNoHarm)
+{
+    for (const char *markers : {"slices", "sets", "never"})
+        playWith({"--markers", markers});
+    playWith({"--nagle"});
+    playWith({"--first-packet-after", "6"});
+}
+
+TEST(CamsimOptions, WithoutGetParameterTheSessionStaysAlive)
+{
+    zelvaro::test::CamsimProcess camsim(
+        {"--no-get-parameter", "--session-timeout", "3", "--sub-size", "320x180"});
+    const auto &camera = camsim.camera();
+    Viewer viewer({.url = camera.subUrl, .username = camera.user, .password = camera.password});
+    viewer.start();
+    EXPECT_TRUE(viewer.waitForFrames(120)) << viewer.text(); // 8 s
+    EXPECT_EQ(viewer.ends(), 0);
+}
+
+TEST_F(CamsimTest, APacketThatStopsInItsMiddleStallsOneViewerOnly)
+{
+    Viewer viewer(request());
+    viewer.start();
+    ASSERT_TRUE(viewer.waitForFrames(10)) << viewer.text();
+    ASSERT_TRUE(m_camsim.tell(0, "half-packet"));
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Stalled);
+    Viewer next(request());
+    next.start();
+    EXPECT_TRUE(next.waitForFrames(10)) << next.text();
+}
+
 TEST_F(CamsimTest, PlaysOverAndOver)
 {
     for (int i = 0; i < 20; ++i) {

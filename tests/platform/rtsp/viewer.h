@@ -53,6 +53,10 @@ public:
     {
         return waitFor([&] { return m_frames >= count || m_end; }) && frames() >= count;
     }
+    bool waitForSounds(int count)
+    {
+        return waitFor([&] { return m_sounds >= count || m_end; }) && sounds() >= count;
+    }
     bool waitForPlays()
     {
         return waitFor([&] { return m_plays > 0 || m_end; }) && playCount() > 0;
