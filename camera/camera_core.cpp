@@ -276,6 +276,18 @@ int CCameraCore::get_video_height() const
     return height < 1 ? defaultHeight : height;
 }
 
+zelvaro::CameraReason CCameraCore::reason() const
+{
+    return m_pRtspPlayer ? zelvaro::OptionalFunctions::instance().reason(m_pRtspPlayer)
+                         : zelvaro::CameraReason();
+}
+
+std::optional<RtspPlayerFigures> CCameraCore::figures() const
+{
+    return m_pRtspPlayer ? zelvaro::OptionalFunctions::instance().figures(m_pRtspPlayer)
+                         : std::nullopt;
+}
+
 int CCameraCore::issue_conf_commands(const QStringList &requests)
 {
     const int cnt = requests.length();

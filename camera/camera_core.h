@@ -1,11 +1,14 @@
 #pragma once
 
+#include "camera/optional_functions.h"
 #include "platform/cammgr/cammgr.h"
 
 #include <QList>
 #include <QStringList>
 #include <QTimer>
 #include <QWidget>
+
+#include <optional>
 
 struct CameraRecord;
 
@@ -106,6 +109,11 @@ public:
     int get_bit_rate() const;     ///< bits per second
     int get_video_width() const;  ///< pixels; 640 while unknown
     int get_video_height() const; ///< pixels; 480 while unknown
+
+    /// Why the camera is not shown now; CAMMGR_REASON_NONE also where the library cannot tell.
+    zelvaro::CameraReason reason() const;
+    /// nullopt when nothing was played, or the library cannot tell.
+    std::optional<RtspPlayerFigures> figures() const;
 
     /// Sends one batch of requests; signalP2PConfFinished reports that the results can be read.
     /// Also when the library does not take the batch: then every command has failed. One at a time.

@@ -110,8 +110,15 @@ bool CameraSession::awaitPicture()
     return true;
 }
 
+void CameraSession::userAsked()
+{
+    m_schedule.userAsked();
+    m_reason.setLoginPause(std::nullopt);
+}
+
 void CameraSession::pictureShown()
 {
+    m_reason.pictureShown();
     if (m_probing == Probing::AwaitingPicture)
         probed(rtsp::ProbeOutcome::Answered);
 }
@@ -119,6 +126,8 @@ void CameraSession::pictureShown()
 void CameraSession::orderVoided()
 {
     m_orderedAt.reset();
+    m_order = {};
+    m_reason.orderVoided();
     if (m_probing == Probing::AwaitingPicture)
         probed(rtsp::ProbeOutcome::Answered);
 }
@@ -160,6 +169,7 @@ void CameraSession::probed(rtsp::ProbeOutcome outcome)
     }
     const bool asked = m_probing == Probing::Asking;
     m_schedule.record(outcome, Clock::now());
+    tellReason(outcome);
     if (outcome == rtsp::ProbeOutcome::Silent || outcome == rtsp::ProbeOutcome::Rejected)
         m_resolver->lost();
     if (outcome == rtsp::ProbeOutcome::Answered) {
@@ -170,6 +180,19 @@ void CameraSession::probed(rtsp::ProbeOutcome outcome)
         learnProfiles();
     }
     finishProbe(outcome);
+}
+
+void CameraSession::tellReason(rtsp::ProbeOutcome outcome)
+{
+    const std::string url =
+        m_paths.url(m_resolver->endpoint(), StreamPaths::path(StreamPlace::Main));
+    m_reason.setLoginPause(m_schedule.loginPause(Clock::now()));
+    if (outcome == rtsp::ProbeOutcome::Answered)
+        m_reason.probeAnswered();
+    else if (m_resolver->endpoint().port == 0)
+        m_reason.probeFailed({CAMMGR_REASON_HOST_NOT_FOUND, m_info.address.uid});
+    else
+        m_reason.probeFailed(reasonOf(outcome, base::parseUrl(url)));
 }
 
 void CameraSession::finishProbe(rtsp::ProbeOutcome outcome)
@@ -278,15 +301,21 @@ void CameraSession::streamEnded(StreamEnd reason)
 {
     if (reason == StreamEnd::Refused) {
         m_schedule.record(rtsp::ProbeOutcome::LoginRefused, Clock::now());
-    } else if (reason == StreamEnd::NotFound ||
-               (reason == StreamEnd::PathRefused && mayTryProfiles())) {
-        m_hasTriedProfiles = true;
-        fallBack(m_order.path, reason == StreamEnd::NotFound,
-                 [this, ticket = m_order.ticket](bool again) {
-                     if (again && ticket == m_order.ticket)
-                         startStream();
-                 });
+        m_reason.setLoginPause(m_schedule.loginPause(Clock::now()));
     }
+    if (m_order.path.empty())
+        return; // the order is void
+    const std::string url = m_paths.url(m_resolver->endpoint(), m_order.path);
+    m_reason.streamFailed(reasonOf(reason, base::parseUrl(url)));
+    if (reason == StreamEnd::NotFound ||
+            (reason == StreamEnd::PathRefused && mayTryProfiles())) {
+            m_hasTriedProfiles = true;
+            fallBack(m_order.path, reason == StreamEnd::NotFound,
+                     [this, ticket = m_order.ticket](bool again) {
+                         if (again && ticket == m_order.ticket)
+                             startStream();
+                     });
+        }
 }
 
 void CameraSession::keyFrameWanted()

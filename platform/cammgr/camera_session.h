@@ -6,6 +6,7 @@
 #include "platform/cammgr/io_thread.h"
 #include "platform/cammgr/live_stream.h"
 #include "platform/cammgr/probe_schedule.h"
+#include "platform/cammgr/reason.h"
 #include "platform/cammgr/resolver.h"
 #include "platform/cammgr/stream_paths.h"
 #include "platform/rtsp/rtsp_probe.h"
@@ -87,13 +88,15 @@ public:
     /// The stream shows its first picture.
     void pictureShown();
     /// The user wants to see the camera.
-    void userAsked() { m_schedule.userAsked(); }
+    void userAsked();
     /// The last play request is superseded: the stream was stopped, or set up again.
     void orderVoided();
     void issueCommands(std::vector<std::string> requests);
 
     /// Any thread: 0 for the main stream, 1 for the sub stream.
     int mode() const { return m_mode; }
+    /// Any thread.
+    Reason reason() const { return m_reason.current(); }
     /// Any thread: claims the one place for a command batch; false while one is out.
     bool claimCommands() { return !m_commandsOut.exchange(true); }
 
@@ -101,6 +104,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     void report(int message, int value, char **strings = nullptr);
+    void tellReason(rtsp::ProbeOutcome outcome);
     bool isAnsweredByStream();
     bool awaitPicture();
     bool mayTryProfiles() const;
@@ -118,6 +122,7 @@ private:
     const SessionInfo m_info;
     const std::shared_ptr<rtsp::LoginPolicy> m_login = std::make_shared<rtsp::LoginPolicy>();
     StreamControl &m_control;
+    ReasonBoard m_reason;
     std::atomic<int> m_mode{1};
     std::atomic<bool> m_commandsOut{false};
 

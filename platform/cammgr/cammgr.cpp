@@ -2,6 +2,7 @@
 
 #include "platform/cammgr/io_thread.h"
 #include "platform/cammgr/player.h"
+#include "platform/cammgr/stream_figures.h"
 
 #include <glib.h>
 #include <pthread.h>
@@ -303,6 +304,27 @@ int RtspPlayer_GetVideoWidth(RtspPlayer *player)
 int RtspPlayer_GetVideoHeight(RtspPlayer *player)
 {
     return ask(player, &LiveStream::height);
+}
+
+int RtspPlayer_GetReason(RtspPlayer *player, char *detail, int size)
+{
+    return with(
+        player, CAMMGR_REASON_NONE,
+        [&](RtspPlayer &p) {
+            const cammgr::Reason reason = p.reason();
+            cammgr::copyCut(reason.detail, detail, size);
+            return reason.value;
+        });
+}
+
+int RtspPlayer_GetFigures(RtspPlayer *player, RtspPlayerFigures *figures)
+{
+    return with(
+        player, failure,
+        [&](RtspPlayer &p) {
+            const auto found = p.withStream([](const LiveStream &s) { return s.figures(); });
+            return figures && found && found->write(*figures) ? 0 : failure;
+        });
 }
 
 int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requests, int count)

@@ -188,6 +188,71 @@ CAMMGR_API int RtspPlayer_GetBitRate(RtspPlayer *player);
 CAMMGR_API int RtspPlayer_GetVideoWidth(RtspPlayer *player);
 CAMMGR_API int RtspPlayer_GetVideoHeight(RtspPlayer *player);
 
+/* Why a camera is not shown, and what RtspPlayer_GetReason gives as its detail. A client treats a
+ * number that it does not know as CAMMGR_REASON_NO_ANSWER without a detail. */
+enum
+{
+    CAMMGR_REASON_NONE = 0,           /* it is shown or can be, or nothing is known yet; empty */
+    CAMMGR_REASON_HOST_NOT_FOUND = 1, /* its name has no address, or nobody on the local network
+                                         has its UID; the name, the UID or what was given */
+    CAMMGR_REASON_NO_ANSWER = 2,      /* "192.168.1.20:554" */
+    CAMMGR_REASON_CONNECTION_REFUSED = 3, /* its host answers, the port is closed;
+                                             "192.168.1.20:554" */
+    CAMMGR_REASON_LOGIN_REFUSED = 4,      /* user name or password; "192.168.1.20:554" */
+    CAMMGR_REASON_LOGIN_PAUSED = 5,       /* refused too often: not tried again for the seconds in
+                                             the detail, "1740", so that the camera does not lock
+                                             the account, which it may have done already */
+    CAMMGR_REASON_NO_SUCH_PATH = 6,       /* it does not play what it is asked for;
+                                             "/live/0/h264.sdp", then, if it was answered, a space
+                                             and the RTSP status: "404" */
+    CAMMGR_REASON_NO_VIDEO = 7,           /* it describes no picture; empty */
+    CAMMGR_REASON_CODEC_UNKNOWN = 8, /* its picture cannot be decoded; RTP encoding name: "VP8" */
+    CAMMGR_REASON_STREAM_ENDED = 9,  /* it ended a stream that played; "192.168.1.20:554" */
+    CAMMGR_REASON_NO_PICTURES = 10,  /* it plays, but for 5 s (at first up to 30 s) nothing came
+                                        of which a picture could be made; "192.168.1.20:554" */
+    CAMMGR_REASON_BROKEN_ANSWER = 11 /* what it answers is no RTSP or breaks off;
+                                        "192.168.1.20:554" */
+};
+
+/*
+ * Optional, as is all that follows: looked up at run time, since a library may lack it. Why the
+ * camera is not shown now: a CAMMGR_REASON_ value. Writes the bare fact that belongs to it into
+ * detail (size bytes, at least 1), as UTF-8, cut on the border of a character and NUL-terminated;
+ * detail may be NULL. The words for the user are the client's. Set by each probe and each stream
+ * that fails; that of a stream holds until the next picture or the end of the order to play, that
+ * of a probe until the next one is answered.
+ */
+CAMMGR_API int RtspPlayer_GetReason(RtspPlayer *player, char *detail, int size);
+
+/* What RtspPlayer_GetFigures tells of the stream that plays. Texts are NUL-terminated ASCII and
+ * empty, numbers 0 where nothing else is said and nothing is known. */
+typedef struct RtspPlayerFigures
+{
+    int32_t size;            /* of the structure, bytes; set by the caller */
+    int32_t width;           /* pixels */
+    int32_t height;          /* pixels */
+    int32_t bit_rate;        /* of the picture over the last second, bits per second */
+    int32_t jitter;          /* of the packets' arrival (RFC 3550 6.4.1), microseconds */
+    int32_t delay;           /* from the arrival of a frame until it is drawn, mean, microseconds */
+    int32_t picture_age;     /* since the picture on the window arrived, ms; of a window that nobody
+                                can see, the newest frame; -1 when there is none */
+    int32_t reserved;        /* 0 */
+    int64_t frames_received; /* whole ones */
+    int64_t frames_drawn;    /* handed to the window */
+    int64_t frames_dropped;  /* left out: damaged by a loss, or too late on a busy machine */
+    int64_t packets_received; /* of the picture */
+    int64_t packets_lost;     /* of the picture; that never came */
+    char codec[16];           /* of the picture: "H264", "H265", "JPEG" */
+    char sound_codec[16]; /* "PCMU", "PCMA", "G726", "L16", "AAC", "OPUS"; empty without sound */
+    char decoder[32];     /* name of the decoder that draws */
+    char transport[16];   /* "TCP", "UDP", "TLS", "HTTP", "HTTPS" */
+} RtspPlayerFigures;
+
+/* Optional. Fills the figures as far as figures->size goes, so that later versions may add fields
+ * at the end; they count from RtspPlayer_Play, over all reconnections. Negative when figures is
+ * NULL or smaller than the first version, or when no stream was started. */
+CAMMGR_API int RtspPlayer_GetFigures(RtspPlayer *player, RtspPlayerFigures *figures);
+
 /*
  * Sends count request texts to the camera's HTTP port, in order, and answers later with one
  * CAMMGR_MSG_COMMAND_REPLIES that holds count reply bodies, within 15 s. A request that could not

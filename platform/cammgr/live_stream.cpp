@@ -123,4 +123,9 @@ int LiveStream::height() const
     return d->session ? d->session->height() : 0;
 }
 
+std::optional<StreamFigures> LiveStream::figures() const
+{
+    return d->session ? std::optional(d->session->figures()) : std::nullopt;
+}
+
 } // namespace cammgr

@@ -6,9 +6,12 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace cammgr {
+
+struct StreamFigures;
 
 using rtsp::StreamEnd;
 
@@ -85,6 +88,8 @@ public:
     int bitRate() const;   ///< bits of video that arrived in the last second
     int width() const;     ///< pixels; 0 while unknown
     int height() const;
+    /// Of the stream that was started last; nullopt before and after stop().
+    std::optional<StreamFigures> figures() const;
 
 private:
     class Session;

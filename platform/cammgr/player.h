@@ -28,6 +28,7 @@ public:
     void tickAlive();
     void stopConnecting();
     int mode() const { return m_session->mode(); }
+    cammgr::Reason reason() const { return m_session->reason(); }
 
     int setup(const std::string &path, uintptr_t window);
     int play();

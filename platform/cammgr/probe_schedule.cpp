@@ -41,6 +41,13 @@ void ProbeSchedule::record(rtsp::ProbeOutcome outcome, Time now)
     m_due = now + pause - slack;
 }
 
+std::optional<ProbeSchedule::Time> ProbeSchedule::loginPause(Time now) const
+{
+    const bool paused = m_remembered == rtsp::ProbeOutcome::LoginRefused &&
+                        m_refusals.size() == maxRefusals && now < m_due;
+    return paused ? std::optional(m_due) : std::nullopt;
+}
+
 void ProbeSchedule::networkChanged()
 {
     if (m_remembered == rtsp::ProbeOutcome::Silent)

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <deque>
+#include <optional>
 
 namespace cammgr {
 
@@ -21,6 +22,9 @@ public:
     /// What the last real probe found; Silent before the first.
     rtsp::ProbeOutcome remembered() const { return m_remembered; }
     void record(rtsp::ProbeOutcome outcome, Time now);
+
+    /// Until when the login is not tried because it was refused too often; nullopt when it may be.
+    std::optional<Time> loginPause(Time now) const;
 
     /// The camera accepted the login: what it refused before no longer counts.
     void loginAccepted() { m_refusals.clear(); }

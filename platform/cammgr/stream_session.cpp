@@ -15,6 +15,7 @@ using namespace std::chrono_literals;
 
 constexpr auto silenceLimit = 5s;
 constexpr auto keyFramePause = 1s;
+constexpr auto figuresPeriod = 100ms;
 // Limit for decoding a frame for a snapshot of a stream that is not shown.
 constexpr auto stillBudget = 60ms;
 
@@ -142,8 +143,39 @@ void LiveStream::Session::video(const base::AccessUnit &unit)
         m_width = unit.format->width;
         m_height = unit.format->height;
     }
+    if (unit.arrived - m_figuresNoted >= figuresPeriod)
+        noteFigures();
     if (unit.key && !m_keyReceived.exchange(true))
         checkFirstPicture();
+}
+
+/// The receiver's figures belong to its thread.
+void LiveStream::Session::noteFigures()
+{
+    m_figuresNoted = media::SteadyClock::now();
+    const rtsp::MediaStatistics video = m_receiver->videoStatistics();
+    const std::lock_guard lock(m_figuresMutex);
+    m_figures.video = video;
+    m_figures.transport = m_receiver->transportName();
+    m_figures.format = m_format;
+    m_figures.sound = m_soundFormat;
+}
+
+StreamFigures LiveStream::Session::figures() const
+{
+    StreamFigures figures;
+    {
+        const std::lock_guard lock(m_figuresMutex);
+        figures = m_figures;
+    }
+    figures.bitRate = bitRate();
+    if (m_view)
+        figures.view = m_view->figures();
+    if (m_view && !m_view->isUnseen())
+        figures.shown = figures.view.shownArrived;
+    else if (m_keyReceived)
+        figures.shown = m_lastSign.load();
+    return figures;
 }
 
 /// Any thread. What can be seen plays when it is seen; what nobody can see is not decoded, and
@@ -167,6 +199,7 @@ void LiveStream::Session::audio(const base::AudioUnit &unit)
 {
     if (m_state == State::Ended)
         return;
+    m_soundFormat = unit.format;
     const media::AudioUnit wrapped = m_wrapper.wrap(unit);
     m_memory.takeAudio(wrapped);
     m_recorder->takeAudio(wrapped);

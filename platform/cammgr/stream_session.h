@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/cammgr/live_stream.h"
+#include "platform/cammgr/stream_figures.h"
 #include "platform/media/audio_output.h"
 #include "platform/media/gop_buffer.h"
 #include "platform/media/live_view.h"
@@ -45,6 +46,7 @@ public:
     int bitRate() const { return m_stats.bits(); }
     int width() const { return m_width; }
     int height() const { return m_height; }
+    StreamFigures figures() const;
 
 private:
     enum class State
@@ -66,6 +68,7 @@ private:
     void release();
     void wantKeyFrame();
     void checkFirstPicture();
+    void noteFigures();
     void tell(const std::function<void()> &callback);
 
     const StreamRequest m_request;
@@ -78,6 +81,8 @@ private:
     std::unique_ptr<rtsp::Receiver> m_receiver;
     media::UnitWrapper m_wrapper;
     std::shared_ptr<const base::VideoFormat> m_format;
+    std::shared_ptr<const base::AudioFormat> m_soundFormat;
+    media::SteadyClock::time_point m_figuresNoted;
     bool m_lossBefore = false; ///< the next frame follows a loss
 
     std::atomic<State> m_state = State::Starting;
@@ -88,6 +93,9 @@ private:
     std::atomic<int> m_height = 0;
     std::atomic<media::SteadyClock::time_point> m_lastSign; ///< PLAY was answered, or a frame came
     std::atomic<media::SteadyClock::time_point> m_lastKeyAsked;
+
+    mutable std::mutex m_figuresMutex; ///< protects the next
+    StreamFigures m_figures;           ///< of the receiver
 
     media::StreamStats m_stats;
     media::GopBuffer m_memory;

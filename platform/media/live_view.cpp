@@ -151,6 +151,29 @@ bool LiveView::isDecoding() const
     return m_stage == Stage::Ready && m_window.visible;
 }
 
+ViewFigures LiveView::figures() const
+{
+    ViewFigures figures;
+    {
+        std::lock_guard lock(m_mutex);
+        figures = m_figures;
+    }
+    figures.decoder = m_chain.decoderName();
+    return figures;
+}
+
+/// Called with the lock.
+void LiveView::noteShown(SteadyClock::time_point arrived)
+{
+    constexpr int memory = 16; // frames in the mean
+    const SteadyClock::duration delay = SteadyClock::now() - arrived;
+    if (m_figures.drawn++ == 0)
+        m_figures.delay = delay;
+    else
+        m_figures.delay += (delay - m_figures.delay) / memory;
+    m_figures.shownArrived = arrived;
+}
+
 uint64_t LiveView::decoded() const
 {
     std::lock_guard lock(m_mutex);
@@ -194,6 +217,15 @@ void LiveView::shedLoad(SteadyClock::time_point now)
     const auto late = [&] { return now - m_queue.front().arrived; };
     if (late() < lateLimit)
         return;
+    const size_t before = m_queue.size();
+    dropLate(now);
+    m_figures.dropped += before - m_queue.size();
+}
+
+/// Called with the lock, with frames in the queue that are late.
+void LiveView::dropLate(SteadyClock::time_point now)
+{
+    const auto late = [&] { return now - m_queue.front().arrived; };
     m_queue.erase(std::remove_if(m_queue.begin(), m_queue.end(),
                                  [](const AccessUnit &unit) { return !unit.reference; }),
                   m_queue.end());
@@ -253,6 +285,7 @@ LiveView::Step LiveView::nextStep()
 bool LiveView::step()
 {
     const Step now = nextStep();
+    const uint64_t drawnBefore = now.kind == Step::Kind::Nothing ? 0 : m_chain.drawn();
     bool good = true;
     switch (now.kind) {
     case Step::Kind::Nothing:
@@ -277,8 +310,11 @@ bool LiveView::step()
         m_busy = false;
         m_idle.notify_all();
         m_broken = !good;
-        if (now.kind == Step::Kind::Decode)
+        if (now.kind == Step::Kind::Decode) {
             ++m_decoded;
+            if (m_chain.drawn() > drawnBefore)
+                noteShown(now.unit.arrived);
+        }
         if (now.kind == Step::Kind::Reopen && good && m_stage == Stage::Ready)
             needKey = !replayMemory();
     }

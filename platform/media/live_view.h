@@ -11,8 +11,21 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <string>
 
 namespace media {
+
+/// What a view has done so far.
+struct ViewFigures
+{
+    uint64_t drawn = 0;   ///< pictures that were handed to the window
+    uint64_t dropped = 0; ///< frames that were left out because the machine could not keep up
+    SteadyClock::duration delay{}; ///< from the arrival of a frame until it was drawn, mean
+    /// Arrival of the frame on the window; nullopt when there is none.
+    std::optional<SteadyClock::time_point> shownArrived;
+    std::string decoder; ///< name; empty before the first frame
+};
 
 /**
  * Shows a stream on a window: decodes each frame as it arrives and draws the newest. A window that
@@ -48,6 +61,8 @@ public:
     SampleRef latest() const { return m_chain.latest(); }
     /// How many access units were decoded so far.
     uint64_t decoded() const;
+    /// Any thread.
+    ViewFigures figures() const;
 
 private:
     enum class Stage
@@ -75,6 +90,8 @@ private:
     void schedule();
     static void queueStep(std::shared_ptr<LiveView> self);
     void shedLoad(SteadyClock::time_point now);
+    void dropLate(SteadyClock::time_point now);
+    void noteShown(SteadyClock::time_point arrived);
     bool replayMemory();
     void setUnseen(bool unseen);
 
@@ -101,6 +118,7 @@ private:
     uint64_t m_lastQueued = 0;
     uint64_t m_replayEnd = 0; ///< up to here frames come from memory and are not shown
     uint64_t m_decoded = 0;
+    ViewFigures m_figures; ///< without the decoder
     SteadyClock::time_point m_replayStart;
     SteadyClock::time_point m_lastShown;
     SteadyClock::time_point m_lastReopen;

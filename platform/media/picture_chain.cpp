@@ -66,6 +66,10 @@ bool PictureChain::addDecoder(GstCaps *caps)
     m_decoder = makeDecoder(caps, !m_hardwareFailed, m_hardware);
     if (!m_decoder)
         return false;
+    {
+        std::lock_guard lock(m_pictureMutex);
+        m_decoderName = GST_OBJECT_NAME(gst_element_get_factory(m_decoder));
+    }
     gst_bin_add(GST_BIN(m_pipeline.get()), m_decoder);
     if (!gst_element_link(m_decoder, m_scale) || !m_feed.connect(m_decoder))
         return false;
@@ -142,6 +146,12 @@ SampleRef PictureChain::latest() const
     if (!m_picture)
         return {};
     return SampleRef::adopt(gst_sample_new(m_picture.get(), m_pictureCaps.get(), nullptr, nullptr));
+}
+
+std::string PictureChain::decoderName() const
+{
+    std::lock_guard lock(m_pictureMutex);
+    return m_decoderName;
 }
 
 GstBusSyncReply PictureChain::readMessage(GstBus *, GstMessage *message, gpointer self)

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <string>
 
 namespace media {
 
@@ -33,6 +34,8 @@ public:
     void redraw();
     /// How many pictures were handed to the window; the caller's thread.
     uint64_t drawn() const { return m_drawn; }
+    /// Name of the decoder; empty before the first frame. Any thread.
+    std::string decoderName() const;
     /// The frame that was decoded last, in the size of the stream; empty when there is none.
     SampleRef latest() const;
 
@@ -57,9 +60,10 @@ private:
     int m_windowHeight = 0;
     std::atomic<bool> m_failed = false;
 
-    mutable std::mutex m_pictureMutex; ///< protects the two below
+    mutable std::mutex m_pictureMutex; ///< protects what is below
     BufferRef m_picture;
     CapsRef m_pictureCaps;
+    std::string m_decoderName;
 };
 
 } // namespace media

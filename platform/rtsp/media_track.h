@@ -55,6 +55,10 @@ public:
     /// A packet of this medium has come since the last call.
     bool takeSign() { return std::exchange(m_sign, false); }
     bool hasReceived() const { return m_hasReceived; }
+    MediaStatistics statistics() const
+    {
+        return m_receiver ? m_receiver->statistics() : MediaStatistics();
+    }
     bool saidGoodbye() const { return m_receiver && m_receiver->saidGoodbye(); }
 
 private:

@@ -64,4 +64,14 @@ bool Receiver::isUdp() const
     return d && d->isUdp();
 }
 
+const char *Receiver::transportName() const
+{
+    return d ? d->transportName() : "TCP";
+}
+
+MediaStatistics Receiver::videoStatistics() const
+{
+    return d ? d->videoStatistics() : MediaStatistics();
+}
+
 } // namespace rtsp

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/access_unit.h"
+#include "platform/rtsp/media_receiver.h"
 #include "platform/rtsp/stream_request.h"
 
 #include <memory>
@@ -54,6 +55,10 @@ public:
 
     /// Whether the media come over UDP; false while that is open.
     bool isUdp() const;
+    /// How the media come: "TCP", "UDP", "TLS", "HTTP" or "HTTPS"; lives for ever.
+    const char *transportName() const;
+    /// What was counted of the picture; zeros before the first packet.
+    MediaStatistics videoStatistics() const;
 
 private:
     class Private;

@@ -107,6 +107,21 @@ void Receiver::Private::start(OpenSession session)
     m_session->start(m_url, m_plan, session.description);
 }
 
+const char *Receiver::Private::transportName() const
+{
+    if (m_isUdp)
+        return "UDP";
+    if (!m_tunnelPath.empty())
+        return m_endpoint.tls ? "HTTPS" : "HTTP";
+    return m_endpoint.tls ? "TLS" : "TCP";
+}
+
+MediaStatistics Receiver::Private::videoStatistics() const
+{
+    const MediaTrack *video = m_session ? m_session->video() : nullptr;
+    return video ? video->statistics() : MediaStatistics();
+}
+
 void Receiver::Private::startLimit()
 {
     m_limit.start(

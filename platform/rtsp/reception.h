@@ -27,6 +27,8 @@ public:
     /// The client is not called any more.
     void close();
     bool isUdp() const { return m_isUdp; }
+    const char *transportName() const;
+    MediaStatistics videoStatistics() const;
 
 private:
     using Step = SessionResult::Step;

@@ -53,15 +53,18 @@ struct Script
     int hasAudio = 1;
     int width = 640;
     int height = 360;
-    int frameRate = 15;                 ///< frames per second
-    int bitRate = 512000;               ///< bits per second
-    bool playPlays = true;              ///< Play sets playing
-    bool stopStops = true;              ///< Stop clears playing, writing and uploading
-    bool stopEndsProbe = true;          ///< Stop_Connecting answers an outstanding probe: failed
-    bool deleteAnswers = true;          ///< Delete is answered with CAMMGR_MSG_DELETED
-    bool snapshotWrites = true;         ///< Snapshot writes `snapshotImage`
-    bool writingWrites = false;         ///< EndWriting leaves base + ".mp4" with a few bytes
-    std::string snapshotImage;          ///< bytes of the snapshot; empty: a JPEG of 16x12 pixels
+    int frameRate = 15;              ///< frames per second
+    int bitRate = 512000;            ///< bits per second
+    bool playPlays = true;           ///< Play sets playing
+    bool stopStops = true;           ///< Stop clears playing, writing and uploading
+    bool stopEndsProbe = true;       ///< Stop_Connecting answers an outstanding probe: failed
+    bool deleteAnswers = true;       ///< Delete is answered with CAMMGR_MSG_DELETED
+    bool snapshotWrites = true;      ///< Snapshot writes `snapshotImage`
+    bool writingWrites = false;      ///< EndWriting leaves base + ".mp4" with a few bytes
+    std::string snapshotImage;       ///< bytes of the snapshot; empty: a JPEG of 16x12 pixels
+    int reason = CAMMGR_REASON_NONE; ///< answer of GetReason
+    std::string reasonDetail;        ///< and its detail
+    std::optional<RtspPlayerFigures> figures; ///< of GetFigures; unset: it fails
     std::map<std::string, int> results; ///< result of a call by its name, where 0 is not wanted
     /// Replies to a batch of requests; unset: by hand, with Player::reply.
     std::function<std::vector<std::string>(const std::vector<std::string> &)> replies;

@@ -273,6 +273,27 @@ int RtspPlayer_GetVideoHeight(RtspPlayer *player)
     return figure("RtspPlayer_GetVideoHeight", player, &Script::height);
 }
 
+int RtspPlayer_GetReason(RtspPlayer *player, char *detail, int size)
+{
+    const Entry entry("RtspPlayer_GetReason", player, {}, {size});
+    if (!entry)
+        return CAMMGR_REASON_NONE;
+    if (detail && size > 0)
+        detail[entry.script().reasonDetail.copy(detail, size - 1)] = '\0';
+    return entry.result(entry.script().reason, CAMMGR_REASON_NONE);
+}
+
+int RtspPlayer_GetFigures(RtspPlayer *player, RtspPlayerFigures *figures)
+{
+    const Entry entry("RtspPlayer_GetFigures", player, {}, {figures->size});
+    if (!entry || !entry.script().figures)
+        return -1;
+    const int32_t size = figures->size;
+    *figures = *entry.script().figures;
+    figures->size = size;
+    return entry.result(0, -1);
+}
+
 int RtspPlayer_Issue_P2PConf_URLCMDs(RtspPlayer *player, const char *const *requests, int count)
 {
     const std::vector<std::string> texts(requests, requests + count);

@@ -1,5 +1,6 @@
 #include "camsim/camsim_process.h"
 #include "platform/cammgr/live_stream.h"
+#include "platform/cammgr/stream_figures.h"
 #include "platform/media/clip_names.h"
 #include "tests/platform/cammgr/media_probe.h"
 #include "tests/platform/cammgr/rtsp_test_server.h"
@@ -110,12 +111,27 @@ TEST(LiveStream, PlaysWithoutAWindow)
     EXPECT_TRUE(waitUntil([&] { return stream.frameRate() >= 20 && stream.frameRate() <= 30; }));
     EXPECT_GT(stream.bitRate(), 1000);
     EXPECT_EQ(listener.keyFrameWishes(), 1);
+    RtspPlayerFigures figures = {};
+    figures.size = sizeof figures;
+    EXPECT_TRUE(waitUntil([&] {
+        return stream.figures()->write(figures) && *figures.sound_codec && figures.frames_received;
+    }));
+    EXPECT_EQ(figures.width, 320);
+    EXPECT_EQ(figures.height, 240);
+    EXPECT_STREQ(figures.codec, "H264");
+    EXPECT_STREQ(figures.sound_codec, "PCMU");
+    EXPECT_STREQ(figures.transport, "TCP");
+    EXPECT_GE(figures.packets_received, figures.frames_received);
+    EXPECT_EQ(figures.packets_lost, 0);
+    EXPECT_GE(figures.picture_age, 0);
+    EXPECT_STREQ(figures.decoder, "") << "nothing is drawn";
 
     stream.stop();
     EXPECT_FALSE(stream.isActive());
     EXPECT_FALSE(stream.isPlaying());
     EXPECT_EQ(stream.frameRate(), 0);
     EXPECT_EQ(stream.width(), 0);
+    EXPECT_FALSE(stream.figures());
     EXPECT_TRUE(listener.ends().empty());
     EXPECT_EQ(listener.firstFrames(), 1);
 }
@@ -133,6 +149,13 @@ TEST(LiveStream, DrawsEachPictureOnItsWindow)
     ASSERT_TRUE(waitUntil([&] { return window.grab().white == 0; })) << window.grab().white;
     const auto before = window.grab().sum;
     EXPECT_TRUE(waitUntil([&] { return window.grab().sum != before; }));
+    RtspPlayerFigures figures = {};
+    figures.size = sizeof figures;
+    ASSERT_TRUE(stream.figures()->write(figures));
+    EXPECT_GT(figures.frames_drawn, 0);
+    EXPECT_STRNE(figures.decoder, "");
+    EXPECT_GT(figures.delay, 0);
+    EXPECT_GE(figures.picture_age, 0);
     stream.stop();
     const auto after = window.grab().sum;
     EXPECT_FALSE(waitUntil([&] { return window.grab().sum != after; }, 300ms));

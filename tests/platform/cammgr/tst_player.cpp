@@ -8,6 +8,7 @@
 
 #include <sys/resource.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -51,6 +52,14 @@ std::set<std::string> threadNames()
     return names;
 }
 
+/// Why the camera is not shown: the value, a blank and the detail.
+std::string reasonOf(RtspPlayer *player)
+{
+    std::array<char, 256> detail = {};
+    const int value = RtspPlayer_GetReason(player, detail.data(), detail.size());
+    return std::to_string(value) + ' ' + detail.data();
+}
+
 std::chrono::microseconds cpuTime()
 {
     rusage usage{};
@@ -72,18 +81,23 @@ TEST(Player, AProbeThatIsAnsweredIsMessage0)
     EXPECT_EQ(message->kind, CAMMGR_MSG_PROBE_OK);
     EXPECT_EQ(message->value, 0);
     EXPECT_EQ(RtspPlayer_GetMode(player), 0) << "the main stream is there";
+    EXPECT_EQ(reasonOf(player), "0 ");
     EXPECT_EQ(RtspPlayer_DeleteSync(player), 0);
 }
 
 TEST(Player, ACameraThatIsNotThereIsMessage1WithCode0)
 {
     PlayerMessages messages;
-    RtspPlayer *player = makePlayer("127.0.0.1:" + std::to_string(closedPort()), messages);
+    const std::string host = "127.0.0.1:" + std::to_string(closedPort());
+    RtspPlayer *player = makePlayer(host, messages);
+    EXPECT_EQ(reasonOf(player), "0 ") << "nothing is known yet";
     RtspPlayer_TickAlive(player);
     const auto message = messages.next();
     ASSERT_TRUE(message);
     EXPECT_EQ(message->kind, CAMMGR_MSG_PROBE_FAILED);
     EXPECT_EQ(message->value, CAMMGR_ERROR_UNREACHABLE);
+    EXPECT_EQ(reasonOf(player), std::to_string(CAMMGR_REASON_CONNECTION_REFUSED) + ' ' + host);
+    EXPECT_EQ(RtspPlayer_GetReason(player, nullptr, 0), CAMMGR_REASON_CONNECTION_REFUSED);
     RtspPlayer_DeleteSync(player);
 }
 
@@ -102,6 +116,8 @@ TEST(Player, ARefusedLoginIsMessage1WithCode1AndIsAnsweredFromMemory)
         ASSERT_TRUE(message);
         EXPECT_EQ(message->kind, CAMMGR_MSG_PROBE_FAILED);
         EXPECT_EQ(message->value, CAMMGR_ERROR_REFUSED);
+        EXPECT_EQ(reasonOf(player),
+                  std::to_string(CAMMGR_REASON_LOGIN_REFUSED) + ' ' + server.address());
     }
     int logins = 0;
     for (const std::string &request : server.requests())
@@ -261,11 +277,17 @@ void callEverything(RtspPlayer *player)
     AudioUpload_IsPlaying(player);
     AudioUpload_Stop(player);
     EXPECT_EQ(AudioUpload_IsPlaying(player), 0);
+    EXPECT_GE(RtspPlayer_GetReason(player, nullptr, 10), 0);
+    RtspPlayerFigures figures = {};
+    figures.size = sizeof figures;
+    EXPECT_LT(RtspPlayer_GetFigures(player, &figures), 0);
+    EXPECT_LT(RtspPlayer_GetFigures(player, nullptr), 0);
 }
 
 TEST(Player, CallsWithoutAPlayerDoNothing)
 {
     callEverything(nullptr);
+    EXPECT_EQ(reasonOf(nullptr), "0 ");
     EXPECT_LT(RtspPlayer_Delete(nullptr), 0);
     EXPECT_LT(RtspPlayer_DeleteSync(nullptr), 0);
     EXPECT_EQ(RtspPlayer_Create(nullptr, "a", "b", nullptr, nullptr), nullptr);

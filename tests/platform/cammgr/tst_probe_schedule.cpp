@@ -54,6 +54,22 @@ TEST(ProbeSchedule, TriesARefusedLoginThreeTimesInHalfAnHour)
     EXPECT_EQ(client.schedule().remembered(), rtsp::ProbeOutcome::LoginRefused);
 }
 
+TEST(ProbeSchedule, TellsHowLongARefusedLoginIsNotTried)
+{
+    ProbeSchedule schedule;
+    const ProbeSchedule::Time begin(1000h);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_FALSE(schedule.loginPause(begin));
+        schedule.record(rtsp::ProbeOutcome::LoginRefused, begin + i * 10s);
+    }
+    EXPECT_EQ(schedule.loginPause(begin + 20s), begin + 30min);
+    EXPECT_FALSE(schedule.loginPause(begin + 30min));
+    schedule.userAsked();
+    EXPECT_FALSE(schedule.loginPause(begin + 20s));
+    schedule.record(rtsp::ProbeOutcome::Answered, begin + 30s);
+    EXPECT_FALSE(schedule.loginPause(begin + 30s));
+}
+
 TEST(ProbeSchedule, ARefusalInPlayCountsBesideProbesThatNeedNoLogin)
 {
     // Described to anybody, played to nobody: each probe succeeds, and the stream is refused.

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/cammgr/cammgr.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace zelvaro {
+
+/// Why a camera is not shown.
+struct CameraReason
+{
+    int value = CAMMGR_REASON_NONE; ///< a CAMMGR_REASON_ value
+    QString detail;                 ///< the bare fact; see cammgr.h for what each value has
+
+    bool operator==(const CameraReason &) const = default;
+};
+
+/// The functions of the camera-manager library that the library of another maker may lack, looked
+/// up once. GUI thread.
+class OptionalFunctions
+{
+public:
+    using Lookup = void *(*)(const char *name);
+
+    /// Those of the library that the program runs with.
+    static const OptionalFunctions &instance();
+    explicit OptionalFunctions(Lookup lookup);
+
+    /// CAMMGR_REASON_NONE where the library cannot tell.
+    [[nodiscard]] CameraReason reason(RtspPlayer *player) const;
+    /// nullopt where the library cannot tell, or no stream was started.
+    [[nodiscard]] std::optional<RtspPlayerFigures> figures(RtspPlayer *player) const;
+
+private:
+    decltype(&RtspPlayer_GetReason) m_getReason;
+    decltype(&RtspPlayer_GetFigures) m_getFigures;
+};
+
+} // namespace zelvaro

@@ -1,0 +1,117 @@
+#include "platform/cammgr/reason.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace cammgr {
+namespace {
+
+std::string hostAndPort(const base::Endpoint &endpoint)
+{
+    const bool isIpv6 = endpoint.host.find(':') != std::string::npos;
+    return (isIpv6 ? '[' + endpoint.host + ']' : endpoint.host) + ':' +
+           std::to_string(endpoint.port);
+}
+
+std::string pathAndStatus(const base::CameraAddress &stream, int status)
+{
+    return stream.path + (status > 0 ? ' ' + std::to_string(status) : std::string());
+}
+
+} // namespace
+
+Reason reasonOf(rtsp::ProbeOutcome outcome, const base::CameraAddress &stream)
+{
+    using rtsp::ProbeOutcome;
+    constexpr int notFound = 404;
+    switch (outcome) {
+    case ProbeOutcome::Answered:
+        return {};
+    case ProbeOutcome::LoginRefused:
+        return {CAMMGR_REASON_LOGIN_REFUSED, hostAndPort(stream.endpoint)};
+    case ProbeOutcome::NotFound:
+        return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, notFound)};
+    case ProbeOutcome::Unusable:
+        return {CAMMGR_REASON_BROKEN_ANSWER, hostAndPort(stream.endpoint)};
+    case ProbeOutcome::Rejected:
+        return {CAMMGR_REASON_CONNECTION_REFUSED, hostAndPort(stream.endpoint)};
+    case ProbeOutcome::Silent:
+        break;
+    }
+    return {CAMMGR_REASON_NO_ANSWER, hostAndPort(stream.endpoint)};
+}
+
+Reason reasonOf(rtsp::StreamEnd end, const base::CameraAddress &stream)
+{
+    using rtsp::StreamEnd;
+    constexpr int notFound = 404;
+    switch (end) {
+    case StreamEnd::Failed:
+        break;
+    case StreamEnd::Refused:
+        return {CAMMGR_REASON_LOGIN_REFUSED, hostAndPort(stream.endpoint)};
+    case StreamEnd::NotFound:
+        return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, notFound)};
+    case StreamEnd::PathRefused:
+        return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, 0)};
+    case StreamEnd::Closed:
+        return {CAMMGR_REASON_STREAM_ENDED, hostAndPort(stream.endpoint)};
+    case StreamEnd::Stalled:
+        return {CAMMGR_REASON_NO_PICTURES, hostAndPort(stream.endpoint)};
+    case StreamEnd::NoVideo:
+        return {CAMMGR_REASON_NO_VIDEO, {}};
+    }
+    return {CAMMGR_REASON_NO_ANSWER, hostAndPort(stream.endpoint)};
+}
+
+void ReasonBoard::set(Reason reason, Source source)
+{
+    const std::lock_guard lock(m_mutex);
+    m_reason = std::move(reason);
+    m_source = source;
+}
+
+void ReasonBoard::clear(Source source)
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_source == source)
+        m_reason = {};
+}
+
+void ReasonBoard::pictureShown()
+{
+    const std::lock_guard lock(m_mutex);
+    m_reason = {};
+}
+
+void ReasonBoard::setLoginPause(std::optional<Time> until)
+{
+    const std::lock_guard lock(m_mutex);
+    m_pausedUntil = until;
+}
+
+Reason ReasonBoard::current(Time now) const
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_reason.value != CAMMGR_REASON_LOGIN_REFUSED || !m_pausedUntil || *m_pausedUntil <= now)
+        return m_reason;
+    const auto left = std::chrono::ceil<std::chrono::seconds>(*m_pausedUntil - now);
+    return {CAMMGR_REASON_LOGIN_PAUSED, std::to_string(left.count())};
+}
+
+void copyCut(const std::string &text, char *room, int size)
+{
+    if (!room || size < 1)
+        return;
+    size_t length = std::min(text.size(), static_cast<size_t>(size) - 1);
+    const auto continues = [&](size_t at) {
+        return (static_cast<uint8_t>(text[at]) & 0xc0) == 0x80;
+    };
+    while (length > 0 && length < text.size() && continues(length))
+        --length;
+    std::memcpy(room, text.data(), length);
+    room[length] = '\0';
+}
+
+} // namespace cammgr
