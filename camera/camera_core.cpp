@@ -282,6 +282,11 @@ zelvaro::CameraReason CCameraCore::reason() const
                          : zelvaro::CameraReason();
 }
 
+int CCameraCore::trustKey()
+{
+    return zelvaro::OptionalFunctions::instance().trustKey(player());
+}
+
 std::optional<RtspPlayerFigures> CCameraCore::figures() const
 {
     return m_pRtspPlayer ? zelvaro::OptionalFunctions::instance().figures(m_pRtspPlayer)

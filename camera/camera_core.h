@@ -112,6 +112,8 @@ public:
 
     /// Why the camera is not shown now; CAMMGR_REASON_NONE also where the library cannot tell.
     zelvaro::CameraReason reason() const;
+    /// Trusts the TLS key that the camera shows now (CAMMGR_REASON_KEY_CHANGED).
+    int trustKey();
     /// nullopt when nothing was played, or the library cannot tell.
     std::optional<RtspPlayerFigures> figures() const;
 

@@ -24,9 +24,21 @@ const OptionalFunctions &OptionalFunctions::instance()
 }
 
 OptionalFunctions::OptionalFunctions(Lookup lookup)
-    : m_getReason(find<decltype(m_getReason)>(lookup, "RtspPlayer_GetReason"))
+    : m_setKnownKeysFile(find<decltype(m_setKnownKeysFile)>(lookup, "cammgr_set_known_keys_file"))
+    , m_trustKey(find<decltype(m_trustKey)>(lookup, "RtspPlayer_TrustKey"))
+    , m_getReason(find<decltype(m_getReason)>(lookup, "RtspPlayer_GetReason"))
     , m_getFigures(find<decltype(m_getFigures)>(lookup, "RtspPlayer_GetFigures"))
 {
+}
+
+int OptionalFunctions::setKnownKeysFile(const QString &path) const
+{
+    return m_setKnownKeysFile ? m_setKnownKeysFile(path.toUtf8().constData()) : -1;
+}
+
+int OptionalFunctions::trustKey(RtspPlayer *player) const
+{
+    return m_trustKey ? m_trustKey(player) : -1;
 }
 
 CameraReason OptionalFunctions::reason(RtspPlayer *player) const

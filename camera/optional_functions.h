@@ -28,12 +28,18 @@ public:
     static const OptionalFunctions &instance();
     explicit OptionalFunctions(Lookup lookup);
 
+    /// Where the library keeps the TLS keys of cameras. 0, or negative when it does not keep them.
+    int setKnownKeysFile(const QString &path) const;
+    /// Negative where the library cannot.
+    int trustKey(RtspPlayer *player) const;
     /// CAMMGR_REASON_NONE where the library cannot tell.
     [[nodiscard]] CameraReason reason(RtspPlayer *player) const;
     /// nullopt where the library cannot tell, or no stream was started.
     [[nodiscard]] std::optional<RtspPlayerFigures> figures(RtspPlayer *player) const;
 
 private:
+    decltype(&cammgr_set_known_keys_file) m_setKnownKeysFile;
+    decltype(&RtspPlayer_TrustKey) m_trustKey;
     decltype(&RtspPlayer_GetReason) m_getReason;
     decltype(&RtspPlayer_GetFigures) m_getFigures;
 };

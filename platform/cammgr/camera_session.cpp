@@ -116,6 +116,12 @@ void CameraSession::userAsked()
     m_reason.setLoginPause(std::nullopt);
 }
 
+void CameraSession::trustKey()
+{
+    m_resolver->trustKey();
+    m_schedule.userAsked();
+}
+
 void CameraSession::pictureShown()
 {
     m_reason.pictureShown();
@@ -189,6 +195,8 @@ void CameraSession::tellReason(rtsp::ProbeOutcome outcome)
     m_reason.setLoginPause(m_schedule.loginPause(Clock::now()));
     if (outcome == rtsp::ProbeOutcome::Answered)
         m_reason.probeAnswered();
+    else if (m_resolver->hasChangedKey())
+        m_reason.probeFailed(reasonOf(rtsp::ProbeOutcome::KeyChanged, base::parseUrl(url)));
     else if (m_resolver->endpoint().port == 0)
         m_reason.probeFailed({CAMMGR_REASON_HOST_NOT_FOUND, m_info.address.uid});
     else
@@ -307,15 +315,14 @@ void CameraSession::streamEnded(StreamEnd reason)
         return; // the order is void
     const std::string url = m_paths.url(m_resolver->endpoint(), m_order.path);
     m_reason.streamFailed(reasonOf(reason, base::parseUrl(url)));
-    if (reason == StreamEnd::NotFound ||
-            (reason == StreamEnd::PathRefused && mayTryProfiles())) {
-            m_hasTriedProfiles = true;
-            fallBack(m_order.path, reason == StreamEnd::NotFound,
-                     [this, ticket = m_order.ticket](bool again) {
-                         if (again && ticket == m_order.ticket)
-                             startStream();
-                     });
-        }
+    if (reason == StreamEnd::NotFound || (reason == StreamEnd::PathRefused && mayTryProfiles())) {
+        m_hasTriedProfiles = true;
+        fallBack(m_order.path, reason == StreamEnd::NotFound,
+                 [this, ticket = m_order.ticket](bool again) {
+                     if (again && ticket == m_order.ticket)
+                         startStream();
+                 });
+    }
 }
 
 void CameraSession::keyFrameWanted()

@@ -89,6 +89,8 @@ public:
     void pictureShown();
     /// The user wants to see the camera.
     void userAsked();
+    /// The user trusts the TLS key that the camera shows.
+    void trustKey();
     /// The last play request is superseded: the stream was stopped, or set up again.
     void orderVoided();
     void issueCommands(std::vector<std::string> requests);

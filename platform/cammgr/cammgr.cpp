@@ -1,5 +1,6 @@
 #include "platform/cammgr/cammgr.h"
 
+#include "platform/base/known_keys.h"
 #include "platform/cammgr/io_thread.h"
 #include "platform/cammgr/player.h"
 #include "platform/cammgr/stream_figures.h"
@@ -314,6 +315,26 @@ int RtspPlayer_GetReason(RtspPlayer *player, char *detail, int size)
             const cammgr::Reason reason = p.reason();
             cammgr::copyCut(reason.detail, detail, size);
             return reason.value;
+        });
+}
+
+int cammgr_set_known_keys_file(const char *path)
+{
+    return guarded(
+        failure,
+        [&] {
+            const std::string file = utf8OrEmpty(path);
+            return !file.empty() && base::KnownKeys::instance().setFile(file) ? 0 : failure;
+        });
+}
+
+int RtspPlayer_TrustKey(RtspPlayer *player)
+{
+    return with(
+        player, failure,
+        [](RtspPlayer &p) {
+            p.trustKey();
+            return 0;
         });
 }
 

@@ -206,12 +206,14 @@ enum
                                              "/live/0/h264.sdp", then, if it was answered, a space
                                              and the RTSP status: "404" */
     CAMMGR_REASON_NO_VIDEO = 7,           /* it describes no picture; empty */
-    CAMMGR_REASON_CODEC_UNKNOWN = 8, /* its picture cannot be decoded; RTP encoding name: "VP8" */
-    CAMMGR_REASON_STREAM_ENDED = 9,  /* it ended a stream that played; "192.168.1.20:554" */
-    CAMMGR_REASON_NO_PICTURES = 10,  /* it plays, but for 5 s (at first up to 30 s) nothing came
-                                        of which a picture could be made; "192.168.1.20:554" */
-    CAMMGR_REASON_BROKEN_ANSWER = 11 /* what it answers is no RTSP or breaks off;
-                                        "192.168.1.20:554" */
+    CAMMGR_REASON_CODEC_UNKNOWN = 8,  /* its picture cannot be decoded; RTP encoding name: "VP8" */
+    CAMMGR_REASON_STREAM_ENDED = 9,   /* it ended a stream that played; "192.168.1.20:554" */
+    CAMMGR_REASON_NO_PICTURES = 10,   /* it plays, but for 5 s (at first up to 30 s) nothing came
+                                         of which a picture could be made; "192.168.1.20:554" */
+    CAMMGR_REASON_BROKEN_ANSWER = 11, /* what it answers is no RTSP or breaks off;
+                                         "192.168.1.20:554" */
+    CAMMGR_REASON_KEY_CHANGED = 12    /* over TLS it shows another key than it had, see
+                                         RtspPlayer_TrustKey; "192.168.1.20:322" */
 };
 
 /*
@@ -223,6 +225,20 @@ enum
  * of a probe until the next one is answered.
  */
 CAMMGR_API int RtspPlayer_GetReason(RtspPlayer *player, char *detail, int size);
+
+/*
+ * Optional. The keys of cameras that are reached by TLS are kept in this file (UTF-8; its folder
+ * exists): the first key that a camera shows is remembered, and another one is refused
+ * (CAMMGR_REASON_KEY_CHANGED). Without a file they are kept for as long as the process runs. Call
+ * it before the first RtspPlayer_Create; it reads the file. Negative when the file is there and
+ * cannot be read, which counts as no file.
+ */
+CAMMGR_API int cammgr_set_known_keys_file(const char *path);
+
+/* Optional. The user trusts the key that the camera shows now: it takes the place of the one that
+ * was known, and the next probe is not answered from memory. Does nothing when no key of the camera
+ * was refused. */
+CAMMGR_API int RtspPlayer_TrustKey(RtspPlayer *player);
 
 /* What RtspPlayer_GetFigures tells of the stream that plays. Texts are NUL-terminated ASCII and
  * empty, numbers 0 where nothing else is said and nothing is known. */

@@ -149,6 +149,12 @@ void RtspPlayer::release(std::shared_ptr<RtspPlayer> player)
     });
 }
 
+void RtspPlayer::trustKey()
+{
+    postTo(
+        m_session, [](CameraSession &session) { session.trustKey(); });
+}
+
 int RtspPlayer::issueCommands(std::vector<std::string> requests)
 {
     if (!m_session->claimCommands())

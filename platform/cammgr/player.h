@@ -40,6 +40,7 @@ public:
     /// then sends CAMMGR_MSG_DELETED, the last message. On a thread that may wait.
     static void release(std::shared_ptr<RtspPlayer> player);
 
+    void trustKey();
     int issueCommands(std::vector<std::string> requests);
 
     /// 0, or why the last talk failed when it was not long ago.

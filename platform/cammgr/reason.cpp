@@ -36,6 +36,8 @@ Reason reasonOf(rtsp::ProbeOutcome outcome, const base::CameraAddress &stream)
         return {CAMMGR_REASON_BROKEN_ANSWER, hostAndPort(stream.endpoint)};
     case ProbeOutcome::Rejected:
         return {CAMMGR_REASON_CONNECTION_REFUSED, hostAndPort(stream.endpoint)};
+    case ProbeOutcome::KeyChanged:
+        return {CAMMGR_REASON_KEY_CHANGED, hostAndPort(stream.endpoint)};
     case ProbeOutcome::Silent:
         break;
     }
@@ -49,6 +51,8 @@ Reason reasonOf(rtsp::StreamEnd end, const base::CameraAddress &stream)
     switch (end) {
     case StreamEnd::Failed:
         break;
+    case StreamEnd::KeyChanged:
+        return {CAMMGR_REASON_KEY_CHANGED, hostAndPort(stream.endpoint)};
     case StreamEnd::Refused:
         return {CAMMGR_REASON_LOGIN_REFUSED, hostAndPort(stream.endpoint)};
     case StreamEnd::NotFound:

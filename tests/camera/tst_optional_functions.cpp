@@ -37,6 +37,8 @@ private slots:
         const OptionalFunctions none(&findNothing);
         QCOMPARE(none.reason(session.player()->handle()).value, int(CAMMGR_REASON_NONE));
         QVERIFY(!none.figures(session.player()->handle()));
+        QVERIFY(none.trustKey(session.player()->handle()) < 0);
+        QVERIFY(none.setKnownKeysFile("keys") < 0);
     }
 
     void sessionWithoutAPlayerTellsNothing()
@@ -69,6 +71,17 @@ private slots:
             script.reasonDetail = std::string(2000, 'x');
         });
         QCOMPARE(session->reason().detail, QString(511, 'x'));
+    }
+
+    void keysGoToTheLibrary()
+    {
+        const Session session;
+        session.start();
+        QCOMPARE(session->trustKey(), 0);
+        QCOMPARE(session.player()->count("RtspPlayer_TrustKey"), 1);
+        QCOMPARE(OptionalFunctions::instance().setKnownKeysFile(QStringLiteral("/é/keys")), 0);
+        const std::vector<std::string> file = {"/é/keys"};
+        QVERIFY(fake_cammgr::calls().back().texts == file);
     }
 
     void figuresArePassedOn()

@@ -283,6 +283,16 @@ int RtspPlayer_GetReason(RtspPlayer *player, char *detail, int size)
     return entry.result(entry.script().reason, CAMMGR_REASON_NONE);
 }
 
+int cammgr_set_known_keys_file(const char *path)
+{
+    return Entry("cammgr_set_known_keys_file", nullptr, {path}).result(0, 0);
+}
+
+int RtspPlayer_TrustKey(RtspPlayer *player)
+{
+    return Entry("RtspPlayer_TrustKey", player).result(0, -1);
+}
+
 int RtspPlayer_GetFigures(RtspPlayer *player, RtspPlayerFigures *figures)
 {
     const Entry entry("RtspPlayer_GetFigures", player, {}, {figures->size});

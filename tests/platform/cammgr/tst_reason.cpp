@@ -29,6 +29,8 @@ TEST(Reason, OfProbes)
            "192.168.1.20:554");
     expect(reasonOf(ProbeOutcome::NotFound, stream), CAMMGR_REASON_NO_SUCH_PATH,
            "/live/0/h264.sdp 404");
+    expect(reasonOf(ProbeOutcome::KeyChanged, base::parseUrl("rtsps://192.168.1.20/a")),
+           CAMMGR_REASON_KEY_CHANGED, "192.168.1.20:322");
     expect(reasonOf(ProbeOutcome::Rejected, base::parseUrl("rtsp://[fe80::1]:8554/a")),
            CAMMGR_REASON_CONNECTION_REFUSED, "[fe80::1]:8554");
 }
