@@ -197,7 +197,8 @@ void Receiver::Private::tryAnotherWay(StreamEnd reason, const std::string &text)
     m_firstReason = {reason, text};
     m_plan.mayUseTcp = false;
     m_plan.asksOptions = false;
-    m_plan.join = m_session->join();
+    // Only a SETUP that was accepted tells which address of the picture is right.
+    m_plan.join = m_session->step() == Step::Setup ? 0 : m_session->join();
     m_isPlaying = false;
     m_watch.stop();
     leave();

@@ -336,6 +336,11 @@ void ScriptedCamera::Connection::sendRtp(std::string_view payload, bool marker)
             packet += static_cast<char>(value >> shift);
     ++m_sequence;
     packet += payload;
+    sendPicturePacket(packet);
+}
+
+void ScriptedCamera::Connection::sendPicturePacket(std::string_view packet) const
+{
     if (m_udp >= 0)
         ::send(m_udp, packet.data(), packet.size(), MSG_NOSIGNAL);
     else
@@ -344,6 +349,10 @@ void ScriptedCamera::Connection::sendRtp(std::string_view payload, bool marker)
 
 void ScriptedCamera::Connection::sendFrame()
 {
+    if (m_camera.m_behaviour.media) {
+        m_camera.m_behaviour.media(*this);
+        return;
+    }
     sendRtp(parameterSet, false);
     sendRtp(pictureSet, false);
     sendRtp(keySlice, true);

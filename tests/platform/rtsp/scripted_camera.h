@@ -44,8 +44,13 @@ public:
         /// What the camera does when left alone.
         void answerWell(const Request &request);
         void sendPacket(int channel, std::string_view packet) const;
+        /// A whole RTP packet, on the channel or port of the picture.
+        void sendPicturePacket(std::string_view packet) const;
         /// One frame: parameter sets and a slice, on the channel or port of the picture.
         void sendFrame();
+        /// The Transport header that accepts what a SETUP asks for.
+        std::string transportFor(const Request &request) { return setUp(request); }
+        bool isUdp() const { return m_udp >= 0; }
         void play(bool on = true) { m_isPlaying = on; }
         /// The first frame comes some time later.
         void playLate(std::chrono::milliseconds delay);
@@ -87,6 +92,8 @@ public:
         std::string describeHeaders = {}; ///< beside the length and type
         std::string description = goodDescription();
         bool ipv6 = false;
+        /// Sends the media of every 20 ms in place of the camera's own frames.
+        std::function<void(Connection &)> media = {};
     };
 
     static std::string goodDescription(const std::string &videoControl = "track1",

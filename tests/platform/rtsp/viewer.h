@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 /// A receiver on its thread, and what it told.
 class Viewer : public rtsp::Receiver::Client
@@ -74,6 +75,8 @@ public:
         m_onFrame = std::move(work);
     }
 
+    /// Those that came until now.
+    std::vector<base::AccessUnit> units() const { return locked(m_units); }
     int frames() const { return locked(m_frames); }
     int playCount() const { return locked(m_plays); }
     int descriptions() const { return locked(m_descriptions); }
@@ -114,11 +117,13 @@ private:
     {
         note([&] { ++m_plays; });
     }
-    void video(const base::AccessUnit &) override
+    void video(const base::AccessUnit &unit) override
     {
         std::function<void()> work;
         note([&] {
             ++m_frames;
+            if (m_units.size() < maxUnits)
+                m_units.push_back(unit);
             work = m_onFrame;
         });
         if (work)
@@ -138,7 +143,10 @@ private:
         });
     }
 
+    static constexpr size_t maxUnits = 1000;
+
     mutable std::mutex m_mutex; ///< for what follows
+    std::vector<base::AccessUnit> m_units;
     std::condition_variable m_changed;
     int m_frames = 0;
     int m_sounds = 0;
