@@ -46,6 +46,8 @@ public:
     virtual void startStream(uint64_t ticket, const StreamRequest &request) = 0;
     /// Starts talking when ticket is still the last one; gives up without a request.
     virtual void startTalk(uint64_t ticket, const rtsp::StreamRequest *request) = 0;
+    /// A talk has ended by itself.
+    virtual void talkEnded() = 0;
 
 protected:
     ~StreamControl() = default;
@@ -83,6 +85,7 @@ public:
     void stopConnecting();
     void play(const StreamOrder &order);
     void talk(uint64_t ticket);
+    void talkEnded() { m_control.talkEnded(); }
     void streamEnded(StreamEnd reason);
     void keyFrameWanted();
     /// The stream shows its first picture.

@@ -11,6 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int loudest = 200;
+constexpr int duckedPart = 10; ///< of the volume, while the camera is talked to
 // Longer than a disk that works ever needs.
 constexpr auto closingLimit = 10s;
 
@@ -23,6 +24,9 @@ public:
     std::shared_ptr<Session> session;
     std::shared_ptr<media::ClosingClips> closing = std::make_shared<media::ClosingClips>();
     int volume = 100;
+    bool isDucked = false;
+
+    int heardVolume() const { return isDucked ? volume / duckedPart : volume; }
 };
 
 LiveStream::LiveStream(Listener listener) : d(std::make_unique<Private>())
@@ -40,7 +44,7 @@ void LiveStream::start(const StreamRequest &request)
 {
     stop();
     d->session = std::make_shared<Session>(request, d->listener, d->closing);
-    d->session->start(d->volume);
+    d->session->start(d->heardVolume());
 }
 
 void LiveStream::stop()
@@ -75,7 +79,13 @@ void LiveStream::setVolume(int percent)
 {
     d->volume = std::clamp(percent, 0, loudest);
     if (d->session)
-        d->session->setVolume(d->volume);
+        d->session->setVolume(d->heardVolume());
+}
+
+void LiveStream::duck(bool on)
+{
+    if (std::exchange(d->isDucked, on) != on)
+        setVolume(d->volume);
 }
 
 int LiveStream::snapshot(const std::string &path)

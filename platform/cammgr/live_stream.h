@@ -66,6 +66,9 @@ public:
 
     /// 0 (silent) to 200; 100 is the level of the source. Kept for streams started later.
     void setVolume(int percent);
+    /// Plays the sound at a tenth of the volume, so that a microphone that is sent to the camera
+    /// does not send the camera's own sound back to it. Kept for streams started later.
+    void duck(bool on);
 
     /// Writes the newest frame in the size of the stream as JPEG, to a temporary file next to path
     /// that is then renamed. Takes as long as one JPEG. 0, or negative when there is no frame or

@@ -49,6 +49,9 @@ RtspPlayer::RtspPlayer(const cammgr::SessionInfo &info)
     , m_context(info.context)
     , m_session(std::make_shared<CameraSession>(info, static_cast<StreamControl &>(*this)))
     , m_stream(listenerFor(m_session))
+    , m_talkBack([session = std::weak_ptr(m_session)] {
+        postTo(session, [](CameraSession &s) { s.talkEnded(); });
+    })
 {
     ioThread().post([session = m_session] { session->open(); });
 }
@@ -186,6 +189,7 @@ void RtspPlayer::stopTalk()
     m_talkPending = false;
     const std::lock_guard lock(m_mutex);
     m_talkBack.stop();
+    m_stream.duck(false);
 }
 
 void RtspPlayer::startTalk(uint64_t ticket, const rtsp::StreamRequest *request)
@@ -197,7 +201,14 @@ void RtspPlayer::startTalk(uint64_t ticket, const rtsp::StreamRequest *request)
         return;
     if (request)
         m_talkBack.start(*request);
+    m_stream.duck(m_talkBack.isRunning());
     m_talkPending = false;
+}
+
+void RtspPlayer::talkEnded()
+{
+    const std::lock_guard lock(m_mutex);
+    m_stream.duck(m_talkBack.isRunning());
 }
 
 bool RtspPlayer::isTalking() const

@@ -60,6 +60,7 @@ private:
     cammgr::StreamPhase streamPhase() override;
     void startStream(uint64_t ticket, const cammgr::StreamRequest &request) override;
     void startTalk(uint64_t ticket, const rtsp::StreamRequest *request) override;
+    void talkEnded() override;
     void voidOrder();
 
     const RtspPlayerCallback m_callback;

@@ -1,24 +1,25 @@
 #pragma once
 
-#include "platform/cammgr/live_stream.h"
+#include "platform/rtsp/stream_request.h"
 
+#include <functional>
 #include <memory>
 
 namespace cammgr {
 
 /**
- * Sends the microphone to a camera over the ONVIF back channel (ONVIF Streaming 5.3): G.711 in
- * packets of 20 ms, over a separate RTSP session, so that a camera without a loudspeaker or a
- * machine without a microphone never disturbs the picture. No call waits: each session has a
- * thread, which also cleans up after itself. Called by one thread at a time.
- *
- * The environment variable ZELVARO_TALKBACK_SOURCE names another source than the microphone, as a
- * GStreamer launch line ("audiotestsrc is-live=true").
+ * Sends the microphone to a camera over the ONVIF back channel (ONVIF Streaming 5.3) in packets of
+ * 20 ms, over a separate RTSP session, so that a camera without a loudspeaker or a machine without
+ * a microphone never disturbs the picture. No call waits: the session lives on the I/O thread, the
+ * microphone has a thread of its own, and both clean up after themselves. Called by one thread at a
+ * time. See media::Microphone for another source than the microphone.
  */
 class TalkBack
 {
 public:
-    TalkBack() = default;
+    /// @param ended runs on a thread of the library when a talk has ended by itself, never inside a
+    /// call; may be empty
+    explicit TalkBack(std::function<void()> ended = {}) : m_ended(std::move(ended)) {}
     ~TalkBack() { stop(); }
     TalkBack(const TalkBack &) = delete;
     TalkBack &operator=(const TalkBack &) = delete;
@@ -35,6 +36,7 @@ public:
 
 private:
     class Run;
+    const std::function<void()> m_ended;
     std::shared_ptr<Run> m_run;
 };
 

@@ -9,4 +9,7 @@ namespace media {
 /// of a code, 2 to 5; other values give nothing. A piece that ends within a code loses that code.
 [[nodiscard]] base::Bytes g726WithFirstCodeHigh(const base::Bytes &packed, int bits);
 
+/// The way back, for what the framework's encoder makes.
+[[nodiscard]] base::Bytes g726WithFirstCodeLow(const base::Bytes &packed, int bits);
+
 } // namespace media

@@ -4,6 +4,7 @@
 #include "platform/rtsp/stream_splitter.h"
 
 #include <memory>
+#include <utility>
 
 namespace rtsp {
 namespace {
@@ -16,9 +17,11 @@ constexpr auto farewell = 100ms;
 class Closer : public std::enable_shared_from_this<Closer>, private StreamSplitter::Sink
 {
 public:
-    Closer(base::TcpChannel channel, std::optional<base::TcpChannel> toCamera)
+    Closer(base::TcpChannel channel, std::optional<base::TcpChannel> toCamera,
+           std::function<void()> closed)
         : m_channel(std::move(channel))
         , m_toCamera(std::move(toCamera))
+        , m_closed(std::move(closed))
     {
     }
 
@@ -54,10 +57,13 @@ private:
         m_limit.stop();
         m_channel.close();
         m_toCamera.reset();
+        if (const auto closed = std::exchange(m_closed, nullptr))
+            closed();
     }
 
     base::TcpChannel m_channel;
     std::optional<base::TcpChannel> m_toCamera;
+    std::function<void()> m_closed;
     StreamSplitter m_splitter{*this};
     base::Timer m_limit;
     std::shared_ptr<Closer> m_self;
@@ -66,9 +72,10 @@ private:
 } // namespace
 
 void closeInBackground(base::TcpChannel channel, std::optional<base::TcpChannel> toCamera,
-                       const std::string &lastWords)
+                       const std::string &lastWords, std::function<void()> closed)
 {
-    std::make_shared<Closer>(std::move(channel), std::move(toCamera))->run(lastWords);
+    std::make_shared<Closer>(std::move(channel), std::move(toCamera), std::move(closed))
+        ->run(lastWords);
 }
 
 } // namespace rtsp

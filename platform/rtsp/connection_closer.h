@@ -2,6 +2,7 @@
 
 #include "platform/base/tcp_channel.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -11,7 +12,8 @@ namespace rtsp {
 /// thread. What comes meanwhile is read and dropped: closing a connection with unread bytes takes
 /// back what was sent.
 /// @param toCamera the other end of a tunnel, which takes the words; nullopt for none
+/// @param closed runs when that is done; may be null
 void closeInBackground(base::TcpChannel channel, std::optional<base::TcpChannel> toCamera,
-                       const std::string &lastWords);
+                       const std::string &lastWords, std::function<void()> closed);
 
 } // namespace rtsp

@@ -99,13 +99,16 @@ void Exchange::close()
         m_tunnel->cancel();
 }
 
-void Exchange::closeWith(Request request)
+void Exchange::closeWith(Request request, std::function<void()> closed)
 {
     std::string text = textOf(request, ++m_sequence);
     if (m_toCamera)
         text = HttpTunnel::encoded(text);
     if (m_channel.isOpen())
-        closeInBackground(std::move(m_channel), std::exchange(m_toCamera, std::nullopt), text);
+        closeInBackground(std::move(m_channel), std::exchange(m_toCamera, std::nullopt), text,
+                          std::move(closed));
+    else if (closed)
+        closed();
     close();
 }
 

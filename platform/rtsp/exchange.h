@@ -69,8 +69,8 @@ public:
     void sendPacket(uint8_t channel, std::span<const uint8_t> data);
     /// Nothing of what was sent is answered any more.
     void close();
-    /// Sends a last request and leaves the rest to the background. See ConnectionCloser.
-    void closeWith(Request request);
+    /// Sends a last request and leaves the rest to the background. See closeInBackground().
+    void closeWith(Request request, std::function<void()> closed = nullptr);
 
     bool isOpen() const { return m_channel.isOpen(); }
     base::GObjectPtr<GInetSocketAddress> remoteAddress() const { return m_channel.remoteAddress(); }

@@ -12,14 +12,12 @@
 
 #include <algorithm>
 #include <random>
-#include <string_view>
 #include <utility>
 
 namespace rtsp {
 
 namespace {
 
-constexpr std::string_view reportName = "zelvaro"; ///< CNAME: tells nothing of the user
 constexpr int firstDynamicType = 96;
 constexpr auto patience = std::chrono::seconds(1); ///< with other payload types
 constexpr int maxAhead = 3000; ///< what is further ahead is another start (RFC 3550 A.1)
@@ -307,7 +305,7 @@ void MediaReceiver::tick(TimePoint now)
 
 base::Bytes MediaReceiver::receiverReport(TimePoint now)
 {
-    return makeReceiverReport(d->m_ownSource, reportName, d->m_reception.report(now));
+    return makeReceiverReport(d->m_ownSource, ownName, d->m_reception.report(now));
 }
 
 bool MediaReceiver::saidGoodbye() const

@@ -6,40 +6,30 @@ namespace rtsp {
 namespace {
 
 using namespace std::chrono_literals;
-using base::SteadyClock;
 
 constexpr auto reportPeriod = 5s;
 
 } // namespace
 
-MediaTrack::MediaTrack(MediaDescription description, StreamTimeline &timeline, MediaSink &sink)
-    : m_description(std::move(description))
-    , m_timeline(timeline)
-    , m_sink(sink)
-{
-}
-
 bool MediaTrack::useChannels(NumberPair channels)
 {
     m_ports.reset();
     m_channels = channels;
-    m_receiver = MediaReceiver::create(m_description, m_timeline, m_sink, true);
-    return m_receiver != nullptr;
+    return prepare(true, nullptr);
 }
 
 std::optional<NumberPair> MediaTrack::openPorts(GSocketFamily family)
 {
     if (!m_ports)
         m_ports = UdpPorts::open(
-            family, [this](bool isRtcp, std::span<const uint8_t> data) { take(isRtcp, data); });
+            family, [this](bool isRtcp, std::span<const uint8_t> data) { received(isRtcp, data); });
     return m_ports ? std::optional(m_ports->numbers()) : std::nullopt;
 }
 
 bool MediaTrack::usePorts(GInetSocketAddress *camera, const TransportAnswer &answer)
 {
     m_channels.reset();
-    m_receiver = MediaReceiver::create(m_description, m_timeline, m_sink, false);
-    if (!m_ports || !camera || !m_receiver)
+    if (!prepare(false, &answer) || !m_ports || !camera)
         return false;
     m_ports->setPeer(camera, answer.source, answer.serverPorts);
     return true;
@@ -57,56 +47,38 @@ bool MediaTrack::describes(std::span<const uint8_t> packet) const
 
 void MediaTrack::takePacket(uint8_t channel, std::span<const uint8_t> data)
 {
-    take(channel != m_channels->first, data);
+    received(channel != m_channels->first, data);
 }
 
-void MediaTrack::start(SendRtcp sendRtcp)
+void MediaTrack::received(bool isRtcp, std::span<const uint8_t> data)
 {
-    m_sendRtcp = std::move(sendRtcp);
-    if (m_ports)
-        m_ports->punchHoles();
-    m_reports.start(reportPeriod, [this] { report(); });
+    m_hasReceived = m_hasReceived || !isRtcp;
+    take(isRtcp, data);
 }
 
-void MediaTrack::take(bool isRtcp, std::span<const uint8_t> data)
+void MediaTrack::start(SendInterleaved send)
 {
-    if (!m_receiver)
-        return;
-    if (isRtcp) {
-        m_receiver->takeRtcp(data, SteadyClock::now());
-    } else {
-        m_sign = m_hasReceived = true;
-        m_receiver->takeRtp(data, SteadyClock::now());
-    }
-    armDeadline();
+    m_send = std::move(send);
+    started();
+    m_reports.start(reportPeriod, [this] { sendReport(); });
 }
 
-void MediaTrack::armDeadline()
+void MediaTrack::sendReport()
 {
-    const std::optional<SteadyClock::time_point> deadline = m_receiver->deadline();
-    if (deadline == m_deadline)
-        return;
-    m_deadline = deadline;
-    if (!deadline) {
-        m_deadlineTimer.stop();
-        return;
-    }
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - SteadyClock::now());
-    m_deadlineTimer.start(std::max(left, 0ms), [this] {
-        m_deadline.reset();
-        m_receiver->tick(SteadyClock::now());
-        armDeadline();
-    });
+    m_reports.start(reportPeriod, [this] { sendReport(); });
+    const base::Bytes bytes = report();
+    if (!bytes.empty())
+        send(true, bytes);
 }
 
-void MediaTrack::report()
+void MediaTrack::send(bool isRtcp, std::span<const uint8_t> data)
 {
-    m_reports.start(reportPeriod, [this] { report(); });
-    const base::Bytes report = m_receiver->receiverReport(SteadyClock::now());
-    if (m_ports)
-        m_ports->sendRtcp(report);
-    else if (m_channels && m_sendRtcp)
-        m_sendRtcp(static_cast<uint8_t>(m_channels->second), report);
+    if (m_ports && isRtcp)
+        m_ports->sendRtcp(data);
+    else if (m_ports)
+        m_ports->sendRtp(data);
+    else if (m_channels && m_send)
+        m_send(static_cast<uint8_t>(isRtcp ? m_channels->second : m_channels->first), data);
 }
 
 } // namespace rtsp

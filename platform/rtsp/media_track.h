@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/base/access_unit.h"
 #include "platform/base/timer.h"
-#include "platform/rtsp/media_receiver.h"
 #include "platform/rtsp/session_description.h"
 #include "platform/rtsp/udp_ports.h"
 
@@ -9,35 +9,34 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 namespace rtsp {
 
 /**
- * One medium of a stream: the way its packets come, what is made of them, and the reports that go
- * back every 5 s (RFC 3550 6.2). Loop thread.
+ * One medium of a session: the way its packets go, inside the RTSP connection or over UDP, and the
+ * reports every 5 s (RFC 3550 6.2). Loop thread.
  */
 class MediaTrack
 {
 public:
-    using SendRtcp = std::function<void(uint8_t channel, std::span<const uint8_t> data)>;
-    using PacketSeen = std::function<void()>;
+    using SendInterleaved = std::function<void(uint8_t channel, std::span<const uint8_t> data)>;
 
-    MediaTrack(MediaDescription description, StreamTimeline &timeline, MediaSink &sink);
+    virtual ~MediaTrack() = default;
+    MediaTrack(const MediaTrack &) = delete;
+    MediaTrack &operator=(const MediaTrack &) = delete;
 
     const MediaDescription &description() const { return m_description; }
-    bool isVideo() const { return m_description.kind == MediaKind::Video; }
 
-    /// The medium comes interleaved. False when it cannot be played.
+    /// The medium goes interleaved. False when it cannot be dealt with.
     bool useChannels(NumberPair channels);
-    /// Opens ports for the medium to come over UDP, or keeps the open ones; nullopt when the system
+    /// Opens ports for the medium to go over UDP, or keeps the open ones; nullopt when the system
     /// has none.
     std::optional<NumberPair> openPorts(GSocketFamily family);
-    /// The camera chose UDP. False when the medium cannot be played.
+    /// The camera chose UDP. False when the medium cannot be dealt with.
     bool usePorts(GInetSocketAddress *camera, const TransportAnswer &answer);
 
-    /// Whether the medium comes on that channel.
+    /// Whether the medium goes on that channel.
     bool usesChannel(uint8_t channel) const
     {
         return m_channels && (channel == m_channels->first || channel == m_channels->second);
@@ -51,33 +50,35 @@ public:
     void takePacket(uint8_t channel, std::span<const uint8_t> data);
 
     /// PLAY is about to be asked for.
-    void start(SendRtcp sendRtcp);
-    /// A packet of this medium has come since the last call.
-    bool takeSign() { return std::exchange(m_sign, false); }
+    void start(SendInterleaved send);
+    /// An RTP packet of this medium has come.
     bool hasReceived() const { return m_hasReceived; }
-    MediaStatistics statistics() const
-    {
-        return m_receiver ? m_receiver->statistics() : MediaStatistics();
-    }
-    bool saidGoodbye() const { return m_receiver && m_receiver->saidGoodbye(); }
+
+protected:
+    explicit MediaTrack(MediaDescription description) : m_description(std::move(description)) {}
+
+    void send(bool isRtcp, std::span<const uint8_t> data);
+    void sendReport();
+    UdpPorts *ports() const { return m_ports.get(); }
 
 private:
-    void take(bool isRtcp, std::span<const uint8_t> data);
-    void armDeadline();
-    void report();
+    /// A transport was chosen, perhaps again. ordered: packets cannot overtake each other.
+    virtual bool prepare(bool ordered, const TransportAnswer *answer) = 0;
+    virtual void started() {}
+    virtual void take(bool isRtcp, std::span<const uint8_t> data) = 0;
+    /// A compound RTCP packet; empty for none.
+    virtual base::Bytes report() = 0;
+
+    void received(bool isRtcp, std::span<const uint8_t> data);
 
     const MediaDescription m_description;
-    StreamTimeline &m_timeline;
-    MediaSink &m_sink;
-    std::unique_ptr<MediaReceiver> m_receiver;
     std::optional<NumberPair> m_channels;
     std::unique_ptr<UdpPorts> m_ports;
-    SendRtcp m_sendRtcp;
+    SendInterleaved m_send;
     base::Timer m_reports;
-    base::Timer m_deadlineTimer;
-    std::optional<base::SteadyClock::time_point> m_deadline; ///< of the timer that runs
-    bool m_sign = false;
     bool m_hasReceived = false;
 };
+
+using MediaTracks = std::vector<std::unique_ptr<MediaTrack>>;
 
 } // namespace rtsp

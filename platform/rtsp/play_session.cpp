@@ -24,26 +24,6 @@ bool isUnknownAddress(int status)
     return std::find(known.begin(), known.end(), status) != known.end() || status == 460;
 }
 
-const MediaDescription *firstPlayable(const SessionDescription &description, MediaKind kind)
-{
-    const auto found = std::find_if(
-        description.media.begin(), description.media.end(),
-        [kind](const MediaDescription &media) { return media.kind == kind && isPlayable(media); });
-    return found == description.media.end() ? nullptr : &*found;
-}
-
-/// What a description holds instead of a picture that can be played.
-std::string otherVideo(const SessionDescription &description)
-{
-    for (const MediaDescription &media : description.media)
-        if (media.kind == MediaKind::Video && !media.formats.empty() && !media.backChannel)
-            return "the video is " +
-                   (media.formats.front().encoding.empty() ? "of an unknown kind"
-                                                           : media.formats.front().encoding) +
-                   ", which is not supported";
-    return "the camera sends no video";
-}
-
 std::string contentBaseOf(const Reply &reply)
 {
     const std::string base = reply.first("Content-Base");
@@ -95,6 +75,8 @@ void PlaySession::ask(Step step, Request request, std::chrono::milliseconds limi
     m_step = step;
     if (!m_session.id.empty())
         request.headers.emplace_back("Session", m_session.id);
+    if (!m_plan.require.empty() && step != Step::Options)
+        request.headers.emplace_back("Require", m_plan.require);
     m_exchange.send(std::move(request), limit,
                     [this, answered](const Reply *reply) { (this->*answered)(reply); });
 }
@@ -168,25 +150,21 @@ void PlaySession::takeDescription(const Reply &reply)
         finish(Kind::Refused, 0, "the camera's description cannot be read");
         return;
     }
-    const MediaDescription *video = firstPlayable(*description, MediaKind::Video);
-    const MediaDescription *audio = firstPlayable(*description, MediaKind::Audio);
-    if (video) {
-        m_base = {m_url, contentBaseOf(reply), description->control};
-        m_controls = controlUrls(m_base, video->control);
-        m_playUrls = aggregateUrls(m_base);
-        if (std::find(m_playUrls.begin(), m_playUrls.end(), m_controls.front()) == m_playUrls.end())
-            m_playUrls.push_back(m_controls.front());
-        m_plan.join = std::min(m_plan.join, m_controls.size() - 1);
-        m_tracks.clear();
-        m_tracks.push_back(std::make_unique<MediaTrack>(*video, m_timeline, m_sink));
-        if (audio && m_plan.wantsAudio)
-            m_tracks.push_back(std::make_unique<MediaTrack>(*audio, m_timeline, m_sink));
+    TrackChoice choice = m_client.chooseTracks(*description);
+    m_tracks = std::move(choice.tracks);
+    if (m_tracks.empty()) {
+        finish(Kind::NothingToPlay, reply.status, choice.missing);
+        return;
     }
-    m_client.sessionDescribed(video != nullptr, audio != nullptr);
-    if (video)
-        setUp();
-    else
-        finish(Kind::NoVideo, reply.status, otherVideo(*description));
+    if (m_plan.onlyFirst)
+        m_tracks.resize(1);
+    m_base = {m_url, contentBaseOf(reply), description->control};
+    m_controls = controlUrls(m_base, m_tracks.front()->description().control);
+    m_playUrls = aggregateUrls(m_base);
+    if (std::find(m_playUrls.begin(), m_playUrls.end(), m_controls.front()) == m_playUrls.end())
+        m_playUrls.push_back(m_controls.front());
+    m_plan.join = std::min(m_plan.join, m_controls.size() - 1);
+    setUp();
 }
 
 void PlaySession::setUp()
@@ -216,7 +194,7 @@ void PlaySession::setUp()
 void PlaySession::setUpAnswered(const Reply *reply)
 {
     MediaTrack &track = *m_tracks[m_track];
-    if (track.isVideo() && isFinal(reply))
+    if (m_track == 0 && isFinal(reply))
         return;
     if (!reply || reply->status >= firstRedirection) {
         setUpRefused(reply ? reply->status : 0);
@@ -247,8 +225,8 @@ bool PlaySession::takeTransport(MediaTrack &track, const TransportAnswer &answer
 
 void PlaySession::setUpRefused(int status)
 {
-    if (!m_tracks[m_track]->isVideo()) {
-        // The picture is worth having without its sound.
+    if (m_track > 0) {
+        // A picture is worth having without its sound.
         m_tracks.erase(m_tracks.begin() + static_cast<ptrdiff_t>(m_track));
         setUpNext();
         return;
@@ -288,8 +266,7 @@ void PlaySession::play()
 
 void PlaySession::playAnswered(const Reply *reply)
 {
-    const bool hasPicture = video()->hasReceived();
-    if (!reply && hasPicture) {
+    if (!reply && hasReceived()) {
         // Some cameras never answer, or with a text that cannot be read between the packets.
     } else if (isFinal(reply)) {
         return;

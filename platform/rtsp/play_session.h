@@ -4,7 +4,6 @@
 #include "platform/rtsp/exchange.h"
 #include "platform/rtsp/keep_alive.h"
 #include "platform/rtsp/media_track.h"
-#include "platform/rtsp/stream_timeline.h"
 
 #include <functional>
 #include <memory>
@@ -18,10 +17,19 @@ namespace rtsp {
 struct SessionPlan
 {
     bool asksOptions = true;
-    bool wantsAudio = true;
+    bool onlyFirst = false; ///< of the media that were chosen
     bool mayUseTcp = true;
     bool mayUseUdp = true;
     size_t join = 0; ///< which of controlUrls()
+    /// The feature that the camera has to know (RFC 2326 12.32); empty for none.
+    std::string require = {};
+};
+
+/// What of a camera's description is to be set up.
+struct TrackChoice
+{
+    MediaTracks tracks;  ///< the one that the session is for first; none where it is not there
+    std::string missing; ///< what the camera has instead of it
 };
 
 /// What a session came to.
@@ -30,10 +38,10 @@ struct SessionResult
     enum class Kind
     {
         Plays,
-        Refused,    ///< with the status
-        Silent,     ///< no answer in time
-        Redirected, ///< location is set
-        NoVideo     ///< text says what there is instead
+        Refused,      ///< with the status
+        Silent,       ///< no answer in time
+        Redirected,   ///< location is set
+        NothingToPlay ///< text says what there is instead
     };
     enum class Step
     {
@@ -51,9 +59,9 @@ struct SessionResult
 };
 
 /**
- * One RTSP session: OPTIONS, DESCRIBE, SETUP of picture and sound, PLAY, keep-alive (RFC 2326 10).
- * Where a camera refuses an address or interleaved packets, what else it may have meant is tried
- * over the same connection. Loop thread.
+ * One RTSP session: OPTIONS, DESCRIBE, SETUP of its media, PLAY, keep-alive (RFC 2326 10). Where a
+ * camera refuses an address or interleaved packets, what else it may have meant is tried over the
+ * same connection. Loop thread.
  */
 class PlaySession
 {
@@ -62,17 +70,12 @@ public:
     {
     public:
         virtual ~Client() = default;
-        virtual void sessionDescribed(bool hasVideo, bool hasAudio) = 0;
+        virtual TrackChoice chooseTracks(const SessionDescription &description) = 0;
         /// Once for each start(). May destroy the session.
         virtual void sessionDone(const SessionResult &result) = 0;
     };
 
-    PlaySession(Client &client, Exchange &exchange, MediaSink &sink)
-        : m_client(client)
-        , m_exchange(exchange)
-        , m_sink(sink)
-    {
-    }
+    PlaySession(Client &client, Exchange &exchange) : m_client(client), m_exchange(exchange) {}
 
     /// The exchange is connected.
     void start(const std::string &url, const SessionPlan &plan);
@@ -87,12 +90,14 @@ public:
 
     SessionResult::Step step() const { return m_step; }
     bool isUdp() const { return m_udp; }
-    /// Whether there is another way to join the control address of the picture.
+    /// Whether there is another way to join the control address of the first medium.
     bool hasOtherJoin() const { return m_plan.join + 1 < m_controls.size(); }
     size_t join() const { return m_plan.join; }
-    bool isSettingUpAudio() const { return m_track > 0 && m_step == SessionResult::Step::Setup; }
-    /// null before a description was read
-    MediaTrack *video() const { return m_tracks.empty() ? nullptr : m_tracks.front().get(); }
+    bool isSettingUpMore() const { return m_track > 0 && m_step == SessionResult::Step::Setup; }
+    /// Null before a description was read.
+    MediaTrack *firstTrack() const { return m_tracks.empty() ? nullptr : m_tracks.front().get(); }
+    /// Whether a packet of the first medium has come.
+    bool hasReceived() const { return !m_tracks.empty() && m_tracks.front()->hasReceived(); }
 
 private:
     using Step = SessionResult::Step;
@@ -118,15 +123,13 @@ private:
 
     Client &m_client;
     Exchange &m_exchange;
-    MediaSink &m_sink;
     SessionPlan m_plan;
     Step m_step = Step::Options;
     std::string m_url;
     ControlBase m_base;
-    StreamTimeline m_timeline;
-    std::vector<std::unique_ptr<MediaTrack>> m_tracks; ///< the picture first
-    std::vector<std::string> m_controls;               ///< of the picture
-    size_t m_track = 0;                                ///< that is being set up
+    MediaTracks m_tracks;
+    std::vector<std::string> m_controls; ///< of the first one
+    size_t m_track = 0;                  ///< that is being set up
     std::vector<std::string> m_playUrls;
     size_t m_playUrl = 0;
     bool m_sendsRange = true;

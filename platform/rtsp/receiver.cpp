@@ -1,29 +1,11 @@
 #include "platform/rtsp/receiver.h"
 
+#include "platform/base/destroy_later.h"
 #include "platform/rtsp/reception.h"
 
 #include <utility>
 
 namespace rtsp {
-
-namespace {
-
-/// In a later turn of the loop.
-void destroyLater(std::shared_ptr<void> object)
-{
-    GSource *source = g_timeout_source_new(0);
-    g_source_set_callback(
-        source, [](gpointer) -> gboolean { return G_SOURCE_REMOVE; },
-        new std::shared_ptr<void>(std::move(object)),
-        [](gpointer held) {
-            std::default_delete<std::shared_ptr<void>>()(
-                static_cast<std::shared_ptr<void> *>(held));
-        });
-    g_source_attach(source, g_main_context_get_thread_default());
-    g_source_unref(source);
-}
-
-} // namespace
 
 Receiver::Receiver(Client &client, StreamRequest request)
     : m_client(client)
@@ -56,7 +38,7 @@ void Receiver::close()
         return;
     d->close();
     // Not now: it may be calling the client.
-    destroyLater(std::move(d));
+    base::destroyLater(std::move(d));
 }
 
 bool Receiver::isUdp() const

@@ -1,353 +1,86 @@
 #include "platform/rtsp/reception.h"
 
-#include "platform/base/camera_address.h"
-#include "platform/base/text.h"
-#include "platform/rtsp/log.h"
-
-#include <glib.h>
-
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace rtsp {
 namespace {
 
 using namespace std::chrono_literals;
-using base::ChannelEnd;
 using base::SteadyClock;
 
-constexpr auto connectLimit = 5s;
-constexpr auto setUpLimit = 20s;
 constexpr auto firstPacketLimit = 10s; // cameras that start an encoder on demand
 constexpr auto firstFrameLimit = 30s;  // the longest distance of key frames that is usual
 constexpr auto silenceLimit = 5s;
 constexpr auto watchPeriod = 1s;
-constexpr int maxRedirections = 5;
-constexpr int maxAttempts = 8;
-constexpr uint16_t rtspPort = 554;
-constexpr int statusUnauthorized = 401;
-constexpr int statusNotFound = 404;
 
-StreamEnd reasonOf(const SessionResult &result)
+const MediaDescription *firstPlayable(const SessionDescription &description, MediaKind kind)
 {
-    if (result.status == statusUnauthorized)
-        return StreamEnd::Refused;
-    if (result.status == statusNotFound)
-        return StreamEnd::NotFound;
-    return result.step == SessionResult::Step::Options ? StreamEnd::Failed : StreamEnd::PathRefused;
+    const auto found = std::find_if(
+        description.media.begin(), description.media.end(),
+        [kind](const MediaDescription &media) { return media.kind == kind && isPlayable(media); });
+    return found == description.media.end() ? nullptr : &*found;
 }
 
-const char *nameOf(SessionResult::Step step)
+/// What a description holds instead of a picture that can be played.
+std::string otherVideo(const SessionDescription &description)
 {
-    switch (step) {
-    case SessionResult::Step::Options:
-        return "OPTIONS";
-    case SessionResult::Step::Describe:
-        return "DESCRIBE";
-    case SessionResult::Step::Setup:
-        return "SETUP";
-    case SessionResult::Step::Play:
-        break;
-    }
-    return "PLAY";
-}
-
-bool isRtsp(const std::string &url)
-{
-    const std::string lower = base::lowerAscii(url.substr(0, 8));
-    return lower.starts_with("rtsp://") || lower == "rtsps://";
-}
-
-std::string textOf(const SessionResult &result)
-{
-    if (!result.text.empty())
-        return result.text;
-    if (result.kind == SessionResult::Kind::Silent)
-        return std::string("no answer to ") + nameOf(result.step);
-    return std::string(nameOf(result.step)) + " was answered with " + std::to_string(result.status);
+    for (const MediaDescription &media : description.media)
+        if (media.kind == MediaKind::Video && !media.formats.empty() && !media.backChannel)
+            return "the video is " +
+                   (media.formats.front().encoding.empty() ? "of an unknown kind"
+                                                           : media.formats.front().encoding) +
+                   ", which is not supported";
+    return "the camera sends no video";
 }
 
 } // namespace
 
 Receiver::Private::Private(Receiver::Client &client, const StreamRequest &request)
     : m_client(client)
-    , m_request(request)
-    , m_url(request.url)
+    , m_wantsAudio(request.wantsAudio)
+    , m_connection(*this, request, {})
 {
-    m_plan.wantsAudio = request.wantsAudio;
-    m_plan.mayUseTcp = request.transport != Transport::Udp;
-    m_plan.mayUseUdp = request.transport != Transport::Interleaved;
-}
-
-void Receiver::Private::start()
-{
-    if (!takeUrl(m_url)) {
-        // Not during start().
-        m_limit.start(0ms, [this] { end(StreamEnd::Failed, "not the address of a stream"); });
-        return;
-    }
-    m_exchange.setLogin(RtspLogin(m_request.username, m_request.password), m_request.login);
-    connect();
-}
-
-void Receiver::Private::start(OpenSession session)
-{
-    if (!session.channel.isOpen()) {
-        start();
-        return;
-    }
-    m_endpoint = session.endpoint;
-    m_url = session.url;
-    m_exchange.setLogin(std::move(session.login), m_request.login);
-    m_exchange.adopt(std::move(session.channel), m_endpoint.tls, session.sequence);
-    m_isAdopted = true;
-    startLimit();
-    m_session = std::make_unique<PlaySession>(*this, m_exchange, *this);
-    m_session->start(m_url, m_plan, session.description);
-}
-
-const char *Receiver::Private::transportName() const
-{
-    if (m_isUdp)
-        return "UDP";
-    if (!m_tunnelPath.empty())
-        return m_endpoint.tls ? "HTTPS" : "HTTP";
-    return m_endpoint.tls ? "TLS" : "TCP";
-}
-
-MediaStatistics Receiver::Private::videoStatistics() const
-{
-    const MediaTrack *video = m_session ? m_session->video() : nullptr;
-    return video ? video->statistics() : MediaStatistics();
-}
-
-void Receiver::Private::startLimit()
-{
-    m_limit.start(
-        setUpLimit, [this] { end(StreamEnd::Failed, "setting up took too long"); });
-}
-
-void Receiver::Private::connect()
-{
-    if (++m_attempts > maxAttempts) {
-        end(StreamEnd::Failed, "the camera does not keep a connection");
-        return;
-    }
-    m_isAdopted = false;
-    startLimit();
-    if (m_tunnelPath.empty())
-        m_exchange.open(m_endpoint, connectLimit, [this] { opened(); });
-    else
-        m_exchange.openTunnel(m_endpoint, m_tunnelPath, connectLimit, [this] { opened(); });
-}
-
-void Receiver::Private::opened()
-{
-    if (std::exchange(m_repeats, false)) {
-        m_session->repeat();
-        return;
-    }
-    SessionPlan plan = m_plan;
-    if (!m_tunnelPath.empty())
-        plan.mayUseUdp = false;
-    m_session = std::make_unique<PlaySession>(*this, m_exchange, *this);
-    m_session->start(m_url, plan);
-}
-
-/// Ends the session and the connection, if there are any.
-void Receiver::Private::leave()
-{
-    std::optional<Request> last = m_session ? m_session->teardown() : std::nullopt;
-    if (last && m_exchange.isOpen())
-        m_exchange.closeWith(std::move(*last));
-    else
-        m_exchange.close();
 }
 
 void Receiver::Private::close()
 {
-    if (std::exchange(m_isClosed, true))
-        return;
     m_watch.stop();
-    leave();
-    // Not now: this may be a call of the session's.
-    m_limit.start(0ms, [this] { m_session.reset(); });
+    m_connection.close();
 }
 
-void Receiver::Private::end(StreamEnd reason, std::string text)
+TrackChoice Receiver::Private::chooseTracks(const SessionDescription &description)
 {
-    if (m_isClosed)
-        return;
-    if (m_firstReason && !m_isPlaying && reason != StreamEnd::Refused)
-        std::tie(reason, text) = *m_firstReason;
-    g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: %s", m_url.c_str(), text.c_str());
-    close();
-    m_client.ended(reason, text);
-}
-
-/// Over UDP, once, where that is allowed.
-void Receiver::Private::tryAnotherWay(StreamEnd reason, const std::string &text)
-{
-    if (m_session->isUdp() || !m_plan.mayUseUdp || !m_tunnelPath.empty()) {
-        end(reason, text);
-        return;
-    }
-    g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: %s, trying UDP", m_url.c_str(), text.c_str());
-    m_firstReason = {reason, text};
-    m_plan.mayUseTcp = false;
-    m_plan.asksOptions = false;
-    // Only a SETUP that was accepted tells which address of the picture is right.
-    m_plan.join = m_session->step() == Step::Setup ? 0 : m_session->join();
-    m_isPlaying = false;
-    m_watch.stop();
-    leave();
-    connect();
-}
-
-void Receiver::Private::packet(uint8_t channel, std::span<const uint8_t> data)
-{
-    if (m_session)
-        m_session->takePacket(channel, data);
-}
-
-void Receiver::Private::disconnected(ChannelEnd reason)
-{
-    if (m_isClosed)
-        return;
-    if (reason == ChannelEnd::KeyChanged) {
-        end(StreamEnd::KeyChanged, "the key of the camera has changed");
-    } else if (reason != ChannelEnd::Closed) {
-        end(StreamEnd::Failed, reason == ChannelEnd::Rejected ? "the camera refuses the connection"
-                                                              : "the camera cannot be reached");
-    } else if (m_exchange.isAnsweringChallenge() || (m_exchange.wasLastAnswer() && !m_isPlaying)) {
-        // The request that is not answered goes over a new connection.
-        m_repeats = true;
-        connect();
-    } else if (m_isAdopted && !m_exchange.hasAnswered()) {
-        m_plan.asksOptions = false;
-        connect();
-    } else if (m_isPlaying && m_session->video()->hasReceived()) {
-        end(StreamEnd::Closed, "the camera closed the connection");
-    } else if (!m_session) {
-        end(StreamEnd::PathRefused, "the web server closed the connection");
+    const MediaDescription *video = firstPlayable(description, MediaKind::Video);
+    const MediaDescription *audio = firstPlayable(description, MediaKind::Audio);
+    MediaSink &sink = *this;
+    TrackChoice choice;
+    if (video) {
+        const auto timeline = std::make_shared<StreamTimeline>();
+        choice.tracks.push_back(std::make_unique<IncomingTrack>(*video, timeline, sink));
+        if (audio && m_wantsAudio)
+            choice.tracks.push_back(std::make_unique<IncomingTrack>(*audio, timeline, sink));
     } else {
-        closedAt(m_session->step());
+        choice.missing = otherVideo(description);
     }
+    if (!std::exchange(m_isDescribed, true))
+        m_client.described(video != nullptr, audio != nullptr);
+    return choice;
 }
 
-void Receiver::Private::tunnelRefused(int status)
+/// The first of the chosen tracks; null while there is no session.
+IncomingTrack *Receiver::Private::video() const
 {
-    if (m_isClosed)
-        return;
-    const StreamEnd reason = status == statusUnauthorized ? StreamEnd::Refused
-                             : status == statusNotFound   ? StreamEnd::NotFound
-                                                          : StreamEnd::PathRefused;
-    end(reason, status == 0 ? "there is no web server"
-                            : "the web server answered with " + std::to_string(status));
+    return static_cast<IncomingTrack *>(m_connection.firstTrack());
 }
 
-/// The camera closed the connection instead of answering.
-void Receiver::Private::closedAt(Step step)
+MediaStatistics Receiver::Private::videoStatistics() const
 {
-    const std::string text = std::string("the camera closed the connection after ") + nameOf(step);
-    if (step == Step::Options) {
-        m_plan.asksOptions = false;
-        connect();
-    } else if (step == Step::Setup && m_session->isSettingUpAudio()) {
-        m_plan.wantsAudio = false;
-        m_plan.asksOptions = false;
-        connect();
-    } else if (step == Step::Setup && !m_session->isUdp() && m_session->hasOtherJoin()) {
-        m_plan.join = m_session->join() + 1;
-        m_plan.asksOptions = false;
-        connect();
-    } else if (step == Step::Describe) {
-        end(StreamEnd::PathRefused, text);
-    } else {
-        tryAnotherWay(m_isPlaying ? StreamEnd::Closed : StreamEnd::PathRefused, text);
-    }
-}
-
-void Receiver::Private::sessionDescribed(bool hasVideo, bool hasAudio)
-{
-    if (!m_isClosed && !std::exchange(m_isDescribed, true))
-        m_client.described(hasVideo, hasAudio);
-}
-
-void Receiver::Private::sessionDone(const SessionResult &result)
-{
-    if (m_isClosed)
-        return;
-    switch (result.kind) {
-    case SessionResult::Kind::Plays:
-        playing();
-        break;
-    case SessionResult::Kind::Redirected:
-        redirect(result.location);
-        break;
-    case SessionResult::Kind::NoVideo:
-        end(StreamEnd::NoVideo, result.text);
-        break;
-    case SessionResult::Kind::Silent:
-        silentAt(result);
-        break;
-    case SessionResult::Kind::Refused:
-        if (result.step == Step::Play && result.status != statusUnauthorized)
-            tryAnotherWay(reasonOf(result), textOf(result));
-        else
-            end(reasonOf(result), textOf(result));
-        break;
-    }
-}
-
-/// The camera has not answered in time.
-void Receiver::Private::silentAt(const SessionResult &result)
-{
-    if (result.step == Step::Options && !m_exchange.hasBegunAnswer()) {
-        // Some cameras do not know it.
-        m_plan.asksOptions = false;
-        m_neverAnswered = true;
-        m_exchange.close();
-        connect();
-    } else if (result.step == Step::Options || m_neverAnswered) {
-        end(StreamEnd::Failed, textOf(result));
-    } else if (result.step == Step::Describe) {
-        end(StreamEnd::PathRefused, textOf(result));
-    } else {
-        tryAnotherWay(StreamEnd::PathRefused, textOf(result));
-    }
-}
-
-void Receiver::Private::redirect(const std::string &location)
-{
-    const base::Endpoint before = m_endpoint;
-    if (++m_redirections > maxRedirections || !takeUrl(location)) {
-        end(StreamEnd::PathRefused, "the camera redirects to nowhere");
-        return;
-    }
-    if (before.tls && !m_endpoint.tls) {
-        end(StreamEnd::PathRefused, "the camera redirects to an unencrypted connection");
-        return;
-    }
-    if (m_endpoint != before) {
-        // Somebody else may have the digest of the password, but not the password itself.
-        std::shared_ptr<LoginPolicy> policy = m_request.login;
-        if (m_endpoint.host != before.host) {
-            policy = std::make_shared<LoginPolicy>();
-            policy->distrust();
-        }
-        m_exchange.setLogin(RtspLogin(m_request.username, m_request.password), std::move(policy));
-    }
-    leave();
-    connect();
+    return video() ? video()->statistics() : MediaStatistics();
 }
 
 void Receiver::Private::playing()
 {
-    m_limit.stop();
-    m_isPlaying = true;
-    m_isUdp = m_session->isUdp();
     m_playAnswered = SteadyClock::now();
     if (m_frames == 0)
         m_lastSign = m_playAnswered;
@@ -355,27 +88,35 @@ void Receiver::Private::playing()
     tellPlays();
 }
 
+void Receiver::Private::connectionEnded(StreamEnd reason, const std::string &text)
+{
+    m_watch.stop();
+    m_client.ended(reason, text);
+}
+
 void Receiver::Private::tellPlays()
 {
-    if (!m_isClosed && !std::exchange(m_toldPlays, true))
+    if (!isClosed() && !std::exchange(m_toldPlays, true))
         m_client.plays();
 }
 
 void Receiver::Private::watch()
 {
+    if (isClosed() || !m_connection.isPlaying())
+        return;
     const auto now = SteadyClock::now();
-    MediaTrack &video = *m_session->video();
+    IncomingTrack &video = *this->video();
     if (m_frames == 0 && video.takeSign())
         m_lastSign = now;
     if (video.saidGoodbye())
-        end(StreamEnd::Closed, "the camera ended the stream");
+        m_connection.end(StreamEnd::Closed, "the camera ended the stream");
     else if (!video.hasReceived() && now - m_playAnswered >= firstPacketLimit)
-        tryAnotherWay(StreamEnd::Stalled, "no video came");
+        m_connection.tryAnotherWay(StreamEnd::Stalled, "no video came");
     else if (video.hasReceived() && now - m_lastSign >= silenceLimit)
-        end(StreamEnd::Stalled, "no video came any more");
+        m_connection.end(StreamEnd::Stalled, "no video came any more");
     else if (m_frames == 0 && now - m_playAnswered >= firstFrameLimit)
-        end(StreamEnd::Stalled, "no frame could be made of the video");
-    if (m_isClosed || !m_isPlaying)
+        m_connection.end(StreamEnd::Stalled, "no frame could be made of the video");
+    if (isClosed() || !m_connection.isPlaying())
         return;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_lastSign + silenceLimit - now);
     m_watch.start(std::clamp<std::chrono::milliseconds>(left, 50ms, watchPeriod),
@@ -384,47 +125,25 @@ void Receiver::Private::watch()
 
 void Receiver::Private::onVideo(const base::AccessUnit &unit)
 {
-    if (m_isClosed)
+    if (isClosed())
         return;
     m_lastSign = unit.arrived;
     ++m_frames;
     tellPlays();
-    if (!m_isClosed)
+    if (!isClosed())
         m_client.video(unit);
 }
 
 void Receiver::Private::onAudio(const base::AudioUnit &unit)
 {
-    if (!m_isClosed)
+    if (!isClosed())
         m_client.audio(unit);
 }
 
 void Receiver::Private::onPacketsLost()
 {
-    if (!m_isClosed)
+    if (!isClosed())
         m_client.lostPackets();
-}
-
-/// Takes over where an address leads to; false when that is nowhere.
-bool Receiver::Private::takeUrl(const std::string &text)
-{
-    const base::CameraAddress url = base::parseUrl(text);
-    if (url.kind != base::CameraAddress::Kind::Host)
-        return false;
-    m_endpoint = url.endpoint;
-    m_tunnelPath.clear();
-    const bool hasLogin = !url.username.empty() || !url.password.empty();
-    if (isRtsp(text)) {
-        m_url = hasLogin ? base::rtspOrigin(url.endpoint) + url.path : text;
-        return true;
-    }
-    // Inside the tunnel it is plain RTSP.
-    m_tunnelPath = url.path.empty() ? "/" : url.path;
-    m_url = base::rtspOrigin({.host = url.endpoint.host,
-                              .port = url.hasPort ? url.endpoint.port : rtspPort,
-                              .tls = false}) +
-            url.path;
-    return true;
 }
 
 } // namespace rtsp

@@ -32,6 +32,20 @@ void appendHeader(base::Bytes &bytes, int count, uint8_t type, std::size_t size)
     append(bytes, size / 4 - 1, 2);
 }
 
+/// A source description with the canonical name (RFC 3550 6.5).
+void appendDescription(base::Bytes &bytes, uint32_t source, std::string_view name)
+{
+    name = name.substr(0, maxNameSize);
+    // The list of items ends with a zero and is filled up to whole words.
+    const std::size_t padding = 4 - (2 + name.size()) % 4;
+    appendHeader(bytes, 1, descriptionType, headerSize + 4 + 2 + name.size() + padding);
+    append(bytes, source, 4);
+    bytes.push_back(canonicalName);
+    bytes.push_back(static_cast<uint8_t>(name.size()));
+    bytes.insert(bytes.end(), name.begin(), name.end());
+    bytes.insert(bytes.end(), padding, 0);
+}
+
 } // namespace
 
 RtcpNews parseRtcp(std::span<const uint8_t> bytes)
@@ -66,16 +80,23 @@ base::Bytes makeReceiverReport(uint32_t ownSource, std::string_view name,
         append(bytes, block->lastReport, 4);
         append(bytes, block->delaySinceReport, 4);
     }
-    name = name.substr(0, maxNameSize);
-    // The list of items ends with a zero and is filled up to whole words.
-    const std::size_t padding = 4 - (2 + name.size()) % 4;
-    appendHeader(bytes, 1, descriptionType, headerSize + 4 + 2 + name.size() + padding);
-    append(bytes, ownSource, 4);
-    bytes.push_back(canonicalName);
-    bytes.push_back(static_cast<uint8_t>(name.size()));
-    bytes.insert(bytes.end(), name.begin(), name.end());
-    bytes.insert(bytes.end(), padding, 0);
+    appendDescription(bytes, ownSource, name);
     return bytes;
+}
+
+base::Bytes makeSenderReport(const SenderReport &report, std::string_view name, uint32_t packets,
+                             uint32_t bytes)
+{
+    base::Bytes result;
+    appendHeader(result, 0, senderReportType, senderReportSize);
+    append(result, report.source, 4);
+    append(result, report.ntpTime >> 32, 4);
+    append(result, report.ntpTime & 0xffffffff, 4);
+    append(result, report.rtpTime, 4);
+    append(result, packets, 4);
+    append(result, bytes, 4);
+    appendDescription(result, report.source, name);
+    return result;
 }
 
 } // namespace rtsp

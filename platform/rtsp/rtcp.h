@@ -25,6 +25,9 @@ struct RtcpNews
     std::vector<uint32_t> goodbyes;     ///< sources that have ended (RFC 3550 6.6)
 };
 
+/// What we call ourselves in reports (CNAME): tells nothing of the user.
+inline constexpr std::string_view ownName = "zelvaro";
+
 /// Reads up to the first packet that is wrong.
 [[nodiscard]] RtcpNews parseRtcp(std::span<const uint8_t> bytes);
 
@@ -43,5 +46,10 @@ struct ReportBlock
 /// A receiver report, with a block where there is one, and a source description with the name.
 [[nodiscard]] base::Bytes makeReceiverReport(uint32_t ownSource, std::string_view name,
                                              const std::optional<ReportBlock> &block);
+
+/// A sender report without blocks, and a source description with the name.
+/// @param bytes of payload in those packets
+[[nodiscard]] base::Bytes makeSenderReport(const SenderReport &report, std::string_view name,
+                                           uint32_t packets, uint32_t bytes);
 
 } // namespace rtsp

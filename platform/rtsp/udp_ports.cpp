@@ -165,6 +165,11 @@ void UdpPorts::punchHoles()
     m_rtcp->send(rtcp);
 }
 
+void UdpPorts::sendRtp(std::span<const uint8_t> data)
+{
+    m_rtp->send(data);
+}
+
 void UdpPorts::sendRtcp(std::span<const uint8_t> data)
 {
     m_rtcp->send(data);

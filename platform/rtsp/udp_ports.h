@@ -39,6 +39,7 @@ public:
     /// Sends something from both ports, so that whatever translates or guards the addresses on the
     /// way lets the camera's packets pass.
     void punchHoles();
+    void sendRtp(std::span<const uint8_t> data);
     void sendRtcp(std::span<const uint8_t> data);
 
 private:
