@@ -2,6 +2,7 @@
 
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/common/message_box.h"
+#include "ui/common/page_actions.h"
 #include "ui/common/status_text.h"
 #include "ui/common/video_area_frame.h"
 
@@ -46,6 +47,24 @@ void AlbumView::setUp(const Widgets &widgets)
     connect(widgets.remove, &QToolButton::clicked, this, &AlbumView::slotDelete);
     connect(widgets.fullScreen, &QToolButton::clicked, this, &AlbumView::slotFullScreen);
     connect(widgets.back, &QToolButton::clicked, this, &AlbumView::slotBack);
+    offerActions(widgets);
+}
+
+void AlbumView::offerActions(const Widgets &widgets)
+{
+    m_actions = new PageActions(this);
+    m_actions->addHandled(widgets.previous, Qt::Key_Left);
+    m_actions->addHandled(widgets.next, Qt::Key_Right);
+    m_actions->addSeparator();
+    m_actions->addHandled(widgets.zoomIn, Qt::Key_Plus);
+    m_actions->addHandled(widgets.zoomOut, Qt::Key_Minus);
+    m_actions->leaveOutInFullScreen(m_actions->add(widgets.fullScreen, {Qt::Key_F}));
+    m_actions->addSeparator();
+    m_actions->addHandled(widgets.remove, Qt::Key_Delete);
+    m_actions->add(widgets.back, {Qt::Key_Backspace, Qt::Key_Back});
+    m_actions->addSeparator();
+    m_actions->offerOn(widgets.area);
+    m_actions->offerOn(widgets.surface);
 }
 
 // --- the tiles -----------------------------------------------------------------------------------

@@ -16,6 +16,8 @@ class QToolButton;
 
 namespace zelvaro {
 
+class PageActions;
+
 /// What photo viewer and video player have in common: a page that shows one file of the album,
 /// steps through the album's tiles with buttons and keys, places the picture, takes it to the full
 /// screen, shows its size in the status line and deletes the file. GUI thread only; list, tiles and
@@ -72,6 +74,9 @@ protected:
     /// Called once, when the page has made its form.
     void setUp(const Widgets &widgets);
 
+    /// Keys and context menu of the page; after setUp().
+    PageActions &actions() { return *m_actions; }
+
     /// Null before the first show, and when the album has dropped the tile.
     CPhotoMgrItemForm *current() const;
     /// Makes the tile the current one, with a picture of that size (pixels) at its natural zoom.
@@ -105,7 +110,10 @@ private:
     void moved();
     void showStatus();
 
+    void offerActions(const Widgets &widgets);
+
     std::unique_ptr<PictureBox> m_box; // made after the widgets that it places
+    PageActions *m_actions = nullptr;
     QWidget *m_surface = nullptr;
     QLabel *m_status = nullptr;
     PageHost::TileList *m_list = nullptr;

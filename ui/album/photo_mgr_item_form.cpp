@@ -6,6 +6,9 @@
 #include "ui/common/tool_tip.h"
 #include "ui_photo_mgr_item_form.h"
 
+#include <QContextMenuEvent>
+#include <QMenu>
+
 namespace {
 
 const QString frameHovered = QStringLiteral(
@@ -97,4 +100,20 @@ void CPhotoMgrItemForm::showFocus(bool focused)
 {
     if (m_ui)
         m_ui->framePhotoItemBk->setStyleSheet(focused ? frameHovered : QString());
+}
+
+// A tile that has a context menu is in sight, so it has its buttons.
+void CPhotoMgrItemForm::contextMenuEvent(QContextMenuEvent *event)
+{
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    const auto keyed = [](const QToolButton *button, Qt::Key key) {
+        return button->toolTip() + QLatin1Char('\t') +
+               QKeySequence(key).toString(QKeySequence::NativeText);
+    };
+    menu->addAction(keyed(m_ui->btnPlay, Qt::Key_Return), this, &CPhotoMgrItemForm::slotPlay);
+    menu->addAction(keyed(m_ui->btnDelete, Qt::Key_Delete), this, &CPhotoMgrItemForm::slotDelete);
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+    menu->popup(byKey ? mapToGlobal(rect().center()) : event->globalPos());
+    event->accept();
 }

@@ -59,6 +59,7 @@ protected:
     void openItem() override { slotPlay(); }
     void deleteItem() override { slotDelete(); }
     void showFocus(bool focused) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     void build();

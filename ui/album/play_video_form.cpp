@@ -4,6 +4,7 @@
 #include "ui/album/clip_size.h"
 #include "ui/album/photo_mgr_item_form.h"
 #include "ui/album/play_time.h"
+#include "ui/common/page_actions.h"
 #include "ui_play_video_form.h"
 
 #include <QSlider>
@@ -39,6 +40,8 @@ CPlayVideoForm::CPlayVideoForm(QWidget *parent)
     connect(m_ui->btnPlay, &QToolButton::clicked, this, &CPlayVideoForm::slotPlay);
     connect(m_ui->framePlayer, &zelvaro::FittedFrame::escaped, this,
             &CPlayVideoForm::slotPhotoDoubleClicked);
+    actions().addHandled(m_ui->btnPlay, Qt::Key_Space);
+    actions().add(m_ui->sliderVolume->muteButton(), {Qt::Key_M});
     m_ui->sliderVolume->setRange(0, fullVolume);
     m_ui->sliderVolume->setValue(fullVolume);
     connect(m_ui->sliderVolume, &CVolumeSliderForm::valueChanged, this,

@@ -80,15 +80,23 @@ void PictureBox::position()
 
 void PictureBox::enterFullScreen()
 {
-    m_fullScreen = true;
+    setFullScreen(true);
     position();
+}
+
+void PictureBox::setFullScreen(bool fullScreen)
+{
+    if (m_fullScreen == fullScreen)
+        return;
+    m_fullScreen = fullScreen;
+    emit fullScreenChanged(fullScreen);
 }
 
 void PictureBox::leaveFullScreen()
 {
     if (!m_fullScreen)
         return;
-    m_fullScreen = false;
+    setFullScreen(false);
     const ChildrenAside children(m_surface, m_box);
     // The native window must be recreated: one that becomes a child again is taken back to the
     // screen by a window manager that has not seen it leave yet.

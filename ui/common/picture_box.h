@@ -51,9 +51,11 @@ public:
 signals:
     /// The surface has got or lost the keyboard focus.
     void focusChanged(bool focused);
+    void fullScreenChanged(bool fullScreen);
 
 private:
     void showFullScreen();
+    void setFullScreen(bool fullScreen);
 
     QPointer<QWidget> m_area;
     QPointer<QWidget> m_box;

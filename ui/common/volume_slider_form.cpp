@@ -35,6 +35,21 @@ int CVolumeSliderForm::value() const
     return m_ui->slider->value();
 }
 
+QAbstractButton *CVolumeSliderForm::muteButton() const
+{
+    return m_ui->btnMute;
+}
+
+void CVolumeSliderForm::setUnheard(const QString &why)
+{
+    m_ui->slider->setToolTip(why.isEmpty() ? m_ui->slider->accessibleName() : why);
+    m_ui->slider->setAccessibleDescription(why);
+    if (m_ui->slider->property("unheard").toBool() == !why.isEmpty())
+        return;
+    m_ui->slider->setProperty("unheard", !why.isEmpty());
+    m_ui->slider->setStyleSheet(m_ui->slider->styleSheet()); // a property alone does not restyle
+}
+
 void CVolumeSliderForm::resizeEvent(QResizeEvent *event)
 {
     const int leastWidth = m_ui->btnMute->minimumWidth() + m_ui->layoutVolume->spacing() +

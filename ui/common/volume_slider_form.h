@@ -4,6 +4,8 @@
 
 #include <memory>
 
+class QAbstractButton;
+
 namespace Ui {
 class CVolumeSliderForm;
 }
@@ -29,6 +31,10 @@ public:
     void setValue(int value);
     int value() const;
     bool isMuted() const { return m_muted; }
+    QAbstractButton *muteButton() const;
+    /// Whether the slider moves what nobody hears: it is pale then, and its tool tip says why.
+    /// Empty: it is heard.
+    void setUnheard(const QString &why);
 
 signals:
     void valueChanged(int value);

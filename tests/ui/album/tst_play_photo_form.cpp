@@ -5,8 +5,10 @@
 #include "ui/common/message_box.h"
 #include "ui/common/video_area_frame.h"
 
+#include <QContextMenuEvent>
 #include <QFrame>
 #include <QLabel>
+#include <QMenu>
 #include <QToolButton>
 
 namespace {
@@ -60,6 +62,7 @@ private slots:
     void thePictureIsDrawn();
     void thePictureIsLetGoWhenThePageIsLeft();
     void buttonsHaveNamesAndTips();
+    void everyButtonHasAKeyAndAMenuEntry();
 
 private:
     void show(int index = 0);
@@ -511,6 +514,35 @@ void TestPlayPhotoForm::buttonsHaveNamesAndTips()
         QVERIFY2(!button->accessibleName().isEmpty(), qPrintable(button->objectName()));
         QCOMPARE(button->focusPolicy(), Qt::StrongFocus);
     }
+}
+
+void TestPlayPhotoForm::everyButtonHasAKeyAndAMenuEntry()
+{
+    add("a.jpg");
+    show();
+    m_page->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_page.get()));
+    QContextMenuEvent request(QContextMenuEvent::Mouse, QPoint(3, 3),
+                              m_frame->mapToGlobal(QPoint(3, 3)));
+    QCoreApplication::sendEvent(m_frame, &request);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    QStringList texts;
+    for (const QAction *action : menu->actions())
+        if (!action->isSeparator())
+            texts << action->text().section('\t', 0, 0);
+    menu->close();
+    QApplication::setActiveWindow(m_page.get()); // the platform of the tests activates popups
+    for (const auto *button : m_page->findChildren<QToolButton *>())
+        QVERIFY2(texts.contains(button->accessibleName()), qPrintable(button->objectName()));
+
+    QTest::keyClick(m_page.get(), Qt::Key_F);
+    QVERIFY(m_page->isPictureFullScreen());
+    QTest::keyClick(m_frame, Qt::Key_Escape);
+    QVERIFY(!m_page->isPictureFullScreen());
+    QApplication::setActiveWindow(m_page.get());
+    QTest::keyClick(m_page.get(), Qt::Key_Backspace);
+    QCOMPARE(m_album->host.pages.last(), QString("back to photos"));
 }
 
 QTEST_MAIN(TestPlayPhotoForm)
