@@ -1,7 +1,6 @@
 #include "app/main_form.h"
 
 #include "app/album_folder.h"
-#include "app/settings_notice.h"
 #include "settings/camera_settings.h"
 #include "ui/common/desktop.h"
 #include "ui/common/message_box.h"
@@ -60,9 +59,7 @@ CMainForm::CMainForm(QWidget *parent) : QWidget(parent), m_ui(std::make_unique<U
     resize(size().boundedTo(largest));
     centreOnDesktop();
 
-    connect(&CameraSettings::instance(), &CameraSettings::fileTroublesChanged, this,
-            &CMainForm::fillStatusRow);
-    fillStatusRow();
+    m_statusRow = new zelvaro::StatusRow(m_ui->labelStatus);
 
     leavePages();
     showPage(PageCameraMgr);
@@ -235,14 +232,7 @@ std::optional<QString> CMainForm::findCamera(QWidget *parent)
 
 void CMainForm::showStatus(const QString &text)
 {
-    m_status = text;
-    fillStatusRow();
-}
-
-void CMainForm::fillStatusRow()
-{
-    m_ui->labelStatus->setText(
-        m_status.isEmpty() ? zelvaro::settingsNotice(CameraSettings::instance()) : m_status);
+    m_statusRow->showPageText(text);
 }
 
 // --- tool bar ------------------------------------------------------------------------------------
@@ -337,6 +327,24 @@ void CMainForm::slotMaximized()
     }
     m_ui->frameTitle->setMovable(!m_maximized);
     m_edges->setEnabled(!m_maximized);
+}
+
+zelvaro::WindowPlace CMainForm::place() const
+{
+    return {m_maximized ? m_normalGeometry : geometry(), m_maximized};
+}
+
+void CMainForm::setPlace(const zelvaro::WindowPlace &place)
+{
+    QList<QRect> available{QGuiApplication::primaryScreen()->availableGeometry()};
+    const auto screens = QGuiApplication::screens();
+    for (const QScreen *screen : screens)
+        available.append(screen->availableGeometry());
+    if (m_maximized)
+        slotMaximized();
+    setGeometry(zelvaro::reachablePlace(place.normal, available));
+    if (place.maximized)
+        slotMaximized();
 }
 
 void CMainForm::slotClose()

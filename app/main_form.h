@@ -1,7 +1,9 @@
 #pragma once
 
 #include "app/edge_resize.h"
+#include "app/status_row.h"
 #include "app/tool_bar.h"
+#include "app/window_place.h"
 #include "ui/common/page_host.h"
 
 #include <QWidget>
@@ -36,6 +38,11 @@ public:
 
     explicit CMainForm(QWidget *parent = nullptr);
     ~CMainForm() override;
+
+    /// Where the window is, or was before it was maximized.
+    zelvaro::WindowPlace place() const;
+    /// Takes a place of an earlier run, as far as the screens of today have it.
+    void setPlace(const zelvaro::WindowPlace &place);
 
     QWidget *dialogParent() override { return this; }
     std::optional<QString> findCamera(QWidget *parent) override;
@@ -80,8 +87,6 @@ private:
 
     void showPage(Page page);
     bool mayLeaveMultiLive();
-    /// What a page has to say, else what is wrong with the settings file.
-    void fillStatusRow();
     /// Why this folder cannot be the album; empty when it can.
     QString whyNotTheAlbum(const QString &folder) const;
 
@@ -89,7 +94,7 @@ private:
 
     std::unique_ptr<Ui::CMainForm> m_ui;
     std::optional<zelvaro::ToolBar> m_toolBar; // made when there are buttons
-    QString m_status;                          // what a page has to say
+    zelvaro::StatusRow *m_statusRow;           // child of its label
     bool m_maximized = false;
     QRect m_normalGeometry;
     std::optional<zelvaro::EdgeResize> m_edges; // made when there are frames for the edges

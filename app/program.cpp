@@ -10,6 +10,7 @@
 #include "app/version.h"
 #include "app/video_platform.h"
 #include "app/window_activation.h"
+#include "app/window_place.h"
 #include "camera/camera_list.h"
 #include "resources/resources.h"
 #include "settings/camera_settings.h"
@@ -140,6 +141,9 @@ int runWindow(QApplication &application, SingleInstance &instance,
     const DialogShadow shadow;
     auto mainForm = std::make_unique<CMainForm>();
     setPageHost(mainForm.get());
+    const QString placeFile = settings.configDir() + QStringLiteral("/Window.ini");
+    if (const auto place = readWindowPlace(placeFile))
+        mainForm->setPlace(*place);
     mainForm->show();
     QObject::connect(&instance, &SingleInstance::activated, mainForm.get(),
                      [&window = *mainForm] { bringToFront(window); });
@@ -147,6 +151,7 @@ int runWindow(QApplication &application, SingleInstance &instance,
         shown(*mainForm);
     const int result = QApplication::exec();
 
+    writeWindowPlace(placeFile, mainForm->place());
     mainForm.reset();
     cameras.destroyAll();
     return result;
