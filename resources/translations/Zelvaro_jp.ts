@@ -331,6 +331,22 @@
         <source>By changing view your recording will be stop.</source>
         <translation>表示を切り替えると録画が停止します。</translation>
     </message>
+    <message>
+        <source>Hear this camera</source>
+        <translation>このカメラの音声を聞く</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>全画面</translation>
+    </message>
+    <message>
+        <source>Nothing is heard: click a picture to hear its camera.</source>
+        <translation>音声は出ていません。聞きたいカメラの映像をクリックしてください。</translation>
+    </message>
+    <message>
+        <source>This camera sends no sound.</source>
+        <translation>このカメラは音声を送信していません。</translation>
+    </message>
 </context>
 <context>
     <name>CMultiLiveFrame</name>
@@ -356,6 +372,10 @@
     <message>
         <source>Recording</source>
         <translation>録画中</translation>
+    </message>
+    <message>
+        <source>not recorded</source>
+        <translation>録画なし</translation>
     </message>
 </context>
 <context>
@@ -480,6 +500,14 @@
     <message>
         <source>Talking does not work: the connection failed.</source>
         <translation>通話できません: 接続に失敗しました。</translation>
+    </message>
+    <message>
+        <source>not recorded</source>
+        <translation>録画なし</translation>
+    </message>
+    <message>
+        <source>This camera sends no sound.</source>
+        <translation>このカメラは音声を送信していません。</translation>
     </message>
 </context>
 <context>
@@ -798,6 +826,21 @@
     </message>
 </context>
 <context>
+    <name>Duration</name>
+    <message>
+        <source>less than 1 min</source>
+        <translation>1 分未満</translation>
+    </message>
+    <message>
+        <source>%1 min</source>
+        <translation>%1 分</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 時間 %2 分</translation>
+    </message>
+</context>
+<context>
     <name>LiveView</name>
     <message>
         <source> is connecting...</source>
@@ -844,37 +887,6 @@
     </message>
 </context>
 <context>
-    <name>zelvaro::MotionWindowBox</name>
-    <message>
-        <source>Detection Window: %1</source>
-        <translation>検知ウィンドウ: %1</translation>
-    </message>
-    <message>
-        <source>Left</source>
-        <translation>左</translation>
-    </message>
-    <message>
-        <source>Top</source>
-        <translation>上</translation>
-    </message>
-    <message>
-        <source>Right</source>
-        <translation>右</translation>
-    </message>
-    <message>
-        <source>Bottom</source>
-        <translation>下</translation>
-    </message>
-    <message>
-        <source>Threshold</source>
-        <translation>しきい値</translation>
-    </message>
-    <message>
-        <source>Sensitivity</source>
-        <translation>感度</translation>
-    </message>
-</context>
-<context>
     <name>NetworkFormCheck</name>
     <message>
         <source>Device Name input invalid!</source>
@@ -903,6 +915,61 @@
     <message>
         <source>invalid IP or Mask!</source>
         <translation>IP またはマスクが正しくありません！</translation>
+    </message>
+</context>
+<context>
+    <name>Reason</name>
+    <message>
+        <source>%1 is not found. Is the camera on, and in this network?</source>
+        <translation>%1 が見つかりません。カメラの電源は入っていますか。同じネットワークにありますか。</translation>
+    </message>
+    <message>
+        <source>No answer from %1. Is the camera on?</source>
+        <translation>%1 から応答がありません。カメラの電源は入っていますか。</translation>
+    </message>
+    <message>
+        <source>%1 takes no connection. Is the port right, and RTSP switched on in the camera?</source>
+        <translation>%1 が接続を受け付けません。ポートは正しいですか。カメラの RTSP は有効ですか。</translation>
+    </message>
+    <message>
+        <source>The camera refuses this user name or password. Correct them with &quot;Modify&quot;.</source>
+        <translation>カメラがこのユーザー名またはパスワードを拒否しました。「変更」で修正してください。</translation>
+    </message>
+    <message>
+        <source>The camera refuses this user name or password. The next try is in %1, so that the camera does not lock the account. Correct them with &quot;Modify&quot;.</source>
+        <translation>カメラがこのユーザー名またはパスワードを拒否しました。アカウントがロックされないよう、次は %1後に試します。「変更」で修正してください。</translation>
+    </message>
+    <message>
+        <source>The camera does not play %1. Is ONVIF switched on in the camera?</source>
+        <translation>カメラは %1 を再生できません。カメラの ONVIF は有効ですか。</translation>
+    </message>
+    <message>
+        <source>The camera offers no picture. Is video switched on in the camera?</source>
+        <translation>カメラに映像がありません。カメラの映像は有効ですか。</translation>
+    </message>
+    <message>
+        <source>The camera sends %1, which cannot be shown. Set it to H.264, H.265 or MJPEG.</source>
+        <translation>カメラが送信する %1 は表示できません。H.264、H.265、MJPEG のいずれかに設定してください。</translation>
+    </message>
+    <message>
+        <source>%1 has ended the stream. It is started again.</source>
+        <translation>%1 が配信を終了しました。もう一度開始しています。</translation>
+    </message>
+    <message>
+        <source>No pictures come from %1. The stream is started again.</source>
+        <translation>%1 から映像が届きません。もう一度開始しています。</translation>
+    </message>
+    <message>
+        <source>%1 does not answer as a camera. Is the port right?</source>
+        <translation>%1 はカメラとして応答しません。ポートは正しいですか。</translation>
+    </message>
+    <message>
+        <source>%1 shows another TLS key than before: it is another camera, or was reset, or someone pretends to be it. A right click lets you trust the new key.</source>
+        <translation>%1 の TLS キーが以前と異なります。別のカメラか、初期化されたか、なりすましの可能性があります。右クリックで新しいキーを信頼できます。</translation>
+    </message>
+    <message>
+        <source>The camera does not answer. Is it on?</source>
+        <translation>カメラが応答しません。電源は入っていますか。</translation>
     </message>
 </context>
 <context>
@@ -1001,6 +1068,33 @@
     </message>
 </context>
 <context>
+    <name>StreamDetails</name>
+    <message>
+        <source>Picture: %1, %2x%3, by %4</source>
+        <translation>映像: %1、%2x%3、%4 経由</translation>
+    </message>
+    <message>
+        <source>Sound: %1</source>
+        <translation>音声: %1</translation>
+    </message>
+    <message>
+        <source>Frames: %1 received, %2 drawn, %3 left out</source>
+        <translation>フレーム: 受信 %1、表示 %2、省略 %3</translation>
+    </message>
+    <message>
+        <source>Packets: %1 received, %2 lost</source>
+        <translation>パケット: 受信 %1、損失 %2</translation>
+    </message>
+    <message>
+        <source>Jitter %1 ms, delay %2 ms</source>
+        <translation>ゆらぎ %1 ms、遅延 %2 ms</translation>
+    </message>
+    <message>
+        <source>Decoder: %1</source>
+        <translation>デコーダー: %1</translation>
+    </message>
+</context>
+<context>
     <name>zelvaro::AlbumView</name>
     <message>
         <source>Error</source>
@@ -1009,6 +1103,63 @@
     <message>
         <source>&quot;%1&quot; cannot be deleted.</source>
         <translation>「%1」を削除できません。</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::DiskWatch</name>
+    <message>
+        <source>The disk of the album has %1 left.</source>
+        <translation>アルバムのディスクの空きは %1 です。</translation>
+    </message>
+    <message>
+        <source>The disk of the album has %1 left. The running recordings fit for %2.</source>
+        <translation>アルバムのディスクの空きは %1 です。現在の録画はあと %2保存できます。</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::LiveNotice</name>
+    <message>
+        <source>No picture since %1</source>
+        <translation>%1 以降、映像なし</translation>
+    </message>
+    <message>
+        <source>%1: no picture yet</source>
+        <translation>%1: まだ映像がありません</translation>
+    </message>
+    <message>
+        <source>not recorded</source>
+        <translation>録画なし</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::MotionWindowBox</name>
+    <message>
+        <source>Detection Window: %1</source>
+        <translation>検知ウィンドウ: %1</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>左</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>上</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>右</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>下</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>しきい値</translation>
+    </message>
+    <message>
+        <source>Sensitivity</source>
+        <translation>感度</translation>
     </message>
 </context>
 </TS>

@@ -331,6 +331,22 @@
         <source>By changing view your recording will be stop.</source>
         <translation>切换画面将停止录像。</translation>
     </message>
+    <message>
+        <source>Hear this camera</source>
+        <translation>收听此摄像机</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>全屏</translation>
+    </message>
+    <message>
+        <source>Nothing is heard: click a picture to hear its camera.</source>
+        <translation>当前没有声音：点击画面即可收听该摄像机。</translation>
+    </message>
+    <message>
+        <source>This camera sends no sound.</source>
+        <translation>此摄像机不发送声音。</translation>
+    </message>
 </context>
 <context>
     <name>CMultiLiveFrame</name>
@@ -356,6 +372,10 @@
     <message>
         <source>Recording</source>
         <translation>正在录像</translation>
+    </message>
+    <message>
+        <source>not recorded</source>
+        <translation>未录制</translation>
     </message>
 </context>
 <context>
@@ -480,6 +500,14 @@
     <message>
         <source>Talking does not work: the connection failed.</source>
         <translation>无法对讲：连接失败。</translation>
+    </message>
+    <message>
+        <source>not recorded</source>
+        <translation>未录制</translation>
+    </message>
+    <message>
+        <source>This camera sends no sound.</source>
+        <translation>此摄像机不发送声音。</translation>
     </message>
 </context>
 <context>
@@ -798,6 +826,21 @@
     </message>
 </context>
 <context>
+    <name>Duration</name>
+    <message>
+        <source>less than 1 min</source>
+        <translation>不到 1 分钟</translation>
+    </message>
+    <message>
+        <source>%1 min</source>
+        <translation>%1 分钟</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 小时 %2 分钟</translation>
+    </message>
+</context>
+<context>
     <name>LiveView</name>
     <message>
         <source> is connecting...</source>
@@ -844,37 +887,6 @@
     </message>
 </context>
 <context>
-    <name>zelvaro::MotionWindowBox</name>
-    <message>
-        <source>Detection Window: %1</source>
-        <translation>侦测窗口：%1</translation>
-    </message>
-    <message>
-        <source>Left</source>
-        <translation>左</translation>
-    </message>
-    <message>
-        <source>Top</source>
-        <translation>上</translation>
-    </message>
-    <message>
-        <source>Right</source>
-        <translation>右</translation>
-    </message>
-    <message>
-        <source>Bottom</source>
-        <translation>下</translation>
-    </message>
-    <message>
-        <source>Threshold</source>
-        <translation>阈值</translation>
-    </message>
-    <message>
-        <source>Sensitivity</source>
-        <translation>灵敏度</translation>
-    </message>
-</context>
-<context>
     <name>NetworkFormCheck</name>
     <message>
         <source>Device Name input invalid!</source>
@@ -903,6 +915,61 @@
     <message>
         <source>invalid IP or Mask!</source>
         <translation>IP 或掩码无效！</translation>
+    </message>
+</context>
+<context>
+    <name>Reason</name>
+    <message>
+        <source>%1 is not found. Is the camera on, and in this network?</source>
+        <translation>找不到 %1。摄像机是否已开机并在此网络中？</translation>
+    </message>
+    <message>
+        <source>No answer from %1. Is the camera on?</source>
+        <translation>%1 没有应答。摄像机是否已开机？</translation>
+    </message>
+    <message>
+        <source>%1 takes no connection. Is the port right, and RTSP switched on in the camera?</source>
+        <translation>%1 不接受连接。端口是否正确，摄像机的 RTSP 是否已启用？</translation>
+    </message>
+    <message>
+        <source>The camera refuses this user name or password. Correct them with &quot;Modify&quot;.</source>
+        <translation>摄像机拒绝此用户名或密码。请用“修改”更正。</translation>
+    </message>
+    <message>
+        <source>The camera refuses this user name or password. The next try is in %1, so that the camera does not lock the account. Correct them with &quot;Modify&quot;.</source>
+        <translation>摄像机拒绝此用户名或密码。为避免帐户被锁定，将在 %1后重试。请用“修改”更正。</translation>
+    </message>
+    <message>
+        <source>The camera does not play %1. Is ONVIF switched on in the camera?</source>
+        <translation>摄像机无法播放 %1。摄像机的 ONVIF 是否已启用？</translation>
+    </message>
+    <message>
+        <source>The camera offers no picture. Is video switched on in the camera?</source>
+        <translation>摄像机不提供画面。摄像机的视频是否已启用？</translation>
+    </message>
+    <message>
+        <source>The camera sends %1, which cannot be shown. Set it to H.264, H.265 or MJPEG.</source>
+        <translation>摄像机发送 %1，无法显示。请将其设为 H.264、H.265 或 MJPEG。</translation>
+    </message>
+    <message>
+        <source>%1 has ended the stream. It is started again.</source>
+        <translation>%1 已结束视频流，正在重新启动。</translation>
+    </message>
+    <message>
+        <source>No pictures come from %1. The stream is started again.</source>
+        <translation>没有收到 %1 的画面，正在重新启动视频流。</translation>
+    </message>
+    <message>
+        <source>%1 does not answer as a camera. Is the port right?</source>
+        <translation>%1 的应答不像摄像机。端口是否正确？</translation>
+    </message>
+    <message>
+        <source>%1 shows another TLS key than before: it is another camera, or was reset, or someone pretends to be it. A right click lets you trust the new key.</source>
+        <translation>%1 的 TLS 密钥与以前不同：可能换了摄像机、被重置，或有人冒充。右键单击可信任新密钥。</translation>
+    </message>
+    <message>
+        <source>The camera does not answer. Is it on?</source>
+        <translation>摄像机没有应答。是否已开机？</translation>
     </message>
 </context>
 <context>
@@ -1001,6 +1068,33 @@
     </message>
 </context>
 <context>
+    <name>StreamDetails</name>
+    <message>
+        <source>Picture: %1, %2x%3, by %4</source>
+        <translation>画面：%1，%2x%3，通过 %4</translation>
+    </message>
+    <message>
+        <source>Sound: %1</source>
+        <translation>声音：%1</translation>
+    </message>
+    <message>
+        <source>Frames: %1 received, %2 drawn, %3 left out</source>
+        <translation>帧：收到 %1，显示 %2，略过 %3</translation>
+    </message>
+    <message>
+        <source>Packets: %1 received, %2 lost</source>
+        <translation>数据包：收到 %1，丢失 %2</translation>
+    </message>
+    <message>
+        <source>Jitter %1 ms, delay %2 ms</source>
+        <translation>抖动 %1 ms，延迟 %2 ms</translation>
+    </message>
+    <message>
+        <source>Decoder: %1</source>
+        <translation>解码器：%1</translation>
+    </message>
+</context>
+<context>
     <name>zelvaro::AlbumView</name>
     <message>
         <source>Error</source>
@@ -1009,6 +1103,63 @@
     <message>
         <source>&quot;%1&quot; cannot be deleted.</source>
         <translation>无法删除“%1”。</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::DiskWatch</name>
+    <message>
+        <source>The disk of the album has %1 left.</source>
+        <translation>相册所在磁盘还剩 %1。</translation>
+    </message>
+    <message>
+        <source>The disk of the album has %1 left. The running recordings fit for %2.</source>
+        <translation>相册所在磁盘还剩 %1，正在进行的录像还可保存 %2。</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::LiveNotice</name>
+    <message>
+        <source>No picture since %1</source>
+        <translation>自 %1 起无画面</translation>
+    </message>
+    <message>
+        <source>%1: no picture yet</source>
+        <translation>%1：尚无画面</translation>
+    </message>
+    <message>
+        <source>not recorded</source>
+        <translation>未录制</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::MotionWindowBox</name>
+    <message>
+        <source>Detection Window: %1</source>
+        <translation>侦测窗口：%1</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>左</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>上</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>右</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>下</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>阈值</translation>
+    </message>
+    <message>
+        <source>Sensitivity</source>
+        <translation>灵敏度</translation>
     </message>
 </context>
 </TS>

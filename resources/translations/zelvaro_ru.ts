@@ -331,6 +331,22 @@
         <source>By changing view your recording will be stop.</source>
         <translation>При смене вида запись будет остановлена.</translation>
     </message>
+    <message>
+        <source>Hear this camera</source>
+        <translation>Слушать эту камеру</translation>
+    </message>
+    <message>
+        <source>Full screen</source>
+        <translation>Во весь экран</translation>
+    </message>
+    <message>
+        <source>Nothing is heard: click a picture to hear its camera.</source>
+        <translation>Звука нет: щёлкните картинку, чтобы слушать её камеру.</translation>
+    </message>
+    <message>
+        <source>This camera sends no sound.</source>
+        <translation>Эта камера не передаёт звук.</translation>
+    </message>
 </context>
 <context>
     <name>CMultiLiveFrame</name>
@@ -356,6 +372,10 @@
     <message>
         <source>Recording</source>
         <translation>Идёт запись</translation>
+    </message>
+    <message>
+        <source>not recorded</source>
+        <translation>не пишется</translation>
     </message>
 </context>
 <context>
@@ -480,6 +500,14 @@
     <message>
         <source>Talking does not work: the connection failed.</source>
         <translation>Разговор невозможен: не удалось подключиться.</translation>
+    </message>
+    <message>
+        <source>not recorded</source>
+        <translation>не пишется</translation>
+    </message>
+    <message>
+        <source>This camera sends no sound.</source>
+        <translation>Эта камера не передаёт звук.</translation>
     </message>
 </context>
 <context>
@@ -798,6 +826,21 @@
     </message>
 </context>
 <context>
+    <name>Duration</name>
+    <message>
+        <source>less than 1 min</source>
+        <translation>меньше 1 мин</translation>
+    </message>
+    <message>
+        <source>%1 min</source>
+        <translation>%1 мин</translation>
+    </message>
+    <message>
+        <source>%1 h %2 min</source>
+        <translation>%1 ч %2 мин</translation>
+    </message>
+</context>
+<context>
     <name>LiveView</name>
     <message>
         <source> is connecting...</source>
@@ -844,37 +887,6 @@
     </message>
 </context>
 <context>
-    <name>zelvaro::MotionWindowBox</name>
-    <message>
-        <source>Detection Window: %1</source>
-        <translation>Окно обнаружения: %1</translation>
-    </message>
-    <message>
-        <source>Left</source>
-        <translation>Слева</translation>
-    </message>
-    <message>
-        <source>Top</source>
-        <translation>Сверху</translation>
-    </message>
-    <message>
-        <source>Right</source>
-        <translation>Справа</translation>
-    </message>
-    <message>
-        <source>Bottom</source>
-        <translation>Снизу</translation>
-    </message>
-    <message>
-        <source>Threshold</source>
-        <translation>Порог</translation>
-    </message>
-    <message>
-        <source>Sensitivity</source>
-        <translation>Чувствительность</translation>
-    </message>
-</context>
-<context>
     <name>NetworkFormCheck</name>
     <message>
         <source>Device Name input invalid!</source>
@@ -903,6 +915,61 @@
     <message>
         <source>invalid IP or Mask!</source>
         <translation>Недопустимый IP-адрес или маска!</translation>
+    </message>
+</context>
+<context>
+    <name>Reason</name>
+    <message>
+        <source>%1 is not found. Is the camera on, and in this network?</source>
+        <translation>%1 не найдена. Камера включена и находится в этой сети?</translation>
+    </message>
+    <message>
+        <source>No answer from %1. Is the camera on?</source>
+        <translation>Нет ответа от %1. Камера включена?</translation>
+    </message>
+    <message>
+        <source>%1 takes no connection. Is the port right, and RTSP switched on in the camera?</source>
+        <translation>%1 не принимает соединение. Верен ли порт и включён ли RTSP в камере?</translation>
+    </message>
+    <message>
+        <source>The camera refuses this user name or password. Correct them with &quot;Modify&quot;.</source>
+        <translation>Камера отвергает это имя пользователя или пароль. Исправьте их через «Изменить».</translation>
+    </message>
+    <message>
+        <source>The camera refuses this user name or password. The next try is in %1, so that the camera does not lock the account. Correct them with &quot;Modify&quot;.</source>
+        <translation>Камера отвергает это имя пользователя или пароль. Чтобы камера не заблокировала учётную запись, следующая попытка будет через %1. Исправьте их через «Изменить».</translation>
+    </message>
+    <message>
+        <source>The camera does not play %1. Is ONVIF switched on in the camera?</source>
+        <translation>Камера не передаёт %1. Включён ли ONVIF в камере?</translation>
+    </message>
+    <message>
+        <source>The camera offers no picture. Is video switched on in the camera?</source>
+        <translation>Камера не предлагает изображения. Включено ли видео в камере?</translation>
+    </message>
+    <message>
+        <source>The camera sends %1, which cannot be shown. Set it to H.264, H.265 or MJPEG.</source>
+        <translation>Камера передаёт %1, это показать нельзя. Настройте в ней H.264, H.265 или MJPEG.</translation>
+    </message>
+    <message>
+        <source>%1 has ended the stream. It is started again.</source>
+        <translation>%1 завершила поток. Он запускается снова.</translation>
+    </message>
+    <message>
+        <source>No pictures come from %1. The stream is started again.</source>
+        <translation>От %1 не приходит изображение. Поток запускается снова.</translation>
+    </message>
+    <message>
+        <source>%1 does not answer as a camera. Is the port right?</source>
+        <translation>%1 отвечает не как камера. Верен ли порт?</translation>
+    </message>
+    <message>
+        <source>%1 shows another TLS key than before: it is another camera, or was reset, or someone pretends to be it. A right click lets you trust the new key.</source>
+        <translation>%1 показывает другой ключ TLS, чем раньше: это другая камера, она сброшена, или кто-то выдаёт себя за неё. Правым щелчком можно принять новый ключ.</translation>
+    </message>
+    <message>
+        <source>The camera does not answer. Is it on?</source>
+        <translation>Камера не отвечает. Она включена?</translation>
     </message>
 </context>
 <context>
@@ -1001,6 +1068,33 @@
     </message>
 </context>
 <context>
+    <name>StreamDetails</name>
+    <message>
+        <source>Picture: %1, %2x%3, by %4</source>
+        <translation>Изображение: %1, %2x%3, по %4</translation>
+    </message>
+    <message>
+        <source>Sound: %1</source>
+        <translation>Звук: %1</translation>
+    </message>
+    <message>
+        <source>Frames: %1 received, %2 drawn, %3 left out</source>
+        <translation>Кадры: получено %1, показано %2, пропущено %3</translation>
+    </message>
+    <message>
+        <source>Packets: %1 received, %2 lost</source>
+        <translation>Пакеты: получено %1, потеряно %2</translation>
+    </message>
+    <message>
+        <source>Jitter %1 ms, delay %2 ms</source>
+        <translation>Дрожание %1 мс, задержка %2 мс</translation>
+    </message>
+    <message>
+        <source>Decoder: %1</source>
+        <translation>Декодер: %1</translation>
+    </message>
+</context>
+<context>
     <name>zelvaro::AlbumView</name>
     <message>
         <source>Error</source>
@@ -1009,6 +1103,63 @@
     <message>
         <source>&quot;%1&quot; cannot be deleted.</source>
         <translation>Не удаётся удалить «%1».</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::DiskWatch</name>
+    <message>
+        <source>The disk of the album has %1 left.</source>
+        <translation>На диске альбома осталось %1.</translation>
+    </message>
+    <message>
+        <source>The disk of the album has %1 left. The running recordings fit for %2.</source>
+        <translation>На диске альбома осталось %1. Идущим записям хватит места на %2.</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::LiveNotice</name>
+    <message>
+        <source>No picture since %1</source>
+        <translation>Нет изображения с %1</translation>
+    </message>
+    <message>
+        <source>%1: no picture yet</source>
+        <translation>%1: изображения ещё нет</translation>
+    </message>
+    <message>
+        <source>not recorded</source>
+        <translation>не пишется</translation>
+    </message>
+</context>
+<context>
+    <name>zelvaro::MotionWindowBox</name>
+    <message>
+        <source>Detection Window: %1</source>
+        <translation>Окно обнаружения: %1</translation>
+    </message>
+    <message>
+        <source>Left</source>
+        <translation>Слева</translation>
+    </message>
+    <message>
+        <source>Top</source>
+        <translation>Сверху</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>Справа</translation>
+    </message>
+    <message>
+        <source>Bottom</source>
+        <translation>Снизу</translation>
+    </message>
+    <message>
+        <source>Threshold</source>
+        <translation>Порог</translation>
+    </message>
+    <message>
+        <source>Sensitivity</source>
+        <translation>Чувствительность</translation>
     </message>
 </context>
 </TS>

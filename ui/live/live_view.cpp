@@ -35,7 +35,10 @@ LiveView::LiveView(const LiveWidgets &widgets, StatusSize statusSize, std::funct
     , m_volume(std::move(volume))
     , m_clock(std::move(clock))
     , m_box(widgets.area, widgets.box, widgets.surface)
+    , m_notice(widgets.surface, m_clock)
 {
+    m_widgets.recordingNote->hide();
+    QObject::connect(&m_box, &PictureBox::fullScreenChanged, &m_notice, &LiveNotice::setFullScreen);
     m_box.markFocusOn(m_widgets.status->parentWidget());
 }
 
@@ -64,11 +67,13 @@ void LiveView::setUp(int stream)
     QWidget *surface = m_widgets.surface->CreateRenderSurface();
     m_camera->setup_live_stream(m_stream, surface);
     m_window = surface->internalWinId();
+    m_notice.follow(m_camera);
 }
 
 void LiveView::close()
 {
     QObject::disconnect(m_reports);
+    m_notice.follow(nullptr);
     setWritingFails(false);
     if (m_camera)
         m_camera->stop_play();
@@ -81,6 +86,13 @@ void LiveView::report()
     if (!m_camera)
         return;
     followWindow();
+    followStream();
+    showWritten();
+    m_notice.renew();
+}
+
+void LiveView::followStream()
+{
     if (!isPlaying()) {
         showConnecting();
         m_needLayout = true;
@@ -233,6 +245,7 @@ void LiveView::setRecording(bool recording)
     if (!recording)
         setWritingFails(false);
     applyRecording();
+    showWritten();
 }
 
 void LiveView::applyRecording()
@@ -256,7 +269,20 @@ void LiveView::applyRecording()
 
 void LiveView::checkWriting()
 {
-    setWritingFails(m_recording && (!m_camera->is_writing() || m_camera->isWritingHeldUp()));
+    setWritingFails(m_recording && !isWritten());
+}
+
+bool LiveView::isWritten() const
+{
+    return isPlaying() && m_camera->is_writing() && !m_camera->isWritingHeldUp();
+}
+
+// The mark shows what the user wants. Beside it stands what is not so.
+void LiveView::showWritten()
+{
+    const bool written = m_recording && isWritten();
+    m_widgets.recordingNote->setVisible(m_recording && !written);
+    m_notice.setRecording(m_recording, written);
 }
 
 void LiveView::setWritingFails(bool fails)

@@ -3,6 +3,7 @@
 #include "camera/camera.h"
 #include "ui/common/album_files.h"
 #include "ui/common/picture_box.h"
+#include "ui/live/live_notice.h"
 
 #include <QCoreApplication>
 #include <QPointer>
@@ -21,7 +22,8 @@ struct LiveWidgets
     QWidget *box;         ///< the framed picture, child of area
     CVideoFrame *surface; ///< child of box
     QLabel *status;
-    QLabel *recording; ///< shows a mark while a recording is wanted
+    QLabel *recording;     ///< shows a mark while a recording is wanted
+    QLabel *recordingNote; ///< a word beside the mark while nothing is written
 };
 
 /// What is drawn on the record mark and the record button.
@@ -92,6 +94,7 @@ public:
 
 private:
     void setUp(int stream);
+    void followStream();
     void play();
     void calculateVideoSize();
     void resizeVideoWindow();
@@ -100,7 +103,9 @@ private:
     void followWindow();
     void applyRecording();
     void checkWriting();
+    bool isWritten() const;
     void setWritingFails(bool fails);
+    void showWritten();
     void showStatus();
     void showConnecting();
     void showStatusText(const QString &text);
@@ -112,6 +117,7 @@ private:
     std::function<int()> m_volume;
     Clock m_clock;
     PictureBox m_box;
+    LiveNotice m_notice;
     bool m_recording = false;
     bool m_writingFails = false; // although requested; the user has been informed
     QPointer<CCamera> m_camera;

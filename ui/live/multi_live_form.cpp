@@ -3,6 +3,7 @@
 #include "camera/camera.h"
 #include "settings/camera_record.h"
 #include "ui/common/message_box.h"
+#include "ui/common/page_actions.h"
 #include "ui/common/page_host.h"
 #include "ui/live/live_view.h"
 #include "ui/live/multi_live_item_form.h"
@@ -14,6 +15,7 @@
 CMultiLiveForm::CMultiLiveForm(QWidget *parent, zelvaro::Clock clock)
     : QWidget(parent)
     , m_ui(std::make_unique<Ui::CMultiLiveForm>())
+    , m_actions(new zelvaro::PageActions(this))
 {
     m_ui->setupUi(this);
     m_ui->frameMultiLive->setClock(std::move(clock));
@@ -27,9 +29,35 @@ CMultiLiveForm::CMultiLiveForm(QWidget *parent, zelvaro::Clock clock)
             &CMultiLiveForm::slotVolumeChanged);
     connect(m_ui->sliderVolume, &CVolumeSliderForm::muteChanged, this,
             &CMultiLiveForm::slotMuteChanged);
+    connect(m_ui->frameMultiLive, &CMultiLiveFrame::heardChanged, this, &CMultiLiveForm::showHeard);
+    offerActions();
 }
 
 CMultiLiveForm::~CMultiLiveForm() = default;
+
+void CMultiLiveForm::offerActions()
+{
+    // On the tile that the user is at: of several pictures only one can fill the screen, be heard.
+    const auto onTile = [this](auto act) {
+        return [this, act] {
+            if (CMultiLiveItemForm *tile = m_ui->frameMultiLive->currentTile())
+                act(tile);
+        };
+    };
+    m_actions->add(tr("Hear this camera"), {}, onTile([this](CMultiLiveItemForm *tile) {
+                       m_ui->frameMultiLive->slotSelectCamera(tile);
+                   }));
+    m_actions->leaveOutInFullScreen(
+        m_actions->add(tr("Full screen"), {Qt::Key_F},
+                       onTile([](CMultiLiveItemForm *tile) { tile->enterFullScreen(); })));
+    m_actions->addSeparator();
+    m_actions->add(m_ui->btnSelect, {Qt::Key_C});
+    m_actions->add(m_ui->btnSnapshot, {Qt::Key_S});
+    m_actions->tickWhile(m_actions->add(m_ui->btnRecord, {Qt::Key_R}),
+                         [this] { return m_recordingAll; });
+    m_actions->add(m_ui->sliderVolume->muteButton(), {Qt::Key_M});
+    m_actions->offerOn(m_ui->frameMultiLive);
+}
 
 void CMultiLiveForm::StartPlay()
 {
@@ -116,6 +144,8 @@ void CMultiLiveForm::showRecordButton()
 void CMultiLiveForm::loadGrid()
 {
     m_ui->frameMultiLive->load();
+    for (CMultiLiveItemForm *tile : m_ui->frameMultiLive->tiles())
+        m_actions->offerOn(tile->picture());
     orderTabs();
     applySound();
 }
@@ -125,7 +155,7 @@ void CMultiLiveForm::orderTabs()
 {
     if (m_ui->frameMultiLive->tiles().isEmpty())
         return;
-    QWidget *before = m_ui->frameMultiLive->tiles().last()->lastInTabOrder();
+    QWidget *before = m_ui->frameMultiLive->tiles().last()->picture();
     for (QWidget *control : m_ui->frameButtonsCenter->findChildren<QWidget *>()) {
         if (!(control->focusPolicy() & Qt::TabFocus))
             continue;
@@ -137,4 +167,17 @@ void CMultiLiveForm::orderTabs()
 void CMultiLiveForm::applySound()
 {
     m_ui->frameMultiLive->setSound(m_ui->sliderVolume->isMuted(), m_ui->sliderVolume->value());
+    showHeard();
+}
+
+void CMultiLiveForm::showHeard()
+{
+    const CMultiLiveItemForm *tile = m_ui->frameMultiLive->selectedTile();
+    const CCamera *camera = tile ? tile->camera() : nullptr;
+    QString why;
+    if (!camera)
+        why = tr("Nothing is heard: click a picture to hear its camera.");
+    else if (camera->is_playing() && !camera->has_audio())
+        why = tr("This camera sends no sound.");
+    m_ui->sliderVolume->setUnheard(why);
 }

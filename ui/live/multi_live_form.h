@@ -7,9 +7,14 @@
 #include <memory>
 
 class CMultiLiveFrame;
+class CMultiLiveItemForm;
 
 namespace Ui {
 class CMultiLiveForm;
+}
+
+namespace zelvaro {
+class PageActions;
 }
 
 /// The page that shows the live pictures of all chosen cameras side by side, with one panel for
@@ -39,12 +44,15 @@ public slots:
     void slotVolumeChanged(int volume);
 
 private:
+    void offerActions();
     void setRecordingAll(bool recording);
     void showRecordButton();
     void loadGrid();
     void orderTabs();
     void applySound();
+    void showHeard();
 
     std::unique_ptr<Ui::CMultiLiveForm> m_ui;
+    zelvaro::PageActions *m_actions;
     bool m_recordingAll = false;
 };

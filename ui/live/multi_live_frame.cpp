@@ -5,7 +5,9 @@
 #include "settings/camera_record.h"
 #include "ui/live/multi_live_item_form.h"
 
+#include <QApplication>
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -50,6 +52,10 @@ void CMultiLiveFrame::load()
         tile->setCamera(camera);
         m_tiles.append(tile);
         connect(tile, &CMultiLiveItemForm::selectCamera, this, &CMultiLiveFrame::slotSelectCamera);
+        connect(camera, &CCamera::signalStateReport, tile, [this, tile] {
+            if (tile == m_selectedItem)
+                emit heardChanged();
+        });
     }
     for (CMultiLiveItemForm *tile : qAsConst(m_tiles)) {
         tile->start();
@@ -86,6 +92,38 @@ QList<CCamera *> CMultiLiveFrame::shownCameras() const
     return cameras;
 }
 
+CMultiLiveItemForm *CMultiLiveFrame::focusedTile() const
+{
+    const QWidget *focused = QApplication::focusWidget();
+    for (CMultiLiveItemForm *tile : m_tiles)
+        if (tile == focused || tile->picture() == focused)
+            return tile;
+    return nullptr;
+}
+
+CMultiLiveItemForm *CMultiLiveFrame::currentTile() const
+{
+    CMultiLiveItemForm *focused = focusedTile();
+    return focused ? focused : m_selectedItem;
+}
+
+CMultiLiveItemForm *CMultiLiveFrame::neighbour(int index, int key) const
+{
+    const int column = index % m_shape.columns;
+    switch (key) {
+    case Qt::Key_Left:
+        return column > 0 ? m_tiles.at(index - 1) : nullptr;
+    case Qt::Key_Right:
+        return column + 1 < m_shape.columns ? m_tiles.value(index + 1) : nullptr;
+    case Qt::Key_Up:
+        return m_tiles.value(index - m_shape.columns);
+    case Qt::Key_Down:
+        return m_tiles.value(index + m_shape.columns);
+    default:
+        return nullptr;
+    }
+}
+
 void CMultiLiveFrame::slotSelectCamera(CMultiLiveItemForm *tile)
 {
     // The tile that is heard already stays heard, without a gap.
@@ -95,6 +133,7 @@ void CMultiLiveFrame::slotSelectCamera(CMultiLiveItemForm *tile)
     m_selectedItem = tile;
     applySound();
     m_clickedItem = true;
+    emit heardChanged();
 }
 
 void CMultiLiveFrame::paintEvent(QPaintEvent *event)
@@ -111,6 +150,15 @@ void CMultiLiveFrame::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     layOutGrid();
+}
+
+void CMultiLiveFrame::keyPressEvent(QKeyEvent *event)
+{
+    CMultiLiveItemForm *from = focusedTile();
+    if (CMultiLiveItemForm *to = from ? neighbour(m_tiles.indexOf(from), event->key()) : nullptr)
+        to->setFocus(Qt::TabFocusReason);
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void CMultiLiveFrame::mousePressEvent(QMouseEvent *event)
@@ -163,6 +211,7 @@ void CMultiLiveFrame::deselect()
     m_selectedItem->setVolume(0);
     m_selectedItem->setSelected(false);
     m_selectedItem = nullptr;
+    emit heardChanged();
 }
 
 void CMultiLiveFrame::applySound()

@@ -38,7 +38,13 @@ public:
     /// shown.
     QList<CCamera *> shownCameras() const;
     CMultiLiveItemForm *selectedTile() const { return m_selectedItem; }
+    /// The tile with the keyboard focus, else the selected one; null for none.
+    CMultiLiveItemForm *currentTile() const;
     const zelvaro::GridShape &shape() const { return m_shape; }
+
+signals:
+    /// Another tile is heard, or none, or the stream of the one that is has begun or ended.
+    void heardChanged();
 
 public slots:
     void slotSelectCamera(CMultiLiveItemForm *tile);
@@ -46,11 +52,15 @@ public slots:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
 
 private:
+    CMultiLiveItemForm *focusedTile() const;
+    /// From the tile at an index to the one that an arrow key leads to; null beyond the edges.
+    CMultiLiveItemForm *neighbour(int index, int key) const;
     void layOutGrid();
     void deselect();
     void applySound();

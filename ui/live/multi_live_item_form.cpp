@@ -20,7 +20,7 @@ CMultiLiveItemForm::CMultiLiveItemForm(zelvaro::Clock clock, QWidget *parent)
     m_ui->setupUi(this);
     m_live = std::make_unique<zelvaro::LiveView>(
         zelvaro::LiveWidgets{m_ui->frameVideoArea, m_ui->frameVideoClient, m_ui->frameVideoFrame,
-                             m_ui->labelStatus, m_ui->labelRecording},
+                             m_ui->labelStatus, m_ui->labelRecording, m_ui->labelRecordingNote},
         zelvaro::LiveView::StatusSize::Plain, [this] { return m_volume; }, std::move(clock));
     connect(m_ui->frameVideoArea, &CVideoAreaFrame::signalResize, this,
             [this] { m_live->areaResized(); });
@@ -82,7 +82,12 @@ void CMultiLiveItemForm::takePhoto()
     m_live->takePhoto();
 }
 
-QWidget *CMultiLiveItemForm::lastInTabOrder() const
+void CMultiLiveItemForm::enterFullScreen()
+{
+    m_live->enterFullScreen();
+}
+
+QWidget *CMultiLiveItemForm::picture() const
 {
     return m_ui->frameVideoFrame;
 }

@@ -35,8 +35,11 @@ public:
     void setRecording(bool recording);
     /// Saves a photo in the album; does nothing unless it plays.
     void takePhoto();
-    /// The last of the tile's widgets that the Tab key reaches.
-    QWidget *lastInTabOrder() const;
+    /// Does nothing when its picture is in full screen already.
+    void enterFullScreen();
+    /// The picture: a window of its own while it is in full screen. Also the last of the tile's
+    /// widgets that the Tab key reaches.
+    QWidget *picture() const;
 
 signals:
     void selectCamera(CMultiLiveItemForm *tile);

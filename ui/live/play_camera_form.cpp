@@ -1,5 +1,6 @@
 #include "ui/live/play_camera_form.h"
 
+#include "ui/common/page_actions.h"
 #include "ui/common/page_host.h"
 #include "ui/live/snapshot_sound.h"
 #include "ui_play_camera_form.h"
@@ -11,7 +12,7 @@ CPlayCameraForm::CPlayCameraForm(QWidget *parent, zelvaro::Clock clock)
     m_ui->setupUi(this);
     m_live = std::make_unique<zelvaro::LiveView>(
         zelvaro::LiveWidgets{m_ui->frameVideoArea, m_ui->frameVideoClient, m_ui->frameVideoFrame,
-                             m_ui->labelStatus, m_ui->labelRecording},
+                             m_ui->labelStatus, m_ui->labelRecording, m_ui->labelRecordingNote},
         zelvaro::LiveView::StatusSize::Scaled, [this] { return volume(); }, std::move(clock));
     m_talkTip = m_ui->btnOutVolume->toolTip();
     m_ui->sliderVolume->setRange(0, zelvaro::maxVolume);
@@ -32,13 +33,35 @@ CPlayCameraForm::CPlayCameraForm(QWidget *parent, zelvaro::Clock clock)
             &CPlayCameraForm::slotVolumeChanged);
     connect(m_ui->sliderVolume, &CVolumeSliderForm::muteChanged, this,
             &CPlayCameraForm::slotMuteChanged);
+    offerActions();
 }
 
 CPlayCameraForm::~CPlayCameraForm() = default;
 
+void CPlayCameraForm::offerActions()
+{
+    using Held = zelvaro::PageActions::Held;
+    auto *actions = new zelvaro::PageActions(this);
+    actions->add(m_ui->btnSnapshot, {Qt::Key_S});
+    actions->tickWhile(actions->add(m_ui->btnRecord, {Qt::Key_R}),
+                       [this] { return m_live->isRecording(); });
+    actions->addSeparator();
+    actions->add(m_ui->btnZoomIn, {Qt::Key_Plus, Qt::Key_Equal}, Held::Repeats);
+    actions->add(m_ui->btnZoomOut, {Qt::Key_Minus}, Held::Repeats);
+    actions->leaveOutInFullScreen(actions->add(m_ui->btnFullScreen, {Qt::Key_F}));
+    actions->addSeparator();
+    actions->add(m_ui->sliderVolume->muteButton(), {Qt::Key_M});
+    actions->tickWhile(actions->add(m_ui->btnOutVolume, {Qt::Key_T}), [this] { return m_talking; });
+    actions->addSeparator();
+    actions->add(m_ui->btnBack, {Qt::Key_Backspace, Qt::Key_Back});
+    actions->offerOn(m_ui->frameVideoArea);
+    actions->offerOn(m_ui->frameVideoFrame);
+}
+
 void CPlayCameraForm::SetCamera(CCamera *camera)
 {
     m_live->setCamera(camera);
+    showHeard();
 }
 
 void CPlayCameraForm::StartPlay()
@@ -89,6 +112,14 @@ void CPlayCameraForm::slotTimer()
             startTalking();
     }
     m_live->report();
+    showHeard();
+}
+
+void CPlayCameraForm::showHeard()
+{
+    const CCamera *camera = m_live->camera();
+    const bool silent = camera && IsPlaying() && !camera->has_audio();
+    m_ui->sliderVolume->setUnheard(silent ? tr("This camera sends no sound.") : QString());
 }
 
 void CPlayCameraForm::slotSnapshot()

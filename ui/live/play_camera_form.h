@@ -45,7 +45,9 @@ public slots:
     void slotOvolumeClicked();
 
 private:
+    void offerActions();
     int volume() const;
+    void showHeard();
     void setRecording(bool recording);
     void setTalking(bool talking);
     void startTalking();

@@ -2,7 +2,6 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QRegion>
 
 namespace {
 
@@ -39,17 +38,25 @@ QWidget *CVideoFrame::CreateRenderSurface()
     m_renderSurface->ensurePolished();
     m_renderSurface->setAutoFillBackground(true);
 
-    m_overlaySurface = new QWidget(m_renderSurface);
-    m_overlaySurface->setAttribute(Qt::WA_TranslucentBackground);
-    // A native child window is opaque whatever its attributes say, and would hide the picture. With
-    // nothing to draw it has no shape.
-    m_overlaySurface->setMask(QRegion(-1, -1, 1, 1));
+    m_overlaySurface = new zelvaro::PictureOverlay(m_renderSurface);
+    m_overlaySurface->setContent(m_overlay);
+    // The pointer shows the texts of the full screen, also without a button held.
+    for (QWidget *widget :
+         {static_cast<QWidget *>(this), m_renderSurface, static_cast<QWidget *>(m_overlaySurface)})
+        widget->setMouseTracking(true);
 
     m_videoWidth = -1;
     m_videoHeight = -1;
     layoutSurfaces();
     m_renderSurface->show();
     return m_renderSurface;
+}
+
+void CVideoFrame::setOverlay(const zelvaro::OverlayContent &content)
+{
+    m_overlay = content;
+    if (m_overlaySurface)
+        m_overlaySurface->setContent(content);
 }
 
 void CVideoFrame::SetVideoSize(int width, int height)
@@ -72,7 +79,7 @@ void CVideoFrame::layoutSurfaces()
     if (m_lastGeometry == whole)
         return;
     m_lastGeometry = whole;
-    for (QWidget *surface : {m_renderSurface, m_overlaySurface}) {
+    for (QWidget *surface : {m_renderSurface, static_cast<QWidget *>(m_overlaySurface)}) {
         surface->hide();
         surface->setGeometry(whole);
         surface->show();

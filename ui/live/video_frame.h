@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/common/escape_key.h"
+#include "ui/live/picture_overlay.h"
 
 #include <QRect>
 #include <QWidget>
@@ -21,6 +22,10 @@ public:
     QWidget *CreateRenderSurface();
     /// The widget that is drawn on; null before the first request.
     QWidget *renderSurface() const { return m_renderSurface; }
+
+    /// What lies over the picture, from now on and over the next surfaces.
+    void setOverlay(const zelvaro::OverlayContent &content);
+    const zelvaro::OverlayContent &overlay() const { return m_overlay; }
 
     /// Size of the stream in pixels; negative while unknown.
     void SetVideoSize(int width, int height);
@@ -43,7 +48,8 @@ private:
     void layoutSurfaces();
 
     QWidget *m_renderSurface = nullptr;
-    QWidget *m_overlaySurface = nullptr; // child of the render surface
+    zelvaro::PictureOverlay *m_overlaySurface = nullptr; // child of the render surface
+    zelvaro::OverlayContent m_overlay;
     QRect m_lastGeometry;
     qint32 m_videoWidth = -1;
     qint32 m_videoHeight = -1;
