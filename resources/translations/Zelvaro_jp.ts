@@ -143,6 +143,14 @@
         <source>Not connected</source>
         <translation>未接続</translation>
     </message>
+    <message>
+        <source>Not connected since %1</source>
+        <translation>%1 から未接続</translation>
+    </message>
+    <message>
+        <source>The picture is of %1</source>
+        <translation>映像は %1 のものです</translation>
+    </message>
 </context>
 <context>
     <name>CCameraSetUp</name>
@@ -752,6 +760,25 @@
     <message>
         <source>Mute</source>
         <translation>ミュート</translation>
+    </message>
+</context>
+<context>
+    <name>CameraMenu</name>
+    <message>
+        <source>Copy as text</source>
+        <translation>テキストとしてコピー</translation>
+    </message>
+    <message>
+        <source>Trust the new key...</source>
+        <translation>新しいキーを信頼...</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Trust the new key of &quot;%1&quot;? Do it only when you have reset or replaced the camera.</source>
+        <translation>「%1」の新しいキーを信頼しますか。カメラを初期化または交換した場合にだけ行ってください。</translation>
     </message>
 </context>
 <context>

@@ -143,6 +143,14 @@
         <source>Not connected</source>
         <translation>未连接</translation>
     </message>
+    <message>
+        <source>Not connected since %1</source>
+        <translation>自 %1 起未连接</translation>
+    </message>
+    <message>
+        <source>The picture is of %1</source>
+        <translation>画面拍摄于 %1</translation>
+    </message>
 </context>
 <context>
     <name>CCameraSetUp</name>
@@ -752,6 +760,25 @@
     <message>
         <source>Mute</source>
         <translation>静音</translation>
+    </message>
+</context>
+<context>
+    <name>CameraMenu</name>
+    <message>
+        <source>Copy as text</source>
+        <translation>复制为文本</translation>
+    </message>
+    <message>
+        <source>Trust the new key...</source>
+        <translation>信任新密钥...</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>警告</translation>
+    </message>
+    <message>
+        <source>Trust the new key of &quot;%1&quot;? Do it only when you have reset or replaced the camera.</source>
+        <translation>信任“%1”的新密钥？仅在您重置或更换了摄像机时这样做。</translation>
     </message>
 </context>
 <context>

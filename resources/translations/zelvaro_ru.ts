@@ -143,6 +143,14 @@
         <source>Not connected</source>
         <translation>Не подключена</translation>
     </message>
+    <message>
+        <source>Not connected since %1</source>
+        <translation>Не подключена с %1</translation>
+    </message>
+    <message>
+        <source>The picture is of %1</source>
+        <translation>Изображение от %1</translation>
+    </message>
 </context>
 <context>
     <name>CCameraSetUp</name>
@@ -752,6 +760,25 @@
     <message>
         <source>Mute</source>
         <translation>Без звука</translation>
+    </message>
+</context>
+<context>
+    <name>CameraMenu</name>
+    <message>
+        <source>Copy as text</source>
+        <translation>Копировать как текст</translation>
+    </message>
+    <message>
+        <source>Trust the new key...</source>
+        <translation>Принять новый ключ...</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Предупреждение</translation>
+    </message>
+    <message>
+        <source>Trust the new key of &quot;%1&quot;? Do it only when you have reset or replaced the camera.</source>
+        <translation>Принять новый ключ камеры «%1»? Только если вы сбросили или заменили камеру.</translation>
     </message>
 </context>
 <context>

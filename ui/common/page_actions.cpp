@@ -99,7 +99,8 @@ bool PageActions::eventFilter(QObject *watched, QEvent *event)
 
 void PageActions::popUp(QWidget *widget, const QPoint &place)
 {
-    auto *menu = new QMenu(widget);
+    // Not the widget's, whose style sheet would be the menu's too.
+    auto *menu = new QMenu(m_page);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     for (QAction *action : qAsConst(m_actions)) {
         if (widget->isWindow() && m_onPageOnly.contains(action))

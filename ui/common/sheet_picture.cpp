@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QPainter>
 #include <QPixmap>
 #include <QPixmapCache>
 #include <QWidget>
@@ -18,6 +19,9 @@ namespace {
 // A JPEG in one scan is made smaller while it is read; all else is held whole before.
 constexpr qint64 mostPixels = 32'000'000;
 constexpr qint64 mostScannedPixels = 120'000'000;
+
+// Laid over a picture that is no longer so.
+constexpr QColor dimming(11, 16, 22, 150);
 
 bool mayDecode(const QImageReader &reader, QSize size)
 {
@@ -90,10 +94,13 @@ QSize pictureSize(const QString &file)
     return size.isEmpty() ? QSize(0, 0) : size;
 }
 
-void setPictureSheet(QWidget *widget, const QString &sheet, const QString &file, QSize shown)
+void setPictureSheet(QWidget *widget, const QString &sheet, const QString &file, QSize shown,
+                     PictureLook look)
 {
     const QString key = cacheKey(file);
-    const QPixmap picture = decoded(file, shown);
+    QPixmap picture = decoded(file, shown);
+    if (look == PictureLook::Dimmed)
+        QPainter(&picture).fillRect(picture.rect(), dimming);
     const CacheRoom room(picture);
     // A sheet whose picture is not in the cache would decode the file whole.
     if (!QPixmapCache::insert(key, picture)) {

@@ -1,10 +1,10 @@
 #include "ui/live/live_notice.h"
 
 #include "camera/camera.h"
+#include "ui/common/time_text.h"
 #include "ui/live/video_frame.h"
 
 #include <QEvent>
-#include <QLocale>
 
 namespace zelvaro {
 
@@ -15,15 +15,6 @@ constexpr int interval = 1000;
 constexpr int oldAge = 5000;
 constexpr int clockAge = 2000;
 constexpr int nameTime = 3000;
-
-/// The day only where it is another one.
-QString timeText(const QDateTime &time, const QDateTime &now)
-{
-    const QString clock = time.toString(QStringLiteral("HH:mm:ss"));
-    if (time.date() == now.date())
-        return clock;
-    return QLocale().toString(time.date(), QLocale::ShortFormat) + QLatin1Char(' ') + clock;
-}
 
 } // namespace
 

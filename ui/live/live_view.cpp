@@ -2,8 +2,10 @@
 
 #include "settings/camera_settings.h"
 #include "ui/common/page_host.h"
+#include "ui/common/reason_text.h"
 #include "ui/common/status_text.h"
 #include "ui/common/tool_tip.h"
+#include "ui/live/stream_details.h"
 #include "ui/live/video_frame.h"
 
 #include <QFile>
@@ -332,7 +334,20 @@ void LiveView::showStatusText(const QString &text)
 {
     m_widgets.status->setText(text);
     // A picture may be smaller than its status.
-    m_widgets.status->setToolTip(plainToolTip(text));
+    m_widgets.status->setToolTip(plainToolTip(details()));
+}
+
+QString LiveView::details() const
+{
+    QStringList lines{m_widgets.status->text()};
+    if (isPlaying()) {
+        if (const auto figures = m_camera->figures())
+            lines << figuresText(*figures);
+    } else if (m_camera) {
+        lines << reasonText(*m_camera);
+    }
+    lines.removeAll(QString());
+    return lines.join(QLatin1Char('\n'));
 }
 
 QSize LiveView::streamSize() const

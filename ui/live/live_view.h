@@ -92,6 +92,10 @@ public:
     /// Saves a photo in the album; does nothing unless it plays.
     void takePhoto();
 
+    /// The status line, and what is known beyond it: the figures of the stream, or why there is
+    /// none.
+    QString details() const;
+
 private:
     void setUp(int stream);
     void followStream();

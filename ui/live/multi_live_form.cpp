@@ -2,6 +2,7 @@
 
 #include "camera/camera.h"
 #include "settings/camera_record.h"
+#include "ui/common/camera_menu.h"
 #include "ui/common/message_box.h"
 #include "ui/common/page_actions.h"
 #include "ui/common/page_host.h"
@@ -56,6 +57,10 @@ void CMultiLiveForm::offerActions()
     m_actions->tickWhile(m_actions->add(m_ui->btnRecord, {Qt::Key_R}),
                          [this] { return m_recordingAll; });
     m_actions->add(m_ui->sliderVolume->muteButton(), {Qt::Key_M});
+    m_actions->setExtras([this](QMenu &menu, QWidget *on) {
+        if (CMultiLiveItemForm *tile = m_ui->frameMultiLive->currentTile())
+            zelvaro::CameraMenu::addTo(menu, tile->camera(), tile->details(), on);
+    });
     m_actions->offerOn(m_ui->frameMultiLive);
 }
 

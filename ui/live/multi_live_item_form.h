@@ -35,6 +35,8 @@ public:
     void setRecording(bool recording);
     /// Saves a photo in the album; does nothing unless it plays.
     void takePhoto();
+    /// The status line and all that is known beyond it.
+    QString details() const { return m_live->details(); }
     /// Does nothing when its picture is in full screen already.
     void enterFullScreen();
     /// The picture: a window of its own while it is in full screen. Also the last of the tile's

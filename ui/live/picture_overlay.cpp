@@ -20,7 +20,8 @@ constexpr int largestText = 26;
 constexpr int textPerHeight = 24; // a text is that part of the picture's height
 constexpr int edge = 6;           // around the plates
 constexpr int lineStep = 2;       // every second line is black over an old picture
-constexpr int textFlags = Qt::AlignCenter | Qt::TextWordWrap;
+constexpr int wrapped = Qt::AlignCenter | Qt::TextWordWrap;
+constexpr int onOneLine = Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine;
 
 int padding(const QFontMetrics &metrics)
 {
@@ -77,7 +78,7 @@ void PictureOverlay::addPlate(Qt::Alignment alignment, const QString &text, bool
     QSize size;
     if (alignment == Qt::AlignCenter) {
         const QRect most(0, 0, std::max(1, room.width() - 2 * gap), std::max(1, height()));
-        size = metrics.boundingRect(most, textFlags, text).size();
+        size = metrics.boundingRect(most, wrapped, text).size();
     } else {
         // Name and clock share the line.
         shown = metrics.elidedText(text, Qt::ElideRight,
@@ -93,7 +94,8 @@ void PictureOverlay::addPlate(Qt::Alignment alignment, const QString &text, bool
         place.moveRight(room.right());
     if (alignment & Qt::AlignTop)
         place.moveTop(room.top());
-    m_plates.append({place & rect(), shown, mark});
+    m_plates.append(
+        {place & rect(), shown, alignment == Qt::AlignCenter ? wrapped : onOneLine, mark});
 }
 
 QRegion PictureOverlay::shape() const
@@ -136,7 +138,7 @@ void PictureOverlay::paintEvent(QPaintEvent *)
             texts.setLeft(texts.left() + metrics.height());
         }
         painter.setPen(textColour);
-        painter.drawText(texts, textFlags, plate.text);
+        painter.drawText(texts, plate.flags, plate.text);
     }
 }
 

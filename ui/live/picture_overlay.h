@@ -49,6 +49,7 @@ private:
     {
         QRect place;
         QString text;
+        int flags; ///< of the text
         bool mark; ///< begins with the record mark
     };
 

@@ -12,6 +12,11 @@ void PictureWatch::reset()
 
 void PictureWatch::look(const CCamera &camera)
 {
+    if (const auto figures = camera.figures()) {
+        if (figures->picture_age >= 0)
+            m_last = m_clock().addMSecs(-figures->picture_age);
+        return;
+    }
     if (!camera.is_playing())
         return;
     const bool frames = camera.get_frame_rate() > 0;

@@ -8,9 +8,9 @@ class CCamera;
 
 namespace zelvaro {
 
-/// Follows how old the picture of a live stream is. A library does not tell the time of its last
-/// picture, but whether the stream plays and how many frames came within the last second. GUI
-/// thread only.
+/// Follows how old the picture of a live stream is: by the figures of the library, or, where it has
+/// none, by whether the stream plays and how many frames came within the last second. GUI thread
+/// only.
 class PictureWatch
 {
 public:

@@ -1,5 +1,6 @@
 #include "ui/live/play_camera_form.h"
 
+#include "ui/common/camera_menu.h"
 #include "ui/common/page_actions.h"
 #include "ui/common/page_host.h"
 #include "ui/live/snapshot_sound.h"
@@ -54,6 +55,9 @@ void CPlayCameraForm::offerActions()
     actions->tickWhile(actions->add(m_ui->btnOutVolume, {Qt::Key_T}), [this] { return m_talking; });
     actions->addSeparator();
     actions->add(m_ui->btnBack, {Qt::Key_Backspace, Qt::Key_Back});
+    actions->setExtras([this](QMenu &menu, QWidget *on) {
+        zelvaro::CameraMenu::addTo(menu, m_live->camera(), m_live->details(), on);
+    });
     actions->offerOn(m_ui->frameVideoArea);
     actions->offerOn(m_ui->frameVideoFrame);
 }

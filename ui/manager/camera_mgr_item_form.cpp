@@ -2,13 +2,17 @@
 
 #include "camera/camera.h"
 #include "settings/host_name.h"
+#include "ui/common/camera_menu.h"
+#include "ui/common/reason_text.h"
 #include "ui/common/sheet_picture.h"
 #include "ui/common/style_url.h"
+#include "ui/common/time_text.h"
 #include "ui/common/tool_tip.h"
 #include "ui_camera_mgr_item_form.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QFileInfo>
 #include <QMenu>
 
 namespace {
@@ -57,6 +61,8 @@ void CCameraMgrItemForm::setCamera(CCamera *camera)
     if (m_camera)
         m_camera->disconnect(this);
     m_camera = camera;
+    m_connected = m_camera && m_camera->get_state() == CAMERA_STATE_CONNECTED;
+    m_since = {};
     slotCameraThumbChanged();
     slotCameraStatusChanged();
     if (!m_camera)
@@ -65,6 +71,7 @@ void CCameraMgrItemForm::setCamera(CCamera *camera)
             &CCameraMgrItemForm::slotCameraStatusChanged);
     connect(m_camera, &CCamera::signalThumbChanged, this,
             &CCameraMgrItemForm::slotCameraThumbChanged);
+    connect(m_camera, &CCamera::signalStateReport, this, [this] { showStateTip(); });
 }
 
 void CCameraMgrItemForm::setNear(bool isNear)
@@ -124,21 +131,47 @@ void CCameraMgrItemForm::slotCameraStatusChanged()
     m_ui->labelStatusText->setText(refused ? tr("Invalid Password!") : QString());
     m_ui->labelStatusText->setVisible(refused);
 
-    switch (m_camera->get_state()) {
-    case CAMERA_STATE_CONNECTED:
-        m_ui->labelStatusImage->setStyleSheet(
-            QStringLiteral("border-image:url(:/images/cameraitem/connected.png);"));
-        m_ui->labelStatusImage->setToolTip(tr("Connected"));
-        break;
-    case CAMERA_STATE_DISCONNECTED:
-        m_ui->labelStatusImage->setStyleSheet(
-            QStringLiteral("border-image:url(:/images/cameraitem/disconnected.png);"));
-        m_ui->labelStatusImage->setToolTip(tr("Not connected"));
-        break;
-    default:
-        break;
+    const bool wasConnected = m_connected;
+    m_connected = m_camera->get_state() == CAMERA_STATE_CONNECTED;
+    m_ui->labelStatusImage->setStyleSheet(
+        m_connected ? QStringLiteral("border-image:url(:/images/cameraitem/connected.png);")
+                    : QStringLiteral("border-image:url(:/images/cameraitem/disconnected.png);"));
+    if (wasConnected && !m_connected)
+        m_since = QDateTime::currentDateTime();
+    if (wasConnected != m_connected)
+        showThumb();
+    showStateTip();
+}
+
+// The reason of a camera may become another while its state stays.
+void CCameraMgrItemForm::showStateTip()
+{
+    if (!m_camera)
+        return;
+    QString state = tr("Connected");
+    if (!m_connected) {
+        state = m_since.isValid() ? tr("Not connected since %1").arg(zelvaro::timeText(m_since))
+                                  : tr("Not connected");
     }
-    m_ui->labelStatusImage->setAccessibleName(m_ui->labelStatusImage->toolTip());
+    const QString reason = zelvaro::reasonText(*m_camera);
+    QStringList lines{state, reason};
+    if (!m_connected && m_pictureTime.isValid())
+        lines << tr("The picture is of %1").arg(zelvaro::timeText(m_pictureTime));
+    lines.removeAll(QString());
+    const QString tip =
+        lines.size() > 1 ? zelvaro::plainToolTip(lines.join(QLatin1Char('\n'))) : state;
+    m_ui->labelStatusImage->setToolTip(tip);
+    m_ui->labelStatusImage->setAccessibleName(m_connected ? state : tr("Not connected"));
+    m_ui->labelStatusImage->setAccessibleDescription(reason);
+    m_ui->labelStatusText->setToolTip(reason.isEmpty() ? QString() : tip);
+    m_ui->frameCameraItem->setToolTip(m_connected && reason.isEmpty() ? QString() : tip);
+    m_details = lines.join(QLatin1Char('\n'));
+}
+
+QString CCameraMgrItemForm::details() const
+{
+    return QStringList{m_ui->labelCameraName->text(), m_ui->labelUid->text(), m_details}.join(
+        QLatin1Char('\n'));
 }
 
 void CCameraMgrItemForm::slotCameraThumbChanged()
@@ -161,16 +194,19 @@ void CCameraMgrItemForm::showThumb()
 {
     if (!m_camera || !m_near || !m_camera->has_thumb()) {
         m_ui->frameCameraItem->setStyleSheet(m_defaultPicture);
+        m_pictureTime = {};
         return;
     }
     const QString path = m_camera->thumb_path();
+    m_pictureTime = QFileInfo(path).lastModified();
     zelvaro::setPictureSheet(
         m_ui->frameCameraItem,
         QStringLiteral("QFrame#frameCameraItem{border-image:url(%1);}")
             .arg(zelvaro::styleUrl(path)),
         path,
         m_ui->frameCameraItem->size().expandedTo(m_ui->frameCameraItem->minimumSize()) *
-            devicePixelRatioF());
+            devicePixelRatioF(),
+        m_connected ? zelvaro::PictureLook::Plain : zelvaro::PictureLook::Dimmed);
 }
 
 void CCameraMgrItemForm::showFocus(bool focused)
@@ -178,8 +214,14 @@ void CCameraMgrItemForm::showFocus(bool focused)
     m_ui->frameCameraItemBk->setStyleSheet(tileFrameStyle(focused ? "hover" : "default"));
 }
 
+// Beside the menu of the button: what that one offers, and more.
 void CCameraMgrItemForm::contextMenuEvent(QContextMenuEvent *event)
 {
     event->accept();
-    slotMenu();
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addActions(m_ui->btnMenu->menu()->actions());
+    zelvaro::CameraMenu::addTo(*menu, m_camera, details(), this);
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
+    menu->popup(byKey ? mapToGlobal(rect().center()) : event->globalPos());
 }

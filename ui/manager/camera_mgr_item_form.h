@@ -2,6 +2,8 @@
 
 #include "ui/common/tile_form.h"
 
+#include <QDateTime>
+
 #include <memory>
 
 class CCamera;
@@ -58,9 +60,16 @@ private:
     void buildMenu();
     void showTexts();
     void showThumb();
+    void showStateTip();
+    /// All that is known of the camera, in lines.
+    QString details() const;
 
     std::unique_ptr<Ui::CCameraMgrItemForm> m_ui;
     CCamera *m_camera = nullptr;
     QString m_defaultPicture; // style sheet of the picture frame without a thumbnail
+    QString m_details;        // of the state
     bool m_near = true;
+    bool m_connected = false;
+    QDateTime m_since;       // it is not connected; null while that is not known
+    QDateTime m_pictureTime; // null without a picture
 };

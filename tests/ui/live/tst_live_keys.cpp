@@ -1,5 +1,6 @@
 #include "resources/resources.h"
 #include "tests/support/modal_script.h"
+#include "tests/support/tool_tip_text.h"
 #include "tests/ui/common/shown_tip.h"
 #include "tests/ui/live/live_fixture.h"
 #include "ui/common/volume_slider_form.h"
@@ -10,7 +11,9 @@
 #include "ui/live/select_camera_form.h"
 #include "ui/live/video_frame.h"
 
+#include <QClipboard>
 #include <QContextMenuEvent>
+#include <QLabel>
 #include <QMenu>
 #include <QToolButton>
 
@@ -54,6 +57,9 @@ private slots:
     void fullScreenIsForTheTileOneIsAt();
     void arrowsStepFromTileToTile();
     void theMenuOfATile();
+    void theStatusTellsWhyThereIsNoPicture();
+    void theStatusTellsTheFigures();
+    void theMenuCopiesTheDetails();
 
 private:
     void playOne();
@@ -245,6 +251,69 @@ void TestLiveKeys::theMenuOfATile()
     for (const char *text :
          {"Hear this camera", "Full screen", "Select cameras", "Snapshot", "Record", "Mute"})
         QVERIFY2(texts.contains(QLatin1String(text)), text);
+}
+
+void TestLiveKeys::theStatusTellsWhyThereIsNoPicture()
+{
+    m_live->addCameras({QStringLiteral("H")});
+    m_live->change([](auto &script) {
+        script.playPlays = false;
+        script.reason = CAMMGR_REASON_CODEC_UNKNOWN;
+        script.reasonDetail = "VP8";
+    });
+    m_single = std::make_unique<CPlayCameraForm>(nullptr, m_live->clock());
+    show(*m_single);
+    m_single->SetCamera(m_live->camera());
+    m_single->StartPlay();
+    m_live->report();
+    QCOMPARE(
+        shownByToolTip(m_single->findChild<QWidget *>(QStringLiteral("labelStatus"))->toolTip()),
+        QStringLiteral("Camera H is connecting...\nThe camera sends VP8, which cannot be shown. "
+                       "Set it to H.264, H.265 or MJPEG."));
+}
+
+void TestLiveKeys::theStatusTellsTheFigures()
+{
+    playOne();
+    RtspPlayerFigures figures = {};
+    figures.width = 640;
+    figures.height = 360;
+    figures.jitter = 1500;
+    figures.delay = 4200;
+    figures.frames_received = 100;
+    figures.frames_drawn = 90;
+    figures.frames_dropped = 10;
+    figures.packets_received = 500;
+    figures.packets_lost = 7;
+    qstrcpy(figures.codec, "H264");
+    qstrcpy(figures.sound_codec, "PCMU");
+    qstrcpy(figures.transport, "TCP");
+    // Without its end, as a library might leave it.
+    std::fill(std::begin(figures.decoder), std::end(figures.decoder), 'd');
+    m_live->change([&figures](auto &script) { script.figures = figures; });
+    m_live->report();
+    const QString tip =
+        shownByToolTip(m_single->findChild<QWidget *>(QStringLiteral("labelStatus"))->toolTip());
+    QCOMPARE(tip.section(QLatin1Char('\n'), 1),
+             QStringLiteral("Picture: H264, 640x360, by TCP\nSound: PCMU\n"
+                            "Frames: 100 received, 90 drawn, 10 left out\n"
+                            "Packets: 500 received, 7 lost\nJitter 1.5 ms, delay 4.2 ms\n"
+                            "Decoder: ") +
+                 QString(32, QLatin1Char('d')));
+}
+
+void TestLiveKeys::theMenuCopiesTheDetails()
+{
+    playOne();
+    QVERIFY(menuOf(picture()).contains(QStringLiteral("Copy as text")));
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(3, 3));
+    QCoreApplication::sendEvent(picture(), &event);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    menu->actions().last()->trigger();
+    menu->close();
+    QCOMPARE(QGuiApplication::clipboard()->text(),
+             m_single->findChild<QLabel *>(QStringLiteral("labelStatus"))->text());
 }
 
 QTEST_MAIN(TestLiveKeys)

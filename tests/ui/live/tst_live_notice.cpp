@@ -34,6 +34,7 @@ private slots:
     void aNewPictureTakesTheNoticeAway();
     void aStreamThatEndsLeavesAnOldPicture();
     void aLibraryThatCountsNoFramesIsBelieved();
+    void theAgeThatTheLibraryTellsCounts();
     void aPictureOfAnotherDayTellsTheDay();
     void anotherStreamBeginsAnew();
     void theOverlayHasTheShapeOfWhatItDraws();
@@ -169,6 +170,20 @@ void TestLiveNotice::aLibraryThatCountsNoFramesIsBelieved()
     QVERIFY(over().isEmpty());
     freeze(6, false);
     QVERIFY(over().dimmed);
+}
+
+void TestLiveNotice::theAgeThatTheLibraryTellsCounts()
+{
+    play();
+    RtspPlayerFigures figures = {};
+    figures.picture_age = 7000;
+    m_live->change([&figures](auto &script) { script.figures = figures; });
+    m_live->report();
+    QCOMPARE(over().notice, QStringLiteral("No picture since 07:08:02"));
+    figures.picture_age = 40;
+    m_live->change([&figures](auto &script) { script.figures = figures; });
+    m_live->report();
+    QVERIFY(over().isEmpty());
 }
 
 void TestLiveNotice::aPictureOfAnotherDayTellsTheDay()

@@ -1,17 +1,23 @@
 #include "camera/camera.h"
 #include "tests/support/declared.h"
+#include "tests/support/modal_script.h"
 #include "tests/support/registry.h"
 #include "tests/support/tool_tip_text.h"
 #include "ui/common/image_mark.h"
+#include "ui/common/message_box.h"
 #include "ui/common/style_url.h"
 #include "ui/manager/camera_mgr_item_form.h"
 
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QFrame>
 #include <QImage>
 #include <QLabel>
 #include <QMenu>
 #include <QPixmapCache>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
@@ -68,6 +74,12 @@ private slots:
     void otherDoubleClicksDoNotPlay();
     void keysPlayAndDelete();
     void aTileForgetsItsSession();
+    void hoveringTellsWhyItIsNotConnected();
+    void hoveringTellsSinceWhen();
+    void aReasonIsToldWhileItIsConnectedToo();
+    void thePictureOfADisconnectedCameraIsDimmed();
+    void theContextMenuCopiesTheReason();
+    void aNewKeyIsTrustedAfterAQuestion();
 
 private:
     CCamera *camera() { return Registry::cameras().at(0); }
@@ -77,6 +89,12 @@ private:
     Widget *find(const char *name)
     {
         return m_tile->findChild<Widget *>(QLatin1String(name));
+    }
+    /// The picture of a camera that is not connected is dimmed.
+    void connectCamera()
+    {
+        player()->probeOk();
+        QTRY_COMPARE_WITH_TIMEOUT(camera()->get_state(), int(CAMERA_STATE_CONNECTED), deadline);
     }
     QString pictureStyle() { return find<QFrame>("frameCameraItem")->styleSheet(); }
     QColor centre() { return centreOf(find<QFrame>("frameCameraItem")); }
@@ -181,6 +199,7 @@ void TestCameraMgrItemForm::statusImageFollowsTheState()
 void TestCameraMgrItemForm::showsAThumbnailThatExists()
 {
     writePicture(camera()->thumb_path(), Qt::red);
+    connectCamera();
     m_tile->setCamera(camera());
     QVERIFY(pictureStyle().startsWith("QFrame#frameCameraItem{border-image:url("));
     QVERIFY(pictureStyle().contains(zelvaro::styleUrl(camera()->thumb_path())));
@@ -223,6 +242,7 @@ void TestCameraMgrItemForm::thumbnailsOfOddAlbumPathsAreDrawn()
     QFETCH(QString, folder);
     m_registry->settings().setAlbumPath(m_registry->path(folder));
     writePicture(camera()->thumb_path(), QColor(10, 200, 30));
+    connectCamera();
     m_tile->setCamera(camera());
     QCOMPARE(centre(), QColor(10, 200, 30));
 }
@@ -238,6 +258,7 @@ void TestCameraMgrItemForm::aNewThumbnailUnderTheSamePathIsDrawn()
         QVERIFY(file.setFileTime(second, QFileDevice::FileModificationTime));
     };
     write(Qt::red);
+    connectCamera();
     m_tile->setCamera(camera());
     m_tile->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
@@ -267,6 +288,7 @@ void TestCameraMgrItemForm::thumbnailsLeaveTheOtherPicturesCached()
 void TestCameraMgrItemForm::aTileThatIsNotSeenHoldsNoPicture()
 {
     writePicture(camera()->thumb_path(), Qt::red);
+    connectCamera();
     m_tile->setCamera(camera());
     m_tile->setNear(false);
     QVERIFY(m_tile->isHidden());
@@ -434,6 +456,117 @@ void TestCameraMgrItemForm::aTileForgetsItsSession()
     emit camera()->signalThumbChanged();
     m_tile->slotCameraStatusChanged();
     m_tile->slotCameraThumbChanged();
+}
+
+void TestCameraMgrItemForm::hoveringTellsWhyItIsNotConnected()
+{
+    m_tile->setCamera(camera());
+    const auto tip = [this](const char *name) {
+        return shownByToolTip(find<QWidget>(name)->toolTip());
+    };
+    QCOMPARE(tip("labelStatusImage"), QString("Not connected"));
+    player()->change([](auto &script) {
+        script.reason = CAMMGR_REASON_NO_ANSWER;
+        script.reasonDetail = "192.168.1.20:554";
+    });
+    player()->probeFailed();
+    const QString expected("Not connected\nNo answer from 192.168.1.20:554. Is the camera on?");
+    QTRY_COMPARE_WITH_TIMEOUT(tip("labelStatusImage"), expected, deadline);
+    QCOMPARE(tip("frameCameraItem"), expected);
+    QCOMPARE(find<QWidget>("labelStatusImage")->accessibleDescription(),
+             QString("No answer from 192.168.1.20:554. Is the camera on?"));
+    // The state stays, the reason does not.
+    player()->change([](auto &script) { script.reason = CAMMGR_REASON_CONNECTION_REFUSED; });
+    emit camera()->signalStateReport();
+    QVERIFY(tip("labelStatusImage").contains("takes no connection"));
+}
+
+void TestCameraMgrItemForm::hoveringTellsSinceWhen()
+{
+    m_tile->setCamera(camera());
+    player()->probeOk();
+    auto *image = find<QWidget>("labelStatusImage");
+    QTRY_COMPARE_WITH_TIMEOUT(image->toolTip(), QString("Connected"), deadline);
+    QCOMPARE(find<QWidget>("frameCameraItem")->toolTip(), QString());
+    QTRY_VERIFY_WITH_TIMEOUT(player()->probeOutstanding(), deadline);
+    player()->probeFailed();
+    QTRY_VERIFY_WITH_TIMEOUT(image->toolTip().startsWith("Not connected since "), deadline);
+    QCOMPARE(image->accessibleName(), QString("Not connected"));
+}
+
+void TestCameraMgrItemForm::aReasonIsToldWhileItIsConnectedToo()
+{
+    player()->change([](auto &script) {
+        script.reason = CAMMGR_REASON_CODEC_UNKNOWN;
+        script.reasonDetail = "VP8";
+    });
+    m_tile->setCamera(camera());
+    player()->probeOk();
+    QTRY_COMPARE_WITH_TIMEOUT(
+        shownByToolTip(find<QWidget>("labelStatusImage")->toolTip()),
+        QString("Connected\nThe camera sends VP8, which cannot be shown. Set it to H.264, H.265 or "
+                "MJPEG."),
+        deadline);
+}
+
+void TestCameraMgrItemForm::thePictureOfADisconnectedCameraIsDimmed()
+{
+    writePicture(camera()->thumb_path(), Qt::white);
+    m_tile->setCamera(camera());
+    m_tile->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_tile.get()));
+    QVERIFY(centre().lightness() < 140);
+    QVERIFY(
+        shownByToolTip(find<QWidget>("frameCameraItem")->toolTip()).contains("The picture is of "));
+    player()->probeOk();
+    QTRY_VERIFY_WITH_TIMEOUT(centre().lightness() > 240, deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(player()->probeOutstanding(), deadline);
+    player()->probeFailed();
+    QTRY_VERIFY_WITH_TIMEOUT(centre().lightness() < 140, deadline);
+}
+
+void TestCameraMgrItemForm::theContextMenuCopiesTheReason()
+{
+    player()->change([](auto &script) {
+        script.reason = CAMMGR_REASON_HOST_NOT_FOUND;
+        script.reasonDetail = "cam.lan";
+    });
+    m_tile->setCamera(camera());
+    m_tile->show();
+    QContextMenuEvent request(QContextMenuEvent::Keyboard, QPoint(3, 3));
+    QCoreApplication::sendEvent(m_tile.get(), &request);
+    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    QStringList texts;
+    for (const QAction *action : menu->actions())
+        texts << action->text();
+    QCOMPARE(texts, QStringList({"Play", "Delete", "Modify", "", "Copy as text"}));
+    menu->actions().last()->trigger();
+    menu->close();
+    QCOMPARE(
+        QGuiApplication::clipboard()->text(),
+        QString("Front door\nUID-1\nNot connected\ncam.lan is not found. Is the camera on, and "
+                "in this network?"));
+}
+
+void TestCameraMgrItemForm::aNewKeyIsTrustedAfterAQuestion()
+{
+    player()->change([](auto &script) { script.reason = CAMMGR_REASON_KEY_CHANGED; });
+    m_tile->setCamera(camera());
+    m_tile->show();
+    for (const bool agreed : {false, true}) {
+        QContextMenuEvent request(QContextMenuEvent::Keyboard, QPoint(3, 3));
+        QCoreApplication::sendEvent(m_tile.get(), &request);
+        const QPointer<QMenu> menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY(menu);
+        QCOMPARE(menu->actions().last()->text(), QString("Trust the new key..."));
+        ModalScript answer([agreed](CMessageBox *box) { agreed ? box->accept() : box->reject(); });
+        menu->actions().last()->trigger();
+        if (menu)
+            menu->close();
+        QVERIFY(answer.done());
+        QCOMPARE(player()->count("RtspPlayer_TrustKey"), agreed ? 1 : 0);
+    }
 }
 
 QTEST_MAIN(TestCameraMgrItemForm)
