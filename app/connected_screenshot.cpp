@@ -1,5 +1,6 @@
 #include "app/connected_screenshot.h"
 
+#include "app/main_form.h"
 #include "camera/camera.h"
 #include "camera/camera_list.h"
 
@@ -16,7 +17,7 @@ namespace zelvaro {
 namespace {
 
 constexpr int lookEvery = 100;   // milliseconds
-constexpr int patience = 60'000; // milliseconds until all cameras must be connected
+constexpr int patience = 60'000; // milliseconds until the picture must be taken
 constexpr int timeToPaint = 500; // milliseconds for the window system to draw the last change
 
 bool allConnected()
@@ -30,19 +31,22 @@ bool allConnected()
 
 } // namespace
 
-void ConnectedScreenshot::schedule(QWidget &window, const QString &file)
+void ConnectedScreenshot::schedule(CMainForm &window, const QString &file, const QString &page)
 {
-    new ConnectedScreenshot(window, file);
+    new ConnectedScreenshot(window, file, page);
 }
 
-ConnectedScreenshot::ConnectedScreenshot(QWidget &window, const QString &file)
+ConnectedScreenshot::ConnectedScreenshot(CMainForm &window, const QString &file,
+                                         const QString &page)
     : QObject(&window)
     , m_window(window)
     , m_file(file)
+    , m_steps(screenshotSteps(window, page))
 {
     connect(&m_look, &QTimer::timeout, this, &ConnectedScreenshot::look);
-    connect(&m_deadline, &QTimer::timeout, this,
-            [this] { end(QStringLiteral("the cameras did not connect in time")); });
+    connect(&m_deadline, &QTimer::timeout, this, [this] {
+        end(QStringLiteral("the cameras did not connect, or show anything, in time"));
+    });
     m_deadline.setSingleShot(true);
     m_deadline.start(patience);
     m_look.start(lookEvery);
@@ -53,8 +57,25 @@ void ConnectedScreenshot::look()
     const QWindow *native = m_window.windowHandle();
     if (native == nullptr || !native->isExposed() || !allConnected())
         return;
+    if (!isArranged())
+        return;
     m_look.stop();
     QTimer::singleShot(timeToPaint, this, &ConnectedScreenshot::save);
+}
+
+// An act may open a dialog that waits: then this is called again before the act has returned.
+bool ConnectedScreenshot::isArranged()
+{
+    if (m_step == m_steps.size())
+        return true;
+    if (!m_acted) {
+        m_acted = true;
+        m_steps[m_step].act();
+    } else if (m_steps[m_step].done()) {
+        ++m_step;
+        m_acted = false;
+    }
+    return m_step == m_steps.size();
 }
 
 // From the screen: the window's own drawing would lack what the stream library drew.

@@ -5,6 +5,7 @@
 #include "app/dialog_shadow.h"
 #include "app/main_form.h"
 #include "app/screen_density.h"
+#include "app/screenshot_pages.h"
 #include "app/single_instance.h"
 #include "app/start_environment.h"
 #include "app/version.h"
@@ -12,6 +13,7 @@
 #include "app/window_activation.h"
 #include "app/window_place.h"
 #include "camera/camera_list.h"
+#include "camera/optional_functions.h"
 #include "resources/resources.h"
 #include "settings/camera_settings.h"
 #include "ui/common/message_box.h"
@@ -28,6 +30,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string_view>
 
@@ -69,6 +72,12 @@ void declareOptions(QCommandLineParser &parser)
                       QStringLiteral("Save a picture of the window as PNG once all cameras are "
                                      "connected, and quit."),
                       QStringLiteral("file")});
+    parser.addOption({QStringLiteral("page"),
+                      QStringLiteral("With --screenshot: first show this page (%1) with something "
+                                     "on it, taking photos or recordings of the first camera for "
+                                     "photos and videos.")
+                          .arg(screenshotPages().join(QStringLiteral(", "))),
+                      QStringLiteral("name")});
 }
 
 /// Answers --help and --version, which need no display, and ends the process.
@@ -85,14 +94,26 @@ void answerQuestions(int &argc, char **argv)
     parser.process(application);
 }
 
-/// The file for the requested picture of the window; empty for none. Ends the program on options
-/// that it does not know.
-QString screenshotFile(const QApplication &application)
+/// The requested picture of the window.
+struct Picture
+{
+    QString file; ///< empty for none
+    QString page; ///< empty for the first one as it is
+};
+
+/// Ends the program on options that it does not know.
+Picture requestedPicture(const QApplication &application)
 {
     QCommandLineParser parser;
     declareOptions(parser);
     parser.process(application);
-    return parser.value(QStringLiteral("screenshot"));
+    const Picture picture{parser.value(QStringLiteral("screenshot")),
+                          parser.value(QStringLiteral("page"))};
+    if (picture.page.isEmpty() ||
+        (!picture.file.isEmpty() && screenshotPages().contains(picture.page)))
+        return picture;
+    std::fputs("zelvaro: --page takes the name of a page and needs --screenshot\n", stderr);
+    std::exit(1);
 }
 
 /// Says on standard error why nothing can be drawn, and on the screen where there is one.
@@ -133,6 +154,8 @@ int runWindow(QApplication &application, SingleInstance &instance,
     CameraSettings &settings = CameraSettings::instance();
     CCameraList &cameras = CCameraList::instance();
     settings.load();
+    OptionalFunctions::instance().setKnownKeysFile(settings.configDir() +
+                                                   QStringLiteral("/KnownKeys"));
     cameras.startSessions(settings);
 
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("System"));
@@ -180,10 +203,10 @@ int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &s
     QApplication application(argc, argv);
     readStartEnvironment();
     environment.restore();
-    const QString picture = screenshotFile(application);
+    const Picture picture = requestedPicture(application);
     SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation));
     if (instance.handOver()) {
-        if (picture.isEmpty())
+        if (picture.file.isEmpty())
             return 0;
         std::fputs("zelvaro: no screenshot: the program runs already\n", stderr);
         return 1;
@@ -194,8 +217,8 @@ int runProgram(int &argc, char **argv, const std::function<void(CMainForm &)> &s
     initResources();
     applyLook();
     return runWindow(application, instance, [&](CMainForm &window) {
-        if (!picture.isEmpty())
-            ConnectedScreenshot::schedule(window, picture);
+        if (!picture.file.isEmpty())
+            ConnectedScreenshot::schedule(window, picture.file, picture.page);
         if (shown)
             shown(window);
     });

@@ -3,7 +3,6 @@
 #include "app/status_row.h"
 #include "resources/resources.h"
 #include "tests/ui/live/live_fixture.h"
-#include "ui/common/duration_text.h"
 
 #include <QLabel>
 #include <QSemaphore>
@@ -35,8 +34,6 @@ private slots:
     void aDiskThatHangsIsAskedOnce();
     void aDiskThatAnswersTooLateIsNotHeard();
     void theFolderNeedNotBeThere();
-    void durations_data();
-    void durations();
     void whatThePageSaysComesFirst();
 
 private:
@@ -173,25 +170,6 @@ void TestDiskWatch::theFolderNeedNotBeThere()
     QVERIFY(bytes >= 0);
     QVERIFY(bytes <= QStorageInfo(home).bytesTotal());
     QVERIFY(freeBytes(QStringLiteral("/none")) >= 0);
-}
-
-void TestDiskWatch::durations_data()
-{
-    QTest::addColumn<qint64>("seconds");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("0") << qint64(0) << "less than 1 min";
-    QTest::newRow("59") << qint64(59) << "less than 1 min";
-    QTest::newRow("60") << qint64(60) << "1 min";
-    QTest::newRow("3599") << qint64(3599) << "59 min";
-    QTest::newRow("3600") << qint64(3600) << "1 h 0 min";
-    QTest::newRow("100 hours") << qint64(360'000) << "100 h 0 min";
-}
-
-void TestDiskWatch::durations()
-{
-    QFETCH(qint64, seconds);
-    QFETCH(QString, text);
-    QCOMPARE(durationText(seconds), text);
 }
 
 void TestDiskWatch::whatThePageSaysComesFirst()

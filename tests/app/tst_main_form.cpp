@@ -198,6 +198,7 @@ private slots:
 
     void aLowWindowLeavesItsHeightToThePage();
     void maximizeTogglesGeometryAndButton();
+    void theWindowTakesThePlaceOfAnEarlierRun();
     void aDoubleClickOnTheTitleMaximizes_data();
     void aDoubleClickOnTheTitleMaximizes();
     void whileMaximizedEdgesAndTitleBarDoNothing();
@@ -838,6 +839,25 @@ void TestMainForm::aLowWindowLeavesItsHeightToThePage()
     QTRY_VERIFY_WITH_TIMEOUT(pageHeight() > inUsualWindow, deadline);
     click("btnPhotoMgr");
     QCOMPARE(page(), 3);
+}
+
+void TestMainForm::theWindowTakesThePlaceOfAnEarlierRun()
+{
+    showForm();
+    const QRect screen = m_form->screen()->availableGeometry();
+    const QRect place(screen.topLeft() + QPoint(31, 17), QSize(640, 480));
+    m_form->setPlace({place, false});
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), place, deadline);
+    QCOMPARE(m_form->place().normal, place);
+    QVERIFY(!m_form->place().maximized);
+    m_form->setPlace({place, true});
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), screen, deadline);
+    QCOMPARE(m_form->place().normal, place);
+    QVERIFY(m_form->place().maximized);
+    click("btnMax");
+    QTRY_COMPARE_WITH_TIMEOUT(m_form->geometry(), place, deadline);
+    m_form->setPlace({QRect(90000, 90000, 640, 480), false});
+    QVERIFY(screen.contains(m_form->geometry()));
 }
 
 void TestMainForm::maximizeTogglesGeometryAndButton()

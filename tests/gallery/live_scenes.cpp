@@ -12,7 +12,7 @@
 #include "ui/live/video_frame.h"
 
 #include <QApplication>
-#include <QHelpEvent>
+#include <QContextMenuEvent>
 #include <QToolButton>
 #include <QtTest>
 
@@ -72,30 +72,13 @@ fake_cammgr::Script failing(const std::string &call, int result)
     return script;
 }
 
-/// The tool tip of a widget of the page, as it comes up when the pointer rests there.
-Subject toolTipOf(Stage &stage, const char *name)
-{
-    // Whatever happens to the window takes a tool tip away.
-    stage.form().activateWindow();
-    if (!QTest::qWaitForWindowActive(&stage.form()))
-        return {};
-    QCoreApplication::processEvents();
-    auto *widget = stage.find<QWidget>("pagePlayCamera")->findChild<QWidget *>(QLatin1String(name));
-    const QPoint middle = widget->rect().center();
-    QHelpEvent rest(QEvent::ToolTip, middle, widget->mapToGlobal(middle));
-    QCoreApplication::sendEvent(widget, &rest);
-    for (QWidget *window : QApplication::topLevelWidgets())
-        if (window->inherits("QTipLabel") && window->isVisible())
-            return {window, {}};
-    return {};
-}
-
 Scene toolTip(const QString &name, const char *widget, const std::function<void(Stage &)> &fill)
 {
     return {QStringLiteral("live"), name, Scene::Kind::Other,
             [=](Stage &stage) {
                 fill(stage);
-                return toolTipOf(stage, widget);
+                return stage.tipOf(*stage.find<QWidget>("pagePlayCamera")
+                                        ->findChild<QWidget *>(QLatin1String(widget)));
             }};
 }
 
@@ -103,6 +86,59 @@ void failToRecord(Stage &stage)
 {
     playOne(stage, failing("RtspPlayer_BeginWriting", -1));
     stage.click("pagePlayCamera", "btnRecord");
+}
+
+/// The picture of that many milliseconds ago is the last one.
+void freeze(Stage &stage, int age)
+{
+    RtspPlayerFigures figures = {};
+    figures.picture_age = age;
+    for (const auto &player : fake_cammgr::players())
+        player->change([&figures](auto &script) { script.figures = figures; });
+    stage.report();
+}
+
+RtspPlayerFigures someFigures()
+{
+    RtspPlayerFigures figures = {};
+    figures.width = 1920;
+    figures.height = 1080;
+    figures.jitter = 2300;
+    figures.delay = 4100;
+    figures.frames_received = 183'204;
+    figures.frames_drawn = 183'190;
+    figures.frames_dropped = 14;
+    figures.packets_received = 2'104'332;
+    figures.packets_lost = 87;
+    qstrcpy(figures.codec, "H264");
+    qstrcpy(figures.sound_codec, "PCMU");
+    qstrcpy(figures.decoder, "h264");
+    qstrcpy(figures.transport, "TCP");
+    return figures;
+}
+
+/// One camera in full screen, after whatever is done to it there.
+Scene fullScreen(const QString &name, const std::function<void(Stage &)> &act)
+{
+    return {QStringLiteral("live"), name, Scene::Kind::Other,
+            [act](Stage &stage) {
+                playOne(stage);
+                auto *surface = stage.find<CVideoFrame>("frameVideoFrame");
+                stage.click("pagePlayCamera", "btnFullScreen");
+                stage.runStreams();
+                act(stage);
+                Stage::paintOver(surface->renderSurface(), motif(0, {640, 360}));
+                return Subject{surface, {}};
+            }};
+}
+
+/// The menu that a right click on a live picture opens.
+Subject contextMenu(Stage &stage, const char *page)
+{
+    auto *picture = stage.find<QWidget>(page)->findChild<CVideoFrame *>();
+    QContextMenuEvent request(QContextMenuEvent::Keyboard, QPoint(3, 3));
+    QCoreApplication::sendEvent(picture, &request);
+    return {QApplication::activePopupWidget(), {}};
 }
 
 fake_cammgr::Script fullHd()
@@ -169,6 +205,59 @@ QVector<Scene> liveScenes()
              }),
         page(QStringLiteral("single-recording-failed"), failToRecord),
         toolTip(QStringLiteral("tip-recording-failed"), "labelRecording", failToRecord),
+        page(QStringLiteral("single-no-picture"),
+             [](Stage &stage) {
+                 playOne(stage);
+                 freeze(stage, 75'000);
+             }),
+        page(QStringLiteral("single-recording-waits"),
+             [](Stage &stage) {
+                 playOne(stage);
+                 stage.click("pagePlayCamera", "btnRecord");
+                 fake_cammgr::lastPlayer()->change(
+                     [](auto &script) { script.writing = CAMMGR_WRITING_WAITS; });
+                 stage.report();
+             }),
+        page(QStringLiteral("single-no-sound"),
+             [](Stage &stage) {
+                 fake_cammgr::Script script;
+                 script.hasAudio = 0;
+                 playOne(stage, script);
+             }),
+        toolTip(QStringLiteral("tip-figures"), "labelStatus",
+                [](Stage &stage) {
+                    playOne(stage, fullHd());
+                    fake_cammgr::lastPlayer()->change(
+                        [](auto &script) { script.figures = someFigures(); });
+                    stage.report();
+                }),
+        toolTip(QStringLiteral("tip-reason"), "labelStatus",
+                [](Stage &stage) {
+                    fake_cammgr::Script script;
+                    script.playPlays = false;
+                    script.reason = CAMMGR_REASON_LOGIN_PAUSED;
+                    script.reasonDetail = "1740";
+                    playOne(stage, script);
+                }),
+        {QStringLiteral("dialogs"), QStringLiteral("single-menu"), Scene::Kind::Other,
+         [](Stage &stage) {
+             playOne(stage);
+             return contextMenu(stage, "pagePlayCamera");
+         }},
+        {QStringLiteral("dialogs"), QStringLiteral("grid-menu"), Scene::Kind::Other,
+         [](Stage &stage) {
+             playGrid(stage, 1);
+             return contextMenu(stage, "pageMultiLive");
+         }},
+        fullScreen(QStringLiteral("single-full-screen-recording"),
+                   [](Stage &stage) { stage.click("pagePlayCamera", "btnRecord"); }),
+        fullScreen(QStringLiteral("single-full-screen-late"),
+                   [](Stage &stage) { freeze(stage, 3000); }),
+        fullScreen(QStringLiteral("single-full-screen-no-picture"),
+                   [](Stage &stage) {
+                       stage.click("pagePlayCamera", "btnRecord");
+                       freeze(stage, 75'000);
+                   }),
         toolTip(QStringLiteral("tip-talk-failed"), "btnOutVolume",
                 [](Stage &stage) {
                     playOne(stage, failing("AudioUpload_Play", CAMMGR_TALK_NO_MICROPHONE));
@@ -209,6 +298,16 @@ QVector<Scene> liveScenes()
                  fake_cammgr::setDefaults(failing("RtspPlayer_BeginWriting", -1));
                  playGrid(stage, 4);
                  recordGrid(stage);
+             }),
+        page(QStringLiteral("grid-no-picture"),
+             [](Stage &stage) {
+                 playGrid(stage, 6);
+                 freeze(stage, 75'000);
+             }),
+        page(QStringLiteral("grid-no-picture-many"),
+             [](Stage &stage) {
+                 playGrid(stage, 36);
+                 freeze(stage, 75'000);
              }),
         page(QStringLiteral("grid-connecting"),
              [](Stage &stage) {

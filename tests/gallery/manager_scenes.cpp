@@ -1,5 +1,7 @@
 #include "app/main_form.h"
+#include "app/status_row.h"
 #include "settings/camera_settings.h"
+#include "tests/fakes/fake_cammgr.h"
 #include "tests/gallery/stage.h"
 #include "ui/manager/add_camera_form.h"
 #include "ui/manager/camera_mgr_item_form.h"
@@ -7,6 +9,8 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QMenu>
+#include <QSignalSpy>
+#include <QThreadPool>
 #include <QToolButton>
 
 namespace gallery {
@@ -74,6 +78,46 @@ QVector<Scene> managerScenes()
                 stage.refuseCamera(1);
                 stage.failCamera(2);
                 stage.refuseCamera(3);
+            }),
+        {QStringLiteral("manager"), QStringLiteral("manager-tip-reason"), Scene::Kind::Other,
+         [](Stage &stage) {
+             fake_cammgr::Script script;
+             script.reason = CAMMGR_REASON_NO_ANSWER;
+             script.reasonDetail = "192.168.1.20:554";
+             fake_cammgr::setDefaults(script);
+             stage.addCameras(1);
+             stage.addThumbnail(0);
+             stage.open();
+             stage.failCamera(0);
+             return stage.tipOf(*stage.find<QWidget>("frameCameraItem"));
+         }},
+        {QStringLiteral("manager"), QStringLiteral("manager-tip-new-key"), Scene::Kind::Other,
+         [](Stage &stage) {
+             fake_cammgr::Script script;
+             script.reason = CAMMGR_REASON_KEY_CHANGED;
+             script.reasonDetail = "192.168.1.20:322";
+             fake_cammgr::setDefaults(script);
+             stage.addCamera(longName);
+             stage.open();
+             stage.failCamera(0);
+             return stage.tipOf(*stage.find<QWidget>("frameCameraItem"));
+         }},
+        page(
+            QStringLiteral("manager-disk"),
+            [](Stage &stage) {
+                stage.addCameras(2);
+                stage.open();
+                stage.connectAll();
+                auto *disk = stage.form().findChild<zelvaro::StatusRow *>();
+                disk->disk().setAsk([](const QString &) { return qint64(612'000'000); });
+                for (const auto &player : fake_cammgr::players())
+                    player->change([](auto &script) { script.writing = CAMMGR_WRITING; });
+                QSignalSpy told(&disk->disk(), &zelvaro::DiskWatch::noticeChanged);
+                QThreadPool::globalInstance()->waitForDone();
+                QCoreApplication::sendPostedEvents();
+                disk->disk().look();
+                if (told.isEmpty() && !told.wait())
+                    qFatal("the disk did not answer");
             }),
         page(
             QStringLiteral("manager-many"),

@@ -10,7 +10,9 @@
 #include "ui/common/album_files.h"
 #include "ui/live/video_frame.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QHelpEvent>
 #include <QPainter>
 #include <QUuid>
 #include <QtTest>
@@ -197,6 +199,22 @@ void Stage::paintOver(QWidget *surface, const QImage &picture)
 {
     surface->installEventFilter(new Painter(surface, picture));
     surface->update();
+}
+
+Subject Stage::tipOf(QWidget &widget)
+{
+    // Whatever happens to the window takes a tool tip away.
+    m_form->activateWindow();
+    if (!QTest::qWaitForWindowActive(m_form.get()))
+        return {};
+    QCoreApplication::processEvents();
+    const QPoint middle = widget.rect().center();
+    QHelpEvent rest(QEvent::ToolTip, middle, widget.mapToGlobal(middle));
+    QCoreApplication::sendEvent(&widget, &rest);
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window->inherits("QTipLabel") && window->isVisible())
+            return {window, {}};
+    return {};
 }
 
 void Stage::click(const char *page, const char *button)

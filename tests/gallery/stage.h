@@ -66,6 +66,8 @@ public:
     {
         return static_cast<Widget *>(findWidget(name, &Widget::staticMetaObject));
     }
+    /// The tool tip of a widget of the main window, as it comes up when the pointer rests there.
+    Subject tipOf(QWidget &widget);
     void click(const char *page, const char *button);
     CCamera *camera(int index) const;
 
