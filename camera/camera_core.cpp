@@ -282,6 +282,16 @@ zelvaro::CameraReason CCameraCore::reason() const
                          : zelvaro::CameraReason();
 }
 
+bool CCameraCore::canFetchStill()
+{
+    return zelvaro::OptionalFunctions::instance().canFetchStill();
+}
+
+int CCameraCore::fetchStill(const QString &path)
+{
+    return zelvaro::OptionalFunctions::instance().fetchStill(player(), libraryText(path));
+}
+
 int CCameraCore::trustKey()
 {
     return zelvaro::OptionalFunctions::instance().trustKey(player());
@@ -338,6 +348,9 @@ void CCameraCore::slotCameraEvent(int nMsg, int nErrORcnt, const QStringList &re
         break;
     case CAMMGR_MSG_COMMAND_REPLIES:
         handleReplies(nErrORcnt, result);
+        break;
+    case CAMMGR_MSG_STILL:
+        emit signalStillFetched(nErrORcnt >= 0);
         break;
     default:
         ZELVARO_CHECK(false, source);

@@ -112,6 +112,11 @@ public:
 
     /// Why the camera is not shown now; CAMMGR_REASON_NONE also where the library cannot tell.
     zelvaro::CameraReason reason() const;
+    /// Whether the library can fetch a still picture without playing.
+    static bool canFetchStill();
+    /// Fetches one into path, whose folder exists; signalStillFetched tells the end within 15 s.
+    /// Negative when none was asked for: one is out, or the library cannot.
+    int fetchStill(const QString &path);
     /// Trusts the TLS key that the camera shows now (CAMMGR_REASON_KEY_CHANGED).
     int trustKey();
     /// nullopt when nothing was played, or the library cannot tell.
@@ -132,6 +137,8 @@ signals:
     void signalStateReport();
     /// A message of the library, emitted on its thread.
     void signalCameraEvent(int Msg, int ErrorCode, QStringList result);
+    /// A still picture that was to be fetched is written, or is not.
+    void signalStillFetched(bool written);
     /// The results of a command batch are stored.
     void signalP2PConfFinished();
 

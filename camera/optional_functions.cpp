@@ -26,6 +26,7 @@ const OptionalFunctions &OptionalFunctions::instance()
 OptionalFunctions::OptionalFunctions(Lookup lookup)
     : m_setKnownKeysFile(find<decltype(m_setKnownKeysFile)>(lookup, "cammgr_set_known_keys_file"))
     , m_trustKey(find<decltype(m_trustKey)>(lookup, "RtspPlayer_TrustKey"))
+    , m_fetchStill(find<decltype(m_fetchStill)>(lookup, "RtspPlayer_FetchStill"))
     , m_getReason(find<decltype(m_getReason)>(lookup, "RtspPlayer_GetReason"))
     , m_getFigures(find<decltype(m_getFigures)>(lookup, "RtspPlayer_GetFigures"))
 {
@@ -39,6 +40,11 @@ int OptionalFunctions::setKnownKeysFile(const QString &path) const
 int OptionalFunctions::trustKey(RtspPlayer *player) const
 {
     return m_trustKey ? m_trustKey(player) : -1;
+}
+
+int OptionalFunctions::fetchStill(RtspPlayer *player, const QByteArray &path) const
+{
+    return m_fetchStill ? m_fetchStill(player, path.constData()) : -1;
 }
 
 CameraReason OptionalFunctions::reason(RtspPlayer *player) const

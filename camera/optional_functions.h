@@ -32,6 +32,9 @@ public:
     int setKnownKeysFile(const QString &path) const;
     /// Negative where the library cannot.
     int trustKey(RtspPlayer *player) const;
+    [[nodiscard]] bool canFetchStill() const { return m_fetchStill; }
+    /// Negative where the library cannot, or does not now.
+    int fetchStill(RtspPlayer *player, const QByteArray &path) const;
     /// CAMMGR_REASON_NONE where the library cannot tell.
     [[nodiscard]] CameraReason reason(RtspPlayer *player) const;
     /// nullopt where the library cannot tell, or no stream was started.
@@ -40,6 +43,7 @@ public:
 private:
     decltype(&cammgr_set_known_keys_file) m_setKnownKeysFile;
     decltype(&RtspPlayer_TrustKey) m_trustKey;
+    decltype(&RtspPlayer_FetchStill) m_fetchStill;
     decltype(&RtspPlayer_GetReason) m_getReason;
     decltype(&RtspPlayer_GetFigures) m_getFigures;
 };

@@ -59,6 +59,16 @@ bool wouldBlock(const GErrorPtr &error)
     return g_error_matches(error.get(), G_IO_ERROR, G_IO_ERROR_WOULD_BLOCK);
 }
 
+/// Why a connection was not made.
+ChannelEnd reasonOf(const GError &error)
+{
+    if (g_error_matches(&error, G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED))
+        return ChannelEnd::Rejected;
+    if (error.domain == G_RESOLVER_ERROR)
+        return ChannelEnd::NoSuchHost;
+    return error.domain == G_TLS_ERROR ? ChannelEnd::TlsFailed : ChannelEnd::Unreachable;
+}
+
 } // namespace
 
 /// Shared by the channel and by the connecting that GIO has under way for it,
@@ -158,11 +168,7 @@ void TcpChannel::Link::connected(GSocketConnection *made, const GError *error)
     }
     connectLimit.stop();
     if (!made) {
-        const bool rejected = g_error_matches(error, G_IO_ERROR, G_IO_ERROR_CONNECTION_REFUSED);
-        if (keyChanged)
-            end(ChannelEnd::KeyChanged);
-        else
-            end(rejected ? ChannelEnd::Rejected : ChannelEnd::Unreachable);
+        end(keyChanged ? ChannelEnd::KeyChanged : reasonOf(*error));
         return;
     }
     sendWithoutDelay(g_socket_connection_get_socket(made));

@@ -17,7 +17,9 @@ namespace base {
 enum class ChannelEnd
 {
     Rejected,    ///< the host answered, the port is closed
-    Unreachable, ///< no answer in time, no route, no name, TLS failed
+    Unreachable, ///< no answer in time, no route
+    NoSuchHost,  ///< its name has no address
+    TlsFailed,   ///< it is reached, but not over TLS
     KeyChanged,  ///< its TLS key is another one than the one that is known, see KnownKeys
     Closed       ///< it was open and is not any more
 };

@@ -16,6 +16,12 @@ constexpr std::chrono::milliseconds leastCommandTime = 1s;
 /// A probe right after play waits for the first frame, but not much longer than a regular probe.
 constexpr std::chrono::milliseconds pictureLimit = 3s;
 
+bool isNobodyThere(rtsp::ProbeOutcome outcome)
+{
+    return outcome == rtsp::ProbeOutcome::Silent || outcome == rtsp::ProbeOutcome::Rejected ||
+           outcome == rtsp::ProbeOutcome::NoSuchHost;
+}
+
 } // namespace
 
 CameraSession::CameraSession(SessionInfo info, StreamControl &control)
@@ -43,6 +49,7 @@ void CameraSession::close(bool reportProbe)
         stopConnecting();
     m_probeLimit.stop();
     m_commands.cancel();
+    m_still->cancel();
     m_probe.cancel();
     m_probe.disconnect();
     m_resolver.reset();
@@ -176,7 +183,7 @@ void CameraSession::probed(rtsp::ProbeOutcome outcome)
     const bool asked = m_probing == Probing::Asking;
     m_schedule.record(outcome, Clock::now());
     tellReason(outcome);
-    if (outcome == rtsp::ProbeOutcome::Silent || outcome == rtsp::ProbeOutcome::Rejected)
+    if (isNobodyThere(outcome))
         m_resolver->lost();
     if (outcome == rtsp::ProbeOutcome::Answered) {
         m_mode = m_paths.hasMain() ? 0 : 1;
@@ -200,7 +207,7 @@ void CameraSession::tellReason(rtsp::ProbeOutcome outcome)
     else if (m_resolver->endpoint().port == 0)
         m_reason.probeFailed({CAMMGR_REASON_HOST_NOT_FOUND, m_info.address.uid});
     else
-        m_reason.probeFailed(reasonOf(outcome, base::parseUrl(url)));
+        m_reason.probeFailed(reasonOf(outcome, base::parseUrl(url), m_probe.status()));
 }
 
 void CameraSession::finishProbe(rtsp::ProbeOutcome outcome)
@@ -261,6 +268,7 @@ void CameraSession::moved()
     m_schedule.reset();
     m_paths.reset();
     m_hasLearned = false;
+    m_givesSnapshots = true;
     m_hasTriedProfiles = false;
 }
 
@@ -287,8 +295,12 @@ void CameraSession::play(const StreamOrder &order)
         return;
     m_orderedAt = Clock::now();
     m_resolver->find([this, ticket = order.ticket](bool found) {
-        if (found && ticket == m_order.ticket)
+        if (ticket != m_order.ticket)
+            return;
+        if (found)
             startStream();
+        else
+            m_reason.streamFailed({CAMMGR_REASON_HOST_NOT_FOUND, m_info.address.uid});
     });
 }
 
@@ -305,24 +317,32 @@ void CameraSession::startStream()
     m_control.startStream(m_order.ticket, stream);
 }
 
-void CameraSession::streamEnded(StreamEnd reason)
+void CameraSession::streamEnded(const StreamFailure &failure)
 {
-    if (reason == StreamEnd::Refused) {
+    if (failure.end == StreamEnd::Refused) {
         m_schedule.record(rtsp::ProbeOutcome::LoginRefused, Clock::now());
         m_reason.setLoginPause(m_schedule.loginPause(Clock::now()));
     }
     if (m_order.path.empty())
         return; // the order is void
     const std::string url = m_paths.url(m_resolver->endpoint(), m_order.path);
-    m_reason.streamFailed(reasonOf(reason, base::parseUrl(url)));
-    if (reason == StreamEnd::NotFound || (reason == StreamEnd::PathRefused && mayTryProfiles())) {
+    m_reason.streamFailed(reasonOf(failure, base::parseUrl(url)));
+    if (failure.end == StreamEnd::NotFound ||
+        (failure.end == StreamEnd::PathRefused && mayTryProfiles())) {
         m_hasTriedProfiles = true;
-        fallBack(m_order.path, reason == StreamEnd::NotFound,
+        fallBack(m_order.path, failure.end == StreamEnd::NotFound,
                  [this, ticket = m_order.ticket](bool again) {
                      if (again && ticket == m_order.ticket)
                          startStream();
                  });
     }
+}
+
+void CameraSession::streamUndecodable()
+{
+    const std::string url = m_paths.url(m_resolver->endpoint(), m_order.path);
+    if (!m_order.path.empty())
+        m_reason.streamFailed(reasonOf(StreamFailure{StreamEnd::Stalled}, base::parseUrl(url)));
 }
 
 void CameraSession::keyFrameWanted()

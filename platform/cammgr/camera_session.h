@@ -8,6 +8,7 @@
 #include "platform/cammgr/probe_schedule.h"
 #include "platform/cammgr/reason.h"
 #include "platform/cammgr/resolver.h"
+#include "platform/cammgr/still_fetch.h"
 #include "platform/cammgr/stream_paths.h"
 #include "platform/rtsp/rtsp_probe.h"
 
@@ -44,6 +45,9 @@ public:
     virtual StreamPhase streamPhase() = 0;
     /// Starts the stream when ticket is still the last one.
     virtual void startStream(uint64_t ticket, const StreamRequest &request) = 0;
+    /// What the live stream has sent since its last key frame; empty when it does not play. Never
+    /// waits.
+    virtual std::vector<media::AccessUnit> currentFrames() = 0;
     /// Starts talking when ticket is still the last one; gives up without a request.
     virtual void startTalk(uint64_t ticket, const rtsp::StreamRequest *request) = 0;
     /// A talk has ended by itself.
@@ -86,7 +90,9 @@ public:
     void play(const StreamOrder &order);
     void talk(uint64_t ticket);
     void talkEnded() { m_control.talkEnded(); }
-    void streamEnded(StreamEnd reason);
+    void streamEnded(const StreamFailure &failure);
+    /// No picture could be made of the frames that came for 5 s.
+    void streamUndecodable();
     void keyFrameWanted();
     /// The stream shows its first picture.
     void pictureShown();
@@ -96,6 +102,8 @@ public:
     void trustKey();
     /// The last play request is superseded: the stream was stopped, or set up again.
     void orderVoided();
+    /// Answers with CAMMGR_MSG_STILL.
+    void fetchStill(const std::string &path);
     void issueCommands(std::vector<std::string> requests);
 
     /// Any thread: 0 for the main stream, 1 for the sub stream.
@@ -104,6 +112,8 @@ public:
     Reason reason() const { return m_reason.current(); }
     /// Any thread: claims the one place for a command batch; false while one is out.
     bool claimCommands() { return !m_commandsOut.exchange(true); }
+    /// Any thread: the same for a still picture.
+    bool claimStill() { return !m_stillOut.exchange(true); }
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -119,6 +129,9 @@ private:
     void fallBack(const std::string &path, bool isUnknown, std::function<void(bool)> then);
     void learnProfiles();
     void startStream();
+    void askForStill();
+    void askForSnapshot(const onvif::CameraStreams &streams);
+    void receiveStill(StreamPlace place);
     void moved();
     void reportReplies(const std::vector<std::string> &replies);
     const std::shared_ptr<rtsp::LoginPolicy> &loginPolicy() const;
@@ -130,6 +143,7 @@ private:
     ReasonBoard m_reason;
     std::atomic<int> m_mode{1};
     std::atomic<bool> m_commandsOut{false};
+    std::atomic<bool> m_stillOut{false};
 
     enum class Probing
     {
@@ -146,12 +160,14 @@ private:
     StreamOrder m_order;
     std::optional<Clock::time_point> m_orderedAt; ///< nullopt when the last order is void
     bool m_hasLearned = false;
+    bool m_givesSnapshots = true;    ///< as far as is known
     bool m_hasTriedProfiles = false; ///< after another refusal than 404
     int m_watch = 0;
     // Last, so that they are destroyed first: their callbacks use the members above.
     std::unique_ptr<Resolver> m_resolver;
     rtsp::RtspProbe m_probe;
     CommandBatch m_commands;
+    const std::shared_ptr<StillFetch> m_still = std::make_shared<StillFetch>();
 };
 
 } // namespace cammgr

@@ -318,6 +318,16 @@ int RtspPlayer_GetReason(RtspPlayer *player, char *detail, int size)
         });
 }
 
+int RtspPlayer_FetchStill(RtspPlayer *player, const char *path)
+{
+    return with(
+        player, failure,
+        [&](RtspPlayer &p) {
+            const std::string file = utf8OrEmpty(path);
+            return file.empty() ? failure : p.fetchStill(file);
+        });
+}
+
 int cammgr_set_known_keys_file(const char *path)
 {
     return guarded(

@@ -48,11 +48,13 @@ typedef struct RtspPlayer RtspPlayer;
 /* First argument of the callback. */
 enum
 {
-    CAMMGR_MSG_PROBE_OK = 0,       /* a probe was answered; count is 0, strings NULL */
-    CAMMGR_MSG_PROBE_FAILED = 1,   /* a probe failed; the second argument is the error code:
-                                      CAMMGR_ERROR_REFUSED or CAMMGR_ERROR_UNREACHABLE */
-    CAMMGR_MSG_DELETED = 2,        /* RtspPlayer_Delete is complete; the handle is invalid */
-    CAMMGR_MSG_COMMAND_REPLIES = 3 /* replies of a command batch: count texts, in request order */
+    CAMMGR_MSG_PROBE_OK = 0,        /* a probe was answered; count is 0, strings NULL */
+    CAMMGR_MSG_PROBE_FAILED = 1,    /* a probe failed; the second argument is the error code:
+                                       CAMMGR_ERROR_REFUSED or CAMMGR_ERROR_UNREACHABLE */
+    CAMMGR_MSG_DELETED = 2,         /* RtspPlayer_Delete is complete; the handle is invalid */
+    CAMMGR_MSG_COMMAND_REPLIES = 3, /* replies of a command batch: count texts, in request order */
+    CAMMGR_MSG_STILL = 4 /* answer to RtspPlayer_FetchStill; the second argument is 0 when
+                            the picture is written, negative when there is none */
 };
 
 /* Second argument of CAMMGR_MSG_PROBE_FAILED. */
@@ -212,8 +214,10 @@ enum
                                          of which a picture could be made; "192.168.1.20:554" */
     CAMMGR_REASON_BROKEN_ANSWER = 11, /* what it answers is no RTSP or breaks off;
                                          "192.168.1.20:554" */
-    CAMMGR_REASON_KEY_CHANGED = 12    /* over TLS it shows another key than it had, see
+    CAMMGR_REASON_KEY_CHANGED = 12,   /* over TLS it shows another key than it had, see
                                          RtspPlayer_TrustKey; "192.168.1.20:322" */
+    CAMMGR_REASON_TLS_FAILED = 13     /* something answers there, but not over TLS;
+                                         "192.168.1.20:322" */
 };
 
 /*
@@ -239,6 +243,16 @@ CAMMGR_API int cammgr_set_known_keys_file(const char *path);
  * was known, and the next probe is not answered from memory. Does nothing when no key of the camera
  * was refused. */
 CAMMGR_API int RtspPlayer_TrustKey(RtspPlayer *player);
+
+/*
+ * Optional. Fetches a still picture of the camera without playing it and writes it to path as JPEG,
+ * to a temporary file that is renamed: the frame of the stream that plays, else the camera's own
+ * picture where its ONVIF services tell the address, else a key frame of the sub stream. Answered
+ * later by one CAMMGR_MSG_STILL, within 15 s, unless the player is deleted before. One at a time;
+ * negative while one is out. It is a login, so that nothing is fetched while the last one was
+ * refused. A client limits how many cameras it asks at the same time.
+ */
+CAMMGR_API int RtspPlayer_FetchStill(RtspPlayer *player, const char *path);
 
 /* What RtspPlayer_GetFigures tells of the stream that plays. Texts are NUL-terminated ASCII and
  * empty, numbers 0 where nothing else is said and nothing is known. */

@@ -133,6 +133,11 @@ int LiveStream::height() const
     return d->session ? d->session->height() : 0;
 }
 
+std::vector<media::AccessUnit> LiveStream::currentFrames() const
+{
+    return d->session ? d->session->currentFrames() : std::vector<media::AccessUnit>();
+}
+
 std::optional<StreamFigures> LiveStream::figures() const
 {
     return d->session ? std::optional(d->session->figures()) : std::nullopt;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/media/frame_taker.h"
 #include "platform/rtsp/open_session.h"
 #include "platform/rtsp/stream_request.h"
 
@@ -8,12 +9,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace cammgr {
 
 struct StreamFigures;
 
 using rtsp::StreamEnd;
+using rtsp::StreamFailure;
 
 /// What to play, and where.
 struct StreamRequest
@@ -38,9 +41,13 @@ public:
     /// allowed to call start(), stop() or the destructor. Each may be empty.
     struct Listener
     {
-        std::function<void()> firstFrame;     ///< isPlaying() became true
-        std::function<void(StreamEnd)> ended; ///< exactly once for a stream that ends by itself
-        std::function<void()> wantKeyFrame;   ///< a key frame now would show a frame sooner
+        std::function<void()> firstFrame; ///< isPlaying() became true
+        std::function<void(const StreamFailure &)>
+            ended; ///< exactly once for a stream that ends by itself
+        /// Key frames have come for 5 s to a window that can be seen, and none could be decoded.
+        /// Once for each start.
+        std::function<void()> undecodable;
+        std::function<void()> wantKeyFrame; ///< a key frame now would show a frame sooner
     };
 
     explicit LiveStream(Listener listener);
@@ -91,6 +98,8 @@ public:
     int bitRate() const;   ///< bits of video that arrived in the last second
     int width() const;     ///< pixels; 0 while unknown
     int height() const;
+    /// What came since the last key frame; empty when the stream does not play.
+    std::vector<media::AccessUnit> currentFrames() const;
     /// Of the stream that was started last; nullopt before and after stop().
     std::optional<StreamFigures> figures() const;
 

@@ -7,7 +7,7 @@
 using cammgr::CameraSession;
 using cammgr::ioThread;
 using cammgr::LiveStream;
-using cammgr::StreamEnd;
+using cammgr::StreamFailure;
 using cammgr::StreamPhase;
 using cammgr::StreamRequest;
 
@@ -31,9 +31,14 @@ LiveStream::Listener listenerFor(const std::weak_ptr<CameraSession> &session)
                         session, [](CameraSession &s) { s.pictureShown(); });
                 },
             .ended =
-                [session](StreamEnd reason) {
+                [session](const StreamFailure &failure) {
                     postTo(
-                        session, [reason](CameraSession &s) { s.streamEnded(reason); });
+                        session, [failure](CameraSession &s) { s.streamEnded(failure); });
+                },
+            .undecodable =
+                [session] {
+                    postTo(
+                        session, [](CameraSession &s) { s.streamUndecodable(); });
                 },
             .wantKeyFrame =
                 [session] {
@@ -125,6 +130,12 @@ StreamPhase RtspPlayer::streamPhase()
     return m_lastPhase;
 }
 
+std::vector<media::AccessUnit> RtspPlayer::currentFrames()
+{
+    const std::unique_lock lock(m_mutex, std::try_to_lock);
+    return lock.owns_lock() ? m_stream.currentFrames() : std::vector<media::AccessUnit>();
+}
+
 void RtspPlayer::startStream(uint64_t ticket, const StreamRequest &request)
 {
     // Looked at first without the lock: stop() holds it while the stream ends.
@@ -156,6 +167,14 @@ void RtspPlayer::trustKey()
 {
     postTo(
         m_session, [](CameraSession &session) { session.trustKey(); });
+}
+
+int RtspPlayer::fetchStill(const std::string &path)
+{
+    if (!m_session->claimStill())
+        return -1;
+    postTo(m_session, [path](CameraSession &session) { session.fetchStill(path); });
+    return 0;
 }
 
 int RtspPlayer::issueCommands(std::vector<std::string> requests)

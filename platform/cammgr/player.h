@@ -41,6 +41,7 @@ public:
     static void release(std::shared_ptr<RtspPlayer> player);
 
     void trustKey();
+    int fetchStill(const std::string &path);
     int issueCommands(std::vector<std::string> requests);
 
     /// 0, or why the last talk failed when it was not long ago.
@@ -58,6 +59,7 @@ public:
 
 private:
     cammgr::StreamPhase streamPhase() override;
+    std::vector<media::AccessUnit> currentFrames() override;
     void startStream(uint64_t ticket, const cammgr::StreamRequest &request) override;
     void startTalk(uint64_t ticket, const rtsp::StreamRequest *request) override;
     void talkEnded() override;

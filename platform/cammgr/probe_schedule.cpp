@@ -27,18 +27,29 @@ void ProbeSchedule::record(rtsp::ProbeOutcome outcome, Time now)
     m_remembered = outcome;
     std::chrono::milliseconds pause = firstPause * (1 << (m_inRow - 1));
     if (outcome == rtsp::ProbeOutcome::LoginRefused) {
-        m_refusals.push_back(now);
-        while (m_refusals.size() > maxRefusals || m_refusals.front() + refusalWindow <= now)
-            m_refusals.pop_front();
+        noteRefusal(now);
         if (m_refusals.size() == maxRefusals) {
             m_due = std::max(m_refusals.front() + refusalWindow, now + pause - slack);
             return;
         }
-    } else if (outcome == rtsp::ProbeOutcome::Silent)
+    } else if (outcome == rtsp::ProbeOutcome::Silent || outcome == rtsp::ProbeOutcome::NoSuchHost)
         pause = std::min<std::chrono::milliseconds>(pause, longestSilentPause);
     else
         pause = slack;
     m_due = now + pause - slack;
+}
+
+void ProbeSchedule::noteRefusal(Time now)
+{
+    m_refusals.push_back(now);
+    while (m_refusals.size() > maxRefusals || m_refusals.front() + refusalWindow <= now)
+        m_refusals.pop_front();
+}
+
+void ProbeSchedule::refusedElsewhere(Time now)
+{
+    for (size_t i = 0; i < maxRefusals; ++i)
+        noteRefusal(now);
 }
 
 std::optional<ProbeSchedule::Time> ProbeSchedule::loginPause(Time now) const
@@ -50,7 +61,8 @@ std::optional<ProbeSchedule::Time> ProbeSchedule::loginPause(Time now) const
 
 void ProbeSchedule::networkChanged()
 {
-    if (m_remembered == rtsp::ProbeOutcome::Silent)
+    if (m_remembered == rtsp::ProbeOutcome::Silent ||
+        m_remembered == rtsp::ProbeOutcome::NoSuchHost)
         reset();
 }
 

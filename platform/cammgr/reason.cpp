@@ -7,6 +7,9 @@
 namespace cammgr {
 namespace {
 
+constexpr int firstRefusal = 400;
+constexpr int statusNotFound = 404;
+
 std::string hostAndPort(const base::Endpoint &endpoint)
 {
     const bool isIpv6 = endpoint.host.find(':') != std::string::npos;
@@ -21,21 +24,26 @@ std::string pathAndStatus(const base::CameraAddress &stream, int status)
 
 } // namespace
 
-Reason reasonOf(rtsp::ProbeOutcome outcome, const base::CameraAddress &stream)
+Reason reasonOf(rtsp::ProbeOutcome outcome, const base::CameraAddress &stream, int status)
 {
     using rtsp::ProbeOutcome;
-    constexpr int notFound = 404;
     switch (outcome) {
     case ProbeOutcome::Answered:
         return {};
     case ProbeOutcome::LoginRefused:
         return {CAMMGR_REASON_LOGIN_REFUSED, hostAndPort(stream.endpoint)};
     case ProbeOutcome::NotFound:
-        return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, notFound)};
+        return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, statusNotFound)};
     case ProbeOutcome::Unusable:
+        if (status >= firstRefusal)
+            return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, status)};
         return {CAMMGR_REASON_BROKEN_ANSWER, hostAndPort(stream.endpoint)};
     case ProbeOutcome::Rejected:
         return {CAMMGR_REASON_CONNECTION_REFUSED, hostAndPort(stream.endpoint)};
+    case ProbeOutcome::NoSuchHost:
+        return {CAMMGR_REASON_HOST_NOT_FOUND, stream.endpoint.host};
+    case ProbeOutcome::TlsFailed:
+        return {CAMMGR_REASON_TLS_FAILED, hostAndPort(stream.endpoint)};
     case ProbeOutcome::KeyChanged:
         return {CAMMGR_REASON_KEY_CHANGED, hostAndPort(stream.endpoint)};
     case ProbeOutcome::Silent:
@@ -44,29 +52,39 @@ Reason reasonOf(rtsp::ProbeOutcome outcome, const base::CameraAddress &stream)
     return {CAMMGR_REASON_NO_ANSWER, hostAndPort(stream.endpoint)};
 }
 
-Reason reasonOf(rtsp::StreamEnd end, const base::CameraAddress &stream)
+Reason reasonOf(const rtsp::StreamFailure &failure, const base::CameraAddress &stream)
 {
     using rtsp::StreamEnd;
-    constexpr int notFound = 404;
-    switch (end) {
-    case StreamEnd::Failed:
+    const std::string service = hostAndPort(stream.endpoint);
+    switch (failure.end) {
+    case StreamEnd::NoSuchHost:
+        return {CAMMGR_REASON_HOST_NOT_FOUND, stream.endpoint.host};
+    case StreamEnd::Silent:
         break;
+    case StreamEnd::Rejected:
+        return {CAMMGR_REASON_CONNECTION_REFUSED, service};
+    case StreamEnd::TlsFailed:
+        return {CAMMGR_REASON_TLS_FAILED, service};
     case StreamEnd::KeyChanged:
-        return {CAMMGR_REASON_KEY_CHANGED, hostAndPort(stream.endpoint)};
+        return {CAMMGR_REASON_KEY_CHANGED, service};
+    case StreamEnd::Failed:
+        return {CAMMGR_REASON_BROKEN_ANSWER, service};
     case StreamEnd::Refused:
-        return {CAMMGR_REASON_LOGIN_REFUSED, hostAndPort(stream.endpoint)};
+        return {CAMMGR_REASON_LOGIN_REFUSED, service};
     case StreamEnd::NotFound:
-        return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, notFound)};
+        return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, statusNotFound)};
     case StreamEnd::PathRefused:
-        return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, 0)};
+        return {CAMMGR_REASON_NO_SUCH_PATH, pathAndStatus(stream, failure.status)};
     case StreamEnd::Closed:
-        return {CAMMGR_REASON_STREAM_ENDED, hostAndPort(stream.endpoint)};
+        return {CAMMGR_REASON_STREAM_ENDED, service};
     case StreamEnd::Stalled:
-        return {CAMMGR_REASON_NO_PICTURES, hostAndPort(stream.endpoint)};
+        return {CAMMGR_REASON_NO_PICTURES, service};
     case StreamEnd::NoVideo:
         return {CAMMGR_REASON_NO_VIDEO, {}};
+    case StreamEnd::UnknownCodec:
+        return {CAMMGR_REASON_CODEC_UNKNOWN, failure.codec};
     }
-    return {CAMMGR_REASON_NO_ANSWER, hostAndPort(stream.endpoint)};
+    return {CAMMGR_REASON_NO_ANSWER, service};
 }
 
 void ReasonBoard::set(Reason reason, Source source)

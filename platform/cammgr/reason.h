@@ -19,9 +19,12 @@ struct Reason
     std::string detail = {};        ///< the bare fact, as cammgr.h tells for each value
 };
 
-/// Of a probe or a stream that failed at that address of the camera.
-[[nodiscard]] Reason reasonOf(rtsp::ProbeOutcome outcome, const base::CameraAddress &stream);
-[[nodiscard]] Reason reasonOf(rtsp::StreamEnd end, const base::CameraAddress &stream);
+/// Of a probe that failed at that address of the camera. status: that the camera answered with.
+[[nodiscard]] Reason reasonOf(rtsp::ProbeOutcome outcome, const base::CameraAddress &stream,
+                              int status = 0);
+/// Of a stream.
+[[nodiscard]] Reason reasonOf(const rtsp::StreamFailure &failure,
+                              const base::CameraAddress &stream);
 
 /**
  * Why the camera of one player is not shown now, as the last probe and the last stream left it. Set

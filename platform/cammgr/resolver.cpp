@@ -171,6 +171,16 @@ void Resolver::askWebServer()
         });
 }
 
+void Resolver::fetchSnapshot(const std::string &profileToken,
+                             std::function<void(onvif::PictureStatus, std::string)> done)
+{
+    if (m_xaddr.empty() || profileToken.empty())
+        done(onvif::PictureStatus::Failed, {});
+    else
+        m_snapshotRequest =
+            m_lookup.snapshot(m_xaddr, profileToken, m_credentials, std::move(done));
+}
+
 void Resolver::requestKeyFrame(const std::string &profileToken)
 {
     if (m_xaddr.empty() || profileToken.empty())

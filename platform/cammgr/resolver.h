@@ -39,6 +39,17 @@ public:
     /// network protocols say, else port 80. Port 0 when the camera is not found.
     void findWebServer(std::function<void(const base::Endpoint &)> done);
 
+    /// What findStreams() has found; null before.
+    const onvif::CameraStreams *knownStreams() const { return m_streams ? &*m_streams : nullptr; }
+
+    bool isFindingStreams() const { return !m_streamWaiters.empty(); }
+
+    /// Gets a still picture of a profile as a JPEG file; nothing is asked while the camera's ONVIF
+    /// address is not known.
+    void fetchSnapshot(const std::string &profileToken,
+                       std::function<void(onvif::PictureStatus, std::string)> done);
+    void cancelSnapshot() { m_snapshotRequest.reset(); }
+
     /// Asks for a key frame now; does nothing while the camera's ONVIF address is not known.
     void requestKeyFrame(const std::string &profileToken);
 
@@ -79,6 +90,7 @@ private:
     onvif::RequestPtr m_streamRequest;
     onvif::RequestPtr m_webServerRequest;
     onvif::RequestPtr m_keyFrameRequest;
+    onvif::RequestPtr m_snapshotRequest;
 };
 
 } // namespace cammgr

@@ -14,6 +14,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto silenceLimit = 5s;
+constexpr auto decodeLimit = 5s;
 constexpr auto keyFramePause = 1s;
 constexpr auto figuresPeriod = 100ms;
 // Limit for decoding a frame for a snapshot of a stream that is not shown.
@@ -145,8 +146,20 @@ void LiveStream::Session::video(const base::AccessUnit &unit)
     }
     if (unit.arrived - m_figuresNoted >= figuresPeriod)
         noteFigures();
-    if (unit.key && !m_keyReceived.exchange(true))
+    if (unit.key && !m_keyReceived.exchange(true)) {
+        m_firstKey = unit.arrived;
         checkFirstPicture();
+    }
+    checkDecoding(unit.arrived);
+}
+
+void LiveStream::Session::checkDecoding(media::SteadyClock::time_point now)
+{
+    if (m_toldUndecodable || m_state != State::Starting || !m_view || m_view->isUnseen() ||
+        !m_firstKey || now - *m_firstKey < decodeLimit)
+        return;
+    m_toldUndecodable = true;
+    tell(m_listener.undecodable);
 }
 
 /// The receiver's figures belong to its thread.
@@ -206,17 +219,17 @@ void LiveStream::Session::audio(const base::AudioUnit &unit)
     m_audio->takeAudio(wrapped);
 }
 
-void LiveStream::Session::ended(StreamEnd reason, const std::string &text)
+void LiveStream::Session::ended(const rtsp::StreamFailure &failure)
 {
-    g_log("cammgr", G_LOG_LEVEL_INFO, "%s: %s", m_request.source.url.c_str(), text.c_str());
+    g_log("cammgr", G_LOG_LEVEL_INFO, "%s: %s", m_request.source.url.c_str(), failure.text.c_str());
     if (m_state.exchange(State::Ended) == State::Ended)
         return;
     closeReceiver();
     // Not here: to let go of a window may take until a frame is decoded.
-    media::mediaWorkers().run([self = shared_from_this(), reason] {
+    media::mediaWorkers().run([self = shared_from_this(), failure] {
         self->release();
         if (self->m_listener.ended)
-            self->tell([&] { self->m_listener.ended(reason); });
+            self->tell([&] { self->m_listener.ended(failure); });
     });
 }
 

@@ -13,6 +13,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace cammgr {
 
@@ -47,6 +48,10 @@ public:
     int width() const { return m_width; }
     int height() const { return m_height; }
     StreamFigures figures() const;
+    std::vector<media::AccessUnit> currentFrames() const
+    {
+        return isPlaying() ? m_memory.frames() : std::vector<media::AccessUnit>();
+    }
 
 private:
     enum class State
@@ -61,7 +66,7 @@ private:
     void video(const base::AccessUnit &unit) override;
     void audio(const base::AudioUnit &unit) override;
     void lostPackets() override;
-    void ended(StreamEnd reason, const std::string &text) override;
+    void ended(const rtsp::StreamFailure &failure) override;
 
     void openReceiver();
     void closeReceiver();
@@ -69,6 +74,7 @@ private:
     void wantKeyFrame();
     void checkFirstPicture();
     void noteFigures();
+    void checkDecoding(media::SteadyClock::time_point now);
     void tell(const std::function<void()> &callback);
 
     const StreamRequest m_request;
@@ -83,6 +89,8 @@ private:
     std::shared_ptr<const base::VideoFormat> m_format;
     std::shared_ptr<const base::AudioFormat> m_soundFormat;
     media::SteadyClock::time_point m_figuresNoted;
+    std::optional<media::SteadyClock::time_point> m_firstKey;
+    bool m_toldUndecodable = false;
     bool m_lossBefore = false; ///< the next frame follows a loss
 
     std::atomic<State> m_state = State::Starting;

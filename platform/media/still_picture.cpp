@@ -63,6 +63,14 @@ private:
     SampleRef m_picture;
 };
 
+int store(const void *data, size_t size, const std::string &path)
+{
+    // Not flushed: a caller may wait, and a power failure costs no more than this picture.
+    PartFile file(path);
+    file.write(data, size);
+    return file.putInPlace() ? 0 : -1;
+}
+
 } // namespace
 
 SampleRef decodeLast(const std::vector<AccessUnit> &units, std::chrono::milliseconds budget)
@@ -97,11 +105,14 @@ int writeJpeg(const SampleRef &picture, const std::string &path)
     GstMapInfo map;
     if (!buffer || !gst_buffer_map(buffer, &map, GST_MAP_READ))
         return -1;
-    // Not flushed: the caller waits, and a power failure costs no more than this picture.
-    PartFile file(path);
-    file.write(map.data, map.size);
+    const int result = store(map.data, map.size, path);
     gst_buffer_unmap(buffer, &map);
-    return file.putInPlace() ? 0 : -1;
+    return result;
+}
+
+int storeJpeg(const std::string &jpeg, const std::string &path)
+{
+    return store(jpeg.data(), jpeg.size(), path);
 }
 
 } // namespace media

@@ -16,4 +16,7 @@ SampleRef decodeLast(const std::vector<AccessUnit> &units, std::chrono::millisec
 /// renamed. 0, or negative when it cannot be written; the file at path is then as before.
 int writeJpeg(const SampleRef &picture, const std::string &path);
 
+/// Writes a JPEG file as it is, in the same way.
+int storeJpeg(const std::string &jpeg, const std::string &path);
+
 } // namespace media

@@ -201,6 +201,56 @@ private:
     Done m_done;
 };
 
+class SnapshotRequest : public MediaRequest
+{
+public:
+    SnapshotRequest(GMainContext *context, KnownCameraPtr camera, std::string profileToken,
+                    PictureRequest::Done done)
+        : MediaRequest(camera)
+        , m_context(context)
+        , m_camera(std::move(camera))
+        , m_profileToken(std::move(profileToken))
+        , m_done(std::move(done))
+    {
+    }
+
+private:
+    void withMedia() override
+    {
+        next(media().snapshotUri(
+            m_profileToken,
+            [this](SoapStatus status, const std::string &address) {
+                if (status == SoapStatus::Ok)
+                    get(address);
+                else
+                    failed(status);
+            }));
+    }
+
+    void get(const std::string &address)
+    {
+        next(std::make_unique<PictureRequest>(
+            m_context, address, m_camera->credentials, m_camera->clearPassword,
+            [this](PictureStatus status, const std::string &picture) {
+                const PictureRequest::Done done = std::move(m_done);
+                done(status, picture);
+            }));
+    }
+
+    void failed(SoapStatus status) override
+    {
+        if (status == SoapStatus::NoAnswer)
+            forgetMedia();
+        const PictureRequest::Done done = std::move(m_done);
+        done(status == SoapStatus::Refused ? PictureStatus::Refused : PictureStatus::Failed, {});
+    }
+
+    GMainContext *m_context; ///< of the look-up, which outlives its requests
+    KnownCameraPtr m_camera;
+    std::string m_profileToken;
+    PictureRequest::Done m_done;
+};
+
 class WebServerRequest : public Request
 {
 public:
@@ -326,6 +376,16 @@ RequestPtr CameraLookup::webServer(const std::string &xaddr, const base::Credent
                                    std::function<void(std::optional<WebServer>)> done)
 {
     return std::make_unique<WebServerRequest>(d->camera(xaddr, credentials), done);
+}
+
+RequestPtr CameraLookup::snapshot(const std::string &xaddr, const std::string &profileToken,
+                                  const base::Credentials &credentials,
+                                  std::function<void(PictureStatus, std::string)> done)
+{
+    auto request = std::make_unique<SnapshotRequest>(
+        d->context.get(), d->camera(xaddr, credentials), profileToken, std::move(done));
+    request->start();
+    return request;
 }
 
 RequestPtr CameraLookup::requestKeyFrame(const std::string &xaddr, const std::string &profileToken,

@@ -2,6 +2,7 @@
 
 #include "platform/base/credentials.h"
 #include "platform/onvif/device_message.h"
+#include "platform/onvif/picture_request.h"
 #include "platform/onvif/request.h"
 #include "platform/onvif/soap_status.h"
 
@@ -78,6 +79,12 @@ public:
     [[nodiscard]] RequestPtr webServer(const std::string &xaddr,
                                        const base::Credentials &credentials,
                                        std::function<void(std::optional<WebServer>)> done);
+
+    /// Gets a still picture of a profile, a JPEG file, from the address that the camera reports for
+    /// it (GetSnapshotUri). The login is answered at most once there, see PictureRequest.
+    [[nodiscard]] RequestPtr snapshot(const std::string &xaddr, const std::string &profileToken,
+                                      const base::Credentials &credentials,
+                                      std::function<void(PictureStatus, std::string)> done);
 
     /// Asks for a key frame (SetSynchronizationPoint) on a profile.
     [[nodiscard]] RequestPtr requestKeyFrame(const std::string &xaddr,

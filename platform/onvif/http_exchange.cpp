@@ -5,7 +5,6 @@
 #include "platform/base/timer.h"
 #include "platform/onvif/log.h"
 #include "platform/onvif/net_address.h"
-#include "platform/onvif/xml_message.h"
 
 #include <utility>
 
@@ -20,11 +19,11 @@ constexpr int connectionsPerDevice = 2;
 class Exchange : public std::enable_shared_from_this<Exchange>
 {
 public:
-    Exchange(GMainContext *context, SoupSession *session, HttpPost post,
+    Exchange(GMainContext *context, SoupSession *session, HttpRequest request,
              std::function<void(HttpAnswer)> done)
         : m_context(g_main_context_ref(context))
         , m_session(base::shareObject(session))
-        , m_post(std::move(post))
+        , m_request(std::move(request))
         , m_done(std::move(done))
     {
         makeMessage();
@@ -34,7 +33,7 @@ public:
 
     void start()
     {
-        const unsigned limit = m_message ? m_post.milliseconds : 0;
+        const unsigned limit = m_message ? m_request.milliseconds : 0;
         m_timeout.start(
             std::chrono::milliseconds(limit), [this] { fail(); }, m_context.get());
         if (m_message)
@@ -63,9 +62,10 @@ private:
     {
         disconnect();
         m_message.reset();
-        if (!parseHttpAddress(m_post.address))
+        if (!parseHttpAddress(m_request.address))
             return;
-        m_message.reset(soup_message_new(SOUP_METHOD_POST, m_post.address.c_str()));
+        m_message.reset(soup_message_new(m_request.isGet ? SOUP_METHOD_GET : SOUP_METHOD_POST,
+                                         m_request.address.c_str()));
         if (!m_message)
             return;
         setBody(m_message.get(), this);
@@ -73,11 +73,11 @@ private:
         soup_message_add_flags(m_message.get(),
                                static_cast<SoupMessageFlags>(
                                    SOUP_MESSAGE_NO_REDIRECT | SOUP_MESSAGE_COLLECT_METRICS |
-                                   (m_post.mayReuseConnection ? SOUP_MESSAGE_IDEMPOTENT
-                                                              : SOUP_MESSAGE_NEW_CONNECTION)));
-        if (!m_post.authorization.empty()) {
+                                   (m_request.mayReuseConnection ? SOUP_MESSAGE_IDEMPOTENT
+                                                                 : SOUP_MESSAGE_NEW_CONNECTION)));
+        if (!m_request.authorization.empty()) {
             soup_message_headers_replace(soup_message_get_request_headers(m_message.get()),
-                                         "Authorization", m_post.authorization.c_str());
+                                         "Authorization", m_request.authorization.c_str());
         }
         // The body is used up when libsoup sends the message a second time.
         g_signal_connect(m_message.get(), "restarted", G_CALLBACK(setBody), this);
@@ -99,24 +99,26 @@ private:
 
     static void setBody(SoupMessage *message, gpointer data)
     {
-        const HttpPost &post = static_cast<Exchange *>(data)->m_post;
-        GBytes *body = g_bytes_new(post.body.data(), post.body.size());
-        soup_message_set_request_body_from_bytes(message, post.contentType.c_str(), body);
+        const HttpRequest &request = static_cast<Exchange *>(data)->m_request;
+        if (request.isGet)
+            return;
+        GBytes *body = g_bytes_new(request.body.data(), request.body.size());
+        soup_message_set_request_body_from_bytes(message, request.contentType.c_str(), body);
         g_bytes_unref(body);
     }
 
     static gboolean acceptCertificate(SoupMessage *, GTlsCertificate *certificate,
                                       GTlsCertificateFlags, gpointer self)
     {
-        const HttpPost &post = static_cast<Exchange *>(self)->m_post;
-        const HttpAddress address = parseHttpAddress(post.address).value_or(HttpAddress());
+        const HttpRequest &request = static_cast<Exchange *>(self)->m_request;
+        const HttpAddress address = parseHttpAddress(request.address).value_or(HttpAddress());
         const base::Endpoint service = {
             .host = address.host, .port = static_cast<std::uint16_t>(address.port), .tls = true};
         const bool accepts =
             base::KnownKeys::instance().check(service, base::publicKeyDigest(certificate)) !=
             base::KnownKeys::Verdict::Changed;
         if (!accepts)
-            g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: the key has changed", post.address.c_str());
+            g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: the key has changed", request.address.c_str());
         return accepts;
     }
 
@@ -140,13 +142,13 @@ private:
         SoupMessageMetrics *metrics = soup_message_get_metrics(m_message.get());
         const bool wasReused = metrics && soup_message_metrics_get_connect_start(metrics) == 0 &&
                                soup_message_metrics_get_request_start(metrics) != 0;
-        return m_post.mayReuseConnection && wasReused &&
+        return m_request.mayReuseConnection && wasReused &&
                !g_cancellable_is_cancelled(m_cancellable.get());
     }
 
     void sendAgain()
     {
-        m_post.mayReuseConnection = false;
+        m_request.mayReuseConnection = false;
         makeMessage();
         send();
     }
@@ -176,7 +178,7 @@ private:
 
     void continueAfter(gsize length)
     {
-        m_answer.isTooLarge = m_answer.body.size() > XmlMessage::maxBytes;
+        m_answer.isTooLarge = m_answer.body.size() > m_request.maxBytes;
         if (length > 0 && !m_answer.isTooLarge) {
             read();
             return;
@@ -219,7 +221,7 @@ private:
 
     base::GMainContextPtr m_context;
     base::GObjectPtr<SoupSession> m_session;
-    HttpPost m_post;
+    HttpRequest m_request;
     std::function<void(HttpAnswer)> m_done;
     base::GObjectPtr<GCancellable> m_cancellable{g_cancellable_new()};
     base::GObjectPtr<SoupMessage> m_message;
@@ -256,10 +258,11 @@ base::GObjectPtr<SoupSession> newHttpSession(GMainContext *context)
     return session;
 }
 
-RequestPtr postHttp(GMainContext *context, SoupSession *session, HttpPost post,
+RequestPtr sendHttp(GMainContext *context, SoupSession *session, HttpRequest request,
                     std::function<void(HttpAnswer)> done)
 {
-    auto exchange = std::make_shared<Exchange>(context, session, std::move(post), std::move(done));
+    auto exchange =
+        std::make_shared<Exchange>(context, session, std::move(request), std::move(done));
     exchange->start();
     return std::make_unique<ExchangeRequest>(std::move(exchange));
 }

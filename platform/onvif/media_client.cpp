@@ -42,6 +42,18 @@ RequestPtr MediaClient::streamUri(const std::string &profileToken,
                             buildGetStreamUri(profileToken), parse, std::move(done));
 }
 
+RequestPtr MediaClient::snapshotUri(const std::string &profileToken,
+                                    std::function<void(SoapStatus, std::string)> done)
+{
+    const auto parse =
+        [device = m_soap.deviceService()](const XmlMessage &message) -> std::optional<std::string> {
+        const std::string address = serviceAtDevice(parseSnapshotUri(message), device);
+        return address.empty() ? std::nullopt : std::optional(address);
+    };
+    return ask<std::string>(m_soap, m_service, action("GetSnapshotUri"),
+                            buildGetSnapshotUri(profileToken), parse, std::move(done));
+}
+
 RequestPtr MediaClient::setSynchronizationPoint(const std::string &profileToken,
                                                 std::function<void(SoapStatus)> done)
 {

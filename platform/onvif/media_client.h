@@ -26,6 +26,10 @@ public:
     [[nodiscard]] RequestPtr streamUri(const std::string &profileToken,
                                        std::function<void(SoapStatus, std::string)> done);
 
+    /// Address of a profile's still picture, held to the device's host (see serviceAtDevice).
+    [[nodiscard]] RequestPtr snapshotUri(const std::string &profileToken,
+                                         std::function<void(SoapStatus, std::string)> done);
+
     /// Asks for a key frame now.
     [[nodiscard]] RequestPtr setSynchronizationPoint(const std::string &profileToken,
                                                      std::function<void(SoapStatus)> done);

@@ -45,6 +45,12 @@ std::string buildGetStreamUri(const std::string &profileToken)
            base::xmlEscape(profileToken) + "</trt:ProfileToken></trt:GetStreamUri>";
 }
 
+std::string buildGetSnapshotUri(const std::string &profileToken)
+{
+    return "<trt:GetSnapshotUri><trt:ProfileToken>" + base::xmlEscape(profileToken) +
+           "</trt:ProfileToken></trt:GetSnapshotUri>";
+}
+
 std::string buildSetSynchronizationPoint(const std::string &profileToken)
 {
     return "<trt:SetSynchronizationPoint><trt:ProfileToken>" + base::xmlEscape(profileToken) +
@@ -78,6 +84,12 @@ std::vector<MediaProfile> parseProfiles(const XmlMessage &message)
 std::string parseStreamUri(const XmlMessage &message)
 {
     return std::string(textOf(child(message.body(), {"GetStreamUriResponse", "MediaUri", "Uri"})));
+}
+
+std::string parseSnapshotUri(const XmlMessage &message)
+{
+    return std::string(
+        textOf(child(message.body(), {"GetSnapshotUriResponse", "MediaUri", "Uri"})));
 }
 
 std::optional<ProfileChoice> chooseProfiles(const std::vector<MediaProfile> &profiles)

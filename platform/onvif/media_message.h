@@ -31,6 +31,7 @@ struct ProfileChoice
 
 std::string buildGetProfiles();
 std::string buildGetStreamUri(const std::string &profileToken);
+std::string buildGetSnapshotUri(const std::string &profileToken);
 std::string buildSetSynchronizationPoint(const std::string &profileToken);
 
 /// The H.264 profiles of a GetProfilesResponse (ONVIF Media 1), in the device's order.
@@ -38,6 +39,9 @@ std::vector<MediaProfile> parseProfiles(const XmlMessage &message);
 
 /// The address in a GetStreamUriResponse, as the device reports it; empty when there is none.
 std::string parseStreamUri(const XmlMessage &message);
+
+/// The address in a GetSnapshotUriResponse, in the same way.
+std::string parseSnapshotUri(const XmlMessage &message);
 
 /// Both from the video source of the first profile: other lenses and channels are other pictures.
 /// nullopt without profiles. Of equal sizes the first one is taken.

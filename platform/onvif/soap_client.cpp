@@ -129,7 +129,7 @@ private:
               std::function<void(HttpAnswer)> answered)
     {
         const SoapOptions &options = m_session->options;
-        HttpPost post;
+        HttpRequest post;
         post.address = service;
         post.contentType = "application/soap+xml; charset=utf-8; action=\"" + action + '"';
         post.body = envelope;
@@ -137,7 +137,7 @@ private:
         post.milliseconds =
             kind == SoapKind::Question ? options.questionMilliseconds : options.changeMilliseconds;
         post.mayReuseConnection = kind == SoapKind::Question;
-        m_exchange = postHttp(m_session->context.get(), m_session->http.get(), std::move(post),
+        m_exchange = sendHttp(m_session->context.get(), m_session->http.get(), std::move(post),
                               std::move(answered));
     }
 

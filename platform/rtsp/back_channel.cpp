@@ -56,9 +56,9 @@ private:
     }
     void playing() override { m_client.opened(m_format); }
     bool isSettled() const override { return true; }
-    void connectionEnded(StreamEnd reason, const std::string &text) override
+    void connectionEnded(const StreamFailure &failure) override
     {
-        m_client.ended(reason, text);
+        m_client.ended(failure.end, failure.text);
     }
 
     BackChannel::Client &m_client;

@@ -153,7 +153,12 @@ void PlaySession::takeDescription(const Reply &reply)
     TrackChoice choice = m_client.chooseTracks(*description);
     m_tracks = std::move(choice.tracks);
     if (m_tracks.empty()) {
-        finish(Kind::NothingToPlay, reply.status, choice.missing);
+        m_client.sessionDone({.kind = Kind::NothingToPlay,
+                              .step = m_step,
+                              .status = reply.status,
+                              .text = choice.missing,
+                              .location = {},
+                              .codec = choice.codec});
         return;
     }
     if (m_plan.onlyFirst)

@@ -28,8 +28,9 @@ struct SessionPlan
 /// What of a camera's description is to be set up.
 struct TrackChoice
 {
-    MediaTracks tracks;  ///< the one that the session is for first; none where it is not there
-    std::string missing; ///< what the camera has instead of it
+    MediaTracks tracks;     ///< the one that the session is for first; none where it is not there
+    std::string missing;    ///< what the camera has instead of it
+    std::string codec = {}; ///< of the other picture that it has instead, see StreamFailure
 };
 
 /// What a session came to.
@@ -41,7 +42,7 @@ struct SessionResult
         Refused,      ///< with the status
         Silent,       ///< no answer in time
         Redirected,   ///< location is set
-        NothingToPlay ///< text says what there is instead
+        NothingToPlay ///< text says what there is instead; codec, when it is another picture
     };
     enum class Step
     {
@@ -56,6 +57,7 @@ struct SessionResult
     int status = 0;
     std::string text;
     std::string location;
+    std::string codec = {}; ///< see StreamFailure
 };
 
 /**

@@ -34,8 +34,7 @@ public:
         /// A packet of the video was lost on the way.
         virtual void lostPackets() = 0;
         /// Last, and at most once for each start(). The receiver is closed.
-        /// @param text for the log and for the user's tool tip, in English, without credentials
-        virtual void ended(StreamEnd reason, const std::string &text) = 0;
+        virtual void ended(const StreamFailure &failure) = 0;
     };
 
     /// The client must outlive the receiver.

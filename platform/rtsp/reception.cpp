@@ -22,16 +22,27 @@ const MediaDescription *firstPlayable(const SessionDescription &description, Med
     return found == description.media.end() ? nullptr : &*found;
 }
 
-/// What a description holds instead of a picture that can be played.
-std::string otherVideo(const SessionDescription &description)
+/// The format of a picture that cannot be played; null when there is no picture.
+const PayloadFormat *otherVideo(const SessionDescription &description)
 {
     for (const MediaDescription &media : description.media)
         if (media.kind == MediaKind::Video && !media.formats.empty() && !media.backChannel)
-            return "the video is " +
-                   (media.formats.front().encoding.empty() ? "of an unknown kind"
-                                                           : media.formats.front().encoding) +
-                   ", which is not supported";
-    return "the camera sends no video";
+            return &media.formats.front();
+    return nullptr;
+}
+
+/// What there is instead of a picture that can be played.
+TrackChoice nothingIn(const SessionDescription &description)
+{
+    TrackChoice choice;
+    choice.missing = "the camera sends no video";
+    if (const PayloadFormat *other = otherVideo(description)) {
+        choice.codec = other->encoding.empty()
+                           ? "payload type " + std::to_string(other->payloadType)
+                           : other->encoding;
+        choice.missing = "the video is " + choice.codec + ", which is not supported";
+    }
+    return choice;
 }
 
 } // namespace
@@ -61,7 +72,7 @@ TrackChoice Receiver::Private::chooseTracks(const SessionDescription &descriptio
         if (audio && m_wantsAudio)
             choice.tracks.push_back(std::make_unique<IncomingTrack>(*audio, timeline, sink));
     } else {
-        choice.missing = otherVideo(description);
+        choice = nothingIn(description);
     }
     if (!std::exchange(m_isDescribed, true))
         m_client.described(video != nullptr, audio != nullptr);
@@ -88,10 +99,10 @@ void Receiver::Private::playing()
     tellPlays();
 }
 
-void Receiver::Private::connectionEnded(StreamEnd reason, const std::string &text)
+void Receiver::Private::connectionEnded(const StreamFailure &failure)
 {
     m_watch.stop();
-    m_client.ended(reason, text);
+    m_client.ended(failure);
 }
 
 void Receiver::Private::tellPlays()
@@ -109,13 +120,13 @@ void Receiver::Private::watch()
     if (m_frames == 0 && video.takeSign())
         m_lastSign = now;
     if (video.saidGoodbye())
-        m_connection.end(StreamEnd::Closed, "the camera ended the stream");
+        m_connection.end({StreamEnd::Closed, "the camera ended the stream"});
     else if (!video.hasReceived() && now - m_playAnswered >= firstPacketLimit)
-        m_connection.tryAnotherWay(StreamEnd::Stalled, "no video came");
+        m_connection.tryAnotherWay({StreamEnd::Stalled, "no video came"});
     else if (video.hasReceived() && now - m_lastSign >= silenceLimit)
-        m_connection.end(StreamEnd::Stalled, "no video came any more");
+        m_connection.end({StreamEnd::Stalled, "no video came any more"});
     else if (m_frames == 0 && now - m_playAnswered >= firstFrameLimit)
-        m_connection.end(StreamEnd::Stalled, "no frame could be made of the video");
+        m_connection.end({StreamEnd::Stalled, "no frame could be made of the video"});
     if (isClosed() || !m_connection.isPlaying())
         return;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_lastSign + silenceLimit - now);

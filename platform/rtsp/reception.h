@@ -33,7 +33,7 @@ private:
     TrackChoice chooseTracks(const SessionDescription &description) override;
     void playing() override;
     bool isSettled() const override { return video() && video()->hasReceived(); }
-    void connectionEnded(StreamEnd reason, const std::string &text) override;
+    void connectionEnded(const StreamFailure &failure) override;
     void onVideo(const base::AccessUnit &unit) override;
     void onAudio(const base::AudioUnit &unit) override;
     void onPacketsLost() override;

@@ -22,6 +22,7 @@ void RtspProbe::start(const ProbeTarget &target, Done done)
     m_target = target;
     m_done = std::move(done);
     m_challenged = false;
+    m_status = 0;
     m_limit.start(probeLimit, [this] {
         m_channel.close();
         finish(ProbeOutcome::Silent);
@@ -101,6 +102,7 @@ void RtspProbe::received(std::string_view data)
 
 void RtspProbe::answered(const Reply &reply)
 {
+    m_status = reply.status;
     if (!reply.keepsConnection)
         m_channel.close();
     if (reply.status == 401) {
@@ -142,6 +144,12 @@ void RtspProbe::ended(base::ChannelEnd reason)
         return;
     case base::ChannelEnd::KeyChanged:
         finish(ProbeOutcome::KeyChanged);
+        return;
+    case base::ChannelEnd::NoSuchHost:
+        finish(ProbeOutcome::NoSuchHost);
+        return;
+    case base::ChannelEnd::TlsFailed:
+        finish(ProbeOutcome::TlsFailed);
         return;
     case base::ChannelEnd::Unreachable:
         finish(ProbeOutcome::Silent);

@@ -23,7 +23,9 @@ enum class ProbeOutcome
     NotFound,     ///< the camera does not know the stream's path
     Unusable,     ///< an answer, but none that a stream could come from
     Rejected,     ///< the host answered, the port is closed
-    Silent        ///< no answer in time, or no way to the camera
+    Silent,       ///< no answer in time, or no way to the camera
+    NoSuchHost,   ///< the name of the host has no address
+    TlsFailed     ///< the host answered, but not over TLS
 };
 
 /// The parameters of a probe.
@@ -50,6 +52,8 @@ public:
     void start(const ProbeTarget &target, Done done);
     /// The probe's done never runs. The connection, whose answer is still out, is closed.
     void cancel();
+    /// The RTSP status of the last answer; 0 when the last probe had none that could be read.
+    int status() const { return m_status; }
     /// Whether the last request carried a login.
     bool usedLogin() const { return m_login.isInUse(); }
     /// Gives up the idle connection, for cameras that allow few.
@@ -75,6 +79,7 @@ private:
     Done m_done;
     Reply m_description; ///< the last answer, of status 200, over the open connection
     unsigned m_sequence = 0;
+    int m_status = 0;
     bool m_challenged = false;     ///< the first 401 is the challenge, the second the refusal
     bool m_connectionUsed = false; ///< has carried a reply: may have been dropped since
 };

@@ -5,7 +5,7 @@
 
 #include <glib.h>
 
-#include <tuple>
+#include <utility>
 
 namespace rtsp {
 namespace {
@@ -45,6 +45,25 @@ const char *nameOf(SessionResult::Step step)
     return "PLAY";
 }
 
+/// Of a connection that was not made.
+StreamFailure failureOf(ChannelEnd reason)
+{
+    switch (reason) {
+    case ChannelEnd::NoSuchHost:
+        return {StreamEnd::NoSuchHost, "the host is not known"};
+    case ChannelEnd::Rejected:
+        return {StreamEnd::Rejected, "the camera refuses the connection"};
+    case ChannelEnd::TlsFailed:
+        return {StreamEnd::TlsFailed, "the camera does not speak TLS there"};
+    case ChannelEnd::KeyChanged:
+        return {StreamEnd::KeyChanged, "the key of the camera has changed"};
+    case ChannelEnd::Unreachable:
+    case ChannelEnd::Closed:
+        break;
+    }
+    return {StreamEnd::Silent, "the camera cannot be reached"};
+}
+
 bool isRtsp(const std::string &url)
 {
     const std::string lower = base::lowerAscii(url.substr(0, 8));
@@ -58,6 +77,11 @@ std::string textOf(const SessionResult &result)
     if (result.kind == SessionResult::Kind::Silent)
         return std::string("no answer to ") + nameOf(result.step);
     return std::string(nameOf(result.step)) + " was answered with " + std::to_string(result.status);
+}
+
+StreamFailure failureOf(const SessionResult &result)
+{
+    return {reasonOf(result), textOf(result), result.status};
 }
 
 } // namespace
@@ -76,7 +100,7 @@ void StreamConnection::start()
 {
     if (!takeUrl(m_url)) {
         // Not during start().
-        m_limit.start(0ms, [this] { end(StreamEnd::Failed, "not the address of a stream"); });
+        m_limit.start(0ms, [this] { end({StreamEnd::Failed, "not the address of a stream"}); });
         return;
     }
     m_exchange.setLogin(RtspLogin(m_request.username, m_request.password), m_request.login);
@@ -111,13 +135,16 @@ const char *StreamConnection::transportName() const
 void StreamConnection::startLimit()
 {
     m_limit.start(
-        setUpLimit, [this] { end(StreamEnd::Failed, "setting up took too long"); });
+        setUpLimit,
+        [this] {
+            end({StreamEnd::Failed, "setting up took too long"});
+        });
 }
 
 void StreamConnection::connect()
 {
     if (++m_attempts > maxAttempts) {
-        end(StreamEnd::Failed, "the camera does not keep a connection");
+        end({StreamEnd::Failed, "the camera does not keep a connection"});
         return;
     }
     m_isAdopted = false;
@@ -163,26 +190,26 @@ void StreamConnection::close(std::function<void()> closed)
     m_limit.start(0ms, [this] { m_session.reset(); });
 }
 
-void StreamConnection::end(StreamEnd reason, std::string text)
+void StreamConnection::end(StreamFailure failure)
 {
     if (m_isClosed)
         return;
-    if (m_firstReason && !m_isPlaying && reason != StreamEnd::Refused)
-        std::tie(reason, text) = *m_firstReason;
-    g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: %s", m_url.c_str(), text.c_str());
+    if (m_firstFailure && !m_isPlaying && failure.end != StreamEnd::Refused)
+        failure = *m_firstFailure;
+    g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: %s", m_url.c_str(), failure.text.c_str());
     close();
-    m_client.connectionEnded(reason, text);
+    m_client.connectionEnded(failure);
 }
 
 /// Over UDP, once, where that is allowed.
-void StreamConnection::tryAnotherWay(StreamEnd reason, const std::string &text)
+void StreamConnection::tryAnotherWay(StreamFailure failure)
 {
     if (m_session->isUdp() || !m_plan.mayUseUdp || !m_tunnelPath.empty()) {
-        end(reason, text);
+        end(std::move(failure));
         return;
     }
-    g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: %s, trying UDP", m_url.c_str(), text.c_str());
-    m_firstReason = {reason, text};
+    g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: %s, trying UDP", m_url.c_str(), failure.text.c_str());
+    m_firstFailure = std::move(failure);
     m_plan.mayUseTcp = false;
     m_plan.asksOptions = false;
     // Only a SETUP that was accepted tells which address of the first medium is right.
@@ -202,11 +229,8 @@ void StreamConnection::disconnected(ChannelEnd reason)
 {
     if (m_isClosed)
         return;
-    if (reason == ChannelEnd::KeyChanged) {
-        end(StreamEnd::KeyChanged, "the key of the camera has changed");
-    } else if (reason != ChannelEnd::Closed) {
-        end(StreamEnd::Failed, reason == ChannelEnd::Rejected ? "the camera refuses the connection"
-                                                              : "the camera cannot be reached");
+    if (reason != ChannelEnd::Closed) {
+        end(failureOf(reason));
     } else if (m_exchange.isAnsweringChallenge() || (m_exchange.wasLastAnswer() && !m_isPlaying)) {
         // The request that is not answered goes over a new connection.
         m_repeats = true;
@@ -215,9 +239,9 @@ void StreamConnection::disconnected(ChannelEnd reason)
         m_plan.asksOptions = false;
         connect();
     } else if (m_isPlaying && m_client.isSettled()) {
-        end(StreamEnd::Closed, "the camera closed the connection");
+        end({StreamEnd::Closed, "the camera closed the connection"});
     } else if (!m_session) {
-        end(StreamEnd::PathRefused, "the web server closed the connection");
+        end({StreamEnd::PathRefused, "the web server closed the connection"});
     } else {
         closedAt(m_session->step());
     }
@@ -230,8 +254,10 @@ void StreamConnection::tunnelRefused(int status)
     const StreamEnd reason = status == statusUnauthorized ? StreamEnd::Refused
                              : status == statusNotFound   ? StreamEnd::NotFound
                                                           : StreamEnd::PathRefused;
-    end(reason, status == 0 ? "there is no web server"
-                            : "the web server answered with " + std::to_string(status));
+    end({reason,
+         status == 0 ? "there is no web server"
+                     : "the web server answered with " + std::to_string(status),
+         status});
 }
 
 /// The camera closed the connection instead of answering.
@@ -250,9 +276,9 @@ void StreamConnection::closedAt(Step step)
         m_plan.asksOptions = false;
         connect();
     } else if (step == Step::Describe) {
-        end(StreamEnd::PathRefused, text);
+        end({StreamEnd::PathRefused, text});
     } else {
-        tryAnotherWay(m_isPlaying ? StreamEnd::Closed : StreamEnd::PathRefused, text);
+        tryAnotherWay({m_isPlaying ? StreamEnd::Closed : StreamEnd::PathRefused, text});
     }
 }
 
@@ -279,16 +305,17 @@ void StreamConnection::sessionDone(const SessionResult &result)
         redirect(result.location);
         break;
     case SessionResult::Kind::NothingToPlay:
-        end(StreamEnd::NoVideo, result.text);
+        end({result.codec.empty() ? StreamEnd::NoVideo : StreamEnd::UnknownCodec, result.text, 0,
+             result.codec});
         break;
     case SessionResult::Kind::Silent:
         silentAt(result);
         break;
     case SessionResult::Kind::Refused:
         if (result.step == Step::Play && result.status != statusUnauthorized)
-            tryAnotherWay(reasonOf(result), textOf(result));
+            tryAnotherWay(failureOf(result));
         else
-            end(reasonOf(result), textOf(result));
+            end(failureOf(result));
         break;
     }
 }
@@ -303,11 +330,12 @@ void StreamConnection::silentAt(const SessionResult &result)
         m_exchange.close();
         connect();
     } else if (result.step == Step::Options || m_neverAnswered) {
-        end(StreamEnd::Failed, textOf(result));
+        const bool hasSpoken = m_exchange.hasAnswered() || m_exchange.hasBegunAnswer();
+        end({hasSpoken ? StreamEnd::Failed : StreamEnd::Silent, textOf(result)});
     } else if (result.step == Step::Describe) {
-        end(StreamEnd::PathRefused, textOf(result));
+        end({StreamEnd::PathRefused, textOf(result)});
     } else {
-        tryAnotherWay(StreamEnd::PathRefused, textOf(result));
+        tryAnotherWay({StreamEnd::PathRefused, textOf(result)});
     }
 }
 
@@ -315,11 +343,11 @@ void StreamConnection::redirect(const std::string &location)
 {
     const base::Endpoint before = m_endpoint;
     if (++m_redirections > maxRedirections || !takeUrl(location)) {
-        end(StreamEnd::PathRefused, "the camera redirects to nowhere");
+        end({StreamEnd::PathRefused, "the camera redirects to nowhere"});
         return;
     }
     if (before.tls && !m_endpoint.tls) {
-        end(StreamEnd::PathRefused, "the camera redirects to an unencrypted connection");
+        end({StreamEnd::PathRefused, "the camera redirects to an unencrypted connection"});
         return;
     }
     if (m_endpoint != before) {

@@ -34,7 +34,7 @@ public:
         /// While it plays: whether what was asked for goes its way, so that no other is tried.
         virtual bool isSettled() const = 0;
         /// Once, and last. The connection is closed.
-        virtual void connectionEnded(StreamEnd reason, const std::string &text) = 0;
+        virtual void connectionEnded(const StreamFailure &failure) = 0;
     };
 
     /// The client must outlive the connection.
@@ -48,9 +48,9 @@ public:
     /// null
     void close(std::function<void()> closed = nullptr);
     /// Closes and tells the client why.
-    void end(StreamEnd reason, std::string text);
+    void end(StreamFailure failure);
     /// What is played does not come: over UDP, once, where that is allowed; else it ends.
-    void tryAnotherWay(StreamEnd reason, const std::string &text);
+    void tryAnotherWay(StreamFailure failure);
 
     bool isClosed() const { return m_isClosed; }
     /// PLAY was answered.
@@ -97,7 +97,7 @@ private:
     bool m_isUdp = false;
     bool m_isClosed = false;
     /// Why the first transport did not do: that of the second says less.
-    std::optional<std::pair<StreamEnd, std::string>> m_firstReason;
+    std::optional<StreamFailure> m_firstFailure;
 };
 
 } // namespace rtsp

@@ -1,6 +1,10 @@
 #include "camera/optional_functions.h"
 #include "tests/camera/session_test.h"
 
+#include <QFileInfo>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
 using zelvaro::CameraReason;
 using zelvaro::OptionalFunctions;
 
@@ -39,6 +43,8 @@ private slots:
         QVERIFY(!none.figures(session.player()->handle()));
         QVERIFY(none.trustKey(session.player()->handle()) < 0);
         QVERIFY(none.setKnownKeysFile("keys") < 0);
+        QVERIFY(!none.canFetchStill());
+        QVERIFY(none.fetchStill(session.player()->handle(), "still.jpeg") < 0);
     }
 
     void sessionWithoutAPlayerTellsNothing()
@@ -71,6 +77,28 @@ private slots:
             script.reasonDetail = std::string(2000, 'x');
         });
         QCOMPARE(session->reason().detail, QString(511, 'x'));
+    }
+
+    void stillIsFetched()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath("stíll.jpeg");
+        const Session session;
+        session.start();
+        QSignalSpy fetched(session.camera.get(), &CCameraCore::signalStillFetched);
+        QVERIFY(CCameraCore::canFetchStill());
+        session.player()->change([](auto &script) { script.still = 0; });
+        QCOMPARE(session->fetchStill(path), 0);
+        QVERIFY(fetched.wait(deadline));
+        QCOMPARE(fetched.takeFirst(), QVariantList{true});
+        QVERIFY(QFileInfo::exists(path));
+        session.player()->change([](auto &script) { script.still = -1; });
+        QCOMPARE(session->fetchStill(path), 0);
+        QVERIFY(fetched.wait(deadline));
+        QCOMPARE(fetched.takeFirst(), QVariantList{false});
+        session.player()->change(
+            [](auto &script) { script.results["RtspPlayer_FetchStill"] = -1; });
+        QVERIFY(session->fetchStill(path) < 0);
     }
 
     void keysGoToTheLibrary()

@@ -60,6 +60,7 @@ struct Script
     bool stopEndsProbe = true;       ///< Stop_Connecting answers an outstanding probe: failed
     bool deleteAnswers = true;       ///< Delete is answered with CAMMGR_MSG_DELETED
     bool snapshotWrites = true;      ///< Snapshot writes `snapshotImage`
+    std::optional<int> still;        ///< how FetchStill is answered, 0 with a file; unset: by hand
     bool writingWrites = false;      ///< EndWriting leaves base + ".mp4" with a few bytes
     std::string snapshotImage;       ///< bytes of the snapshot; empty: a JPEG of 16x12 pixels
     int reason = CAMMGR_REASON_NONE; ///< answer of GetReason

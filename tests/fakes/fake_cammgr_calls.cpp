@@ -283,6 +283,18 @@ int RtspPlayer_GetReason(RtspPlayer *player, char *detail, int size)
     return entry.result(entry.script().reason, CAMMGR_REASON_NONE);
 }
 
+int RtspPlayer_FetchStill(RtspPlayer *player, const char *path)
+{
+    Entry entry("RtspPlayer_FetchStill", player, {path});
+    if (entry && entry.works() && entry.script().still) {
+        const int answer = *entry.script().still;
+        if (answer == 0)
+            writeFile(path, snapshotBytes(entry.script()));
+        post(entry.player(), CAMMGR_MSG_STILL, answer);
+    }
+    return entry.result(0, -1);
+}
+
 int cammgr_set_known_keys_file(const char *path)
 {
     return Entry("cammgr_set_known_keys_file", nullptr, {path}).result(0, 0);

@@ -30,6 +30,14 @@ struct MediaProbe
             path + "'");
         return found.empty() ? 0 : static_cast<int>(found.front());
     }
+    /// Of the picture, in pixels; 0 when there is none.
+    static int width(const std::string &path)
+    {
+        const auto found =
+            numbers("ffprobe -v error -select_streams v -show_entries stream=width -of csv=p=0 '" +
+                    path + "'");
+        return found.empty() ? 0 : static_cast<int>(found.front());
+    }
     static double duration(const std::string &path)
     {
         const auto found = numbers("ffprobe -v error -show_entries format=duration -of csv=p=0 '" +

@@ -18,7 +18,10 @@ public:
     cammgr::LiveStream::Listener callbacks()
     {
         return {[this] { note([this] { ++m_firstFrames; }); },
-                [this](cammgr::StreamEnd end) { note([&] { m_ends.push_back(end); }); },
+                [this](const cammgr::StreamFailure &failure) {
+                    note([&] { m_ends.push_back(failure.end); });
+                },
+                [this] { note([this] { ++m_undecodables; }); },
                 [this] { note([this] { ++m_keyFrameWishes; }); }};
     }
 
@@ -29,6 +32,10 @@ public:
     bool waitForEnd(std::chrono::milliseconds deadline = 30s)
     {
         return wait([&] { return !m_ends.empty(); }, deadline);
+    }
+    bool waitForUndecodable()
+    {
+        return wait([&] { return m_undecodables > 0; });
     }
     bool waitForKeyFrameWish()
     {
@@ -68,5 +75,6 @@ private:
     std::condition_variable m_changed;
     int m_firstFrames = 0;
     int m_keyFrameWishes = 0;
+    int m_undecodables = 0;
     std::vector<cammgr::StreamEnd> m_ends;
 };

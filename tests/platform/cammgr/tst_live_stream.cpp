@@ -161,13 +161,33 @@ TEST(LiveStream, DrawsEachPictureOnItsWindow)
     EXPECT_FALSE(waitUntil([&] { return window.grab().sum != after; }, 300ms));
 }
 
+TEST(LiveStream, FramesThatNobodyCanDecodeAreTold)
+{
+    TestWindow window(320, 240);
+    if (!window.exists())
+        GTEST_SKIP() << "no X display";
+    RtspTestServer server({RtspTestServer::testPicture()});
+    GstRegistry *registry = gst_registry_get();
+    GstPluginFeature *decoder = gst_registry_lookup_feature(registry, "avdec_h264");
+    ASSERT_TRUE(decoder);
+    gst_registry_remove_feature(registry, decoder);
+    StreamListener listener;
+    LiveStream stream(listener.callbacks());
+    stream.start(requestFor(server.url(), window.id()));
+    EXPECT_TRUE(listener.waitForUndecodable());
+    EXPECT_EQ(listener.firstFrames(), 0);
+    EXPECT_TRUE(listener.ends().empty());
+    stream.stop();
+    gst_registry_add_feature(registry, decoder);
+}
+
 TEST(LiveStream, NobodyListeningFails)
 {
     StreamListener listener;
     LiveStream stream(listener.callbacks());
     stream.start(requestFor(deadUrl()));
     ASSERT_TRUE(listener.waitForEnd());
-    EXPECT_EQ(listener.ends().front(), StreamEnd::Failed);
+    EXPECT_EQ(listener.ends().front(), StreamEnd::Rejected);
     EXPECT_FALSE(stream.isActive());
     EXPECT_EQ(listener.firstFrames(), 0);
 }

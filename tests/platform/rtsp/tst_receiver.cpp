@@ -113,7 +113,8 @@ TEST(Receiver, TellsWhatVideoItCannotPlay)
                                           "a=rtpmap:96 VP8/90000\r\nm=audio 0 RTP/AVP 0\r\n"});
     Viewer viewer(camera.url());
     viewer.start();
-    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::NoVideo);
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::UnknownCodec);
+    EXPECT_EQ(viewer.failure().codec, "VP8");
     EXPECT_THAT(viewer.text(), HasSubstr("VP8"));
     EXPECT_FALSE(viewer.hasVideo());
     EXPECT_TRUE(viewer.hasAudio());
@@ -148,7 +149,7 @@ TEST(Receiver, AClosedPortFails)
 {
     Viewer viewer("rtsp://127.0.0.1:1/live");
     viewer.start();
-    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Failed);
+    EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Rejected);
 }
 
 TEST(Receiver, OnlyAddressesOfStreamsAreTaken)
@@ -206,7 +207,7 @@ TEST(Receiver, ASilentCameraFailsAndAClosingOneDoesNotPlayThePath)
         viewer->start();
     EXPECT_EQ(second.waitForEnd(), StreamEnd::PathRefused);
     EXPECT_EQ(third.waitForEnd(), StreamEnd::PathRefused);
-    EXPECT_EQ(first.waitForEnd(), StreamEnd::Failed);
+    EXPECT_EQ(first.waitForEnd(), StreamEnd::Silent);
 }
 
 TEST(Receiver, TriesTheOtherWayToJoinTheControlAddress)

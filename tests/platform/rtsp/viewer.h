@@ -85,6 +85,7 @@ public:
     bool hasAudio() const { return locked(m_hasAudio); }
     int sounds() const { return locked(m_sounds); }
     std::string text() const { return locked(m_text); }
+    rtsp::StreamFailure failure() const { return locked(m_failure); }
 
 private:
     template <typename T>
@@ -134,12 +135,13 @@ private:
         note([&] { ++m_sounds; });
     }
     void lostPackets() override {}
-    void ended(rtsp::StreamEnd reason, const std::string &text) override
+    void ended(const rtsp::StreamFailure &failure) override
     {
         note([&] {
             ++m_ends;
-            m_end = reason;
-            m_text = text;
+            m_end = failure.end;
+            m_text = failure.text;
+            m_failure = failure;
         });
     }
 
@@ -157,6 +159,7 @@ private:
     bool m_hasAudio = false;
     std::optional<rtsp::StreamEnd> m_end;
     std::string m_text;
+    rtsp::StreamFailure m_failure;
     std::function<void()> m_onFrame;
     std::unique_ptr<rtsp::Receiver> m_receiver; ///< its thread
 };
