@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace base {
@@ -12,5 +13,9 @@ struct Credentials
 
     bool operator==(const Credentials &) const = default;
 };
+
+/// The same in ISO 8859-1, as devices from before RFC 7616 expect a login; nullopt where that is no
+/// other login, or there is none.
+[[nodiscard]] std::optional<Credentials> latin1Of(const Credentials &credentials);
 
 } // namespace base

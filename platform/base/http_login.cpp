@@ -98,6 +98,16 @@ bool offersAuth(const std::string &qop)
 
 } // namespace
 
+std::optional<Credentials> latin1Of(const Credentials &credentials)
+{
+    const std::optional<std::string> user = latin1Of(credentials.user);
+    const std::optional<std::string> password = latin1Of(credentials.password);
+    if (!user || !password)
+        return std::nullopt;
+    Credentials result{*user, *password};
+    return result == credentials ? std::nullopt : std::optional(std::move(result));
+}
+
 std::string quoted(const std::string &text)
 {
     std::string result = "\"";
@@ -143,6 +153,7 @@ std::optional<HttpDigest> HttpDigest::choose(const std::vector<HttpChallenge> &c
         digest.m_hash = name == "sha-256" ? Hash::Sha256 : Hash::Md5;
         digest.m_hasQop = !qop.empty();
         digest.m_isStale = lowerAscii(parameter(challenge, "stale")) == "true";
+        digest.m_wantsUtf8 = lowerAscii(parameter(challenge, "charset")) == "utf-8";
         digest.m_realm = parameter(challenge, "realm");
         digest.m_nonce = parameter(challenge, "nonce");
         digest.m_opaque = parameter(challenge, "opaque");

@@ -45,6 +45,8 @@ public:
     /// The device refused the nonce, not the password.
     [[nodiscard]] bool isStale() const { return m_isStale; }
     [[nodiscard]] const std::string &nonce() const { return m_nonce; }
+    /// The device says that it takes logins in UTF-8 (RFC 7616 3.3).
+    [[nodiscard]] bool wantsUtf8() const { return m_wantsUtf8; }
 
 private:
     static std::string newNonce();
@@ -62,6 +64,7 @@ private:
     bool m_isSession = false;
     bool m_hasQop = false;
     bool m_isStale = false;
+    bool m_wantsUtf8 = false;
     std::string m_realm;
     std::string m_nonce;
     std::string m_opaque;

@@ -82,6 +82,22 @@ std::string cleanText(std::string_view text, std::size_t maxBytes)
     return std::string(trimmed(cutUtf8(trimmed(clean), maxBytes)));
 }
 
+std::optional<std::string> latin1Of(std::string_view text)
+{
+    if (!g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr))
+        return std::nullopt;
+    constexpr gunichar last = 0xff;
+    std::string result;
+    const char *const end = text.data() + text.size();
+    for (const char *at = text.data(); at < end; at = g_utf8_next_char(at)) {
+        const gunichar character = g_utf8_get_char(at);
+        if (character > last)
+            return std::nullopt;
+        result += static_cast<char>(character);
+    }
+    return result;
+}
+
 std::string percentDecode(std::string_view text)
 {
     std::string decoded;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,9 @@ std::string cutUtf8(std::string_view text, std::size_t maxBytes);
 /// Text from a device, fit to be shown: valid UTF-8 without control and direction characters
 /// (each becomes a blank, a broken byte becomes "?"), trimmed, at most maxBytes bytes.
 std::string cleanText(std::string_view text, std::size_t maxBytes);
+
+/// The text in ISO 8859-1; nullopt when it has other characters, or is no UTF-8.
+std::optional<std::string> latin1Of(std::string_view text);
 
 /// Replaces %41 by A and so on; sequences that are not two hexadecimal digits stay.
 std::string percentDecode(std::string_view text);

@@ -36,8 +36,9 @@ CameraSession::~CameraSession() = default;
 void CameraSession::open()
 {
     IoServices &services = IoServices::instance();
-    m_resolver = std::make_unique<Resolver>(services.lookup(), m_info.address,
-                                            base::Credentials{m_info.username, m_info.password});
+    m_resolver =
+        std::make_unique<Resolver>(services.lookup(), m_info.address,
+                                   base::Credentials{m_info.username, m_info.password}, m_login);
     m_resolver->onMoved = [this] { moved(); };
     m_watch = services.watchNetwork([this] { m_schedule.networkChanged(); });
 }
@@ -120,6 +121,7 @@ bool CameraSession::awaitPicture()
 void CameraSession::userAsked()
 {
     m_schedule.userAsked();
+    m_login->userAsked();
     m_reason.setLoginPause(std::nullopt);
 }
 

@@ -22,10 +22,11 @@ void answerAll(Waiters &waiters, Answer... answer)
 } // namespace
 
 Resolver::Resolver(onvif::CameraLookup &lookup, base::CameraAddress address,
-                   base::Credentials credentials)
+                   base::Credentials credentials, onvif::LoginLimitPtr limit)
     : m_lookup(lookup)
     , m_address(std::move(address))
     , m_credentials(std::move(credentials))
+    , m_limit(std::move(limit))
 {
     if (m_address.kind == base::CameraAddress::Kind::Host) {
         m_endpoint = m_address.endpoint;
@@ -122,11 +123,13 @@ void Resolver::askStreams()
         return;
     }
     m_streamRequest = m_lookup.streamUris(
-        m_xaddr, m_credentials, [this](onvif::SoapStatus status, onvif::CameraStreams streams) {
+        m_xaddr, m_credentials,
+        [this](onvif::SoapStatus status, onvif::CameraStreams streams) {
             if (status == onvif::SoapStatus::Ok && isThisCamera(streams))
                 m_streams = std::move(streams);
             answerAll(m_streamWaiters, m_streams ? &*m_streams : nullptr);
-        });
+        },
+        m_limit);
 }
 
 bool Resolver::isThisCamera(const onvif::CameraStreams &streams) const
@@ -162,13 +165,15 @@ void Resolver::askWebServer()
         return;
     }
     m_webServerRequest = m_lookup.webServer(
-        m_xaddr, m_credentials, [this, host](std::optional<onvif::WebServer> server) {
+        m_xaddr, m_credentials,
+        [this, host](std::optional<onvif::WebServer> server) {
             const onvif::WebServer usual = {.port = httpPort, .tls = false};
             const onvif::WebServer &found = server ? *server : usual;
             answerAll(m_webServerWaiters, base::Endpoint{.host = host,
                                                          .port = static_cast<uint16_t>(found.port),
                                                          .tls = found.tls});
-        });
+        },
+        m_limit);
 }
 
 void Resolver::fetchSnapshot(const std::string &profileToken,
@@ -178,15 +183,15 @@ void Resolver::fetchSnapshot(const std::string &profileToken,
         done(onvif::PictureStatus::Failed, {});
     else
         m_snapshotRequest =
-            m_lookup.snapshot(m_xaddr, profileToken, m_credentials, std::move(done));
+            m_lookup.snapshot(m_xaddr, profileToken, m_credentials, std::move(done), m_limit);
 }
 
 void Resolver::requestKeyFrame(const std::string &profileToken)
 {
     if (m_xaddr.empty() || profileToken.empty())
         return;
-    m_keyFrameRequest =
-        m_lookup.requestKeyFrame(m_xaddr, profileToken, m_credentials, [](onvif::SoapStatus) {});
+    m_keyFrameRequest = m_lookup.requestKeyFrame(
+        m_xaddr, profileToken, m_credentials, [](onvif::SoapStatus) {}, m_limit);
 }
 
 /// At which the camera's services are reached.

@@ -19,7 +19,7 @@ class Resolver
 {
 public:
     Resolver(onvif::CameraLookup &lookup, base::CameraAddress address,
-             base::Credentials credentials);
+             base::Credentials credentials, onvif::LoginLimitPtr limit = nullptr);
 
     /// Answers whether endpoint() is worth a try.
     void find(std::function<void(bool)> done);
@@ -74,6 +74,7 @@ private:
     onvif::CameraLookup &m_lookup;
     const base::CameraAddress m_address;
     const base::Credentials m_credentials;
+    const onvif::LoginLimitPtr m_limit;
 
     base::Endpoint m_endpoint;
     bool m_isFoundByUid = false;

@@ -24,15 +24,17 @@ constexpr std::size_t maxKnownCameras = 256;
 struct KnownCamera
 {
     KnownCamera(GMainContext *context, const std::string &xaddr, const base::Credentials &user,
-                ClearPassword clear)
+                ClearPassword clear, const LoginLimitPtr &loginLimit)
         : credentials(user)
         , clearPassword(clear)
-        , soap(context, xaddr, user, {.clearPassword = clear})
+        , limit(loginLimit)
+        , soap(context, xaddr, user, {.clearPassword = clear, .limit = loginLimit})
     {
     }
 
     base::Credentials credentials;
     ClearPassword clearPassword;
+    LoginLimitPtr limit;
     SoapClient soap;
     std::string mediaService; ///< empty until requested
 };
@@ -230,7 +232,7 @@ private:
     void get(const std::string &address)
     {
         next(std::make_unique<PictureRequest>(
-            m_context, address, m_camera->credentials, m_camera->clearPassword,
+            m_context, address, m_camera->credentials, m_camera->clearPassword, m_camera->limit,
             [this](PictureStatus status, const std::string &picture) {
                 const PictureRequest::Done done = std::move(m_done);
                 done(status, picture);
@@ -293,18 +295,19 @@ class CameraLookup::Private
 public:
     explicit Private(GMainContext *mainContext) : context(g_main_context_ref(mainContext)) {}
 
-    KnownCameraPtr camera(const std::string &xaddr, const base::Credentials &credentials)
+    KnownCameraPtr camera(const std::string &xaddr, const base::Credentials &credentials,
+                          const LoginLimitPtr &limit)
     {
         const ClearPassword clear =
             foundByUid.contains(xaddr) ? ClearPassword::Never : ClearPassword::AsLastResort;
         for (const KnownCameraPtr &known : m_known)
             if (known->soap.deviceService() == xaddr && known->credentials == credentials &&
-                known->clearPassword == clear)
+                known->clearPassword == clear && known->limit == limit)
                 return known;
         if (m_known.size() == maxKnownCameras)
             m_known.pop_front();
         return m_known.emplace_back(
-            std::make_shared<KnownCamera>(context.get(), xaddr, credentials, clear));
+            std::make_shared<KnownCamera>(context.get(), xaddr, credentials, clear, limit));
     }
 
     base::GMainContextPtr context;
@@ -365,35 +368,40 @@ RequestPtr CameraLookup::locate(const std::string &host, std::function<void(Came
 }
 
 RequestPtr CameraLookup::streamUris(const std::string &xaddr, const base::Credentials &credentials,
-                                    std::function<void(SoapStatus, CameraStreams)> done)
+                                    std::function<void(SoapStatus, CameraStreams)> done,
+                                    const LoginLimitPtr &limit)
 {
-    auto request = std::make_unique<StreamsRequest>(d->camera(xaddr, credentials), std::move(done));
+    auto request =
+        std::make_unique<StreamsRequest>(d->camera(xaddr, credentials, limit), std::move(done));
     request->start();
     return request;
 }
 
 RequestPtr CameraLookup::webServer(const std::string &xaddr, const base::Credentials &credentials,
-                                   std::function<void(std::optional<WebServer>)> done)
+                                   std::function<void(std::optional<WebServer>)> done,
+                                   const LoginLimitPtr &limit)
 {
-    return std::make_unique<WebServerRequest>(d->camera(xaddr, credentials), done);
+    return std::make_unique<WebServerRequest>(d->camera(xaddr, credentials, limit), done);
 }
 
 RequestPtr CameraLookup::snapshot(const std::string &xaddr, const std::string &profileToken,
                                   const base::Credentials &credentials,
-                                  std::function<void(PictureStatus, std::string)> done)
+                                  std::function<void(PictureStatus, std::string)> done,
+                                  const LoginLimitPtr &limit)
 {
     auto request = std::make_unique<SnapshotRequest>(
-        d->context.get(), d->camera(xaddr, credentials), profileToken, std::move(done));
+        d->context.get(), d->camera(xaddr, credentials, limit), profileToken, std::move(done));
     request->start();
     return request;
 }
 
 RequestPtr CameraLookup::requestKeyFrame(const std::string &xaddr, const std::string &profileToken,
                                          const base::Credentials &credentials,
-                                         std::function<void(SoapStatus)> done)
+                                         std::function<void(SoapStatus)> done,
+                                         const LoginLimitPtr &limit)
 {
-    auto request = std::make_unique<KeyFrameRequest>(d->camera(xaddr, credentials), profileToken,
-                                                     std::move(done));
+    auto request = std::make_unique<KeyFrameRequest>(d->camera(xaddr, credentials, limit),
+                                                     profileToken, std::move(done));
     request->start();
     return request;
 }

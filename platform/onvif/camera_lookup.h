@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/credentials.h"
+#include "platform/base/login_limit.h"
 #include "platform/onvif/device_message.h"
 #include "platform/onvif/picture_request.h"
 #include "platform/onvif/request.h"
@@ -14,6 +15,9 @@
 #include <string>
 
 namespace onvif {
+
+/// Of one camera; null for none.
+using LoginLimitPtr = std::shared_ptr<base::LoginLimit>;
 
 /// Where a camera is.
 struct CameraLocation
@@ -72,25 +76,29 @@ public:
     /// the status is Ok. A camera without an H.264 profile is a Fault.
     [[nodiscard]] RequestPtr streamUris(const std::string &xaddr,
                                         const base::Credentials &credentials,
-                                        std::function<void(SoapStatus, CameraStreams)> done);
+                                        std::function<void(SoapStatus, CameraStreams)> done,
+                                        const LoginLimitPtr &limit = nullptr);
 
     /// Where the camera whose device service is at xaddr has its web pages (GetNetworkProtocols):
     /// by HTTPS rather than HTTP where xaddr is an https address. nullopt when it does not tell.
     [[nodiscard]] RequestPtr webServer(const std::string &xaddr,
                                        const base::Credentials &credentials,
-                                       std::function<void(std::optional<WebServer>)> done);
+                                       std::function<void(std::optional<WebServer>)> done,
+                                       const LoginLimitPtr &limit = nullptr);
 
     /// Gets a still picture of a profile, a JPEG file, from the address that the camera reports for
     /// it (GetSnapshotUri). The login is answered at most once there, see PictureRequest.
     [[nodiscard]] RequestPtr snapshot(const std::string &xaddr, const std::string &profileToken,
                                       const base::Credentials &credentials,
-                                      std::function<void(PictureStatus, std::string)> done);
+                                      std::function<void(PictureStatus, std::string)> done,
+                                      const LoginLimitPtr &limit = nullptr);
 
     /// Asks for a key frame (SetSynchronizationPoint) on a profile.
     [[nodiscard]] RequestPtr requestKeyFrame(const std::string &xaddr,
                                              const std::string &profileToken,
                                              const base::Credentials &credentials,
-                                             std::function<void(SoapStatus)> done);
+                                             std::function<void(SoapStatus)> done,
+                                             const LoginLimitPtr &limit = nullptr);
 
 private:
     class Private;

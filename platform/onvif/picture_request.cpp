@@ -11,6 +11,7 @@ namespace onvif {
 namespace {
 
 constexpr unsigned limitMilliseconds = 5000;
+constexpr const char *limitedRequest = "picture";
 constexpr unsigned statusOk = 200;
 constexpr unsigned statusUnauthorized = 401;
 constexpr unsigned statusForbidden = 403;
@@ -24,12 +25,14 @@ bool isJpeg(const std::string &bytes)
 } // namespace
 
 PictureRequest::PictureRequest(GMainContext *context, std::string address,
-                               base::Credentials credentials, ClearPassword clear, Done done)
+                               base::Credentials credentials, ClearPassword clear,
+                               std::shared_ptr<base::LoginLimit> limit, Done done)
     : m_context(g_main_context_ref(context))
     , m_session(newHttpSession(context))
     , m_address(std::move(address))
     , m_credentials(std::move(credentials))
     , m_clear(clear)
+    , m_limit(std::move(limit))
     , m_done(std::move(done))
 {
     get({});
@@ -58,6 +61,10 @@ void PictureRequest::answered(const HttpAnswer &answer, bool wasSigned)
             return;
         }
     }
+    if (m_limit && wasSigned && answer.status == statusUnauthorized)
+        m_limit->refused(limitedRequest);
+    else if (m_limit && wasSigned && answer.status == statusOk)
+        m_limit->accepted(limitedRequest);
     g_log(logDomain, G_LOG_LEVEL_DEBUG, "%s: HTTP status %u", m_address.c_str(), answer.status);
     // The receiver may destroy this request, and with it the answer.
     const Done done = std::move(m_done);
@@ -76,7 +83,7 @@ std::string PictureRequest::answerTo(const HttpAnswer &answer) const
 {
     const std::optional<HttpAddress> address = parseHttpAddress(m_address);
     const std::vector<base::HttpChallenge> challenges = base::parseChallenges(answer.challenges);
-    if (!address || m_credentials.user.empty())
+    if (!address || m_credentials.user.empty() || (m_limit && !m_limit->mayTryBeside()))
         return {};
     if (base::offersScheme(challenges, "digest"))
         LoginMemory::instance().sawSecretLogin(address->host);

@@ -25,14 +25,15 @@ inline constexpr std::size_t maxPictureBytes = 16 * 1024 * 1024;
 
 /// Gets a JPEG file of a device by HTTP. The login is sent at most once: as a digest where one is
 /// offered; in clear only over TLS, or where ClearPassword allows it and the device has never
-/// offered anything better. Thread and cancelling as for SoapClient.
+/// offered anything better; and not at all once the limit is reached. Thread and cancelling as for
+/// SoapClient.
 class PictureRequest : public Request
 {
 public:
     using Done = std::function<void(PictureStatus, std::string)>;
 
     PictureRequest(GMainContext *context, std::string address, base::Credentials credentials,
-                   ClearPassword clear, Done done);
+                   ClearPassword clear, std::shared_ptr<base::LoginLimit> limit, Done done);
 
 private:
     void get(const std::string &authorization);
@@ -44,6 +45,7 @@ private:
     const std::string m_address;
     const base::Credentials m_credentials;
     const ClearPassword m_clear;
+    const std::shared_ptr<base::LoginLimit> m_limit; ///< may be null
     Done m_done;
     RequestPtr m_exchange;
 };

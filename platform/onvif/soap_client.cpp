@@ -22,6 +22,7 @@ constexpr const char *clockBody = "<tds:GetSystemDateAndTime/>";
 constexpr std::int64_t clockStep = 2;
 // Some devices lock an account after a few wrong answers.
 constexpr int maxTokens = 2;
+constexpr const char *limitedRequest = "ONVIF";
 
 enum class Signing
 {
@@ -98,6 +99,7 @@ struct SoapClient::Session
     Signing signing = Signing::Http;
     std::optional<base::HttpDigest> digest;  ///< answers the challenge that was accepted last
     bool wasHelpful = false;                 ///< it has answered a request successfully
+    bool isLatin1 = false;                   ///< the digest is made of the login in ISO 8859-1
     bool takesBasic = false;                 ///< it was accepted after a token was refused
     std::optional<std::int64_t> clockOffset; ///< seconds the device's clock is ahead
 };
@@ -146,10 +148,8 @@ private:
     void sendUnsignedOrDigest()
     {
         std::string authorization;
-        if (m_session->digest && hasUser()) {
-            authorization =
-                m_session->digest->authorization("POST", m_address.path, m_session->credentials);
-        }
+        if (m_session->digest && hasUser())
+            authorization = m_session->digest->authorization("POST", m_address.path, digestLogin());
         const bool isSigned = !authorization.empty();
         post(m_service, m_action, m_kind, buildEnvelope(m_body), authorization,
              [this, isSigned](const HttpAnswer &answer) { httpAnswered(answer, isSigned); });
@@ -160,12 +160,16 @@ private:
         const ReadReply read = readReply(answer, m_action);
         const std::vector<base::HttpChallenge> challenges =
             base::parseChallenges(answer.challenges);
-        if (answer.status == 401 && mayAnswer(challenges)) {
+        if (answer.status == 401 && mayAnswer(challenges, wasSigned)) {
             sendUnsignedOrDigest();
             return;
         }
-        if (answer.status == 401)
+        if (answer.status == 401) {
             m_session->digest.reset();
+            m_session->isLatin1 = false;
+        } else if (wasSigned) {
+            accepted();
+        }
         m_asksForBasic =
             base::offersScheme(challenges, "basic") && !base::offersScheme(challenges, "digest");
         const bool isRefused =
@@ -175,23 +179,63 @@ private:
             return;
         }
         m_refusal = read.reply;
-        if (m_session->takesBasic)
+        if (!mayTry())
+            finish(read.reply);
+        else if (m_session->takesBasic)
             tokensRefused();
         else
             readClock();
     }
 
+    [[nodiscard]] bool mayTry() const
+    {
+        return !m_session->options.limit || m_session->options.limit->mayTryBeside();
+    }
+
+    void refused() const
+    {
+        if (m_session->options.limit)
+            m_session->options.limit->refused(limitedRequest);
+    }
+
+    void accepted() const
+    {
+        if (m_session->options.limit)
+            m_session->options.limit->accepted(limitedRequest);
+    }
+
+    [[nodiscard]] base::Credentials digestLogin() const
+    {
+        const base::Credentials &own = m_session->credentials;
+        return m_session->isLatin1 ? base::latin1Of(own).value_or(own) : own;
+    }
+
     // Whether there is a digest for these challenges that has not been refused already.
-    bool mayAnswer(const std::vector<base::HttpChallenge> &challenges)
+    bool mayAnswer(const std::vector<base::HttpChallenge> &challenges, bool wasSigned)
     {
         std::optional<base::HttpDigest> digest = base::HttpDigest::choose(challenges);
         if (base::offersScheme(challenges, "digest"))
             LoginMemory::instance().sawSecretLogin(m_address.host);
-        const bool isNew = digest && (m_answered == 0 || (digest->isStale() && m_answered == 1));
-        if (!isNew || !hasUser())
+        const bool isStale = digest && digest->isStale();
+        if (wasSigned && !isStale)
+            refused();
+        if (!digest || !hasUser() || !mayTry())
+            return false;
+        const bool isNew = m_answered == 0 || (isStale && m_answered == 1);
+        if (!isNew && !mayTryLatin1(*digest))
             return false;
         ++m_answered;
         m_session->digest = std::move(digest);
+        return true;
+    }
+
+    /// Once, where the digest of the login in UTF-8 was refused.
+    bool mayTryLatin1(const base::HttpDigest &digest)
+    {
+        if (m_session->isLatin1 || digest.wantsUtf8() || digest.isStale() ||
+            !base::latin1Of(m_session->credentials))
+            return false;
+        m_session->isLatin1 = true;
         return true;
     }
 
@@ -217,7 +261,7 @@ private:
         while (m_tokens > 0 && !m_offsets.empty() && tried &&
                std::abs(m_offsets.front() - *tried) <= clockStep)
             m_offsets.erase(m_offsets.begin());
-        if (m_offsets.empty() || m_tokens == maxTokens) {
+        if (m_offsets.empty() || m_tokens == maxTokens || !mayTry()) {
             tokensRefused();
             return;
         }
@@ -244,11 +288,13 @@ private:
         if (read.reply.status == SoapStatus::Ok) {
             m_session->signing = Signing::Token;
             LoginMemory::instance().sawSecretLogin(m_address.host);
+            accepted();
         }
         if (read.reply.status != SoapStatus::Refused) {
             finish(read.reply);
             return;
         }
+        refused();
         m_refusal = read.reply;
         // It worked before: perhaps the device's clock was set meanwhile.
         if (m_tokens == 1 && m_offsets.empty() && m_session->signing == Signing::Token)
@@ -259,10 +305,10 @@ private:
 
     void tokensRefused()
     {
-        if (m_asksForBasic && maySendClear())
+        if (m_asksForBasic && mayTry() && maySendClear())
             sendBasic();
         else
-            finish(*m_refusal);
+            finish(m_refusal.value_or(SoapReply{SoapStatus::Refused, nullptr}));
     }
 
     [[nodiscard]] bool maySendClear() const
@@ -287,6 +333,10 @@ private:
             [this](const HttpAnswer &answer) {
                 const SoapReply reply = readReply(answer, m_action).reply;
                 m_session->takesBasic = reply.status == SoapStatus::Ok;
+                if (reply.status == SoapStatus::Ok)
+                    accepted();
+                else if (reply.status == SoapStatus::Refused)
+                    refused();
                 finish(reply);
             });
     }

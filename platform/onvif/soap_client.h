@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/credentials.h"
+#include "platform/base/login_limit.h"
 #include "platform/onvif/request.h"
 #include "platform/onvif/soap_status.h"
 #include "platform/onvif/xml_message.h"
@@ -41,6 +42,8 @@ struct SoapOptions
     ClearPassword clearPassword = ClearPassword::Never;
     unsigned questionMilliseconds = 5000; ///< for one exchange with the device
     unsigned changeMilliseconds = 15'000; ///< the same, of a SoapKind::Change
+    /// Of the device, with what else talks to it; null: the caller sees to that.
+    std::shared_ptr<base::LoginLimit> limit = {};
 };
 
 /// Talks SOAP over HTTP with one device on behalf of one user.
@@ -49,8 +52,9 @@ struct SoapOptions
 /// refuses otherwise, or takes no digest, gets a WS-Security UsernameToken, dated by its own clock;
 /// never both in one message. HTTP basic comes last: over TLS, or where ClearPassword allows it.
 /// The way that worked and the nonce are kept. Wrong credentials reach the device at most three
-/// times a call. Over TLS a device has to keep its key, see base::KnownKeys. Answers are limited to
-/// XmlMessage::maxBytes; redirections are not followed.
+/// times a call, or not at all once SoapOptions::limit is reached; a login beyond ASCII is tried in
+/// Latin-1 after UTF-8. Over TLS a device has to keep its key, see base::KnownKeys. Answers are
+/// limited to XmlMessage::maxBytes; redirections are not followed.
 ///
 /// Belongs to the thread that runs the context as its default.
 class SoapClient

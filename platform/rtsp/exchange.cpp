@@ -243,7 +243,8 @@ void Exchange::reply(Reply reply)
     }
     m_isAnsweringChallenge = false;
     m_wasLastAnswer = !reply.keepsConnection;
-    m_loginAccepted = m_loginAccepted || (pending->withLogin && !isChallenge);
+    if (pending->withLogin && !isChallenge)
+        loginAccepted(pending->request.method);
     if (isChallenge)
         m_login.forgetChallenge(); // or the farewell would be one more wrong answer
     const Done done = std::move(pending->done);
@@ -255,16 +256,28 @@ void Exchange::reply(Reply reply)
 bool Exchange::answersChallenge(const Reply &reply, Pending &pending)
 {
     const std::string refused = pending.withLogin ? m_login.nonce() : std::string();
-    if (!m_login.takeChallenge(reply.all("WWW-Authenticate"), *m_policy, m_tls) ||
-        ++pending.challenges > maxChallenges)
+    const bool isUnderstood =
+        m_login.takeChallenge(reply.all("WWW-Authenticate"), *m_policy, m_tls);
+    const bool isRefused = pending.withLogin && !m_login.isStale();
+    if (isRefused)
+        m_policy->refused(pending.request.method);
+    if (!isUnderstood || ++pending.challenges > maxChallenges || !m_policy->mayTry())
         return false;
-    if (!pending.withLogin || m_login.isStale())
+    if (!isRefused || (!m_loginAccepted && m_login.tryLatin1()))
         return true;
     // A nonce of its own for each request, without a word that the old one is too old: only where
     // the login is known to be right, and once.
     const bool hasNewNonce = m_loginAccepted && !m_gaveSecondChance && m_login.nonce() != refused;
     m_gaveSecondChance = m_gaveSecondChance || hasNewNonce;
     return hasNewNonce;
+}
+
+void Exchange::loginAccepted(const std::string &method)
+{
+    m_loginAccepted = true;
+    m_policy->accepted(method);
+    if (m_login.isLatin1())
+        m_policy->noteLatin1();
 }
 
 void Exchange::expire(unsigned sequence)

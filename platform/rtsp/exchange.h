@@ -108,6 +108,7 @@ private:
     std::string textOf(const Request &request, unsigned sequence);
     std::list<Pending>::iterator findPending(const std::string &sequence);
     bool answersChallenge(const Reply &reply, Pending &pending);
+    void loginAccepted(const std::string &method);
     void expire(unsigned sequence);
 
     Client &m_client;

@@ -11,6 +11,7 @@ namespace {
 constexpr size_t maxHead = size_t{16} * 1024;
 constexpr int statusOk = 200;
 constexpr int statusUnauthorized = 401;
+constexpr const char *tunnelRequest = "GET";
 constexpr const char *tunnelled = "application/x-rtsp-tunnelled";
 
 std::string newCookie()
@@ -88,13 +89,26 @@ void HttpTunnel::answered(size_t headSize)
     const int status = reply ? reply->status : 0;
     if (status == statusOk) {
         m_ends.firstBytes.erase(0, headSize);
+        if (m_login.isInUse())
+            m_policy->accepted(tunnelRequest);
+        if (m_login.isInUse() && m_login.isLatin1())
+            m_policy->noteLatin1();
         post();
-    } else if (status == statusUnauthorized && !std::exchange(m_isChallenged, true) &&
-               m_login.takeChallenge(reply->all("WWW-Authenticate"), *m_policy, m_endpoint.tls)) {
+    } else if (status == statusUnauthorized && answersChallenge(*reply)) {
         get();
     } else {
         finish([this, status] { m_handlers.refused(status); });
     }
+}
+
+/// Whether the request is to be sent again, with a login that the camera has not refused.
+bool HttpTunnel::answersChallenge(const Reply &reply)
+{
+    const bool isRefused = m_login.isInUse();
+    if (isRefused)
+        m_policy->refused(tunnelRequest);
+    return m_login.takeChallenge(reply.all("WWW-Authenticate"), *m_policy, m_endpoint.tls) &&
+           m_policy->mayTry() && (!isRefused || m_login.tryLatin1());
 }
 
 void HttpTunnel::post()

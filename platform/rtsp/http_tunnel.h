@@ -2,6 +2,7 @@
 
 #include "platform/base/tcp_channel.h"
 #include "platform/base/timer.h"
+#include "platform/rtsp/message_head.h"
 #include "platform/rtsp/rtsp_login.h"
 
 #include <chrono>
@@ -53,6 +54,7 @@ private:
     void get();
     void received(std::string_view data);
     void answered(size_t headSize);
+    bool answersChallenge(const Reply &reply);
     void post();
     void ended(base::ChannelEnd reason);
     void finish(const std::function<void()> &report);
@@ -67,7 +69,6 @@ private:
     const std::string m_cookie;
     TunnelEnds m_ends;
     base::Timer m_timer;
-    bool m_isChallenged = false;
     bool m_isDone = false;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/base/http_login.h"
+#include "platform/base/login_limit.h"
 
 #include <atomic>
 #include <vector>
@@ -10,10 +11,10 @@ namespace rtsp {
 /**
  * What of a password may be sent to one camera: a digest always; the password
  * itself (Basic) over TLS, or to a camera that the user named and that has
- * never offered anything better. Shared by all connections of one player, so
- * that what one has seen holds for the others. Any thread.
+ * never offered anything better; and no more wrong logins than do no harm. Shared by all
+ * connections of one player, so that what one has seen holds for the others. Any thread.
  */
-class LoginPolicy
+class LoginPolicy : public base::LoginLimit
 {
 public:
     /// The device only claims to be the camera: it answered a search of the local

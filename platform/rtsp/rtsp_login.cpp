@@ -9,11 +9,20 @@ bool RtspLogin::takeChallenge(const std::vector<std::string> &headers, LoginPoli
     const bool mayUseBasic = policy.permitsBasic(challenges, tls);
     m_digest.reset();
     m_isBasic = false;
-    if (m_username.empty() && m_password.empty())
+    if (m_credentials == base::Credentials())
         return false;
+    m_isLatin1 = m_isLatin1 || (policy.takesLatin1() && base::latin1Of(m_credentials));
     m_digest = base::HttpDigest::choose(challenges);
     m_isBasic = !m_digest && mayUseBasic && base::offersScheme(challenges, "basic");
     return isInUse();
+}
+
+bool RtspLogin::tryLatin1()
+{
+    if (m_isLatin1 || (m_digest && m_digest->wantsUtf8()) || !base::latin1Of(m_credentials))
+        return false;
+    m_isLatin1 = true;
+    return true;
 }
 
 void RtspLogin::forgetChallenge()
@@ -24,9 +33,11 @@ void RtspLogin::forgetChallenge()
 
 std::string RtspLogin::authorization(const std::string &method, const std::string &uri)
 {
+    const base::Credentials credentials =
+        m_isLatin1 ? base::latin1Of(m_credentials).value_or(m_credentials) : m_credentials;
     if (m_digest)
-        return m_digest->authorization(method, uri, {m_username, m_password});
-    return m_isBasic ? base::basicAuthorization({m_username, m_password}) : std::string();
+        return m_digest->authorization(method, uri, credentials);
+    return m_isBasic ? base::basicAuthorization(credentials) : std::string();
 }
 
 } // namespace rtsp

@@ -18,8 +18,7 @@ public:
     RtspLogin() = default;
     /// Both in UTF-8.
     RtspLogin(std::string username, std::string password)
-        : m_username(std::move(username))
-        , m_password(std::move(password))
+        : m_credentials{std::move(username), std::move(password)}
     {
     }
 
@@ -27,6 +26,11 @@ public:
     /// to answer them with, or none that the policy lets be answered. tls: the
     /// connection is encrypted.
     bool takeChallenge(const std::vector<std::string> &headers, LoginPolicy &policy, bool tls);
+
+    /// The login was refused: the next request carries it in ISO 8859-1, once. False where that is
+    /// no other login, or the camera wants UTF-8.
+    bool tryLatin1();
+    bool isLatin1() const { return m_isLatin1; }
 
     /// What was learned is not used any more: the camera refuses it.
     void forgetChallenge();
@@ -43,14 +47,11 @@ public:
     std::string nonce() const { return m_digest ? m_digest->nonce() : std::string(); }
 
     /// The same user name and password.
-    bool operator==(const RtspLogin &other) const
-    {
-        return m_username == other.m_username && m_password == other.m_password;
-    }
+    bool operator==(const RtspLogin &other) const { return m_credentials == other.m_credentials; }
 
 private:
-    std::string m_username;
-    std::string m_password;
+    base::Credentials m_credentials;
+    bool m_isLatin1 = false;
     bool m_isBasic = false;
     std::optional<base::HttpDigest> m_digest;
 };

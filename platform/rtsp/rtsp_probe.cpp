@@ -9,6 +9,7 @@ using namespace std::chrono_literals;
 
 constexpr auto connectLimit = 5s;
 constexpr auto probeLimit = 9s;
+constexpr const char *probeRequest = "DESCRIBE";
 
 } // namespace
 
@@ -106,19 +107,22 @@ void RtspProbe::answered(const Reply &reply)
     if (!reply.keepsConnection)
         m_channel.close();
     if (reply.status == 401) {
-        if (m_challenged || !m_login.takeChallenge(reply.all("WWW-Authenticate"), *m_target.policy,
-                                                   m_target.endpoint.tls)) {
+        if (!answersChallenge(reply)) {
             // The next probe starts without a login again: one wrong answer each, not two.
             m_login = RtspLogin(m_target.username, m_target.password);
             finish(ProbeOutcome::LoginRefused);
             return;
         }
-        m_challenged = true;
         if (m_channel.isOpen())
             describe();
         else
             connect();
         return;
+    }
+    if (m_login.isInUse()) {
+        m_target.policy->accepted(probeRequest);
+        if (m_login.isLatin1())
+            m_target.policy->noteLatin1();
     }
     // A redirection (RFC 2326 11.3) is followed by the stream itself.
     if (reply.status == 200)
@@ -127,6 +131,19 @@ void RtspProbe::answered(const Reply &reply)
         finish(ProbeOutcome::Answered);
     else
         finish(reply.status == 404 ? ProbeOutcome::NotFound : ProbeOutcome::Unusable);
+}
+
+/// Whether the request is to be sent again, with a login that the camera has not refused.
+bool RtspProbe::answersChallenge(const Reply &reply)
+{
+    const bool carriedLogin = m_login.isInUse();
+    const bool isUnderstood = m_login.takeChallenge(reply.all("WWW-Authenticate"), *m_target.policy,
+                                                    m_target.endpoint.tls);
+    if (carriedLogin && !m_login.isStale())
+        m_target.policy->refused(probeRequest);
+    // What an earlier probe has learned may be out of date.
+    const bool isFirst = !std::exchange(m_challenged, true);
+    return isUnderstood && m_target.policy->mayTry() && (isFirst || m_login.tryLatin1());
 }
 
 void RtspProbe::ended(base::ChannelEnd reason)

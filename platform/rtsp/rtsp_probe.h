@@ -68,6 +68,7 @@ private:
     void describe();
     void received(std::string_view data);
     void answered(const Reply &reply);
+    bool answersChallenge(const Reply &reply);
     void ended(base::ChannelEnd reason);
     void finish(ProbeOutcome outcome);
 
@@ -80,7 +81,7 @@ private:
     Reply m_description; ///< the last answer, of status 200, over the open connection
     unsigned m_sequence = 0;
     int m_status = 0;
-    bool m_challenged = false;     ///< the first 401 is the challenge, the second the refusal
+    bool m_challenged = false;     ///< the first 401 is the challenge, the next one the refusal
     bool m_connectionUsed = false; ///< has carried a reply: may have been dropped since
 };
 

@@ -469,6 +469,49 @@ TEST_F(SoapClientTest, LetsTheReceiverAskAgain)
     EXPECT_FALSE(running);
 }
 
+std::string refusal(const std::string &more = {})
+{
+    return "HTTP/1.1 401 Unauthorized\r\nWWW-Authenticate: Digest realm=\"r\", nonce=\"n\"" + more +
+           "\r\nContent-Length: 0\r\n\r\n";
+}
+
+TEST_F(SoapClientTest, ALoginBeyondAsciiIsTriedInLatin1AfterUtf8)
+{
+    const base::Credentials user = {"M\u00fcller", "secret"};
+    const RawServer device({refusal(), refusal(), okAnswer()}, RawServer::End::StayOpen);
+    SoapClient client(m_context.get(), device.service(), user);
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    ASSERT_EQ(device.requests().size(), 3U);
+    EXPECT_NE(device.requests()[1].find("username=\"M\u00fcller\""), std::string::npos);
+    EXPECT_NE(device.requests()[2].find("username=\"M\xfcller\""), std::string::npos);
+    EXPECT_EQ(call(client).status, SoapStatus::Ok);
+    EXPECT_NE(device.requests()[3].find("username=\"M\xfcller\""), std::string::npos);
+
+    const RawServer modern(refusal(", charset=UTF-8"), RawServer::End::StayOpen);
+    SoapClient other(m_context.get(), modern.service(), user);
+    EXPECT_EQ(call(other).status, SoapStatus::Refused);
+    for (const std::string &text : modern.requests())
+        EXPECT_EQ(text.find("\xfc"
+                            "ller\""),
+                  std::string::npos);
+}
+
+TEST_F(SoapClientTest, LeavesOneWrongLoginForThePicture)
+{
+    const auto limit = std::make_shared<base::LoginLimit>();
+    const RawServer device(refusal(), RawServer::End::StayOpen);
+    for (int i = 0; i < 3; ++i) {
+        SoapClient client(m_context.get(), device.service(), {"admin", "wrong"}, {.limit = limit});
+        EXPECT_EQ(call(client).status, SoapStatus::Refused);
+    }
+    int wrong = 0;
+    for (const std::string &text : device.requests())
+        wrong += text.find("Authorization:") != std::string::npos || hasToken(text) ? 1 : 0;
+    EXPECT_EQ(wrong, 2);
+    EXPECT_TRUE(limit->mayTry());
+    EXPECT_FALSE(limit->mayTryBeside());
+}
+
 TEST_F(SoapClientTest, OverTlsADeviceHasToKeepItsKey)
 {
     SoapDevice device(m_context);

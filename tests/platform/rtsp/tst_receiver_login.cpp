@@ -198,6 +198,83 @@ TEST(ReceiverLogin, AWrongPasswordIsOneWrongAnswer)
         }
 }
 
+const Login latin1 = {.user = "M\xfcller", .password = "gr\xfcn"};
+
+TEST(ReceiverLogin, ALoginBeyondAsciiIsTriedInLatin1AfterUtf8)
+{
+    ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
+        if (isRight(request, latin1, "1"))
+            return false;
+        connection.answer(request, "401 Unauthorized", challenge(latin1, "1"));
+        return true;
+    }});
+    rtsp::StreamRequest request{
+        .url = camera.url(), .username = "M\u00fcller", .password = "gr\u00fcn"};
+    Viewer viewer(request);
+    viewer.start();
+    ASSERT_TRUE(viewer.waitForFrames(5)) << viewer.text();
+    viewer.close();
+    const auto isUtf8 = [](const Request &each) {
+        return each.header("authorization").find("M\u00fcller") != std::string::npos;
+    };
+    const auto count = [&] {
+        const std::vector<Request> all = camera.requests();
+        return std::count_if(all.begin(), all.end(), isUtf8);
+    };
+    EXPECT_EQ(count(), 1) << "one wrong answer";
+    // Nor does the camera hear it again.
+    viewer.start();
+    ASSERT_TRUE(viewer.waitForFrames(10)) << viewer.text();
+    EXPECT_EQ(count(), 1);
+}
+
+TEST(ReceiverLogin, OnlyWhatIsAnotherLoginIsTriedAsLatin1)
+{
+    for (const auto &[user, more] : {std::pair("M\u00fcller", ", charset=UTF-8"),
+                                     std::pair("admin", ""), std::pair("\u0416", "")}) {
+        ScriptedCamera camera(
+            {.script = [more = std::string(more)](const Request &request, Connection &connection) {
+                connection.answer(request, "401 Unauthorized", challenge({}, "1", more));
+                return true;
+            }});
+        Viewer viewer(camera.url(), user, "wrong");
+        viewer.start();
+        EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Refused);
+        EXPECT_EQ(logins(camera), 1) << user << more;
+    }
+}
+
+TEST(ReceiverLogin, NoCameraGetsMoreThanThreeWrongLogins)
+{
+    for (const std::string refusing : {"DESCRIBE", "PLAY"}) {
+        int nonce = 0;
+        int wrong = 0;
+        ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
+            if (request.method == "OPTIONS" ||
+                (request.method != refusing && isRight(request, {}, "1")))
+                return false;
+            wrong += request.method == refusing && !request.header("authorization").empty();
+            connection.answer(
+                request, "401 Unauthorized",
+                challenge({}, request.method == refusing ? "n" + std::to_string(++nonce) : "1"));
+            return true;
+        }});
+        const rtsp::StreamRequest request{
+            .url = camera.url(), .username = "admin", .password = "secret"};
+        for (int i = 0; i < 6; ++i) {
+            Viewer viewer(request); // each with the same policy
+            viewer.start();
+            EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Refused);
+        }
+        EXPECT_EQ(wrong, 3) << refusing;
+        request.login->userAsked();
+        Viewer viewer(request);
+        viewer.start();
+        EXPECT_EQ(viewer.waitForEnd(), StreamEnd::Refused);
+        EXPECT_EQ(wrong, 4) << refusing;
+    }
+}
+
 TEST(ReceiverLogin, WithoutALoginNothingIsAnswered)
 {
     ScriptedCamera camera({.script = [](const Request &request, Connection &connection) {
