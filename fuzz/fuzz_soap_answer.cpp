@@ -19,9 +19,12 @@ void readMedia(const onvif::XmlMessage &message)
     const std::string stream = onvif::streamAtHost(onvif::parseStreamUri(message), "192.168.1.20");
     FUZZ_EXPECT(stream.empty() || stream.starts_with("rtsp://192.168.1.20") ||
                 stream.starts_with("rtsps://192.168.1.20"));
-    const std::string service = onvif::serviceAtDevice(
-        onvif::parseMediaService(message).value_or(std::string()), "http://192.168.1.20/device");
-    FUZZ_EXPECT(service.empty() || service.starts_with("http://192.168.1.20"));
+    const onvif::MediaServices services =
+        onvif::parseMediaServices(message).value_or(onvif::MediaServices());
+    for (const std::string &address : {services.media1, services.media2}) {
+        const std::string service = onvif::serviceAtDevice(address, "http://192.168.1.20/device");
+        FUZZ_EXPECT(service.empty() || service.starts_with("http://192.168.1.20"));
+    }
 }
 
 void readConfiguration(const onvif::XmlMessage &message)

@@ -36,7 +36,9 @@ struct KnownCamera
     ClearPassword clearPassword;
     LoginLimitPtr limit;
     SoapClient soap;
-    std::string mediaService; ///< empty until requested
+    MediaServices media; ///< empty until requested
+    /// Media 2 before the other, unless it reports no profiles.
+    MediaVersion version = MediaVersion::Media2;
 };
 
 using KnownCameraPtr = std::shared_ptr<KnownCamera>;
@@ -53,16 +55,17 @@ public:
 
     void start()
     {
-        if (!m_camera->mediaService.empty()) {
+        if (!m_camera->media.isEmpty()) {
             withMedia();
             return;
         }
-        m_step = m_device.mediaService([this](SoapStatus status, const std::string &address) {
+        m_step = m_device.mediaServices([this](SoapStatus status, const MediaServices &found) {
             if (status != SoapStatus::Ok) {
                 failed(status);
                 return;
             }
-            m_camera->mediaService = address;
+            m_camera->media = found;
+            m_camera->version = found.media2.empty() ? MediaVersion::Media1 : MediaVersion::Media2;
             withMedia();
         });
     }
@@ -71,10 +74,24 @@ protected:
     virtual void withMedia() = 0;
     virtual void failed(SoapStatus status) = 0;
 
-    [[nodiscard]] MediaClient media() const { return {m_camera->soap, m_camera->mediaService}; }
+    [[nodiscard]] MediaClient media() const
+    {
+        const bool isFirst = m_camera->version == MediaVersion::Media1;
+        return {m_camera->soap, isFirst ? m_camera->media.media1 : m_camera->media.media2,
+                m_camera->version};
+    }
+
+    // Whether there is an older media service, which is used from now on.
+    bool takeOlderMedia()
+    {
+        if (m_camera->version == MediaVersion::Media1 || m_camera->media.media1.empty())
+            return false;
+        m_camera->version = MediaVersion::Media1;
+        return true;
+    }
 
     // A camera whose media service moved is queried for it again next time.
-    void forgetMedia() { m_camera->mediaService.clear(); }
+    void forgetMedia() { m_camera->media = {}; }
 
     void next(RequestPtr step) { m_step = std::move(step); }
 
@@ -100,8 +117,15 @@ private:
     {
         next(media().profiles([this](SoapStatus status, const std::vector<MediaProfile> &profiles) {
             const std::optional<ProfileChoice> choice = chooseProfiles(profiles);
-            if (status != SoapStatus::Ok || !choice) {
-                failed(status == SoapStatus::Ok ? SoapStatus::Fault : status);
+            if ((status == SoapStatus::Ok && !choice) || status == SoapStatus::Fault) {
+                if (takeOlderMedia())
+                    withMedia();
+                else
+                    failed(SoapStatus::Fault);
+                return;
+            }
+            if (status != SoapStatus::Ok) {
+                failed(status);
                 return;
             }
             m_streams.main = streamOf(choice->main);

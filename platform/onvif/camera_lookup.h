@@ -26,7 +26,7 @@ struct CameraLocation
     std::string xaddr;   ///< its ONVIF device service, an http or https address
 };
 
-/// One H.264 stream of a camera.
+/// One stream of a camera.
 struct CameraStream
 {
     std::string uri;          ///< rtsp:// or rtsps:// at the camera's own host, without credentials
@@ -35,7 +35,7 @@ struct CameraStream
     int height = 0;
 };
 
-/// The largest H.264 stream and the smallest that fills a tile, of one lens; the same one twice
+/// The largest stream and the smallest that fills a tile, of one lens; the same one twice
 /// when there is only one.
 struct CameraStreams
 {
@@ -73,7 +73,7 @@ public:
                                     std::function<void(CameraLocation)> done);
 
     /// The streams of the camera whose device service is at xaddr. The streams are filled when
-    /// the status is Ok. A camera without an H.264 profile is a Fault.
+    /// the status is Ok. A camera without a profile that can be played is a Fault.
     [[nodiscard]] RequestPtr streamUris(const std::string &xaddr,
                                         const base::Credentials &credentials,
                                         std::function<void(SoapStatus, CameraStreams)> done,

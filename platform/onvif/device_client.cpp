@@ -13,50 +13,62 @@ std::string action(const char *name)
     return std::string("http://www.onvif.org/ver10/device/wsdl/") + name;
 }
 
-// GetCapabilities is what every device knows; later ones may only know GetServices.
-class MediaServiceRequest : public Request
+// GetCapabilities is what every device knows but for the newest, which only know GetServices. Media
+// 2 is named there alone; a device that refuses that question has none.
+class MediaServicesRequest : public Request
 {
 public:
-    MediaServiceRequest(SoapClient &soap, DeviceClient::Answer<std::string> done)
+    MediaServicesRequest(SoapClient &soap, DeviceClient::Answer<MediaServices> done)
         : m_soap(soap)
         , m_done(std::move(done))
     {
         m_step = askFor(
             "GetCapabilities", buildGetCapabilities(),
-            [this](SoapStatus status, const std::string &address) {
-                if (status == SoapStatus::Fault)
+            [this](SoapStatus status, const MediaServices &found) {
+                m_found = found;
+                if (status == SoapStatus::Ok || status == SoapStatus::Fault)
                     askForServices();
                 else
-                    finish(status, address);
+                    finish(status);
             });
     }
 
 private:
     RequestPtr askFor(const char *name, const std::string &body,
-                      DeviceClient::Answer<std::string> answered)
+                      DeviceClient::Answer<MediaServices> answered)
     {
-        return ask<std::string>(m_soap, m_soap.deviceService(), action(name), body,
-                                parseMediaService, std::move(answered));
+        return ask<MediaServices>(m_soap, m_soap.deviceService(), action(name), body,
+                                  parseMediaServices, std::move(answered));
     }
 
     void askForServices()
     {
         m_step = askFor(
             "GetServices", buildGetServices(),
-            [this](SoapStatus status, const std::string &address) { finish(status, address); });
+            [this](SoapStatus status, const MediaServices &found) {
+                m_found.media2 = found.media2;
+                if (m_found.media1.empty())
+                    m_found.media1 = found.media1;
+                finish(status);
+            });
     }
 
-    void finish(SoapStatus status, const std::string &address)
+    void finish(SoapStatus status)
     {
-        const DeviceClient::Answer<std::string> done = std::move(m_done);
-        const std::string held = serviceAtDevice(address, m_soap.deviceService());
-        if (status == SoapStatus::Ok && held.empty())
+        const DeviceClient::Answer<MediaServices> done = std::move(m_done);
+        const std::string &device = m_soap.deviceService();
+        const MediaServices held = {serviceAtDevice(m_found.media1, device),
+                                    serviceAtDevice(m_found.media2, device)};
+        if (!held.isEmpty())
+            status = SoapStatus::Ok;
+        else if (status == SoapStatus::Ok)
             status = SoapStatus::Fault;
         done(status, held);
     }
 
     SoapClient &m_soap;
-    DeviceClient::Answer<std::string> m_done;
+    DeviceClient::Answer<MediaServices> m_done;
+    MediaServices m_found; ///< as the device reports them
     RequestPtr m_step;
 };
 
@@ -64,9 +76,9 @@ private:
 
 DeviceClient::DeviceClient(SoapClient &soap) : m_soap(soap) {}
 
-RequestPtr DeviceClient::mediaService(Answer<std::string> done)
+RequestPtr DeviceClient::mediaServices(Answer<MediaServices> done)
 {
-    return std::make_unique<MediaServiceRequest>(m_soap, std::move(done));
+    return std::make_unique<MediaServicesRequest>(m_soap, std::move(done));
 }
 
 RequestPtr DeviceClient::deviceInformation(Answer<DeviceInformation> done)

@@ -21,8 +21,9 @@ public:
 
     explicit DeviceClient(SoapClient &soap);
 
-    /// Address of the media service, held to the device itself (see serviceAtDevice).
-    [[nodiscard]] RequestPtr mediaService(Answer<std::string> done);
+    /// Addresses of the media services, held to the device itself (see serviceAtDevice); one at
+    /// least with SoapStatus::Ok.
+    [[nodiscard]] RequestPtr mediaServices(Answer<MediaServices> done);
     [[nodiscard]] RequestPtr deviceInformation(Answer<DeviceInformation> done);
     [[nodiscard]] RequestPtr networkInterfaces(Answer<std::vector<NetworkInterface>> done);
     /// The answer says whether the setup takes effect only after reboot().

@@ -14,6 +14,7 @@ constexpr std::size_t maxScopes = 256;
 constexpr std::size_t maxTokenLength = 256;
 constexpr std::size_t maxInformationText = 256;
 constexpr std::string_view mediaNamespace = "http://www.onvif.org/ver10/media/wsdl";
+constexpr std::string_view media2Namespace = "http://www.onvif.org/ver20/media/wsdl";
 
 std::string element(const std::string &name, const std::string &content)
 {
@@ -186,19 +187,21 @@ std::optional<DeviceInformation> parseDeviceInformation(const XmlMessage &messag
     return information;
 }
 
-std::optional<std::string> parseMediaService(const XmlMessage &message)
+std::optional<MediaServices> parseMediaServices(const XmlMessage &message)
 {
-    const pugi::xml_node capabilities =
-        child(message.body(), {"GetCapabilitiesResponse", "Capabilities", "Media", "XAddr"});
-    if (!textOf(capabilities).empty())
-        return std::string(textOf(capabilities));
+    MediaServices found;
+    found.media1 = textOf(
+        child(message.body(), {"GetCapabilitiesResponse", "Capabilities", "Media", "XAddr"}));
     const pugi::xml_node services = child(message.body(), "GetServicesResponse");
     for (const pugi::xml_node service : children(services, "Service")) {
+        const std::string_view space = textOf(child(service, "Namespace"));
         const std::string_view address = textOf(child(service, "XAddr"));
-        if (textOf(child(service, "Namespace")) == mediaNamespace && !address.empty())
-            return std::string(address);
+        if (space == mediaNamespace && found.media1.empty())
+            found.media1 = address;
+        else if (space == media2Namespace && found.media2.empty())
+            found.media2 = address;
     }
-    return std::nullopt;
+    return found.isEmpty() ? std::nullopt : std::optional(std::move(found));
 }
 
 std::optional<std::vector<NetworkInterface>> parseNetworkInterfaces(const XmlMessage &message)

@@ -55,6 +55,15 @@ struct WebServer
     bool operator==(const WebServer &) const = default;
 };
 
+/// Addresses of the media services of a device; empty where it does not have one.
+struct MediaServices
+{
+    std::string media1; ///< ONVIF Media, which every device had that is older than the other
+    std::string media2; ///< ONVIF Media 2, which alone can name H.265
+
+    [[nodiscard]] bool isEmpty() const { return media1.empty() && media2.empty(); }
+};
+
 struct DeviceScope
 {
     std::string uri;
@@ -86,8 +95,8 @@ std::string buildSetScopes(const std::vector<std::string> &scopes);
 std::string buildSystemReboot();
 
 std::optional<DeviceInformation> parseDeviceInformation(const XmlMessage &message);
-/// Address of the media service, from GetCapabilities or GetServices.
-std::optional<std::string> parseMediaService(const XmlMessage &message);
+/// Addresses of the media services, from GetCapabilities or GetServices; nullopt without any.
+std::optional<MediaServices> parseMediaServices(const XmlMessage &message);
 std::optional<std::vector<NetworkInterface>> parseNetworkInterfaces(const XmlMessage &message);
 /// Whether the device must be restarted before the new setup counts.
 std::optional<bool> parseRebootNeeded(const XmlMessage &message);

@@ -5,19 +5,19 @@
 
 namespace onvif {
 
-namespace {
-
-std::string action(const char *name)
-{
-    return std::string("http://www.onvif.org/ver10/media/wsdl/") + name;
-}
-
-} // namespace
-
-MediaClient::MediaClient(SoapClient &soap, std::string mediaService)
+MediaClient::MediaClient(SoapClient &soap, std::string mediaService, MediaVersion version)
     : m_soap(soap)
     , m_service(std::move(mediaService))
+    , m_version(version)
 {
+}
+
+std::string MediaClient::action(const char *name) const
+{
+    const char *space = m_version == MediaVersion::Media1
+                            ? "http://www.onvif.org/ver10/media/wsdl/"
+                            : "http://www.onvif.org/ver20/media/wsdl/";
+    return space + std::string(name);
 }
 
 RequestPtr MediaClient::profiles(std::function<void(SoapStatus, std::vector<MediaProfile>)> done)
@@ -26,7 +26,7 @@ RequestPtr MediaClient::profiles(std::function<void(SoapStatus, std::vector<Medi
         return std::optional(parseProfiles(message));
     };
     return ask<std::vector<MediaProfile>>(m_soap, m_service, action("GetProfiles"),
-                                          buildGetProfiles(), parse, std::move(done));
+                                          buildGetProfiles(m_version), parse, std::move(done));
 }
 
 RequestPtr MediaClient::streamUri(const std::string &profileToken,
@@ -39,7 +39,7 @@ RequestPtr MediaClient::streamUri(const std::string &profileToken,
         return address.empty() ? std::nullopt : std::optional(address);
     };
     return ask<std::string>(m_soap, m_service, action("GetStreamUri"),
-                            buildGetStreamUri(profileToken), parse, std::move(done));
+                            buildGetStreamUri(profileToken, m_version), parse, std::move(done));
 }
 
 RequestPtr MediaClient::snapshotUri(const std::string &profileToken,
@@ -51,14 +51,15 @@ RequestPtr MediaClient::snapshotUri(const std::string &profileToken,
         return address.empty() ? std::nullopt : std::optional(address);
     };
     return ask<std::string>(m_soap, m_service, action("GetSnapshotUri"),
-                            buildGetSnapshotUri(profileToken), parse, std::move(done));
+                            buildGetSnapshotUri(profileToken, m_version), parse, std::move(done));
 }
 
 RequestPtr MediaClient::setSynchronizationPoint(const std::string &profileToken,
                                                 std::function<void(SoapStatus)> done)
 {
     return tell(m_soap, m_service, action("SetSynchronizationPoint"),
-                buildSetSynchronizationPoint(profileToken), SoapKind::Question, std::move(done));
+                buildSetSynchronizationPoint(profileToken, m_version), SoapKind::Question,
+                std::move(done));
 }
 
 } // namespace onvif

@@ -10,15 +10,15 @@
 
 namespace onvif {
 
-/// The media service of one device (ONVIF Media 1). Thread and cancelling as for SoapClient, which
-/// must outlive it.
+/// A media service of one device (ONVIF Media 1 or 2). Thread and cancelling as for SoapClient,
+/// which must outlive it.
 class MediaClient
 {
 public:
-    /// mediaService: as returned by DeviceClient::mediaService.
-    MediaClient(SoapClient &soap, std::string mediaService);
+    /// mediaService: as returned by DeviceClient::mediaServices.
+    MediaClient(SoapClient &soap, std::string mediaService, MediaVersion version);
 
-    /// The profiles with H.264 video.
+    /// See parseProfiles.
     [[nodiscard]] RequestPtr
     profiles(std::function<void(SoapStatus, std::vector<MediaProfile>)> done);
 
@@ -35,8 +35,11 @@ public:
                                                      std::function<void(SoapStatus)> done);
 
 private:
+    [[nodiscard]] std::string action(const char *name) const;
+
     SoapClient &m_soap;
     std::string m_service;
+    MediaVersion m_version;
 };
 
 } // namespace onvif

@@ -20,6 +20,7 @@ constexpr std::string_view envelopeStart =
     R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope")"
     R"( xmlns:tds="http://www.onvif.org/ver10/device/wsdl")"
     R"( xmlns:trt="http://www.onvif.org/ver10/media/wsdl")"
+    R"( xmlns:tr2="http://www.onvif.org/ver20/media/wsdl")"
     R"( xmlns:tt="http://www.onvif.org/ver10/schema">)";
 constexpr std::string_view bodyStart = "<s:Body>";
 constexpr std::string_view envelopeEnd = "</s:Body></s:Envelope>";

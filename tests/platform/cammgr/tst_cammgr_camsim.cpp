@@ -186,7 +186,8 @@ TEST(CammgrWithCamera, ACameraWithOtherPathsIsPlayedByItsProfiles)
 
 TEST(CammgrWithCamera, AnyRefusalOfThePathLeadsToTheProfilesOnce)
 {
-    for (const char *status : {"400", "403", "454", "500", "503", "551"}) {
+    for (const char *status :
+         {"400", "403", "405", "406", "451", "453", "454", "500", "503", "551"}) {
         SCOPED_TRACE(status);
         Cameras cameras({"--canned", "--alt-paths", "--unknown-path", status});
         Player player(cameras.camera().uid);
@@ -195,6 +196,18 @@ TEST(CammgrWithCamera, AnyRefusalOfThePathLeadsToTheProfilesOnce)
         RtspPlayer_SetupP2PliveStream(player, subPath, 0);
         ASSERT_TRUE(player.playUntilPictures());
         EXPECT_EQ(RtspPlayer_GetVideoWidth(player), 640);
+    }
+}
+
+TEST(CammgrWithCamera, ACameraWithMedia2OnlyPlays)
+{
+    Cameras cameras({"--canned", "--alt-paths", "--onvif-media", "2"});
+    Player player(cameras.camera().uid);
+    ASSERT_TRUE(player.probeUntil(CAMMGR_MSG_PROBE_OK, 0));
+    for (const auto &[path, width] : {std::pair{mainPath, 1280}, std::pair{subPath, 640}}) {
+        RtspPlayer_SetupP2PliveStream(player, path, 0);
+        ASSERT_TRUE(player.playUntilPictures());
+        EXPECT_EQ(RtspPlayer_GetVideoWidth(player), width);
     }
 }
 

@@ -242,6 +242,59 @@ TEST_F(CameraLookupTest, AsksNewerDevicesForTheirServices)
     EXPECT_EQ(streams().status, SoapStatus::Ok);
 }
 
+std::string services(const std::string &device, bool hasMedia1)
+{
+    const auto service = [&device](const std::string &version) {
+        return "<tds:Service><tds:Namespace>http://www.onvif.org/" + version +
+               "/media/wsdl</tds:Namespace><tds:XAddr>" + device + "</tds:XAddr></tds:Service>";
+    };
+    return "<tds:GetServicesResponse>" + (hasMedia1 ? service("ver10") : std::string()) +
+           service("ver20") + "</tds:GetServicesResponse>";
+}
+
+std::string profile2(const std::string &token, int width, int height)
+{
+    return "<tr2:Profiles token=\"" + token +
+           "\"><tr2:Configurations><tr2:VideoEncoder><tt:Encoding>H265</tt:Encoding>"
+           "<tt:Resolution><tt:Width>" +
+           std::to_string(width) + "</tt:Width><tt:Height>" + std::to_string(height) +
+           "</tt:Height></tt:Resolution></tr2:VideoEncoder></tr2:Configurations></tr2:Profiles>";
+}
+
+TEST_F(CameraLookupTest, PrefersMedia2WhichNamesH265)
+{
+    for (const bool hasMedia1 : {true, false}) {
+        if (!hasMedia1)
+            m_device.answerFault("GetCapabilities", "ter:ActionNotSupported");
+        m_device.answer("GetServices", services(m_device.service(), hasMedia1));
+        m_device.answer("GetProfiles", "<tr2:GetProfilesResponse>" + profile2("s", 640, 360) +
+                                           profile2("m", 3840, 2160) +
+                                           "</tr2:GetProfilesResponse>");
+        m_device.answer("GetStreamUri",
+                        "<tr2:GetStreamUriResponse><tr2:Uri>rtsp://192.0.2.7/h265</tr2:Uri>"
+                        "</tr2:GetStreamUriResponse>");
+        m_device.answer("SetSynchronizationPoint", "<tr2:SetSynchronizationPointResponse/>");
+        const Streams got = streams({"user", hasMedia1 ? "1" : "2"}); // asked afresh
+        EXPECT_EQ(got.status, SoapStatus::Ok);
+        EXPECT_EQ(got.streams.main.profileToken, "m");
+        EXPECT_EQ(got.streams.main.height, 2160);
+        EXPECT_EQ(got.streams.main.uri, "rtsp://127.0.0.1/h265");
+        EXPECT_NE(m_device.seen("GetProfiles").back().find("tr2:Type"), std::string::npos);
+    }
+}
+
+TEST_F(CameraLookupTest, TakesMedia1WhereMedia2HasNoProfiles)
+{
+    m_device.answer("GetServices", services(m_device.service(), true));
+    m_device.answer("tr2:GetProfiles", "<tr2:GetProfilesResponse/>");
+    const Streams got = streams();
+    EXPECT_EQ(got.status, SoapStatus::Ok);
+    EXPECT_EQ(got.streams.main.profileToken, "m");
+    EXPECT_EQ(m_device.seen("GetProfiles").size(), 2u);
+    EXPECT_EQ(keyFrame("m"), SoapStatus::Ok);
+    EXPECT_NE(m_device.seen("SetSynchronizationPoint").back().find("<trt:"), std::string::npos);
+}
+
 TEST_F(CameraLookupTest, TellsWhyThereAreNoStreams)
 {
     m_device.answer("GetProfiles", "<trt:GetProfilesResponse/>");

@@ -186,20 +186,26 @@ TEST(DeviceMessage, ReadsProtocolsScopesAndInformation)
     EXPECT_EQ(information->model, "ZC-1");
 }
 
-TEST(DeviceMessage, FindsTheMediaService)
+TEST(DeviceMessage, FindsTheMediaServices)
 {
-    EXPECT_EQ(parseMediaService(parsed("<GetCapabilitiesResponse><Capabilities><Media>"
-                                       "<XAddr>http://1.2.3.4/media</XAddr></Media>"
-                                       "</Capabilities></GetCapabilitiesResponse>")),
-              "http://1.2.3.4/media");
-    EXPECT_EQ(parseMediaService(
-                  parsed("<GetServicesResponse><Service>"
-                         "<Namespace>http://www.onvif.org/ver10/device/wsdl</Namespace>"
-                         "<XAddr>http://1.2.3.4/device</XAddr></Service><Service>"
-                         "<Namespace>http://www.onvif.org/ver10/media/wsdl</Namespace>"
-                         "<XAddr>http://1.2.3.4/media</XAddr></Service></GetServicesResponse>")),
-              "http://1.2.3.4/media");
-    EXPECT_FALSE(parseMediaService(parsed("<GetServicesResponse/>")));
+    const auto old = parseMediaServices(parsed("<GetCapabilitiesResponse><Capabilities><Media>"
+                                               "<XAddr>http://1.2.3.4/media</XAddr></Media>"
+                                               "</Capabilities></GetCapabilitiesResponse>"));
+    ASSERT_TRUE(old);
+    EXPECT_EQ(old->media1, "http://1.2.3.4/media");
+    EXPECT_EQ(old->media2, "");
+    const auto both = parseMediaServices(
+        parsed("<GetServicesResponse><Service>"
+               "<Namespace>http://www.onvif.org/ver10/device/wsdl</Namespace>"
+               "<XAddr>http://1.2.3.4/device</XAddr></Service><Service>"
+               "<Namespace>http://www.onvif.org/ver20/media/wsdl</Namespace>"
+               "<XAddr>http://1.2.3.4/media2</XAddr></Service><Service>"
+               "<Namespace>http://www.onvif.org/ver10/media/wsdl</Namespace>"
+               "<XAddr>http://1.2.3.4/media</XAddr></Service></GetServicesResponse>"));
+    ASSERT_TRUE(both);
+    EXPECT_EQ(both->media1, "http://1.2.3.4/media");
+    EXPECT_EQ(both->media2, "http://1.2.3.4/media2");
+    EXPECT_FALSE(parseMediaServices(parsed("<GetServicesResponse/>")));
 }
 
 TEST(DeviceMessage, ReadsWhetherARestartIsNeeded)

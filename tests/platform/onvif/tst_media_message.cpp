@@ -48,6 +48,51 @@ TEST(MediaMessage, BuildsItsQuestions)
               "</trt:SetSynchronizationPoint>");
 }
 
+TEST(MediaMessage, BuildsTheQuestionsOfMedia2)
+{
+    constexpr MediaVersion version = MediaVersion::Media2;
+    EXPECT_EQ(buildGetProfiles(version),
+              "<tr2:GetProfiles><tr2:Type>VideoSource</tr2:Type><tr2:Type>VideoEncoder</tr2:Type>"
+              "</tr2:GetProfiles>");
+    EXPECT_EQ(buildGetStreamUri("p&1", version),
+              "<tr2:GetStreamUri><tr2:Protocol>RTSP</tr2:Protocol>"
+              "<tr2:ProfileToken>p&amp;1</tr2:ProfileToken></tr2:GetStreamUri>");
+    EXPECT_EQ(buildSetSynchronizationPoint("p1", version),
+              "<tr2:SetSynchronizationPoint><tr2:ProfileToken>p1</tr2:ProfileToken>"
+              "</tr2:SetSynchronizationPoint>");
+    EXPECT_EQ(buildGetSnapshotUri("p1", version),
+              "<tr2:GetSnapshotUri><tr2:ProfileToken>p1</tr2:ProfileToken></tr2:GetSnapshotUri>");
+}
+
+TEST(MediaMessage, ReadsTheAnswersOfMedia2)
+{
+    const auto found = profiles(
+        "<tr2:Profiles token=\"main\"><tr2:Name>Main</tr2:Name><tr2:Configurations>"
+        "<tr2:VideoSource token=\"c1\"><tt:SourceToken>lens_1</tt:SourceToken></tr2:VideoSource>"
+        "<tr2:VideoEncoder token=\"e1\"><tt:Encoding>H265</tt:Encoding><tt:Resolution>"
+        "<tt:Width>3840</tt:Width><tt:Height>2160</tt:Height></tt:Resolution></tr2:VideoEncoder>"
+        "</tr2:Configurations></tr2:Profiles><tr2:Profiles token=\"bare\"/>");
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].token, "main");
+    EXPECT_EQ(found[0].source, "lens_1");
+    EXPECT_EQ(found[0].encoding, "H265");
+    EXPECT_EQ(found[0].height, 2160);
+    EXPECT_EQ(parseStreamUri(parsed("<tr2:GetStreamUriResponse><tr2:Uri>rtsp://c/1</tr2:Uri>"
+                                    "</tr2:GetStreamUriResponse>")),
+              "rtsp://c/1");
+    EXPECT_EQ(parseSnapshotUri(parsed("<tr2:GetSnapshotUriResponse><tr2:Uri>http://c/1</tr2:Uri>"
+                                      "</tr2:GetSnapshotUriResponse>")),
+              "http://c/1");
+}
+
+TEST(MediaMessage, TakesJpegWhereThereIsNothingElse)
+{
+    EXPECT_EQ(profiles(profile("a", "JPEG", 640, 480) + profile("b", "MPEG4", 1, 1)).size(), 1u);
+    const auto better = profiles(profile("a", "JPEG", 640, 480) + profile("b", "H265", 320, 240));
+    ASSERT_EQ(better.size(), 1u);
+    EXPECT_EQ(better[0].token, "b");
+}
+
 TEST(MediaMessage, ReadsH264ProfilesOnly)
 {
     const auto found = profiles(profile("a", "H264", 1920, 1080) + profile("b", "JPEG", 640, 480) +

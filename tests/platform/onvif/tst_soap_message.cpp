@@ -33,6 +33,7 @@ TEST(Envelope, IsThisText)
               R"(<s:Envelope xmlns:s="http://www.w3.org/2003/05/soap-envelope")"
               R"( xmlns:tds="http://www.onvif.org/ver10/device/wsdl")"
               R"( xmlns:trt="http://www.onvif.org/ver10/media/wsdl")"
+              R"( xmlns:tr2="http://www.onvif.org/ver20/media/wsdl")"
               R"( xmlns:tt="http://www.onvif.org/ver10/schema">)"
               R"(<s:Body><tds:GetScopes/></s:Body></s:Envelope>)");
 }

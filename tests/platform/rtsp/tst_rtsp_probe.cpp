@@ -204,12 +204,12 @@ TEST(RtspProbe, APortWithoutAnybodyIsRejected)
     EXPECT_EQ(prober.probe(target(closedPort())), rtsp::ProbeOutcome::Rejected);
 }
 
-TEST(RtspProbe, AHostThatDoesNotExistIsSilent)
+TEST(RtspProbe, AHostThatDoesNotExistIsToldApart)
 {
     Prober prober;
     rtsp::ProbeTarget unknown = target(554);
     unknown.endpoint.host = "camera.invalid";
-    EXPECT_EQ(prober.probe(unknown), rtsp::ProbeOutcome::Silent);
+    EXPECT_EQ(prober.probe(unknown), rtsp::ProbeOutcome::NoSuchHost);
 }
 
 TEST(RtspProbe, ABlackHoleIsSilentInTime)

@@ -194,7 +194,10 @@ SoapDevice::Reply SoapDevice::replyTo(const Seen &request) const
         return {400, m_guard == Guard::BareToken ? std::string() : faultText("ter:NotAuthorized"),
                 false};
     }
-    const auto found = m_replies.find(request.request);
+    const std::string media2 = "tr2:" + request.request;
+    const bool isMedia2 =
+        m_replies.contains(media2) && request.text.find('<' + media2) != std::string::npos;
+    const auto found = m_replies.find(isMedia2 ? media2 : request.request);
     return found != m_replies.end() ? found->second
                                     : Reply{400, faultText("ter:ActionNotSupported"), false};
 }

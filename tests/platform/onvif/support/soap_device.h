@@ -43,7 +43,7 @@ public:
 
     void guard(Guard guard, const std::string &user, const std::string &password);
 
-    /// Answers a request with the text of a body.
+    /// Answers a request with the text of a body; "tr2:" before its name tells that of Media 2.
     void answer(const std::string &request, const std::string &body);
     /// Answers with these bytes.
     void answerRaw(const std::string &request, int status, const std::string &text);
