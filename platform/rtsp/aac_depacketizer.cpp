@@ -47,6 +47,9 @@ AacDepacketizer::AacDepacketizer(Client &client, const Header &header,
 
 std::optional<AacDepacketizer::Header> AacDepacketizer::readFormat(const PayloadFormat &format)
 {
+    // Frames of one packet that do not follow each other (RFC 3640 3.2.3.2): no camera does that.
+    if (format.number("maxdisplacement").value_or(0) > 0)
+        return std::nullopt;
     Header header;
     if (const std::string *mode = format.parameter("mode")) {
         const std::string name = base::lowerAscii(*mode);

@@ -17,6 +17,15 @@ namespace {
 constexpr int maxAudioRate = 192000; ///< samples a second
 constexpr int maxAudioChannels = 8;
 
+/// Whether NAL units come in another order than that of decoding (RFC 6184 5.7.3, 8.1), which no
+/// camera has been seen to do. Mode 2 without a depth is in order.
+bool isInterleaved(const PayloadFormat &format)
+{
+    constexpr int interleavedMode = 2;
+    return format.number("packetization-mode") == interleavedMode &&
+           format.number("sprop-interleaving-depth").value_or(0) > 0;
+}
+
 class NoClient : public Depacketizer::Client
 {
 public:
@@ -44,6 +53,8 @@ std::unique_ptr<Depacketizer> makeDepacketizer(const MediaDescription &media,
         return nullptr;
     switch (*kind) {
     case PayloadKind::H264: {
+        if (isInterleaved(format))
+            return nullptr;
         const std::string *sets = format.parameter("sprop-parameter-sets");
         return std::make_unique<H264Depacketizer>(client, sets ? *sets : std::string());
     }

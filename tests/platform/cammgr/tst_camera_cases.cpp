@@ -21,11 +21,10 @@ namespace {
 
 constexpr const char *watchedPictures = "45"; // more than two rounds of the clip
 
-const std::map<std::string, StreamEnd> ends = {
-    {"Failed", StreamEnd::Failed},     {"Refused", StreamEnd::Refused},
-    {"NotFound", StreamEnd::NotFound}, {"PathRefused", StreamEnd::PathRefused},
-    {"Closed", StreamEnd::Closed},     {"Stalled", StreamEnd::Stalled},
-    {"NoVideo", StreamEnd::NoVideo}};
+const std::map<std::string, StreamEnd> ends = {{"NotFound", StreamEnd::NotFound},
+                                               {"PathRefused", StreamEnd::PathRefused},
+                                               {"NoVideo", StreamEnd::NoVideo},
+                                               {"UnknownCodec", StreamEnd::UnknownCodec}};
 
 class CameraCases : public testing::TestWithParam<CameraCase>
 {
