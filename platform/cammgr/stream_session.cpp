@@ -91,6 +91,8 @@ void LiveStream::Session::openReceiver()
 {
     if (m_state == State::Ended)
         return;
+    if (m_view)
+        m_playout.emplace([this](const media::AccessUnit &unit) { m_view->takeFrame(unit); });
     m_receiver = std::make_unique<rtsp::Receiver>(*this, m_request.source);
     if (m_request.session)
         m_receiver->start(std::move(*m_request.session));
@@ -101,7 +103,10 @@ void LiveStream::Session::openReceiver()
 /// Any thread. Nothing waits for the camera.
 void LiveStream::Session::closeReceiver()
 {
-    ioThread().post([self = shared_from_this()] { self->m_receiver.reset(); });
+    ioThread().post([self = shared_from_this()] {
+        self->m_receiver.reset();
+        self->m_playout.reset();
+    });
 }
 
 /// Nothing is drawn, recorded or heard any more when it returns.
@@ -135,8 +140,8 @@ void LiveStream::Session::video(const base::AccessUnit &unit)
         m_lastSign = unit.arrived;
     const media::AccessUnit wrapped = m_wrapper.wrap(unit);
     m_memory.takeFrame(wrapped);
-    if (m_view)
-        m_view->takeFrame(wrapped);
+    if (m_playout)
+        m_playout->take(wrapped);
     m_recorder->takeFrame(wrapped);
     m_stats.takeFrame(wrapped);
     if (unit.format != m_format) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/cammgr/live_stream.h"
+#include "platform/cammgr/playout.h"
 #include "platform/cammgr/stream_figures.h"
 #include "platform/media/audio_output.h"
 #include "platform/media/gop_buffer.h"
@@ -85,6 +86,7 @@ private:
 
     // The loop thread.
     std::unique_ptr<rtsp::Receiver> m_receiver;
+    std::optional<Playout> m_playout; ///< nothing when nothing is drawn
     media::UnitWrapper m_wrapper;
     std::shared_ptr<const base::VideoFormat> m_format;
     std::shared_ptr<const base::AudioFormat> m_soundFormat;

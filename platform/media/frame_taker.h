@@ -20,7 +20,9 @@ struct AccessUnit
     bool reference = false;    ///< other frames are predicted from this one
     bool bipredictive = false; ///< holds B slices: presentation order is not decoding order
     SteadyClock::time_point arrived;
+    SteadyClock::duration held{}; ///< by how much it is shown later, so that all come evenly
 
+    SteadyClock::time_point due() const { return arrived + held; }
     gsize size() const { return gst_buffer_get_size(buffer.get()); }
 };
 

@@ -110,7 +110,7 @@ void LiveView::takeFrame(const AccessUnit &unit)
         if (replaying && unit.arrived - m_replayStart < longestReplay)
             m_replayEnd = unit.number;
         else
-            shedLoad(unit.arrived);
+            shedLoad(unit.due());
         needKey = m_waitForKey;
         schedule();
     }
@@ -214,7 +214,7 @@ void LiveView::queueStep(std::shared_ptr<LiveView> self)
 /// Called with the lock, after a frame was queued.
 void LiveView::shedLoad(SteadyClock::time_point now)
 {
-    const auto late = [&] { return now - m_queue.front().arrived; };
+    const auto late = [&] { return now - m_queue.front().due(); };
     if (late() < lateLimit)
         return;
     const size_t before = m_queue.size();
@@ -225,7 +225,7 @@ void LiveView::shedLoad(SteadyClock::time_point now)
 /// Called with the lock, with frames in the queue that are late.
 void LiveView::dropLate(SteadyClock::time_point now)
 {
-    const auto late = [&] { return now - m_queue.front().arrived; };
+    const auto late = [&] { return now - m_queue.front().due(); };
     m_queue.erase(std::remove_if(m_queue.begin(), m_queue.end(),
                                  [](const AccessUnit &unit) { return !unit.reference; }),
                   m_queue.end());
