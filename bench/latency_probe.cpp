@@ -36,9 +36,9 @@ std::optional<Clock::time_point> LatencyProbe::waitForPicture(Clock::time_point 
     return std::nullopt;
 }
 
-std::vector<double> LatencyProbe::sample(std::chrono::milliseconds duration)
+std::vector<LatencyProbe::Sighting> LatencyProbe::watch(std::chrono::milliseconds duration)
 {
-    std::vector<double> samples;
+    std::vector<Sighting> sightings;
     std::optional<std::uint32_t> last;
     const auto end = Clock::now() + duration;
     while (Clock::now() < end) {
@@ -48,11 +48,19 @@ std::vector<double> LatencyProbe::sample(std::chrono::milliseconds duration)
             const auto latency = camsim::timecode::elapsed(*code, now);
             // The first code may have stood there for a while.
             if (last && latency < implausible)
-                samples.push_back(latency);
+                sightings.push_back({Clock::now(), static_cast<double>(latency)});
             last = code;
         }
         pause();
     }
+    return sightings;
+}
+
+std::vector<double> LatencyProbe::sample(std::chrono::milliseconds duration)
+{
+    std::vector<double> samples;
+    for (const Sighting &sighting : watch(duration))
+        samples.push_back(sighting.latency);
     return samples;
 }
 

@@ -19,7 +19,16 @@ public:
     std::optional<Clock::time_point> waitForPicture(Clock::time_point after,
                                                     std::chrono::milliseconds deadline);
 
-    /// One sample for each new frame.
+    /// A new frame on the screen.
+    struct Sighting
+    {
+        Clock::time_point moment;
+        double latency = 0; ///< ms
+    };
+
+    /// One for each new frame.
+    std::vector<Sighting> watch(std::chrono::milliseconds duration);
+    /// The same, only how late they are.
     std::vector<double> sample(std::chrono::milliseconds duration);
 
 private:

@@ -5,8 +5,8 @@
 // bench_live --growth MINUTES: plays our engine alone for that long; whether its delay grows.
 
 #include "bench/latency_probe.h"
+#include "bench/live_player.h"
 #include "bench/measured_process.h"
-#include "bench/peers.h"
 #include "bench/screen_reader.h"
 #include "bench/statistics.h"
 #include "camsim/camsim_process.h"
@@ -20,6 +20,9 @@
 
 using namespace std::chrono_literals;
 using bench::Clock;
+using bench::milliseconds;
+using bench::Player;
+using bench::playMoment;
 
 namespace {
 
@@ -30,13 +33,6 @@ constexpr auto firstPictureDeadline = 20s;
 constexpr auto settling = 3s;
 constexpr std::chrono::seconds defaultDuration = 20s;
 
-struct Player
-{
-    std::string name;
-    bench::Command command;
-    bool tellsPlay = false; // prints when play was requested, after its start-up
-};
-
 struct Result
 {
     double firstPicture = 0;     // median, ms, from the start of the process
@@ -46,35 +42,6 @@ struct Result
     double memory = 0;           // MB
     int threads = 0;
 };
-
-std::vector<Player> players(const zelvaro::test::SimulatedCamera &camera)
-{
-    const std::string url = camera.urlWithLogin(camera.subUrl);
-    const bench::Rectangle place{0, 0, width, height};
-    std::vector<Player> all;
-    all.push_back({"zelvaro engine", bench::enginePlayer({camera}, {place}), true});
-    if (bench::isInstalled("mpv"))
-        all.push_back({"mpv, low latency", bench::mpv(url, place)});
-    if (bench::isInstalled("ffplay"))
-        all.push_back({"ffplay, tuned", bench::ffplay(url, place)});
-    return all;
-}
-
-double milliseconds(Clock::duration duration)
-{
-    return std::chrono::duration<double, std::milli>(duration).count();
-}
-
-/// When the player requested the stream: printed by those that report it, else its start.
-Clock::time_point playMoment(const Player &player, bench::MeasuredProcess &process)
-{
-    if (!player.tellsPlay)
-        return process.started();
-    const std::string line = process.readLine(20s);
-    const long long us =
-        std::strtoll(line.c_str() + std::min<std::size_t>(line.size(), 5), nullptr, 10);
-    return Clock::time_point(std::chrono::microseconds(us));
-}
 
 bool measure(const Player &player, std::chrono::seconds duration, bench::ScreenReader &screen,
              Result &result)
@@ -127,7 +94,7 @@ int runGrowth(int minutes)
     const Camera camera;
     bench::ScreenReader screen(width, height);
     bench::LatencyProbe probe(screen);
-    const Player player = players(camera.get()).front();
+    const Player player = bench::livePlayers(camera.get(), width, height).front();
     std::printf("%s, one camera, %dx%d at 25 fps, TCP on loopback\n\n%6s %8s %8s %8s %10s %8s\n",
                 player.name.c_str(), width, height, "minute", "median", "95 %", "frames", "memory",
                 "threads");
@@ -166,7 +133,7 @@ int run(std::chrono::seconds duration)
     std::printf("%-18s %8s %8s %8s %12s %12s %8s %8s %8s\n", "", "ms", "ms", "", "ms", "ms",
                 "% core", "MB", "");
     double ownMedian = 0;
-    for (const Player &player : players(camera.get())) {
+    for (const Player &player : bench::livePlayers(camera.get(), width, height)) {
         Result result;
         if (!measure(player, duration, screen, result)) {
             std::printf("%-18s showed no picture\n", player.name.c_str());

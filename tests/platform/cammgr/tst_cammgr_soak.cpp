@@ -7,17 +7,18 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdlib>
+#include <memory>
 #include <random>
+#include <string>
+#include <vector>
 
 using zelvaro::test::CamsimProcess;
 using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int cameraCount = 4;
-constexpr int steps = 200;
+using Arguments = std::vector<std::string>;
 
 /// How long to go on at least.
 std::chrono::seconds testDuration()
@@ -26,31 +27,52 @@ std::chrono::seconds testDuration()
     return std::chrono::seconds(seconds ? std::atoi(seconds) : 0);
 }
 
+/// A camera and the player that plays it, or not.
+struct Seat
+{
+    Seat(CamsimProcess &process, int number)
+        : camsim(process)
+        , index(number)
+        , player(RtspPlayer_Create(process.camera(static_cast<size_t>(number)).host().c_str(),
+                                   "admin", "camsim", &PlayerMessages::callback, &messages))
+    {
+    }
+    ~Seat()
+    {
+        RtspPlayer_Stop(player);
+        RtspPlayer_DeleteSync(player);
+    }
+    Seat(const Seat &) = delete;
+    Seat &operator=(const Seat &) = delete;
+
+    CamsimProcess &camsim;
+    const int index;
+    PlayerMessages messages;
+    RtspPlayer *const player;
+    bool isOn = false;
+};
+
 class Soak : public testing::Test
 {
 protected:
-    void SetUp() override
+    /// One process of simulated cameras for each list of options.
+    void add(const Arguments &options, int count)
     {
-        for (int i = 0; i < cameraCount; ++i)
-            m_players[i] = RtspPlayer_Create(m_cameras.camera(i).host().c_str(), "admin", "camsim",
-                                             &PlayerMessages::callback, &m_messages[i]);
-    }
-    void TearDown() override
-    {
-        for (RtspPlayer *player : m_players) {
-            RtspPlayer_Stop(player);
-            RtspPlayer_DeleteSync(player);
-        }
+        Arguments all = {"--canned", "--count", std::to_string(count)};
+        all.insert(all.end(), options.begin(), options.end());
+        m_cameras.push_back(std::make_unique<CamsimProcess>(all));
+        for (int i = 0; i < count; ++i)
+            m_seats.push_back(std::make_unique<Seat>(*m_cameras.back(), i));
     }
 
     /// Plays or stops one of the cameras, whichever it does not do yet.
     void step()
     {
-        const int which = pick(cameraCount);
-        RtspPlayer *player = m_players[which];
+        Seat &seat = *m_seats[static_cast<size_t>(pick(static_cast<int>(m_seats.size())))];
+        RtspPlayer *player = seat.player;
         RtspPlayer_TickAlive(player);
-        EXPECT_TRUE(m_messages[static_cast<size_t>(which)].next());
-        if (m_isOn[which]) {
+        EXPECT_TRUE(seat.messages.next());
+        if (seat.isOn) {
             RtspPlayer_Stop(player);
         } else {
             RtspPlayer_SetupP2PliveStream(player, pick(2) ? "/live/1/h264.sdp" : "/live/0/h264.sdp",
@@ -65,19 +87,20 @@ protected:
                 }));
             }
         }
-        m_isOn[which] = !m_isOn[which];
+        seat.isOn = !seat.isOn;
     }
 
     /// Everything stopped, and the clean-up behind it done.
     ProcessFigures quiet()
     {
-        for (RtspPlayer *player : m_players)
-            RtspPlayer_Stop(player);
-        m_isOn = {};
+        for (const auto &seat : m_seats) {
+            RtspPlayer_Stop(seat->player);
+            seat->isOn = false;
+        }
         EXPECT_TRUE(waitUntil([&] {
             long watching = 0;
-            for (int i = 0; i < cameraCount; ++i)
-                watching += m_cameras.statusNumber("watching", i);
+            for (const auto &seat : m_seats)
+                watching += seat->camsim.statusNumber("watching", seat->index);
             return watching == 0;
         }));
         ProcessFigures last = ProcessFigures::now();
@@ -96,25 +119,26 @@ protected:
         return last;
     }
 
+    /// Plays and stops so often, and for as long as testDuration(); nothing is left behind.
+    void soak(int steps);
+
 private:
     int pick(int count) { return std::uniform_int_distribution(0, count - 1)(m_random); }
 
-    CamsimProcess m_cameras{{"--canned", "--count", std::to_string(cameraCount)}};
-    std::array<PlayerMessages, cameraCount> m_messages;
-    std::array<RtspPlayer *, cameraCount> m_players{};
-    std::array<bool, cameraCount> m_isOn{};
+    std::vector<std::unique_ptr<CamsimProcess>> m_cameras;
+    std::vector<std::unique_ptr<Seat>> m_seats;
     std::mt19937 m_random{20180813};
 };
 
-TEST_F(Soak, PlayingAndStoppingInAnyOrderLeavesNothingBehind)
+void Soak::soak(int steps)
 {
-    constexpr int warmUp = 10;
+    // Each camera has been played, so that what is made once is there.
+    const int warmUp = 4 * static_cast<int>(m_seats.size());
     for (int i = 0; i < warmUp; ++i)
         step();
     const ProcessFigures before = quiet();
     const auto begin = std::chrono::steady_clock::now();
-    for (int i = warmUp; i < steps || std::chrono::steady_clock::now() - begin < testDuration();
-         ++i)
+    for (int i = 0; i < steps || std::chrono::steady_clock::now() - begin < testDuration(); ++i)
         step();
     // Idle pool threads keep some memory until they end by themselves. What grows with the number
     // of streams would be there for good.
@@ -132,6 +156,33 @@ TEST_F(Soak, PlayingAndStoppingInAnyOrderLeavesNothingBehind)
                         << before.heapBytes << " -> " << after.heapBytes;
     RecordProperty("heapGrowthKilobytes",
                    (static_cast<int>(after.heapBytes) - static_cast<int>(before.heapBytes)) / 1024);
+}
+
+TEST_F(Soak, PlayingAndStoppingInAnyOrderLeavesNothingBehind)
+{
+    add({}, 4);
+    soak(200);
+}
+
+TEST_F(Soak, CamerasOfAllCodecsLeaveNothingBehind)
+{
+    // Small pictures: sixteen cameras share the machine with the test.
+    const std::vector<Arguments> kinds = {
+        {"--audio", "pcma"},
+        {"--audio", "g726", "--profile", "main"},
+        {"--audio", "aac", "--profile", "high", "--b-frames", "2"},
+        {"--audio", "latm", "--codec", "h265"},
+        {"--audio", "l16", "--codec", "mjpeg"},
+        {"--audio", "opus", "--markers", "slices", "--rtsp-login", "sha256"},
+        {"--codec", "h265", "--transport", "udp"},
+        {"--no-get-parameter", "--session-timeout", "5", "--rtsp-login", "qop"}};
+    for (Arguments kind : kinds) {
+        kind.insert(kind.end(), {"--main-size", "320x180", "--sub-size", "160x96", "--main-fps",
+                                 "15", "--key-interval", "0.5"});
+        add(kind, 2);
+    }
+    // The usual run is a sample of it.
+    soak(testDuration() > 0s ? 500 : 120);
 }
 
 } // namespace
