@@ -26,9 +26,6 @@ constexpr qint64 betweenPhotos = 1100; // milliseconds: their names tell seconds
 constexpr qint64 recordingTime = 3000; // milliseconds
 constexpr qint64 settled = 4000;       // milliseconds until a status line tells a whole second
 
-// Milliseconds: a library need not fetch stills.
-constexpr qint64 stillTime = 20'000;
-
 using Steps = std::vector<ScreenshotStep>;
 
 bool always()
@@ -60,6 +57,8 @@ std::function<bool()> after(qint64 milliseconds)
 
 bool haveStills()
 {
+    if (!CCamera::canFetchStill())
+        return true;
     const CCameraList &cameras = CCameraList::instance();
     for (int i = 0; i < cameras.count(); ++i)
         if (!cameras.at(i)->has_thumb())
@@ -159,7 +158,7 @@ Steps screenshotSteps(CMainForm &window, const QString &page)
     Steps steps;
     switch (screenshotPages().indexOf(page)) {
     case 0:
-        return {{[] {}, [patience = after(stillTime)] { return patience() || haveStills(); }}};
+        return {{[] {}, haveStills}};
     case 1:
         steps = playFirst(window);
         steps.push_back({[] {}, after(settled)});

@@ -33,6 +33,18 @@ bool CCameraMgrForm::eventFilter(QObject *watched, QEvent *event)
     return QWidget::eventFilter(watched, event);
 }
 
+void CCameraMgrForm::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    m_ui->frameCameraMgr->setShown(true);
+}
+
+void CCameraMgrForm::hideEvent(QHideEvent *event)
+{
+    QWidget::hideEvent(event);
+    m_ui->frameCameraMgr->setShown(false);
+}
+
 void CCameraMgrForm::tellVisibleRows()
 {
     const int top = m_ui->scrollCameraMgr->verticalScrollBar()->value();

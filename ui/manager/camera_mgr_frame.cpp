@@ -64,8 +64,13 @@ void CCameraMgrFrame::layoutAgain()
 
 void CCameraMgrFrame::showNearTiles()
 {
-    for (int i = 0; i < m_tiles.size(); ++i)
+    QList<CCamera *> nearCameras;
+    for (int i = 0; i < m_tiles.size(); ++i) {
         m_tiles.at(i)->setNear(isNear(i));
+        if (isNear(i))
+            nearCameras.append(m_tiles.at(i)->camera());
+    }
+    m_stills.setCameras(nearCameras);
 }
 
 bool CCameraMgrFrame::isNear(int index) const

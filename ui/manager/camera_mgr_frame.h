@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/common/tile_grid.h"
+#include "ui/manager/still_fetcher.h"
 
 #include <QList>
 #include <QWidget>
@@ -30,6 +31,9 @@ public:
     /// rows next to them, are windows of the window system and hold pictures.
     void setVisibleRows(int top, int bottom);
 
+    /// Whether the page is on the screen: then the pictures of the tiles in sight are kept fresh.
+    void setShown(bool shown) { m_stills.setShown(shown); }
+
     const QList<CCameraMgrItemForm *> &tiles() const { return m_tiles; }
 
 public slots:
@@ -54,6 +58,7 @@ private:
     zelvaro::TileGrid m_grid;
     QList<CCameraMgrItemForm *> m_tiles;
     CAddButtonForm *m_addButton;
+    zelvaro::StillFetcher m_stills;
     int m_visibleWidth = 0;
     int m_columns = 1;
     int m_visibleTop = 0;
