@@ -33,6 +33,7 @@ int padding(const QFontMetrics &metrics)
 PictureOverlay::PictureOverlay(QWidget *picture) : QWidget(picture)
 {
     setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_OpaquePaintEvent); // else what lies below would be painted with it
     layOut();
 }
 
@@ -64,8 +65,20 @@ void PictureOverlay::layOut()
     if (!m_content.notice.isEmpty())
         addPlate(Qt::AlignCenter, m_content.notice, false);
     setAccessibleDescription(m_content.notice);
-    setMask(shape());
-    update();
+    takeShape();
+}
+
+// The picture below was drawn by another connection and may be the last one: Qt, which would paint
+// the ground where the shape ends, must not.
+void PictureOverlay::takeShape()
+{
+    QWidget *picture = parentWidget();
+    const bool disabled = picture->testAttribute(Qt::WA_UpdatesDisabled);
+    picture->setAttribute(Qt::WA_UpdatesDisabled);
+    const QRegion now = shape();
+    setMask(now);
+    picture->setAttribute(Qt::WA_UpdatesDisabled, disabled);
+    update(now);
 }
 
 void PictureOverlay::addPlate(Qt::Alignment alignment, const QString &text, bool mark)

@@ -54,6 +54,7 @@ private:
     };
 
     void layOut();
+    void takeShape();
     void addPlate(Qt::Alignment alignment, const QString &text, bool mark);
     QRegion shape() const;
 
