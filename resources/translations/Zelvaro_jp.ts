@@ -998,6 +998,10 @@
         <source>The camera does not answer. Is it on?</source>
         <translation>カメラが応答しません。電源は入っていますか。</translation>
     </message>
+    <message>
+        <source>%1 answers, but not over TLS. Is the port right?</source>
+        <translation>%1 は応答しますが、TLS ではありません。ポートは正しいですか。</translation>
+    </message>
 </context>
 <context>
     <name>SearchCameraForm</name>

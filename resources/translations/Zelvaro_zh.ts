@@ -998,6 +998,10 @@
         <source>The camera does not answer. Is it on?</source>
         <translation>摄像机没有应答。是否已开机？</translation>
     </message>
+    <message>
+        <source>%1 answers, but not over TLS. Is the port right?</source>
+        <translation>%1 有应答，但不是 TLS。端口是否正确？</translation>
+    </message>
 </context>
 <context>
     <name>SearchCameraForm</name>

@@ -998,6 +998,10 @@
         <source>The camera does not answer. Is it on?</source>
         <translation>Камера не отвечает. Она включена?</translation>
     </message>
+    <message>
+        <source>%1 answers, but not over TLS. Is the port right?</source>
+        <translation>%1 отвечает, но не по TLS. Верен ли порт?</translation>
+    </message>
 </context>
 <context>
     <name>SearchCameraForm</name>

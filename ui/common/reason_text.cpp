@@ -44,6 +44,8 @@ constexpr Wording wordings[] = {
      QT_TRANSLATE_NOOP("Reason", "No pictures come from %1. The stream is started again.")},
     {CAMMGR_REASON_BROKEN_ANSWER,
      QT_TRANSLATE_NOOP("Reason", "%1 does not answer as a camera. Is the port right?")},
+    {CAMMGR_REASON_TLS_FAILED,
+     QT_TRANSLATE_NOOP("Reason", "%1 answers, but not over TLS. Is the port right?")},
     {CAMMGR_REASON_KEY_CHANGED,
      QT_TRANSLATE_NOOP("Reason", "%1 shows another TLS key than before: it is another camera, or "
                                  "was reset, or someone pretends to be it. A right click lets you "

@@ -57,7 +57,7 @@ void TestReasonText::words()
 void TestReasonText::everyReasonHasWords()
 {
     const QString unknown = reasonText(CameraReason{4711, {}});
-    for (int reason = CAMMGR_REASON_HOST_NOT_FOUND; reason <= CAMMGR_REASON_KEY_CHANGED; ++reason) {
+    for (int reason = CAMMGR_REASON_HOST_NOT_FOUND; reason <= CAMMGR_REASON_TLS_FAILED; ++reason) {
         const QString text = reasonText(CameraReason{reason, QStringLiteral("9")});
         QVERIFY(text != unknown);
         QVERIFY(!text.contains(QLatin1String("%1")));
