@@ -16,12 +16,6 @@ constexpr std::chrono::milliseconds leastCommandTime = 1s;
 /// A probe right after play waits for the first frame, but not much longer than a regular probe.
 constexpr std::chrono::milliseconds pictureLimit = 3s;
 
-bool isNobodyThere(rtsp::ProbeOutcome outcome)
-{
-    return outcome == rtsp::ProbeOutcome::Silent || outcome == rtsp::ProbeOutcome::Rejected ||
-           outcome == rtsp::ProbeOutcome::NoSuchHost;
-}
-
 } // namespace
 
 CameraSession::CameraSession(SessionInfo info, StreamControl &control)
@@ -40,7 +34,10 @@ void CameraSession::open()
         std::make_unique<Resolver>(services.lookup(), m_info.address,
                                    base::Credentials{m_info.username, m_info.password}, m_login);
     m_resolver->onMoved = [this] { moved(); };
-    m_watch = services.watchNetwork([this] { m_schedule.networkChanged(); });
+    m_watch = services.watchNetwork([this] {
+        m_schedule.networkChanged();
+        retryNow();
+    });
 }
 
 void CameraSession::close(bool reportProbe)
@@ -49,6 +46,7 @@ void CameraSession::close(bool reportProbe)
     if (reportProbe)
         stopConnecting();
     m_probeLimit.stop();
+    m_retry.stop();
     m_commands.cancel();
     m_still->cancel();
     m_probe.cancel();
@@ -133,16 +131,9 @@ void CameraSession::trustKey()
 
 void CameraSession::pictureShown()
 {
+    m_shownAt = Clock::now();
+    m_lostOnTheWay = false;
     m_reason.pictureShown();
-    if (m_probing == Probing::AwaitingPicture)
-        probed(rtsp::ProbeOutcome::Answered);
-}
-
-void CameraSession::orderVoided()
-{
-    m_orderedAt.reset();
-    m_order = {};
-    m_reason.orderVoided();
     if (m_probing == Probing::AwaitingPicture)
         probed(rtsp::ProbeOutcome::Answered);
 }
@@ -185,7 +176,7 @@ void CameraSession::probed(rtsp::ProbeOutcome outcome)
     const bool asked = m_probing == Probing::Asking;
     m_schedule.record(outcome, Clock::now());
     tellReason(outcome);
-    if (isNobodyThere(outcome))
+    if (rtsp::isNobodyThere(outcome))
         m_resolver->lost();
     if (outcome == rtsp::ProbeOutcome::Answered) {
         m_mode = m_paths.hasMain() ? 0 : 1;
@@ -195,6 +186,8 @@ void CameraSession::probed(rtsp::ProbeOutcome outcome)
         learnProfiles();
     }
     finishProbe(outcome);
+    if (outcome == rtsp::ProbeOutcome::Answered && asked && m_lostOnTheWay)
+        retryNow();
 }
 
 void CameraSession::tellReason(rtsp::ProbeOutcome outcome)
@@ -287,69 +280,6 @@ rtsp::StreamRequest CameraSession::request(const std::string &path) const
             .username = m_info.username,
             .password = m_info.password,
             .login = loginPolicy()};
-}
-
-void CameraSession::play(const StreamOrder &order)
-{
-    m_order = order;
-    // Playing is a login too: the next probe has to find that it is accepted now.
-    if (m_schedule.remembered() == rtsp::ProbeOutcome::LoginRefused)
-        return;
-    m_orderedAt = Clock::now();
-    m_resolver->find([this, ticket = order.ticket](bool found) {
-        if (ticket != m_order.ticket)
-            return;
-        if (found)
-            startStream();
-        else
-            m_reason.streamFailed({CAMMGR_REASON_HOST_NOT_FOUND, m_info.address.uid});
-    });
-}
-
-void CameraSession::startStream()
-{
-    StreamRequest stream{request(m_order.path), m_order.window};
-    if (auto session = m_probe.takeSession(stream.source.url)) {
-        // Whoever drops it does not do so on the thread to which its connection belongs.
-        const auto closeOnLoop = [](rtsp::OpenSession *open) {
-            ioThread().post([held = std::shared_ptr<rtsp::OpenSession>(open)] {});
-        };
-        stream.session = {new rtsp::OpenSession(std::move(*session)), closeOnLoop};
-    }
-    m_control.startStream(m_order.ticket, stream);
-}
-
-void CameraSession::streamEnded(const StreamFailure &failure)
-{
-    if (failure.end == StreamEnd::Refused) {
-        m_schedule.record(rtsp::ProbeOutcome::LoginRefused, Clock::now());
-        m_reason.setLoginPause(m_schedule.loginPause(Clock::now()));
-    }
-    if (m_order.path.empty())
-        return; // the order is void
-    const std::string url = m_paths.url(m_resolver->endpoint(), m_order.path);
-    m_reason.streamFailed(reasonOf(failure, base::parseUrl(url)));
-    if (failure.end == StreamEnd::NotFound ||
-        (failure.end == StreamEnd::PathRefused && mayTryProfiles())) {
-        m_hasTriedProfiles = true;
-        fallBack(m_order.path, failure.end == StreamEnd::NotFound,
-                 [this, ticket = m_order.ticket](bool again) {
-                     if (again && ticket == m_order.ticket)
-                         startStream();
-                 });
-    }
-}
-
-void CameraSession::streamUndecodable()
-{
-    const std::string url = m_paths.url(m_resolver->endpoint(), m_order.path);
-    if (!m_order.path.empty())
-        m_reason.streamFailed(reasonOf(StreamFailure{StreamEnd::Stalled}, base::parseUrl(url)));
-}
-
-void CameraSession::keyFrameWanted()
-{
-    m_resolver->requestKeyFrame(m_paths.profileToken(m_order.path));
 }
 
 void CameraSession::talk(uint64_t ticket)

@@ -129,6 +129,10 @@ private:
     void fallBack(const std::string &path, bool isUnknown, std::function<void(bool)> then);
     void learnProfiles();
     void startStream();
+    void retryLater();
+    void retryNow();
+    void retry();
+    bool isRetrying() const { return m_retry.isActive() || m_isFindingForRetry; }
     void askForStill();
     void askForSnapshot(const onvif::CameraStreams &streams);
     void receiveStill(StreamPlace place);
@@ -159,6 +163,11 @@ private:
     StreamPaths m_paths;
     StreamOrder m_order;
     std::optional<Clock::time_point> m_orderedAt; ///< nullopt when the last order is void
+    base::Timer m_retry;                          ///< until a lost stream is started again
+    int m_retries = 0;                            ///< since it last played
+    bool m_isFindingForRetry = false;
+    bool m_lostOnTheWay = false;                ///< the last start found nobody there
+    std::optional<Clock::time_point> m_shownAt; ///< the stream's first picture
     bool m_hasLearned = false;
     bool m_givesSnapshots = true;    ///< as far as is known
     bool m_hasTriedProfiles = false; ///< after another refusal than 404

@@ -65,16 +65,12 @@ void CameraSession::askForSnapshot(const onvif::CameraStreams &streams)
     m_resolver->fetchSnapshot(
         streams.sub.profileToken,
         [this, number = m_still->number()](onvif::PictureStatus status, std::string jpeg) {
-            // Such a camera gets no second chance to lock the account.
+            // What has failed once would only delay the next picture.
             m_givesSnapshots = status == onvif::PictureStatus::Ok;
-            if (status == onvif::PictureStatus::Refused)
-                m_schedule.refusedElsewhere(Clock::now());
             if (number != m_still->number())
                 return;
             if (status == onvif::PictureStatus::Ok)
                 m_still->store(std::move(jpeg));
-            else if (status == onvif::PictureStatus::Refused)
-                m_still->giveUp();
             else
                 receiveStill(StreamPlace::Sub);
         });

@@ -119,16 +119,21 @@ CAMMGR_API int RtspPlayer_SetupP2PliveStream(RtspPlayer *player, const char *pat
                                              uintptr_t native_window);
 
 /* Starts the stream that was set up; does nothing when it plays or is being started, or while a
- * refused login is not to be tried again. Never waits. */
+ * refused login is not to be tried again. Never waits. This library starts a stream that is lost
+ * (closed by the camera, no frame for 5 s, nobody there) again by itself, after 0.2, 0.5, 1, 2 and
+ * then each 4 s, until RtspPlayer_Stop or another set-up; not after a refused login. Meanwhile the
+ * last picture stays on the window, and a recording waits to go on in its next clip. A host that
+ * stays silent is tried when a probe has found it, and each 15 s. */
 CAMMGR_API int RtspPlayer_Play(RtspPlayer *player);
 
 /* Ends the stream, its recording and its talk-back; the session continues. Nothing draws on the
  * window any more when it returns. */
 CAMMGR_API int RtspPlayer_Stop(RtspPlayer *player);
 
-/* Non-zero from the first picture that was decoded and drawn until the stream ends or no frame came
- * for 5 s. On a window that nobody can see (covered, minimised, none), where nothing is decoded,
- * from the first key frame that was received. */
+/* Non-zero from the first picture that was decoded and drawn until the stream is lost, ends or no
+ * frame came for 5 s; 0 until the first picture after a stream was lost. On a window that nobody
+ * can see (covered, minimised, none), where nothing is decoded, from the first key frame that was
+ * received. */
 CAMMGR_API int RtspPlayer_IsPlaying(RtspPlayer *player);
 
 /* Asynchronous delete: the handle is invalid from here on, an outstanding probe is still answered,
@@ -172,14 +177,14 @@ enum
     CAMMGR_WRITING_NONE =
         0,              /* no recording runs: none was begun, or its begin failed, or it ended */
     CAMMGR_WRITING = 1, /* a clip is open and takes the frames that come */
-    CAMMGR_WRITING_WAITS =
-        2 /* one was begun and nothing is being written: no key frame came yet, or
-             the disk is full or gone. A new clip begins when that is over, which
-             is looked at every 5 s; RtspPlayer_EndWriting ends the wait. */
+    CAMMGR_WRITING_WAITS = 2 /* one was begun and nothing is being written: no key frame came yet,
+                                the stream is lost, or the disk is full or gone. A new clip begins
+                                when that is over, for a disk within 5 s; RtspPlayer_EndWriting ends
+                                the wait. */
 };
 
-/* Non-zero while a recording runs, from RtspPlayer_BeginWriting to RtspPlayer_EndWriting or the end
- * of the stream: a CAMMGR_WRITING value. */
+/* Non-zero while a recording runs, from RtspPlayer_BeginWriting to RtspPlayer_EndWriting,
+ * RtspPlayer_Stop, another set-up or a refused login: a CAMMGR_WRITING value. */
 CAMMGR_API int RtspPlayer_IsWriting(RtspPlayer *player);
 
 /* Over the last second: frames per second, bits per second. */

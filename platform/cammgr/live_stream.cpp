@@ -42,9 +42,11 @@ LiveStream::~LiveStream()
 
 void LiveStream::start(const StreamRequest &request)
 {
+    if (d->session && d->session->resume(request))
+        return;
     stop();
     d->session = std::make_shared<Session>(request, d->listener, d->closing);
-    d->session->start(d->heardVolume());
+    d->session->start(request, d->heardVolume());
 }
 
 void LiveStream::stop()

@@ -32,7 +32,7 @@ struct StreamRequest
  * One live stream of one camera: receives it, draws it, takes snapshots and records.
  *
  * Called by one thread at a time. No call waits for the camera; see each call for what it waits
- * for. A stream that ended by itself is started again by start().
+ * for. A stream that ended by itself is lost until start() or stop().
  */
 class LiveStream
 {
@@ -56,7 +56,9 @@ public:
     LiveStream(const LiveStream &) = delete;
     LiveStream &operator=(const LiveStream &) = delete;
 
-    /// Starts a stream in the background; one that is active already is stopped first.
+    /// Starts a stream in the background; one that is active already is stopped first. One that
+    /// was lost goes on, where the window is the same: its last picture stays there until the next
+    /// one comes, and a recording continues in its next clip.
     void start(const StreamRequest &request);
     /// Ends the stream and its recording. Nothing draws on the window any more, and no callback
     /// runs any more, when it returns; the rest of the clean-up continues in the background.
@@ -88,10 +90,11 @@ public:
     int beginWriting(const std::string &basePath, int limitBytes);
     /// Ends the recording; the file is finished in the background. Negative when none runs.
     int endWriting();
-    /// Whether frames go into a clip; false after endWriting() and at the end of the stream.
+    /// Whether frames go into a clip; false after endWriting(), while the stream is lost, and after
+    /// stop().
     bool isWriting() const;
-    /// A recording was begun, but nothing can be written: no key frame came yet, or the disk is
-    /// full or was removed. A new clip begins when there is space again.
+    /// A recording was begun, but nothing can be written: no key frame came yet, the stream is
+    /// lost, or the disk is full or was removed. A new clip begins when there is space again.
     bool isWaitingToWrite() const;
 
     int frameRate() const; ///< frames that arrived in the last second

@@ -27,7 +27,9 @@ void ProbeSchedule::record(rtsp::ProbeOutcome outcome, Time now)
     m_remembered = outcome;
     std::chrono::milliseconds pause = firstPause * (1 << (m_inRow - 1));
     if (outcome == rtsp::ProbeOutcome::LoginRefused) {
-        noteRefusal(now);
+        m_refusals.push_back(now);
+        while (m_refusals.size() > maxRefusals || m_refusals.front() + refusalWindow <= now)
+            m_refusals.pop_front();
         if (m_refusals.size() == maxRefusals) {
             m_due = std::max(m_refusals.front() + refusalWindow, now + pause - slack);
             return;
@@ -37,19 +39,6 @@ void ProbeSchedule::record(rtsp::ProbeOutcome outcome, Time now)
     else
         pause = slack;
     m_due = now + pause - slack;
-}
-
-void ProbeSchedule::noteRefusal(Time now)
-{
-    m_refusals.push_back(now);
-    while (m_refusals.size() > maxRefusals || m_refusals.front() + refusalWindow <= now)
-        m_refusals.pop_front();
-}
-
-void ProbeSchedule::refusedElsewhere(Time now)
-{
-    for (size_t i = 0; i < maxRefusals; ++i)
-        noteRefusal(now);
 }
 
 std::optional<ProbeSchedule::Time> ProbeSchedule::loginPause(Time now) const

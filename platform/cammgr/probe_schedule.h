@@ -26,8 +26,6 @@ public:
     /// Until when the login is not tried because it was refused too often; nullopt when it may be.
     std::optional<Time> loginPause(Time now) const;
 
-    /// Another service of the camera refused the login, which counts there as often as here.
-    void refusedElsewhere(Time now);
     /// The camera accepted the login: what it refused before no longer counts.
     void loginAccepted() { m_refusals.clear(); }
     /// The user wants the camera now: it is probed once more, whatever the pause.
@@ -38,8 +36,6 @@ public:
     void reset();
 
 private:
-    void noteRefusal(Time now);
-
     Time m_due{};
     rtsp::ProbeOutcome m_remembered = rtsp::ProbeOutcome::Silent;
     std::deque<Time> m_refusals; ///< of the login, within the last half hour; the last three

@@ -5,6 +5,7 @@
 #include "platform/media/still_picture.h"
 #include "platform/media/worker_pool.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace cammgr {
@@ -20,11 +21,24 @@ constexpr auto figuresPeriod = 100ms;
 // Limit for decoding a frame for a snapshot of a stream that is not shown.
 constexpr auto stillBudget = 60ms;
 
+/// What was counted before and after a stream was lost.
+rtsp::MediaStatistics sumOf(const rtsp::MediaStatistics &before, rtsp::MediaStatistics now)
+{
+    now.packets += before.packets;
+    now.bytes += before.bytes;
+    now.lost += before.lost;
+    now.reordered += before.reordered;
+    now.dropped += before.dropped;
+    now.units += before.units;
+    now.damaged += before.damaged;
+    return now;
+}
+
 } // namespace
 
 LiveStream::Session::Session(const StreamRequest &request, const Listener &listener,
                              std::shared_ptr<media::ClosingClips> closing)
-    : m_request(request)
+    : m_window(request.window)
     , m_listener(listener)
     , m_audio(std::make_shared<media::AudioOutput>())
     , m_recorder(std::make_shared<media::Recorder>(m_memory, std::move(closing),
@@ -42,14 +56,24 @@ LiveStream::Session::~Session()
     release();
 }
 
-void LiveStream::Session::start(int volume)
+void LiveStream::Session::start(const StreamRequest &request, int volume)
 {
     m_audio->setVolume(volume);
     if (m_view)
         media::mediaWorkers().run([self = shared_from_this()] { self->m_view->open(); });
     // The media framework is loaded on a media worker, which may take long.
-    media::mediaWorkers().run(
-        [self = shared_from_this()] { ioThread().post([self] { self->openReceiver(); }); });
+    media::mediaWorkers().run([self = shared_from_this(), request] {
+        ioThread().post([self, request] { self->openReceiver(request); });
+    });
+}
+
+bool LiveStream::Session::resume(const StreamRequest &request)
+{
+    auto lost = State::Lost;
+    if (request.window != m_window || !m_state.compare_exchange_strong(lost, State::Starting))
+        return false;
+    ioThread().post([self = shared_from_this(), request] { self->openReceiver(request); });
+    return true;
 }
 
 void LiveStream::Session::stop()
@@ -87,15 +111,16 @@ int LiveStream::Session::beginWriting(const std::string &basePath, int limitByte
     return isPlaying() ? m_recorder->begin(basePath, limitBytes, m_hasAudio) : -1;
 }
 
-void LiveStream::Session::openReceiver()
+void LiveStream::Session::openReceiver(const StreamRequest &request)
 {
     if (m_state == State::Ended)
         return;
     if (m_view)
         m_playout.emplace([this](const media::AccessUnit &unit) { m_view->takeFrame(unit); });
-    m_receiver = std::make_unique<rtsp::Receiver>(*this, m_request.source);
-    if (m_request.session)
-        m_receiver->start(std::move(*m_request.session));
+    m_url = request.source.url;
+    m_receiver = std::make_unique<rtsp::Receiver>(*this, request.source);
+    if (request.session)
+        m_receiver->start(std::move(*request.session));
     else
         m_receiver->start();
 }
@@ -130,10 +155,15 @@ void LiveStream::Session::plays()
     wantKeyFrame();
 }
 
-void LiveStream::Session::video(const base::AccessUnit &unit)
+void LiveStream::Session::video(const base::AccessUnit &received)
 {
     if (m_state == State::Ended)
         return;
+    base::AccessUnit unit = received;
+    unit.number += m_numberOffset;
+    unit.time += m_timeOffset;
+    m_lastNumber = unit.number;
+    m_lastTime = std::max(m_lastTime, unit.time);
     // Of a stream that is garbage a frame gets through now and then.
     const bool followsLoss = std::exchange(m_lossBefore, false);
     if (unit.key || !followsLoss)
@@ -173,7 +203,7 @@ void LiveStream::Session::noteFigures()
     m_figuresNoted = media::SteadyClock::now();
     const rtsp::MediaStatistics video = m_receiver->videoStatistics();
     const std::lock_guard lock(m_figuresMutex);
-    m_figures.video = video;
+    m_figures.video = sumOf(m_counted, video);
     m_figures.transport = m_receiver->transportName();
     m_figures.format = m_format;
     m_figures.sound = m_soundFormat;
@@ -218,7 +248,8 @@ void LiveStream::Session::audio(const base::AudioUnit &unit)
     if (m_state == State::Ended)
         return;
     m_soundFormat = unit.format;
-    const media::AudioUnit wrapped = m_wrapper.wrap(unit);
+    media::AudioUnit wrapped = m_wrapper.wrap(unit);
+    wrapped.time += m_timeOffset;
     m_memory.takeAudio(wrapped);
     m_recorder->takeAudio(wrapped);
     m_audio->takeAudio(wrapped);
@@ -226,16 +257,51 @@ void LiveStream::Session::audio(const base::AudioUnit &unit)
 
 void LiveStream::Session::ended(const rtsp::StreamFailure &failure)
 {
-    g_log("cammgr", G_LOG_LEVEL_INFO, "%s: %s", m_request.source.url.c_str(), failure.text.c_str());
-    if (m_state.exchange(State::Ended) == State::Ended)
+    g_log("cammgr", G_LOG_LEVEL_INFO, "%s: %s", m_url.c_str(), failure.text.c_str());
+    // Nobody tries a refused login again by himself.
+    const State end = failure.end == StreamEnd::Refused ? State::Ended : State::Lost;
+    State before = m_state;
+    while (before != State::Ended && !m_state.compare_exchange_weak(before, end)) {
+    }
+    if (before == State::Ended)
         return;
+    if (end == State::Lost)
+        interrupt();
     closeReceiver();
-    // Not here: to let go of a window may take until a frame is decoded.
-    media::mediaWorkers().run([self = shared_from_this(), failure] {
-        self->release();
+    const auto report = [self = shared_from_this(), failure] {
         if (self->m_listener.ended)
             self->tell([&] { self->m_listener.ended(failure); });
+    };
+    if (end == State::Lost) {
+        report();
+        return;
+    }
+    // Not here: to let go of a window may take until a frame is decoded.
+    media::mediaWorkers().run([self = shared_from_this(), report] {
+        self->release();
+        report();
     });
+}
+
+/// The next frame begins another stream. The last picture stays on the window; numbers and times go
+/// on, so that view, recorder and memory can.
+void LiveStream::Session::interrupt()
+{
+    noteFigures();
+    m_counted = m_figures.video;
+    m_playout.reset();
+    m_numberOffset = m_lastNumber;
+    const auto silence = media::SteadyClock::now() - m_lastSign.load();
+    m_timeOffset = m_lastTime + std::chrono::nanoseconds(silence).count();
+    m_keyReceived = false;
+    m_firstKey.reset();
+    m_toldUndecodable = false;
+    m_lossBefore = false;
+    m_hasVideo = m_hasAudio = false;
+    if (m_view)
+        m_view->interrupt();
+    m_recorder->interrupt();
+    m_audio->interrupt();
 }
 
 /// Any thread. Limited to what a camera answers without trouble.

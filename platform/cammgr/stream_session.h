@@ -19,7 +19,8 @@
 namespace cammgr {
 
 /**
- * One stream from start to stop: the receiver, and the sinks of its frames. It lives on behind
+ * One stream from start to stop: the receiver, and the sinks of its frames. Where the stream is
+ * lost and resumed, the sinks stay, and numbers and times of its frames go on. It lives on behind
  * stop() until its pipelines are destroyed.
  */
 class LiveStream::Session : public rtsp::Receiver::Client,
@@ -30,11 +31,13 @@ public:
             std::shared_ptr<media::ClosingClips> closing);
     ~Session() override;
 
-    void start(int volume);
+    void start(const StreamRequest &request, int volume);
+    /// Starts the stream again that was lost, on the same window. False when it was not lost.
+    bool resume(const StreamRequest &request);
     /// See LiveStream::stop().
     void stop();
 
-    bool isActive() const { return m_state != State::Ended; }
+    bool isActive() const { return m_state == State::Starting || m_state == State::Playing; }
     bool isPlaying() const;
     bool hasVideo() const { return isActive() && m_hasVideo; }
     bool hasAudio() const { return isActive() && m_hasAudio; }
@@ -59,17 +62,19 @@ private:
     {
         Starting,
         Playing,
+        Lost, ///< ended by itself; what it has shown and recorded can go on
         Ended
     };
 
     void described(bool hasVideo, bool hasAudio) override;
     void plays() override;
-    void video(const base::AccessUnit &unit) override;
+    void video(const base::AccessUnit &received) override;
     void audio(const base::AudioUnit &unit) override;
     void lostPackets() override;
     void ended(const rtsp::StreamFailure &failure) override;
 
-    void openReceiver();
+    void openReceiver(const StreamRequest &request);
+    void interrupt();
     void closeReceiver();
     void release();
     void wantKeyFrame();
@@ -78,7 +83,7 @@ private:
     void checkDecoding(media::SteadyClock::time_point now);
     void tell(const std::function<void()> &callback);
 
-    const StreamRequest m_request;
+    const uintptr_t m_window;
     const Listener m_listener;
 
     std::mutex m_callbackMutex; ///< held while a callback runs; protects m_muted
@@ -88,6 +93,12 @@ private:
     std::unique_ptr<rtsp::Receiver> m_receiver;
     std::optional<Playout> m_playout; ///< nothing when nothing is drawn
     media::UnitWrapper m_wrapper;
+    std::string m_url;
+    uint64_t m_lastNumber = 0; ///< of a frame
+    uint64_t m_lastTime = 0;   ///< of a frame, ns
+    uint64_t m_numberOffset = 0;
+    uint64_t m_timeOffset = 0;       ///< ns
+    rtsp::MediaStatistics m_counted; ///< before the stream was lost
     std::shared_ptr<const base::VideoFormat> m_format;
     std::shared_ptr<const base::AudioFormat> m_soundFormat;
     media::SteadyClock::time_point m_figuresNoted;

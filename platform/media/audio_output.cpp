@@ -104,6 +104,12 @@ void AudioOutput::setVolume(int percent)
         g_object_set(m_pipeline->volume.get(), "volume", levelOf(percent), nullptr);
 }
 
+void AudioOutput::interrupt()
+{
+    std::lock_guard lock(m_mutex);
+    release();
+}
+
 void AudioOutput::close()
 {
     std::lock_guard lock(m_mutex);

@@ -26,6 +26,8 @@ public:
     void takeAudio(const AudioUnit &unit) override;
     /// 0 to 200, 100 is the level of the source. Any thread.
     void setVolume(int percent);
+    /// The next sound belongs to another stream, which may be of another format.
+    void interrupt();
     /// Nothing is played from now on; the device is released behind.
     void close();
 

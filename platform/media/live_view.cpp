@@ -118,6 +118,15 @@ void LiveView::takeFrame(const AccessUnit &unit)
         m_wantKeyFrame();
 }
 
+void LiveView::interrupt()
+{
+    std::lock_guard lock(m_mutex);
+    m_queue.clear();
+    m_waitForKey = true;
+    m_interrupted = m_lastQueued;
+    m_hasShown = false;
+}
+
 void LiveView::setWindow(const WindowState &state, bool damaged)
 {
     bool needKey = false;
@@ -296,7 +305,8 @@ bool LiveView::step()
         break;
     case Step::Kind::Decode:
         good = m_chain.decode(now.unit, now.show);
-        if (m_chain.drawn() > 0 && !m_hasShown.exchange(true) && m_changed)
+        if (m_chain.drawn() > drawnBefore && now.unit.number > m_interrupted &&
+            !m_hasShown.exchange(true) && m_changed)
             m_changed();
         break;
     case Step::Kind::Reopen:

@@ -48,10 +48,13 @@ public:
     void close();
 
     void takeFrame(const AccessUnit &unit) override;
+    /// The next frame belongs to another stream. The last picture stays on the window; hasShown()
+    /// is false until the next one is drawn. Any thread, never waits.
+    void interrupt();
     /// The window changed, as reported by WindowWatch.
     void setWindow(const WindowState &state, bool damaged);
 
-    /// Whether a picture was drawn since the start. Any thread.
+    /// Whether a picture was drawn since the start, or since interrupt(). Any thread.
     bool hasShown() const { return m_hasShown; }
     /// Whether it is known that nobody can see the window, or nothing can be drawn. Any thread.
     bool isUnseen() const { return m_isUnseen; }
@@ -116,6 +119,7 @@ private:
     bool m_redraw = false;
     bool m_waitForKey = true;
     uint64_t m_lastQueued = 0;
+    std::atomic<uint64_t> m_interrupted = 0; ///< last frame of the stream before
     uint64_t m_replayEnd = 0; ///< up to here frames come from memory and are not shown
     uint64_t m_decoded = 0;
     ViewFigures m_figures; ///< without the decoder

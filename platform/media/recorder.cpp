@@ -105,6 +105,17 @@ int Recorder::end()
     return 0;
 }
 
+void Recorder::interrupt()
+{
+    std::lock_guard lock(m_mutex);
+    if (m_clip)
+        m_clip->close();
+    m_clip.reset();
+    m_gopBytes = 0;
+    m_askedForKey = false;
+    m_lastTime = 0;
+}
+
 bool Recorder::isWriting() const
 {
     std::lock_guard lock(m_mutex);

@@ -32,6 +32,10 @@ public:
     /// is full or was removed; writing is tried again every few seconds.
     bool isWaiting() const;
 
+    /// The next frame belongs to another stream, with which the next clip begins. The one that is
+    /// written ends here.
+    void interrupt();
+
     void takeFrame(const AccessUnit &unit) override;
     void takeAudio(const AudioUnit &unit) override;
 

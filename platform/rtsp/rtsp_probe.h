@@ -28,6 +28,13 @@ enum class ProbeOutcome
     TlsFailed     ///< the host answered, but not over TLS
 };
 
+/// Whether no connection to the camera could be made.
+[[nodiscard]] inline bool isNobodyThere(ProbeOutcome outcome)
+{
+    return outcome == ProbeOutcome::Silent || outcome == ProbeOutcome::Rejected ||
+           outcome == ProbeOutcome::NoSuchHost;
+}
+
 /// The parameters of a probe.
 struct ProbeTarget
 {

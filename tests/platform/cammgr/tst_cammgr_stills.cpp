@@ -141,7 +141,7 @@ TEST(CammgrStills, AreNoLoginThatLocksTheAccount)
     EXPECT_EQ(filesIn(folder.path()), 0);
     for (int i = 0; i < 5; ++i)
         EXPECT_TRUE(player.probe());
-    EXPECT_LE(cameras.statusNumber("wrong_logins"), 4);
+    EXPECT_LE(cameras.statusNumber("wrong_logins"), 3);
     EXPECT_EQ(cameras.statusNumber("locked"), 0);
 }
 

@@ -70,18 +70,6 @@ TEST(ProbeSchedule, TellsHowLongARefusedLoginIsNotTried)
     EXPECT_FALSE(schedule.loginPause(begin + 30s));
 }
 
-TEST(ProbeSchedule, ARefusalOfAnotherServiceLeavesOneTry)
-{
-    ProbeSchedule schedule;
-    const ProbeSchedule::Time begin(1000h);
-    schedule.record(rtsp::ProbeOutcome::Answered, begin);
-    schedule.refusedElsewhere(begin);
-    EXPECT_EQ(schedule.remembered(), rtsp::ProbeOutcome::Answered);
-    EXPECT_TRUE(schedule.isDue(begin + 3s));
-    schedule.record(rtsp::ProbeOutcome::LoginRefused, begin + 3s);
-    EXPECT_EQ(schedule.loginPause(begin + 3s), begin + 30min);
-}
-
 TEST(ProbeSchedule, ARefusalInPlayCountsBesideProbesThatNeedNoLogin)
 {
     // Described to anybody, played to nobody: each probe succeeds, and the stream is refused.
