@@ -1,8 +1,7 @@
-# Takes the gallery's pictures into the documents: FROM is its folder, TO that of the documents,
+# Takes the gallery's pictures into the documents, beside those of tools/make-pictures: FROM is its folder, TO that of the documents,
 # CONVERT the program of ImageMagick that reduces their colours, so that each stays small.
 set(pictures
-  manager=manager-four-800x600 manager-states=manager-states-800x600 single=single-full-hd-1280x800 grid=grid-recording-1280x800 search=search-many-1280x800 photos=photos-many-1280x800
-  videos=videos-many-800x600 photo=photo-1280x800 video=video-playing-800x600
+  manager-states=manager-states-800x600 photo=photo-1280x800 video=video-playing-800x600
   add-camera=add-camera-filled network-setup=network-setup picker=picker
   select-cameras=select-four)
 file(GLOB sheets RELATIVE ${FROM} ${FROM}/contact-*.png)
