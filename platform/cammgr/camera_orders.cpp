@@ -109,7 +109,7 @@ void CameraSession::streamEnded(const StreamFailure &failure)
         m_retries = 0;
     if (failure.end == StreamEnd::NotFound ||
         (failure.end == StreamEnd::PathRefused && mayTryProfiles())) {
-        m_hasTriedProfiles = true;
+        m_triedProfiles = Clock::now();
         fallBack(m_order.path, failure.end == StreamEnd::NotFound,
                  [this, ticket = m_order.ticket](bool again) {
                      if (ticket != m_order.ticket)

@@ -15,6 +15,7 @@ constexpr std::chrono::milliseconds commandLimit = 14s;
 constexpr std::chrono::milliseconds leastCommandTime = 1s;
 /// A probe right after play waits for the first frame, but not much longer than a regular probe.
 constexpr std::chrono::milliseconds pictureLimit = 3s;
+constexpr std::chrono::milliseconds profilesPause = 60s;
 
 } // namespace
 
@@ -159,21 +160,26 @@ void CameraSession::describe()
 void CameraSession::probed(rtsp::ProbeOutcome outcome)
 {
     const std::string main = StreamPaths::path(StreamPlace::Main);
-    if (outcome == rtsp::ProbeOutcome::NotFound ||
-        (outcome == rtsp::ProbeOutcome::Unusable && mayTryProfiles())) {
-        m_hasTriedProfiles = true;
-        const unsigned number = m_probeNumber;
-        fallBack(main, outcome == rtsp::ProbeOutcome::NotFound, [this, number](bool again) {
+    const bool asked = m_probing == Probing::Asking;
+    const bool isUnknown = outcome == rtsp::ProbeOutcome::NotFound;
+    // Some cameras say nothing at all to a path that they do not know.
+    const bool isRefused =
+        outcome == rtsp::ProbeOutcome::Unusable ||
+        (outcome == rtsp::ProbeOutcome::Silent && asked && m_probe.wasConnected());
+    if (isUnknown || (isRefused && mayTryProfiles())) {
+        m_triedProfiles = Clock::now();
+        const auto otherwise = isUnknown ? rtsp::ProbeOutcome::Unusable : outcome;
+        fallBack(main, isUnknown, [this, number = m_probeNumber, otherwise](bool again) {
             if (number != m_probeNumber || m_probing != Probing::Asking)
                 return;
             if (again)
                 describe();
             else
-                probed(rtsp::ProbeOutcome::Unusable);
+                probed(otherwise);
         });
         return;
     }
-    const bool asked = m_probing == Probing::Asking;
+    const bool hasReturned = m_schedule.remembered() != rtsp::ProbeOutcome::Answered;
     m_schedule.record(outcome, Clock::now());
     tellReason(outcome);
     if (rtsp::isNobodyThere(outcome))
@@ -183,6 +189,10 @@ void CameraSession::probed(rtsp::ProbeOutcome outcome)
         // A camera that describes its streams to anybody proves nothing.
         if (m_control.streamPhase() == StreamPhase::Playing || (asked && m_probe.usedLogin()))
             m_schedule.loginAccepted();
+        if (hasReturned && !m_resolver->knownStreams()) {
+            m_resolver->locateAgain();
+            m_hasLearned = false;
+        }
         learnProfiles();
     }
     finishProbe(outcome);
@@ -218,10 +228,12 @@ void CameraSession::finishProbe(rtsp::ProbeOutcome outcome)
 }
 
 /// Cameras refuse a path that they do not know in many ways, which say nothing about other paths.
-/// One look at the profiles, then what the camera says holds until it moves.
+/// What the profiles say holds until the camera moves; a camera that did not tell them is asked
+/// again some time later.
 bool CameraSession::mayTryProfiles() const
 {
-    return !m_hasTriedProfiles && !m_paths.usesProfiles() && m_info.address.path.empty();
+    return (!m_triedProfiles || Clock::now() - *m_triedProfiles >= profilesPause) &&
+           !m_paths.usesProfiles() && m_info.address.path.empty();
 }
 
 /// After a refusal of path (isUnknown: 404): answers whether there is another address to try.
@@ -232,7 +244,7 @@ void CameraSession::fallBack(const std::string &path, bool isUnknown,
         // The camera was set up again: start over with its own paths and fresh profiles next time.
         m_paths.reset();
         m_resolver->forgetStreams();
-        m_hasTriedProfiles = false;
+        m_triedProfiles.reset();
         then(false);
         return;
     }
@@ -264,7 +276,7 @@ void CameraSession::moved()
     m_paths.reset();
     m_hasLearned = false;
     m_givesSnapshots = true;
-    m_hasTriedProfiles = false;
+    m_triedProfiles.reset();
 }
 
 const std::shared_ptr<rtsp::LoginPolicy> &CameraSession::loginPolicy() const

@@ -169,8 +169,9 @@ private:
     bool m_lostOnTheWay = false;                ///< the last start found nobody there
     std::optional<Clock::time_point> m_shownAt; ///< the stream's first picture
     bool m_hasLearned = false;
-    bool m_givesSnapshots = true;    ///< as far as is known
-    bool m_hasTriedProfiles = false; ///< after another refusal than 404
+    bool m_givesSnapshots = true; ///< as far as is known
+    /// When profiles were last asked for after another refusal than 404.
+    std::optional<Clock::time_point> m_triedProfiles;
     int m_watch = 0;
     // Last, so that they are destroyed first: their callbacks use the members above.
     std::unique_ptr<Resolver> m_resolver;

@@ -68,6 +68,7 @@ void Resolver::located(const onvif::CameraLocation &location)
     const bool moved = !m_xaddr.empty() && m_xaddr != location.xaddr;
     m_xaddr = location.xaddr;
     m_isFoundByUid = true;
+    m_isGuess = false;
     m_streams.reset();
     if (m_endpoint.host != location.address)
         m_endpoint = {.host = location.address, .port = rtspPort, .tls = false};
@@ -101,8 +102,15 @@ void Resolver::locate(std::function<void()> then)
         return;
     m_locateRequest = m_lookup.locate(m_endpoint.host, [this](onvif::CameraLocation location) {
         m_xaddr = location.xaddr;
+        m_isGuess = location.isGuess;
         answerAll(m_locateWaiters);
     });
+}
+
+void Resolver::locateAgain()
+{
+    if (m_isGuess)
+        m_xaddr.clear();
 }
 
 void Resolver::findStreams(std::function<void(const onvif::CameraStreams *)> done)

@@ -32,6 +32,8 @@ public:
 
     /// Answers the camera's H.264 streams, or null when it does not report them.
     void findStreams(std::function<void(const onvif::CameraStreams *)> done);
+    /// Where the ONVIF service was only a guess, the next one who needs it looks for it again.
+    void locateAgain();
     /// The next findStreams() queries the camera again.
     void forgetStreams() { m_streams.reset(); }
 
@@ -80,6 +82,7 @@ private:
     bool m_isFoundByUid = false;
     bool m_isFresh = false; ///< endpoint() holds as far as we know
     std::string m_xaddr;    ///< ONVIF device service; empty while unknown
+    bool m_isGuess = false; ///< nobody has answered there yet
     std::optional<onvif::CameraStreams> m_streams;
 
     std::vector<std::function<void(bool)>> m_findWaiters;

@@ -22,8 +22,9 @@ using LoginLimitPtr = std::shared_ptr<base::LoginLimit>;
 /// Where a camera is.
 struct CameraLocation
 {
-    std::string address; ///< host without port: dotted IPv4, or the requested host name
-    std::string xaddr;   ///< its ONVIF device service, an http or https address
+    std::string address;  ///< host without port: dotted IPv4, or the requested host name
+    std::string xaddr;    ///< its ONVIF device service, an http or https address
+    bool isGuess = false; ///< nobody has answered: the usual address
 };
 
 /// One stream of a camera.
@@ -66,9 +67,10 @@ public:
     [[nodiscard]] RequestPtr resolve(const std::string &uid,
                                      std::function<void(std::optional<CameraLocation>)> done);
 
-    /// Finds the device service of the camera at a host (address or name without port): queries the
-    /// host itself by unicast and by multicast for up to 1.5 s, else takes ONVIF's usual address on
-    /// port 80.
+    /// Finds the device service of the camera at a host (address or name without port): for up to
+    /// 1.5 s searches by multicast and unicast, and asks for the time at the ports where cameras
+    /// have it, all at once; the first answer counts. Without any it guesses ONVIF's usual address
+    /// on port 80. Sends no login.
     [[nodiscard]] RequestPtr locate(const std::string &host,
                                     std::function<void(CameraLocation)> done);
 

@@ -16,8 +16,6 @@ namespace onvif {
 
 namespace {
 
-constexpr const char *clockAction = "http://www.onvif.org/ver10/device/wsdl/GetSystemDateAndTime";
-constexpr const char *clockBody = "<tds:GetSystemDateAndTime/>";
 // A device whose clock was changed refuses old dates; smaller steps are no reason to sign again.
 constexpr std::int64_t clockStep = 2;
 // Some devices lock an account after a few wrong answers.

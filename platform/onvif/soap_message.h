@@ -12,6 +12,12 @@ namespace onvif {
 
 class XmlMessage;
 
+/// The question for a device's clock, which every device answers without a login (ONVIF Core
+/// 8.3.4).
+inline constexpr const char *clockAction =
+    "http://www.onvif.org/ver10/device/wsdl/GetSystemDateAndTime";
+inline constexpr const char *clockBody = "<tds:GetSystemDateAndTime/>";
+
 /// What makes a UsernameToken differ from the next one (WS-Security UsernameToken Profile 1.0).
 struct TokenStamp
 {

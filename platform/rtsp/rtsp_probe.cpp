@@ -23,6 +23,7 @@ void RtspProbe::start(const ProbeTarget &target, Done done)
     m_target = target;
     m_done = std::move(done);
     m_challenged = false;
+    m_wasConnected = m_channel.isOpen();
     m_status = 0;
     m_limit.start(probeLimit, [this] {
         m_channel.close();
@@ -65,7 +66,11 @@ void RtspProbe::connect()
 {
     m_connectionUsed = false;
     m_channel.open(m_target.endpoint, connectLimit,
-                   {.opened = [this] { describe(); },
+                   {.opened =
+                        [this] {
+                            m_wasConnected = true;
+                            describe();
+                        },
                     .received = [this](std::string_view data) { received(data); },
                     .ended = [this](base::ChannelEnd reason) { ended(reason); }});
 }

@@ -63,6 +63,8 @@ public:
     int status() const { return m_status; }
     /// Whether the last request carried a login.
     bool usedLogin() const { return m_login.isInUse(); }
+    /// Whether the camera took the connection of the last probe, even if it never said a word.
+    bool wasConnected() const { return m_wasConnected; }
     /// Gives up the idle connection, for cameras that allow few.
     void disconnect();
     /// Hands over the idle connection with the description that it has brought, so that a stream
@@ -88,7 +90,8 @@ private:
     Reply m_description; ///< the last answer, of status 200, over the open connection
     unsigned m_sequence = 0;
     int m_status = 0;
-    bool m_challenged = false;     ///< the first 401 is the challenge, the next one the refusal
+    bool m_challenged = false; ///< the first 401 is the challenge, the next one the refusal
+    bool m_wasConnected = false;
     bool m_connectionUsed = false; ///< has carried a reply: may have been dropped since
 };
 

@@ -17,6 +17,9 @@ int boundSocket(const std::string &host, uint16_t &port)
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = inet_addr(host.c_str());
+    address.sin_port = htons(port);
+    const int on = 1;
+    ::setsockopt(handle, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     socklen_t size = sizeof address;
     if (::bind(handle, reinterpret_cast<sockaddr *>(&address), size) != 0 ||
         ::getsockname(handle, reinterpret_cast<sockaddr *>(&address), &size) != 0)
@@ -42,9 +45,10 @@ size_t wholeRequest(const std::string &received)
 
 } // namespace
 
-TinyServer::TinyServer(Handler handler, std::string host)
+TinyServer::TinyServer(Handler handler, std::string host, uint16_t port)
     : m_handler(std::move(handler))
     , m_host(std::move(host))
+    , m_port(port)
 {
     m_listener = boundSocket(m_host, m_port);
     if (::listen(m_listener, 64) != 0)

@@ -41,7 +41,8 @@ public:
     };
     using Handler = std::function<void(Connection &)>;
 
-    explicit TinyServer(Handler handler, std::string host = "127.0.0.1");
+    /// port: 0 for a free one.
+    explicit TinyServer(Handler handler, std::string host = "127.0.0.1", uint16_t port = 0);
     ~TinyServer();
     TinyServer(const TinyServer &) = delete;
     TinyServer &operator=(const TinyServer &) = delete;

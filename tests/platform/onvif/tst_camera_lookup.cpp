@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -206,6 +208,49 @@ TEST_F(CameraLookupTest, TakesTheUsualServiceOfASilentHost)
     EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
     EXPECT_EQ(got->address, "127.0.0.1");
     EXPECT_EQ(got->xaddr, "http://127.0.0.1/onvif/device_service");
+    EXPECT_TRUE(got->isGuess);
+}
+
+std::string httpAnswer(const std::string &type, const std::string &text)
+{
+    return "HTTP/1.1 200 OK\r\nContent-Type: " + type +
+           "\r\nContent-Length: " + std::to_string(text.size()) + "\r\n\r\n" + text;
+}
+
+TEST_F(CameraLookupTest, LocatesTheServiceOfASilentHostByItsPort)
+{
+    // The ports are fixed, so the address is this process' own.
+    const int process = getpid();
+    const std::string host = "127." + std::to_string(1 + (process >> 8) % 254) + '.' +
+                             std::to_string(process % 256) + ".77";
+    const TinyServer pages(
+        [](TinyServer::Connection &connection) {
+            while (!connection.readRequest().empty())
+                connection.write(httpAnswer("text/html", "<html><body/></html>"));
+        },
+        host, 8080);
+    const TinyServer camera(
+        [](TinyServer::Connection &connection) {
+            while (!connection.readRequest().empty())
+                connection.write(httpAnswer(
+                    "application/soap+xml",
+                    SoapDevice::envelope(
+                        "<tds:GetSystemDateAndTimeResponse><tds:SystemDateAndTime>"
+                        "<tt:UTCDateTime><tt:Time><tt:Hour>1</tt:Hour><tt:Minute>2</tt:Minute>"
+                        "<tt:Second>3</tt:Second></tt:Time><tt:Date><tt:Year>2026</tt:Year>"
+                        "<tt:Month>4</tt:Month><tt:Day>5</tt:Day></tt:Date></tt:UTCDateTime>"
+                        "</tds:SystemDateAndTime></tds:GetSystemDateAndTimeResponse>")));
+        },
+        host, 8899);
+    std::optional<CameraLocation> got;
+    const RequestPtr request = m_lookup.locate(
+        host, [&got](CameraLocation found) { got = std::move(found); });
+    EXPECT_TRUE(m_context.runUntil([&got] { return got.has_value(); }));
+    EXPECT_EQ(got->xaddr, "http://" + host + ":8899/onvif/device_service");
+    EXPECT_FALSE(got->isGuess);
+    EXPECT_TRUE(m_context.runUntil([&pages] { return !pages.requests().empty(); }));
+    for (const std::string &text : pages.requests())
+        EXPECT_EQ(text.find("Username"), std::string::npos);
 }
 
 TEST_F(CameraLookupTest, FindsMainAndSubStream)
