@@ -219,7 +219,7 @@
     </message>
     <message>
         <source>MultiLive</source>
-        <translation>Мультиэкран</translation>
+        <translation>Сетка</translation>
     </message>
     <message>
         <source>Recordings (Alt+V)</source>
@@ -675,7 +675,7 @@
     </message>
     <message>
         <source>Location</source>
-        <translation>Расположение</translation>
+        <translation>Место</translation>
     </message>
     <message>
         <source>IP</source>

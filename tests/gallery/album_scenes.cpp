@@ -153,9 +153,11 @@ QVector<Scene> albumScenes()
             [](Stage &stage) {
                 CPlayVideoForm *player = openVideo(stage);
                 auto *status = player->findChild<QLabel *>(QStringLiteral("labelStatus"));
-                return Subject{
-                    &stage.form(),
-                    [status] { return status->text().contains(QLatin1String("played")); }};
+                return Subject{&stage.form(),
+                               [status] {
+                                   return status->text().contains(
+                                       CPlayVideoForm::tr("This recording cannot be played."));
+                               }};
             }),
     };
 }

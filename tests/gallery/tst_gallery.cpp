@@ -8,6 +8,7 @@
 #include <QDir>
 #include <QPainter>
 #include <QThreadPool>
+#include <QTranslator>
 #include <QtTest>
 
 #include <map>
@@ -215,6 +216,15 @@ int main(int argc, char **argv)
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true);
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("Zelvaro"));
+    // The program itself shows its source texts; its layouts are to hold the other ones as well.
+    zelvaro::initResources();
+    QTranslator translator;
+    const QString translation = qEnvironmentVariable("ZELVARO_GALLERY_TRANSLATION");
+    if (!translation.isEmpty()) {
+        if (!translator.load(QStringLiteral(":/%1.qm").arg(translation)))
+            qFatal("no translation %s", qPrintable(translation));
+        QCoreApplication::installTranslator(&translator);
+    }
     gallery::Gallery gallery;
     return QTest::qExec(&gallery, argc, argv);
 }
