@@ -19,6 +19,8 @@ void readMedia(const onvif::XmlMessage &message)
     const std::string stream = onvif::streamAtHost(onvif::parseStreamUri(message), "192.168.1.20");
     FUZZ_EXPECT(stream.empty() || stream.starts_with("rtsp://192.168.1.20") ||
                 stream.starts_with("rtsps://192.168.1.20"));
+    const auto uid = onvif::parseEndpointReference(message);
+    FUZZ_EXPECT(!uid || (!uid->empty() && uid->find('/') == std::string::npos));
     const onvif::MediaServices services =
         onvif::parseMediaServices(message).value_or(onvif::MediaServices());
     for (const std::string &address : {services.media1, services.media2}) {

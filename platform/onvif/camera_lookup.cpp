@@ -3,12 +3,9 @@
 #include "platform/base/glib_ptr.h"
 #include "platform/base/text.h"
 #include "platform/onvif/device_client.h"
-#include "platform/onvif/discovery_search.h"
 #include "platform/onvif/media_client.h"
 #include "platform/onvif/net_address.h"
-#include "platform/onvif/soap_message.h"
 
-#include <array>
 #include <deque>
 #include <set>
 #include <utility>
@@ -18,9 +15,6 @@ namespace onvif {
 
 namespace {
 
-constexpr unsigned locateMilliseconds = 1500;
-// Where cameras have their ONVIF services when it is not the usual port 80.
-constexpr std::array<int, 9> servicePorts = {80, 8000, 8080, 8899, 2020, 5000, 8081, 8090, 10080};
 // One more than the cameras of a client that shows a hundred, each with two users.
 constexpr std::size_t maxKnownCameras = 256;
 
@@ -310,71 +304,6 @@ private:
     RequestPtr m_step;
 };
 
-CameraLocation locationOf(const DiscoveredDevice &device)
-{
-    const std::optional<HttpAddress> service = parseHttpAddress(device.serviceAddress);
-    return {.address = service ? service->host : device.senderAddress,
-            .xaddr = device.serviceAddress};
-}
-
-/// The search for the device service of a host, by all ways at once.
-class LocateRequest : public Request
-{
-public:
-    LocateRequest(GMainContext *context, std::string host, std::function<void(CameraLocation)> done)
-        : m_host(std::move(host))
-        , m_done(std::move(done))
-    {
-        for (const int port : servicePorts)
-            askPort(context, port);
-        // Many cameras ignore unicast probes.
-        SearchScope scope = SearchScope::fromEnvironment();
-        scope.targets = {m_host};
-        scope.onlyTargets = true;
-        scope.milliseconds = locateMilliseconds;
-        scope.isWanted = [](const DiscoveredDevice &) { return true; };
-        m_search = std::make_unique<DiscoverySearch>(
-            context, std::move(scope), [this](const SearchResult &result) { searched(result); });
-    }
-
-private:
-    // What every device answers without a login (ONVIF Core 8.3.4).
-    void askPort(GMainContext *context, int port)
-    {
-        const std::string service = usualDeviceService(m_host, port);
-        const auto client =
-            std::make_shared<SoapClient>(context, service, base::Credentials{},
-                                         SoapOptions{.questionMilliseconds = locateMilliseconds});
-        m_clients.push_back(client);
-        m_questions.push_back(client->call(service, clockAction, clockBody, SoapKind::Question,
-                                           [this, service](const SoapReply &reply) {
-                                               if (reply.message && parseSystemTime(*reply.message))
-                                                   finish({.address = m_host, .xaddr = service});
-                                           }));
-    }
-
-    void searched(const SearchResult &result)
-    {
-        if (result.wanted)
-            finish(locationOf(*result.wanted));
-        else
-            finish({.address = m_host, .xaddr = usualDeviceService(m_host), .isGuess = true});
-    }
-
-    // Once: who is told may destroy this request, which cancels the rest.
-    void finish(const CameraLocation &location)
-    {
-        if (const auto done = std::exchange(m_done, nullptr))
-            done(location);
-    }
-
-    const std::string m_host;
-    std::function<void(CameraLocation)> m_done;
-    std::vector<std::shared_ptr<SoapClient>> m_clients;
-    std::vector<RequestPtr> m_questions;
-    RequestPtr m_search;
-};
-
 } // namespace
 
 class CameraLookup::Private
@@ -413,32 +342,18 @@ CameraLookup::~CameraLookup() = default;
 RequestPtr CameraLookup::resolve(const std::string &uid,
                                  std::function<void(std::optional<CameraLocation>)> done)
 {
-    SearchScope scope = SearchScope::fromEnvironment();
-    scope.uid = base::uidFromEndpoint(uid);
-    if (scope.uid.empty()) {
-        // No device can have it: nothing is sent.
-        scope.multicast = false;
-        scope.targets.clear();
-        scope.milliseconds = 0;
-    }
-    scope.isWanted = [uid = scope.uid](const DiscoveredDevice &device) {
-        return base::sameUid(device.uid, uid);
-    };
-    return std::make_unique<DiscoverySearch>(
-        d->context.get(), std::move(scope),
-        [known = d, done = std::move(done)](const SearchResult &result) {
-            std::optional<CameraLocation> location;
-            if (result.wanted) {
-                location = locationOf(*result.wanted);
+    return findByUid(
+        d->context.get(), base::uidFromEndpoint(uid),
+        [known = d, done = std::move(done)](const std::optional<CameraLocation> &location) {
+            if (location)
                 known->foundByUid.insert(location->xaddr);
-            }
             done(location);
         });
 }
 
 RequestPtr CameraLookup::locate(const std::string &host, std::function<void(CameraLocation)> done)
 {
-    return std::make_unique<LocateRequest>(d->context.get(), host, std::move(done));
+    return findAtHost(d->context.get(), host, std::move(done));
 }
 
 RequestPtr CameraLookup::streamUris(const std::string &xaddr, const base::Credentials &credentials,

@@ -2,6 +2,7 @@
 
 #include "platform/base/credentials.h"
 #include "platform/base/login_limit.h"
+#include "platform/onvif/camera_location.h"
 #include "platform/onvif/device_message.h"
 #include "platform/onvif/picture_request.h"
 #include "platform/onvif/request.h"
@@ -18,14 +19,6 @@ namespace onvif {
 
 /// Of one camera; null for none.
 using LoginLimitPtr = std::shared_ptr<base::LoginLimit>;
-
-/// Where a camera is.
-struct CameraLocation
-{
-    std::string address;  ///< host without port: dotted IPv4, or the requested host name
-    std::string xaddr;    ///< its ONVIF device service, an http or https address
-    bool isGuess = false; ///< nobody has answered: the usual address
-};
 
 /// One stream of a camera.
 struct CameraStream
@@ -63,7 +56,8 @@ public:
     CameraLookup &operator=(const CameraLookup &) = delete;
 
     /// Finds the camera with this UID (as discovery shows it) on the local network; nullopt when
-    /// none answered within 3 s.
+    /// none answered within 3 s, or who did calls itself otherwise when it is asked (without a
+    /// login). One that does not know that question is believed.
     [[nodiscard]] RequestPtr resolve(const std::string &uid,
                                      std::function<void(std::optional<CameraLocation>)> done);
 

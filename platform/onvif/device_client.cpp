@@ -81,6 +81,12 @@ RequestPtr DeviceClient::mediaServices(Answer<MediaServices> done)
     return std::make_unique<MediaServicesRequest>(m_soap, std::move(done));
 }
 
+RequestPtr DeviceClient::endpointReference(Answer<std::string> done)
+{
+    return ask<std::string>(m_soap, m_soap.deviceService(), action("GetEndpointReference"),
+                            buildGetEndpointReference(), parseEndpointReference, std::move(done));
+}
+
 RequestPtr DeviceClient::deviceInformation(Answer<DeviceInformation> done)
 {
     return ask<DeviceInformation>(m_soap, m_soap.deviceService(), action("GetDeviceInformation"),

@@ -24,6 +24,8 @@ public:
     /// Addresses of the media services, held to the device itself (see serviceAtDevice); one at
     /// least with SoapStatus::Ok.
     [[nodiscard]] RequestPtr mediaServices(Answer<MediaServices> done);
+    /// The device's UID.
+    [[nodiscard]] RequestPtr endpointReference(Answer<std::string> done);
     [[nodiscard]] RequestPtr deviceInformation(Answer<DeviceInformation> done);
     [[nodiscard]] RequestPtr networkInterfaces(Answer<std::vector<NetworkInterface>> done);
     /// The answer says whether the setup takes effect only after reboot().

@@ -92,6 +92,11 @@ std::string buildGetServices()
            "</tds:GetServices>";
 }
 
+std::string buildGetEndpointReference()
+{
+    return "<tds:GetEndpointReference/>";
+}
+
 std::string buildGetNetworkInterfaces()
 {
     return "<tds:GetNetworkInterfaces/>";
@@ -185,6 +190,13 @@ std::optional<DeviceInformation> parseDeviceInformation(const XmlMessage &messag
     information.serialNumber = cleanInformation(response, "SerialNumber");
     information.hardwareId = cleanInformation(response, "HardwareId");
     return information;
+}
+
+std::optional<std::string> parseEndpointReference(const XmlMessage &message)
+{
+    std::string uid = base::uidFromEndpoint(
+        textOf(child(message.body(), {"GetEndpointReferenceResponse", "GUID"})));
+    return uid.empty() ? std::nullopt : std::optional(std::move(uid));
 }
 
 std::optional<MediaServices> parseMediaServices(const XmlMessage &message)

@@ -82,6 +82,7 @@ struct InterfaceSetup
 std::string buildGetDeviceInformation();
 std::string buildGetCapabilities();
 std::string buildGetServices();
+std::string buildGetEndpointReference();
 std::string buildGetNetworkInterfaces();
 std::string buildSetNetworkInterfaces(const InterfaceSetup &setup);
 std::string buildGetNetworkDefaultGateway();
@@ -95,6 +96,8 @@ std::string buildSetScopes(const std::vector<std::string> &scopes);
 std::string buildSystemReboot();
 
 std::optional<DeviceInformation> parseDeviceInformation(const XmlMessage &message);
+/// The UID of a GetEndpointReferenceResponse, see uidFromEndpoint; nullopt without a usable one.
+std::optional<std::string> parseEndpointReference(const XmlMessage &message);
 /// Addresses of the media services, from GetCapabilities or GetServices; nullopt without any.
 std::optional<MediaServices> parseMediaServices(const XmlMessage &message);
 std::optional<std::vector<NetworkInterface>> parseNetworkInterfaces(const XmlMessage &message);

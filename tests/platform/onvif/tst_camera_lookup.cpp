@@ -166,6 +166,31 @@ TEST_F(CameraLookupTest, NeverTellsThePasswordInClearToWhoeverClaimsAUid)
     EXPECT_TRUE(tellsPassword());
 }
 
+TEST_F(CameraLookupTest, BelievesNobodyWhoCallsItselfOtherwise)
+{
+    UdpPeer peer(m_context, [this](const std::string &question) {
+        AnnouncedDevice device;
+        device.xaddrs = m_device.service();
+        return std::vector<std::string>{
+            discoveryAnswer("ProbeMatches", messageIdOf(question), {device})};
+    });
+    searchOnlyAt(peer.target());
+    const auto callItself = [this](const std::string &guid) {
+        m_device.answer("GetEndpointReference",
+                        "<tds:GetEndpointReferenceResponse><tds:GUID>" + guid +
+                            "</tds:GUID></tds:GetEndpointReferenceResponse>");
+    };
+    EXPECT_TRUE(resolve(uuid)) << "does not know the question";
+    callItself("urn:uuid:4FA94C7C-8f6b-4c57-9a55-3f1d50e6a101");
+    EXPECT_TRUE(resolve(uuid));
+    callItself("");
+    EXPECT_TRUE(resolve(uuid));
+    callItself("urn:uuid:00000000-8f6b-4c57-9a55-3f1d50e6a101");
+    EXPECT_FALSE(resolve(uuid));
+    for (const SoapDevice::Seen &request : m_device.seen())
+        EXPECT_EQ(request.text.find("Username"), std::string::npos);
+}
+
 TEST_F(CameraLookupTest, DoesNotResolveAnUnknownUid)
 {
     UdpPeer peer(m_context, [](const std::string &question) {
