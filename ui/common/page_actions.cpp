@@ -54,7 +54,7 @@ void PageActions::addSeparator()
 void PageActions::tickWhile(QAction *action, std::function<bool()> isOn)
 {
     action->setCheckable(true);
-    m_ticks.insert(action, std::move(isOn));
+    m_ticks[action] = std::move(isOn);
 }
 
 void PageActions::setExtras(std::function<void(QMenu &, QWidget *)> extras)
