@@ -183,7 +183,8 @@ function(zelvaro_register_test name label timeout)
   set_property(TEST ${tests} APPEND PROPERTY ENVIRONMENT
     "ASAN_OPTIONS=${ZELVARO_ASAN_OPTIONS}"
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/leaks_of_libraries.txt:print_suppressions=0"
-    "UBSAN_OPTIONS=print_stacktrace=1" "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1")
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/races_of_libraries.txt:halt_on_error=1:second_deadlock_stack=1")
 endfunction()
 
 # zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds]

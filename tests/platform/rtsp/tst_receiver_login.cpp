@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <map>
 #include <set>
 
@@ -248,7 +249,7 @@ TEST(ReceiverLogin, NoCameraGetsMoreThanThreeWrongLogins)
 {
     for (const std::string refusing : {"DESCRIBE", "PLAY"}) {
         int nonce = 0;
-        int wrong = 0;
+        std::atomic<int> wrong = 0;
         ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
             if (request.method == "OPTIONS" ||
                 (request.method != refusing && isRight(request, {}, "1")))
@@ -336,7 +337,7 @@ TEST(ReceiverLogin, TheConnectionMayEndWithTheChallenge)
 
 TEST(ReceiverLogin, NoPasswordInClearToACameraThatOfferedBetter)
 {
-    bool offersDigest = true;
+    std::atomic<bool> offersDigest = true;
     ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
         if (isRight(request, {}, "1"))
             return false;

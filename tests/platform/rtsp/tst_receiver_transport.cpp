@@ -11,6 +11,9 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cstdlib>
+
 using rtsp::StreamEnd;
 using rtsp::StreamRequest;
 using rtsp::Transport;
@@ -93,7 +96,7 @@ TEST(ReceiverTransport, UdpIsTriedWhereSetupOverTcpIsRefused)
 TEST(ReceiverTransport, UdpIsTriedWherePlayOverTcpIsRefused)
 {
     for (const int status : {403, 406, 461, 501, 503}) {
-        const ScriptedCamera *self = nullptr;
+        std::atomic<const ScriptedCamera *> self = nullptr;
         ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
             const bool refused = request.method == "PLAY" && usesTcp(connection, *self);
             if (refused)
@@ -111,7 +114,7 @@ TEST(ReceiverTransport, UdpIsTriedWherePlayOverTcpIsRefused)
 TEST(ReceiverTransport, UdpIsTriedWhereTheCameraClosesAtSetupOrPlay)
 {
     for (const char *method : {"SETUP", "PLAY"}) {
-        const ScriptedCamera *self = nullptr;
+        std::atomic<const ScriptedCamera *> self = nullptr;
         ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
             const bool closes = request.method == method && usesTcp(connection, *self);
             if (closes)
@@ -126,7 +129,7 @@ TEST(ReceiverTransport, UdpIsTriedWhereTheCameraClosesAtSetupOrPlay)
 
 TEST(ReceiverTransport, UdpIsTriedWhereNothingComesOverTcp)
 {
-    const ScriptedCamera *self = nullptr;
+    std::atomic<const ScriptedCamera *> self = nullptr;
     ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
         if (request.method != "PLAY" || !usesTcp(connection, *self))
             return false;
@@ -312,10 +315,10 @@ TEST(ReceiverTransport, AWebServerMayCloseOrBeNone)
 
 TEST(ReceiverTransport, PacketsOfStrangersAreNotTaken)
 {
-    int clientPort = 0;
+    std::atomic<int> clientPort = 0;
     ScriptedCamera camera({.script = [&](const Request &request, Connection &connection) {
         if (request.method == "SETUP" && clientPort == 0)
-            sscanf(request.header("transport").c_str() + 28, "%d", &clientPort);
+            clientPort = std::atoi(request.header("transport").c_str() + 28);
         if (request.method != "PLAY")
             return false;
         // 127.0.0.2 is another host.
