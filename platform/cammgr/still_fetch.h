@@ -45,7 +45,7 @@ public:
     void giveUp() { finish(false); }
 
 private:
-    void described(bool, bool) override {}
+    void described(bool, bool, const std::shared_ptr<const base::AudioFormat> &) override {}
     void plays() override;
     void video(const base::AccessUnit &unit) override;
     void audio(const base::AudioUnit &) override {}

@@ -143,10 +143,14 @@ void LiveStream::Session::release()
     m_audio->close();
 }
 
-void LiveStream::Session::described(bool hasVideo, bool hasAudio)
+void LiveStream::Session::described(bool hasVideo, bool hasAudio,
+                                    const std::shared_ptr<const base::AudioFormat> &sound)
 {
     m_hasVideo = hasVideo;
     m_hasAudio = hasAudio;
+    m_soundFormat = sound;
+    if (sound)
+        m_recorder->expectAudio(media::audioCaps(*sound));
 }
 
 void LiveStream::Session::plays()

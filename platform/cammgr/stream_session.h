@@ -66,7 +66,8 @@ private:
         Ended
     };
 
-    void described(bool hasVideo, bool hasAudio) override;
+    void described(bool hasVideo, bool hasAudio,
+                   const std::shared_ptr<const base::AudioFormat> &sound) override;
     void plays() override;
     void video(const base::AccessUnit &received) override;
     void audio(const base::AudioUnit &unit) override;

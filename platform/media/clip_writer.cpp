@@ -160,7 +160,9 @@ void ClipWriter::push(const AccessUnit &unit)
         m_reordered = m_reordered || unit.bipredictive;
     const bool orderTold =
         m_format.isOrderKnown || m_reordered || m_waitingVideo.size() >= framesThatTellOrder;
-    if ((!m_format.withAudio && orderTold) || unit.time >= m_start + longestAudioWait)
+    // Sound of a known kind may come later; it is silence until then.
+    const bool soundTold = !m_format.withAudio || m_format.audio;
+    if ((soundTold && orderTold) || unit.time >= m_start + longestAudioWait)
         open();
 }
 

@@ -105,6 +105,12 @@ int Recorder::end()
     return 0;
 }
 
+void Recorder::expectAudio(CapsRef caps)
+{
+    std::lock_guard lock(m_mutex);
+    m_audioCaps = std::move(caps);
+}
+
 void Recorder::interrupt()
 {
     std::lock_guard lock(m_mutex);

@@ -32,6 +32,9 @@ public:
     /// is full or was removed; writing is tried again every few seconds.
     bool isWaiting() const;
 
+    /// What sound will come, where that is known before the first of it: a clip then does not wait
+    /// for it.
+    void expectAudio(CapsRef caps);
     /// The next frame belongs to another stream, with which the next clip begins. The one that is
     /// written ends here.
     void interrupt();

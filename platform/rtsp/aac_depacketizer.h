@@ -19,6 +19,10 @@ public:
 
     void take(const MediaPacket &packet) override;
     void restart() override;
+    [[nodiscard]] std::shared_ptr<const base::AudioFormat> soundFormat() const override
+    {
+        return m_format;
+    }
 
 private:
     /// The fields of the header of an access unit, in bits (RFC 3640 3.2.1.1).

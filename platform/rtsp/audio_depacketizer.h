@@ -14,6 +14,10 @@ public:
 
     void take(const MediaPacket &packet) override;
     void restart() override {}
+    [[nodiscard]] std::shared_ptr<const base::AudioFormat> soundFormat() const override
+    {
+        return m_format;
+    }
 
 private:
     Client &m_client;

@@ -43,6 +43,14 @@ bool canDepacketize(const MediaDescription &media, const PayloadFormat &format)
     return makeDepacketizer(media, format, client) != nullptr;
 }
 
+std::shared_ptr<const base::AudioFormat> describedSound(const MediaDescription &media,
+                                                        const PayloadFormat &format)
+{
+    NoClient client;
+    const std::unique_ptr<Depacketizer> made = makeDepacketizer(media, format, client);
+    return made ? made->soundFormat() : nullptr;
+}
+
 std::unique_ptr<Depacketizer> makeDepacketizer(const MediaDescription &media,
                                                const PayloadFormat &format,
                                                Depacketizer::Client &client)

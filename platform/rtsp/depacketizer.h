@@ -71,6 +71,11 @@ public:
     /// When tick() has to be called; nullopt: not at all.
     [[nodiscard]] virtual std::optional<TimePoint> deadline() const { return std::nullopt; }
     virtual void tick(TimePoint now) { static_cast<void>(now); }
+    /// Of the sound that will be handed on, as far as the description tells; null else.
+    [[nodiscard]] virtual std::shared_ptr<const base::AudioFormat> soundFormat() const
+    {
+        return nullptr;
+    }
 };
 
 struct MediaDescription;
@@ -78,6 +83,10 @@ struct PayloadFormat;
 
 /// Whether a format can be received here.
 [[nodiscard]] bool canDepacketize(const MediaDescription &media, const PayloadFormat &format);
+
+/// The format of the sound of a medium, as far as its description tells; null else.
+[[nodiscard]] std::shared_ptr<const base::AudioFormat> describedSound(const MediaDescription &media,
+                                                                      const PayloadFormat &format);
 
 /// The client must outlive what is made. Null when the format cannot be received here.
 [[nodiscard]] std::unique_ptr<Depacketizer> makeDepacketizer(const MediaDescription &media,

@@ -15,6 +15,10 @@ public:
 
     void take(const MediaPacket &packet) override;
     void restart() override;
+    [[nodiscard]] std::shared_ptr<const base::AudioFormat> soundFormat() const override
+    {
+        return m_format;
+    }
 
 private:
     LatmDepacketizer(Client &client, bool inBand, std::optional<LatmConfig> config);

@@ -25,8 +25,9 @@ public:
     public:
         virtual ~Client() = default;
         /// The camera's description, before anything is set up. hasAudio: sound that can be played,
-        /// whether it was wanted or not.
-        virtual void described(bool hasVideo, bool hasAudio) = 0;
+        /// whether it was wanted or not. sound: its format; null where only its packets tell.
+        virtual void described(bool hasVideo, bool hasAudio,
+                               const std::shared_ptr<const base::AudioFormat> &sound) = 0;
         /// The camera answered PLAY, or sent its first picture before that answer. Once.
         virtual void plays() = 0;
         virtual void video(const base::AccessUnit &unit) = 0;

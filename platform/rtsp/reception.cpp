@@ -1,5 +1,7 @@
 #include "platform/rtsp/reception.h"
 
+#include "platform/rtsp/depacketizer.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -74,8 +76,11 @@ TrackChoice Receiver::Private::chooseTracks(const SessionDescription &descriptio
     } else {
         choice = nothingIn(description);
     }
-    if (!std::exchange(m_isDescribed, true))
-        m_client.described(video != nullptr, audio != nullptr);
+    if (!std::exchange(m_isDescribed, true)) {
+        const PayloadFormat *format = audio ? playableFormat(*audio) : nullptr;
+        m_client.described(video != nullptr, audio != nullptr,
+                           format ? describedSound(*audio, *format) : nullptr);
+    }
     return choice;
 }
 

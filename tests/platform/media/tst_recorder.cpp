@@ -205,6 +205,31 @@ TEST_F(RecorderTest, SoundMayComeAfterTheButton)
     EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
 }
 
+TEST_F(RecorderTest, SoundOfAKnownKindIsNotWaitedFor)
+{
+    const auto units = EncodedStream::make({.frames = 100});
+    m_recorder->expectAudio(
+        media::CapsRef::adopt(gst_caps_from_string("audio/x-mulaw,rate=8000,channels=1")));
+    m_recorder->begin(m_base, 0, true);
+    // 0.64 s without a sound.
+    feed({units.begin(), units.begin() + 17});
+    EXPECT_TRUE(waitUntil([&] {
+        std::error_code error;
+        return std::filesystem::file_size(clip(1), error) > 0 && !error;
+    }));
+    for (size_t i = 17; i < units.size(); ++i) {
+        feed({units[i]});
+        feedAudio(units[i].time, 2);
+    }
+    m_recorder->end();
+    ASSERT_TRUE(waitUntilClosed());
+    EXPECT_EQ(MediaProbe::codecs(clip(1)), "h264 aac");
+    EXPECT_EQ(MediaProbe::decodedFrames(clip(1)), 100);
+    EXPECT_NEAR(MediaProbe::audioDuration(clip(1)), 4.0, 0.3);
+    EXPECT_LT(MediaProbe::longestAudioGap(clip(1)), 0.2);
+    EXPECT_EQ(MediaProbe::complaints(clip(1)), "");
+}
+
 TEST_F(RecorderTest, SoundThatBeginsLateIsHeard)
 {
     const auto units = EncodedStream::make({.frames = 200});

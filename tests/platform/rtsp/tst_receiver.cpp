@@ -118,6 +118,9 @@ TEST(Receiver, TellsWhatVideoItCannotPlay)
     EXPECT_THAT(viewer.text(), HasSubstr("VP8"));
     EXPECT_FALSE(viewer.hasVideo());
     EXPECT_TRUE(viewer.hasAudio());
+    ASSERT_TRUE(viewer.sound());
+    EXPECT_EQ(viewer.sound()->codec, base::AudioCodec::Pcmu);
+    EXPECT_EQ(viewer.sound()->rate, 8000);
     EXPECT_THAT(camera.methods(), ElementsAre("OPTIONS", "DESCRIBE"));
 }
 

@@ -85,6 +85,7 @@ public:
     bool hasAudio() const { return locked(m_hasAudio); }
     int sounds() const { return locked(m_sounds); }
     std::string text() const { return locked(m_text); }
+    std::shared_ptr<const base::AudioFormat> sound() const { return locked(m_sound); }
     rtsp::StreamFailure failure() const { return locked(m_failure); }
 
 private:
@@ -106,12 +107,14 @@ private:
         m_changed.notify_all();
     }
 
-    void described(bool hasVideo, bool hasAudio) override
+    void described(bool hasVideo, bool hasAudio,
+                   const std::shared_ptr<const base::AudioFormat> &sound) override
     {
         note([&] {
             ++m_descriptions;
             m_hasVideo = hasVideo;
             m_hasAudio = hasAudio;
+            m_sound = sound;
         });
     }
     void plays() override
@@ -157,6 +160,7 @@ private:
     int m_ends = 0;
     bool m_hasVideo = false;
     bool m_hasAudio = false;
+    std::shared_ptr<const base::AudioFormat> m_sound;
     std::optional<rtsp::StreamEnd> m_end;
     std::string m_text;
     rtsp::StreamFailure m_failure;
