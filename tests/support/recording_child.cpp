@@ -14,13 +14,15 @@ int main(int count, char **arguments)
     std::mutex lock;
     std::condition_variable changed;
     bool plays = false;
-    cammgr::LiveStream stream({[&] {
-                                   std::lock_guard held(lock);
-                                   plays = true;
-                                   changed.notify_all();
-                               },
-                               [](cammgr::StreamEnd) { _exit(3); },
-                               {}});
+    cammgr::LiveStream stream({.firstFrame =
+                                   [&] {
+                                       std::lock_guard held(lock);
+                                       plays = true;
+                                       changed.notify_all();
+                                   },
+                               .ended = [](const cammgr::StreamFailure &) { _exit(3); },
+                               .undecodable = {},
+                               .wantKeyFrame = {}});
     stream.setVolume(0);
     stream.start({{.url = arguments[1], .username = arguments[2], .password = arguments[3]}, 0});
     std::unique_lock held(lock);
