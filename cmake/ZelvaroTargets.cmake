@@ -185,6 +185,10 @@ function(zelvaro_register_test name label timeout)
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/leaks_of_libraries.txt:print_suppressions=0"
     "UBSAN_OPTIONS=print_stacktrace=1"
     "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/races_of_libraries.txt:halt_on_error=1:second_deadlock_stack=1")
+  # GLib's own allocator passes memory from thread to thread where the sanitizer does not see it.
+  if(ZELVARO_SANITIZE MATCHES "thread")
+    set_property(TEST ${tests} APPEND PROPERTY ENVIRONMENT "G_SLICE=always-malloc")
+  endif()
 endfunction()
 
 # zelvaro_qt_test(name LABEL unit|widget|e2e SOURCES ... LINK ... [TIMEOUT seconds]
