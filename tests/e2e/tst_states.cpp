@@ -34,6 +34,20 @@ bool hasNotice(const QImage &picture)
     return pixels > 500;
 }
 
+/// Whether every second line is black and the others are not: the look of an old picture.
+bool isDimmed(const QImage &picture)
+{
+    const int column = picture.width() / 8; // beside the texts
+    int lit = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        const bool black = qGray(picture.pixel(column, y)) == 0;
+        if (y % 2 == 0 && !black)
+            return false;
+        lit += y % 2 == 1 && !black;
+    }
+    return lit > picture.height() / 4;
+}
+
 } // namespace
 
 /// What the pages show of cameras that are in trouble, read from the screen, and the keys as a
@@ -163,6 +177,7 @@ void TestStates::aFrozenPictureIsTold(CamsimProcess &cameras)
     QTRY_VERIFY_WITH_TIMEOUT(playing.hasMoved(), patience);
     QVERIFY(!hasNotice(pictureOnScreen(*picture())));
     QVERIFY(cameras.tell(0, "freeze"));
+    QTRY_VERIFY_WITH_TIMEOUT(isDimmed(pictureOnScreen(*picture())), patience);
     QTRY_VERIFY_WITH_TIMEOUT(hasNotice(pictureOnScreen(*picture())), patience);
     QVERIFY(cameras.tell(0, "thaw"));
     QTRY_VERIFY_WITH_TIMEOUT(!hasNotice(pictureOnScreen(*picture())), 2 * patience);
