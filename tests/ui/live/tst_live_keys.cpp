@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr int deadline = LiveFixture::deadline;
-
 QStringList menuOf(QWidget *widget)
 {
     QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(3, 3),
