@@ -53,8 +53,9 @@ enum
                                        CAMMGR_ERROR_REFUSED or CAMMGR_ERROR_UNREACHABLE */
     CAMMGR_MSG_DELETED = 2,         /* RtspPlayer_Delete is complete; the handle is invalid */
     CAMMGR_MSG_COMMAND_REPLIES = 3, /* replies of a command batch: count texts, in request order */
-    CAMMGR_MSG_STILL = 4 /* answer to RtspPlayer_FetchStill; the second argument is 0 when
-                            the picture is written, negative when there is none */
+    CAMMGR_MSG_STILL = 100 /* answer to RtspPlayer_FetchStill; the second argument is 0 when the
+                              picture is written, negative when there is none. Apart from the
+                              messages above, which every library sends. */
 };
 
 /* Second argument of CAMMGR_MSG_PROBE_FAILED. */
