@@ -63,20 +63,28 @@ bool Feed::isDead() const
     return false;
 }
 
+void Feed::started()
+{
+    Phase before = m_phase;
+    while (!m_phase.compare_exchange_weak(before, {State::Fresh, before.starts + 1}))
+        ;
+}
+
 void Feed::push(GstBuffer *buffer)
 {
-    State before = m_state;
+    Phase before = m_phase;
     auto *appsrc = static_cast<GstElement *>(g_weak_ref_get(&m_appsrc));
     GstFlowReturn taken = GST_FLOW_FLUSHING;
     if (appsrc) {
-        noteGap(before);
+        noteGap(before.state);
         GstBuffer *copy = gst_buffer_copy(buffer); // shares the memory
         stamp(copy, appsrc);
         taken = gst_app_src_push_buffer(GST_APP_SRC(appsrc), copy);
         gst_object_unref(appsrc);
     }
     // A restart in between stays a restart.
-    m_state.compare_exchange_strong(before, taken == GST_FLOW_OK ? State::Running : State::Idle);
+    m_phase.compare_exchange_strong(
+        before, {taken == GST_FLOW_OK ? State::Running : State::Idle, before.starts});
 }
 
 void Feed::noteGap(State before)

@@ -28,8 +28,8 @@ public:
     Feed(const Feed &) = delete;
     Feed &operator=(const Feed &) = delete;
 
-    State state() const { return m_state; }
-    void started() { m_state = State::Fresh; }
+    State state() const { return m_phase.load().state; }
+    void started();
     /// Pushes a reference to the data, stamped with the time of the push. The feed becomes idle
     /// when its media does not take it.
     void push(GstBuffer *buffer);
@@ -42,11 +42,16 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
+    struct Phase
+    {
+        State state = State::Idle;
+        unsigned starts = 0; ///< so that a restart during a push is told from no restart
+    };
 
     void noteGap(State before);
 
     mutable GWeakRef m_appsrc;
-    std::atomic<State> m_state{State::Idle};
+    std::atomic<Phase> m_phase{Phase{}};
     Clock::time_point m_lastPush; // of the thread that pushes
     std::atomic<Clock::duration> m_longestGap{Clock::duration::zero()};
 };
