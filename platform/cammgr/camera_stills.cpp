@@ -78,8 +78,9 @@ void CameraSession::askForSnapshot(const onvif::CameraStreams &streams)
 
 void CameraSession::receiveStill(StreamPlace place)
 {
-    rtsp::StreamRequest stream = request(StreamPaths::path(place));
-    stream.wantsAudio = false;
+    // With its sound, if it has one: of two media a well-known server package now and then sends
+    // neither when only one is set up.
+    const rtsp::StreamRequest stream = request(StreamPaths::path(place));
     m_still->receive(
         stream,
         [this, place] {
