@@ -30,12 +30,6 @@ constexpr std::array<Scheme, 4> schemes{{{"rtsp://", false, rtspPort},
                                          {"http://", false, 80},
                                          {"https://", true, 443}}};
 
-bool startsWithNoCase(std::string_view text, std::string_view prefix)
-{
-    return text.size() >= prefix.size() &&
-           g_ascii_strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
-}
-
 std::optional<uint16_t> parsePort(std::string_view text)
 {
     if (text.empty() || text.size() > 5)

@@ -10,12 +10,6 @@ namespace {
 
 constexpr std::string_view whiteSpace = " \t\r\n\v\f";
 
-bool startsWithNoCase(std::string_view text, std::string_view prefix)
-{
-    return text.size() >= prefix.size() &&
-           g_ascii_strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
-}
-
 bool isUidCharacter(char c)
 {
     return g_ascii_isalnum(c) || c == '-' || c == '_' || c == '.' || c == ':';
@@ -44,6 +38,17 @@ bool isShowable(gunichar character)
 }
 
 } // namespace
+
+bool startsWithNoCase(std::string_view text, std::string_view prefix)
+{
+    return text.size() >= prefix.size() &&
+           g_ascii_strncasecmp(text.data(), prefix.data(), prefix.size()) == 0;
+}
+
+bool equalNoCase(std::string_view a, std::string_view b)
+{
+    return a.size() == b.size() && startsWithNoCase(a, b);
+}
 
 std::string cutUtf8(std::string_view text, std::size_t maxBytes)
 {
@@ -179,7 +184,7 @@ std::string uidFromEndpoint(std::string_view endpoint)
 
 bool sameUid(std::string_view a, std::string_view b)
 {
-    return a.size() == b.size() && startsWithNoCase(a, b);
+    return equalNoCase(a, b);
 }
 
 std::string lowerAscii(std::string_view text)

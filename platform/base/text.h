@@ -31,6 +31,10 @@ std::string percentEncode(std::string_view text);
 /// out.
 std::string xmlEscape(std::string_view text);
 
+/// Without regard to the case of ASCII letters.
+bool startsWithNoCase(std::string_view text, std::string_view prefix);
+bool equalNoCase(std::string_view a, std::string_view b);
+
 /// The UID of an endpoint address: the UUID of "urn:uuid:" and "uuid:" addresses, other addresses
 /// as they are, cut to maxUidLength. Empty when it has a character outside letters, digits,
 /// "-", "_", "." and ":", or is "." or "..": UIDs become folder names.

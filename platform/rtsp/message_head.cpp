@@ -9,12 +9,8 @@
 namespace rtsp {
 namespace {
 
+using base::equalNoCase;
 using base::trimmed;
-
-bool equalNoCase(std::string_view a, std::string_view b)
-{
-    return a.size() == b.size() && g_ascii_strncasecmp(a.data(), b.data(), a.size()) == 0;
-}
 
 /// Cuts the first line off.
 std::string_view takeLine(std::string_view &text)
